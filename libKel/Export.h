@@ -1,0 +1,21 @@
+#ifndef LIBKEL_EXPORT_H
+#define LIBKEL_EXPORT_H
+
+/// Marks what `libKel` offers to other modules. Everything unmarked stays hidden, so that a
+/// forgotten mark fails at link time on Linux as it does on Windows.
+///
+/// `KEL_BUILDING` is defined while the library itself is compiled, `KEL_STATIC` where it is built
+/// or used as a static library.
+#if defined(KEL_STATIC)
+#define KEL_EXPORT
+#elif defined(_WIN32)
+#if defined(KEL_BUILDING)
+#define KEL_EXPORT __declspec(dllexport)
+#else
+#define KEL_EXPORT __declspec(dllimport)
+#endif
+#else
+#define KEL_EXPORT __attribute__((visibility("default")))
+#endif
+
+#endif

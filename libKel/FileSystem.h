@@ -1,0 +1,47 @@
+#ifndef LIBKEL_FILESYSTEM_H
+#define LIBKEL_FILESYSTEM_H
+
+#include <libKel/Buffer.h>
+#include <libKel/Export.h>
+#include <libKel/String.h>
+
+namespace kel {
+
+/// Access to the files of the machine.
+///
+/// Paths: UTF-8 on every system, `/` between the parts (on Windows `\` too, while no root is set).
+///   A relative path is relative to the working directory, or to the root where one is set. A path
+///   that is empty or holds a NUL byte, and on Windows one that is not valid UTF-8, names nothing.
+/// Root: once a root is set, only the files inside that directory exist. Paths are then relative
+///   and are refused where they leave the root by `..` or through a symbolic link. The same paths
+///   are refused on every system, so that what works on one works on the others: absolute paths,
+///   and parts that hold `\`, `:` or a control character, end in a dot or a blank, or are a device
+///   name that Windows reserves (`CON`, `NUL.txt`, ...). The root guards against paths, not
+///   against somebody who exchanges directories for links while a file is being opened.
+/// Threads: all functions may be called from any thread. The root is one for the whole process.
+/// Errors: nothing is thrown but `std::bad_alloc`.
+class KEL_EXPORT FileSystem {
+  public:
+    FileSystem() = delete;
+
+    /// True if `path` names a regular file, directly or through symbolic links. A directory, a
+    /// pipe or a device does not exist in this sense.
+    static bool exists(const String& path);
+
+    /// Reads the whole file into `out`, whose former content is freed first. `length`, where not
+    /// null, receives the number of bytes read.
+    /// Returns false, and leaves `out` empty and `*length` zero, where the file does not exist (as
+    /// in `exists`), cannot be read, or is longer than 4 GiB - 1 byte.
+    static bool loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length);
+
+    /// From now on only the files inside `directory` exist. Returns false, and changes nothing,
+    /// where `directory` is not a directory that can be entered.
+    [[nodiscard]] static bool setRoot(const String& directory);
+
+    /// Takes the root away again.
+    static void clearRoot();
+};
+
+} // namespace kel
+
+#endif

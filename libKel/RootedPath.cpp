@@ -1,0 +1,77 @@
+#include <libKel/RootedPath.h>
+
+#include <algorithm>
+#include <array>
+
+namespace kel {
+
+namespace {
+
+constexpr std::string_view forbidden = "\\:*?\"<>|";
+
+/// The device names that Windows finds in every directory, whatever extension follows them
+/// (Microsoft's "Naming Files, Paths, and Namespaces"). `#` stands for a digit, superscripts
+/// included.
+constexpr std::array<std::string_view, 8> devices = {"CON",    "PRN",     "AUX",  "NUL",
+                                                     "CONIN$", "CONOUT$", "COM#", "LPT#"};
+
+char upperCase(char letter) noexcept {
+    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+}
+
+bool isDigit(std::string_view text) noexcept {
+    const bool superscript = text == "\u00B9" || text == "\u00B2" || text == "\u00B3";
+    return superscript || (text.size() == 1 && text[0] >= '0' && text[0] <= '9');
+}
+
+bool matchesDevice(std::string_view name, std::string_view device) noexcept {
+    const bool numbered = device.back() == '#';
+    const std::string_view letters = device.substr(0, device.size() - (numbered ? 1 : 0));
+    if (name.size() < letters.size() ||
+        !std::equal(letters.begin(), letters.end(), name.begin(),
+                    [](char wanted, char found) { return wanted == upperCase(found); })) {
+        return false;
+    }
+    const std::string_view rest = name.substr(letters.size());
+    return numbered ? isDigit(rest) : rest.empty();
+}
+
+bool isDevice(std::string_view part) noexcept {
+    std::string_view name = part.substr(0, part.find('.'));
+    while (!name.empty() && name.back() == ' ') {
+        name.remove_suffix(1);
+    }
+    return std::any_of(devices.begin(), devices.end(),
+                       [name](std::string_view device) { return matchesDevice(name, device); });
+}
+
+bool isPortablePart(std::string_view part) noexcept {
+    if (part.empty() || part == "." || part == "..") {
+        return true;
+    }
+    const bool plain = std::none_of(part.begin(), part.end(), [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 ||
+               forbidden.find(character) != std::string_view::npos;
+    });
+    return plain && part.back() != '.' && part.back() != ' ' && !isDevice(part);
+}
+
+} // namespace
+
+bool isPortableRelativePath(std::string_view path) noexcept {
+    if (path.empty() || path.front() == '/') {
+        return false;
+    }
+    while (true) {
+        const std::size_t slash = path.find('/');
+        if (!isPortablePart(path.substr(0, slash))) {
+            return false;
+        }
+        if (slash == std::string_view::npos) {
+            return true;
+        }
+        path.remove_prefix(slash + 1);
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,222 @@
+#include <libKel/String.h>
+
+#include <libKel/Utf8.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <new>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
+
+/// `size`, where a string may be that long.
+unsigned int checkedSize(std::size_t size) {
+    if (size > longest) {
+        throw std::length_error("kel::String: longer than 4 GiB - 1 byte");
+    }
+    return static_cast<unsigned int>(size);
+}
+
+/// A block for `size` characters and the NUL, made from `block` (which may be null) by moving what
+/// it holds. The blocks come from malloc because realloc moves large ones without copying.
+char* resizeBlock(char* block, std::size_t size) {
+    void* resized = std::realloc(block, size + 1);
+    if (resized == nullptr) {
+        throw std::bad_alloc();
+    }
+    return static_cast<char*>(resized);
+}
+
+void copyBytes(char* to, const char* from, std::size_t count) {
+    if (count > 0) { // a null pointer may come with a count of 0
+        std::memmove(to, from, count);
+    }
+}
+
+} // namespace
+
+CString::CString(const char* bytes, unsigned int length) : data_(inline_), size_(length) {
+    if (length > inlineCapacity) {
+        data_ = resizeBlock(nullptr, length);
+    }
+    copyBytes(data_, bytes, length);
+    data_[length] = '\0';
+}
+
+CString::~CString() {
+    if (data_ != inline_) {
+        std::free(data_);
+    }
+}
+
+String::String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
+
+String::String(const char* bytes) : String() {
+    if (bytes != nullptr) {
+        assign(bytes, checkedSize(std::strlen(bytes)));
+    }
+}
+
+String::String(const char* bytes, unsigned int length) : String() {
+    assign(bytes, length);
+}
+
+String::String(std::string_view bytes) : String() {
+    assign(bytes.data(), checkedSize(bytes.size()));
+}
+
+String::String(const String& other) : String() {
+    assign(other.data_, other.size_);
+}
+
+String::String(String&& other) noexcept : String() {
+    take(other);
+}
+
+String& String::operator=(const String& other) {
+    if (this != &other) {
+        assign(other.data_, other.size_);
+    }
+    return *this;
+}
+
+String& String::operator=(String&& other) noexcept {
+    if (this != &other) {
+        release();
+        take(other);
+    }
+    return *this;
+}
+
+String::~String() {
+    release();
+}
+
+String& String::operator+=(const String& other) {
+    const unsigned int added = other.size_;
+    const std::size_t size = checkedSize(static_cast<std::size_t>(size_) + added);
+    if (size > capacity_) {
+        grow(size);
+    }
+    // Read after growing, since `other` may be this string. Its NUL is not copied along: it would
+    // already be overwritten in that case.
+    std::memcpy(data_ + size_, other.data_, added);
+    size_ = static_cast<unsigned int>(size);
+    data_[size_] = '\0';
+    copyLeadingBytes();
+    return *this;
+}
+
+String String::subString(unsigned int start, unsigned int count) const {
+    if (start >= size_) {
+        return String();
+    }
+    return String(data_ + start, std::min(count, size_ - start));
+}
+
+CString String::getLowerByteString() const {
+    return CString(data_, size_);
+}
+
+CString String::getUTF8String() const {
+    return CString(data_, size_);
+}
+
+void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
+    const std::string_view encoded(bytes, length);
+    const std::size_t valid = validUtf8Prefix(encoded);
+    if (valid == length) {
+        assign(bytes, length);
+    } else {
+        *this = String(repairedUtf8(encoded, valid));
+    }
+}
+
+String String::fromUTF16(std::u16string_view text) {
+    return String(utf8FromUtf16(text));
+}
+
+std::u16string String::toUTF16() const {
+    return utf16FromUtf8(view());
+}
+
+#ifdef _WIN32
+static_assert(sizeof(wchar_t) == sizeof(char16_t));
+
+String String::fromWide(std::wstring_view text) {
+    return fromUTF16({reinterpret_cast<const char16_t*>(text.data()), text.size()});
+}
+
+std::wstring String::toWide() const {
+    const std::u16string text = toUTF16();
+    return std::wstring(text.begin(), text.end());
+}
+#endif
+
+/// Replaces the content; the bytes may be this string's own.
+void String::assign(const char* bytes, unsigned int length) {
+    if (length > capacity_) {
+        char* block = resizeBlock(nullptr, length);
+        release();
+        data_ = block;
+        capacity_ = length;
+    }
+    copyBytes(data_, bytes, length);
+    size_ = length;
+    data_[size_] = '\0';
+    copyLeadingBytes();
+}
+
+/// Moves the content of `other` into this string, which owns no block.
+void String::take(String& other) noexcept {
+    std::memcpy(inline_, other.inline_, sizeof(inline_));
+    data_ = other.isInline() ? inline_ : other.data_;
+    size_ = other.size_;
+    capacity_ = other.capacity_;
+    other.data_ = other.inline_;
+    other.release();
+}
+
+/// Makes room for `size` characters, and for as many again so that appending stays linear.
+void String::grow(std::size_t size) {
+    const std::size_t capacity = std::min(std::max(size, std::size_t{capacity_} * 2), longest);
+    if (isInline()) {
+        char* block = resizeBlock(nullptr, capacity);
+        std::memcpy(block, data_, size_ + 1);
+        data_ = block;
+    } else {
+        data_ = resizeBlock(data_, capacity);
+    }
+    capacity_ = static_cast<unsigned int>(capacity);
+}
+
+/// Keeps the promise about the first eight bytes of `inline_`.
+void String::copyLeadingBytes() noexcept {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, data_, std::min<std::size_t>(size_, sizeof(bytes)));
+    std::memcpy(inline_, &bytes, sizeof(bytes));
+}
+
+/// Frees the block, if there is one, and leaves the string empty.
+void String::release() noexcept {
+    if (!isInline()) {
+        std::free(data_);
+    }
+    data_ = inline_;
+    size_ = 0;
+    capacity_ = inlineCapacity;
+    std::memset(inline_, 0, sizeof(std::uint64_t));
+}
+
+std::ostream& operator<<(std::ostream& stream, const String& string) {
+    return stream << string.view();
+}
+
+} // namespace kel
