@@ -1,0 +1,35 @@
+# What all targets of this project have in common. Nothing here reaches a project that includes this
+# one: it is set on the targets, not on folders or on the whole build.
+
+include_guard(GLOBAL)
+
+option(STENCILOR_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+mark_as_advanced(STENCILOR_WARNINGS_AS_ERRORS)
+
+add_library(stencilor_warnings INTERFACE)
+target_compile_options(
+    stencilor_warnings
+    INTERFACE
+        $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow;-Wnon-virtual-dtor;-Wold-style-cast>
+        $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
+)
+
+# The settings of every target that is compiled here.
+function(stencilor_compile_settings target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(
+        ${target}
+        PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    )
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:stencilor_warnings>)
+endfunction()
+
+# A folder that holds nothing but a link to the sources of one library, to stand on include paths as
+# `#include <FOLDER/...>`. The root of the tree cannot: it would offer both libraries, and so hide
+# the headers of a base library that comes from elsewhere.
+function(stencilor_include_folder folder result)
+    set(staged "${PROJECT_BINARY_DIR}/include/${folder}")
+    file(MAKE_DIRECTORY "${staged}")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${staged}/${folder}" SYMBOLIC)
+    set(${result} "${staged}" PARENT_SCOPE)
+endfunction()
