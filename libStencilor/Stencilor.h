@@ -74,7 +74,7 @@ class STENCILOR_EXPORT ContextBase {
 /// Copying: the text is copied or moved, the children are always shared with the source.
 class STENCILOR_EXPORT ContextString : public ContextBase {
   public:
-    ContextString(String value);
+    ContextString(String text);
     ContextString(const ContextString& other);
     ContextString(ContextString&& other);
     ContextString& operator=(const ContextString& other);
@@ -94,7 +94,7 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
 ///   its value.
 class STENCILOR_EXPORT ContextBoolean : public ContextBase {
   public:
-    ContextBoolean(bool value);
+    ContextBoolean(bool truth);
     ContextBoolean(const ContextBoolean& other);
     ContextBoolean(ContextBoolean&& other);
     ContextBoolean& operator=(const ContextBoolean& other);
@@ -171,8 +171,7 @@ class STENCILOR_EXPORT ContextFactory {
 
     static ContextString* buildString(const String& value);
     static ContextBoolean* buildBoolean(bool value);
-    static ContextBoolean* buildBoolean(bool value,
-                                        const std::map<String, ContextBase*>& children);
+    static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
     static ContextDictionary* buildDictionary();
     static ContextDictionary* buildDictionary(const std::map<String, ContextBase*>& children);
     static ContextIterable* buildIterable();

@@ -1,0 +1,25 @@
+#include <libStencilor/Stencilor.h>
+
+#include <utility>
+
+namespace kel::Stencilor {
+
+ContextBoolean::ContextBoolean(bool truth) : value(truth) {}
+
+ContextBoolean::ContextBoolean(const ContextBoolean& other) = default;
+
+ContextBoolean::ContextBoolean(ContextBoolean&& other) : ContextBoolean(std::as_const(other)) {}
+
+ContextBoolean& ContextBoolean::operator=(const ContextBoolean& other) {
+    ContextBase::operator=(other);
+    value = other.value;
+    return *this;
+}
+
+ContextBoolean& ContextBoolean::operator=(ContextBoolean&& other) {
+    return *this = std::as_const(other);
+}
+
+ContextBoolean::~ContextBoolean() = default;
+
+} // namespace kel::Stencilor

@@ -1,0 +1,63 @@
+#include <libStencilor/Stencilor.h>
+#include <libStencilor/context/context_access.h>
+
+#include <memory>
+
+namespace kel::Stencilor {
+
+namespace {
+
+using internal::context_access;
+
+/// Puts the pointers of `children` into `value`, which holds none yet. They stay the caller's where
+/// memory runs out, since the map is copied before any of them changes hands.
+template <typename Value>
+Value* adoptChildren(std::unique_ptr<Value> value, const std::map<String, ContextBase*>& children) {
+    std::map<String, ContextBase*> adopted(children);
+    context_access::children(*value).swap(adopted);
+    return value.release();
+}
+
+} // namespace
+
+ContextFactory& ContextFactory::operator=(const ContextFactory&) {
+    return *this;
+}
+
+ContextFactory& ContextFactory::operator=(ContextFactory&&) {
+    return *this;
+}
+
+ContextString* ContextFactory::buildString(const String& value) {
+    return new ContextString(value);
+}
+
+ContextBoolean* ContextFactory::buildBoolean(bool value) {
+    return new ContextBoolean(value);
+}
+
+ContextBoolean* ContextFactory::buildBoolean(bool value,
+                                             const std::map<String, ContextBase*>& children) {
+    return adoptChildren(std::make_unique<ContextBoolean>(value), children);
+}
+
+ContextDictionary* ContextFactory::buildDictionary() {
+    return new ContextDictionary;
+}
+
+ContextDictionary* ContextFactory::buildDictionary(const std::map<String, ContextBase*>& children) {
+    return adoptChildren(std::make_unique<ContextDictionary>(), children);
+}
+
+ContextIterable* ContextFactory::buildIterable() {
+    return new ContextIterable;
+}
+
+ContextIterable* ContextFactory::buildIterable(const std::vector<ContextBase*>& elements) {
+    auto value = std::make_unique<ContextIterable>();
+    std::vector<ContextBase*> adopted(elements);
+    context_access::elements(*value).swap(adopted);
+    return value.release();
+}
+
+} // namespace kel::Stencilor
