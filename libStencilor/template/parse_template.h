@@ -1,0 +1,15 @@
+#ifndef LIBSTENCILOR_TEMPLATE_PARSE_TEMPLATE_H
+#define LIBSTENCILOR_TEMPLATE_PARSE_TEMPLATE_H
+
+#include <libKel/String.h>
+#include <libStencilor/template/syntax_tree.h>
+
+namespace kel::Stencilor::internal {
+
+/// Parses `text` into `list`, which is passed empty. True if the whole template is well formed;
+/// otherwise the list may hold the nodes before the fault. A template ends at its first NUL byte.
+bool parseTemplate(const String& text, content_list& list);
+
+} // namespace kel::Stencilor::internal
+
+#endif

@@ -1,0 +1,57 @@
+#include <libStencilor/template/syntax_tree.h>
+
+#include <boost/variant/apply_visitor.hpp>
+#include <boost/variant/static_visitor.hpp>
+
+#include <new>
+#include <utility>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+/// Moves the lists of a block that hold nodes to where they wait for their turn.
+struct child_lists : boost::static_visitor<> {
+    explicit child_lists(std::vector<content_list>& lists) : waiting(lists) {}
+
+    void operator()(if_expr& block) const {
+        detach(block.then_list);
+        detach(block.else_list);
+    }
+    void operator()(for_expr& block) const { detach(block.body); }
+    template <typename Leaf>
+    void operator()(Leaf&) const {}
+
+    void detach(content_list& list) const {
+        if (!list.empty()) {
+            waiting.push_back(std::move(list));
+        }
+    }
+
+    std::vector<content_list>& waiting;
+};
+
+} // namespace
+
+void takeApart(content_list& list) noexcept {
+    std::vector<content_list> waiting;
+    const child_lists detachChildren(waiting);
+    try {
+        while (true) {
+            for (content& node : list) {
+                boost::apply_visitor(detachChildren, node);
+            }
+            list.clear();
+            if (waiting.empty()) {
+                return;
+            }
+            list = std::move(waiting.back());
+            waiting.pop_back();
+        }
+    } catch (const std::bad_alloc&) {
+        // No memory to remember lists in: what is left is destroyed level by level.
+        list.clear();
+    }
+}
+
+} // namespace kel::Stencilor::internal

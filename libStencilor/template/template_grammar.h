@@ -1,0 +1,98 @@
+#ifndef LIBSTENCILOR_TEMPLATE_TEMPLATE_GRAMMAR_H
+#define LIBSTENCILOR_TEMPLATE_TEMPLATE_GRAMMAR_H
+
+#include <libStencilor/template/syntax_tree.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+/// The language, one function per rule, for one parse.
+///
+/// How it works: a first pass recognises the template and notes what it found as a flat list of
+///   steps, with the open blocks on a stack of its own; a second one builds the tree from the
+///   steps. The number of nodes in each list is known by then, so that no list ever grows: a node
+///   that moves would have to be allocated again.
+/// Ownership: borrows the text, which must outlive the object. Lengths fit in 32 bits, as those of
+///   `kel::String` do.
+/// Copying: not possible, the rules share one position.
+///
+/// Rules, where a quoted literal or an identifier skips blanks (space and tab) before it:
+///
+///     start      = content end
+///     content    = { text | expr }
+///     text       = one byte or more, up to "{%" or "{{", nothing skipped
+///     expr       = if | for | replace | include
+///     if         = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif"
+///     "%}" for        = "{%" "for" identifier "in" identifier "%}" content "{%" "endfor" "%}"
+///     replace    = "{{" identifier "}}"
+///     include    = "{%" "include" '"' identifier '"' "%}"
+///     identifier = a-zA-Z_ { a-zA-Z_0-9./ }, greedy, no blanks inside
+///
+/// A literal matches whatever follows it: `{% iffy %}` is an `if` on `fy`.
+class template_grammar {
+  public:
+    explicit template_grammar(std::string_view text);
+    template_grammar(const template_grammar&) = delete;
+    template_grammar& operator=(const template_grammar&) = delete;
+
+    /// Appends the top-level nodes to `list`. False if the text is not a template as a whole; the
+    /// list then receives the nodes that are complete before the fault.
+    bool parse(content_list& list);
+
+  private:
+    enum class step_kind : std::uint8_t { text, replace, include, open_if, open_for, other, close };
+
+    struct span {
+        std::uint32_t begin = 0;
+        std::uint32_t size = 0;
+    };
+
+    struct step {
+        step_kind kind;
+        span first;                   // text, name, path or loop variable
+        span second;                  // the name of a loop's list
+        std::uint32_t count = 0;      // nodes in the block's body
+        std::uint32_t else_count = 0; // nodes in its `else` part
+    };
+
+    struct open_block {
+        std::size_t opening; // its step
+        bool in_else = false;
+    };
+
+    bool start();
+    bool content_rule();
+    bool text_rule();
+    bool expr_rule();
+    bool if_rule();
+    bool for_rule();
+    bool replace_rule();
+    bool include_rule();
+    bool identifier_rule(span& found);
+
+    bool closing_tag();
+    bool else_tag();
+    bool end_tag(std::string_view keyword);
+
+    bool literal(std::string_view expected);
+    bool attempt(bool matched, std::size_t begin);
+    void skipBlanks();
+    void add(step_kind kind, span first, span second);
+    void open(step_kind kind, span first, span second);
+    void build(content_list& list) const;
+    std::string_view textOf(span part) const { return text_.substr(part.begin, part.size); }
+
+    std::string_view text_;
+    std::size_t position_ = 0;
+    std::vector<step> steps_;
+    std::vector<open_block> open_;
+    std::uint32_t top_level_count_ = 0;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif
