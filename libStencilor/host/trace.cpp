@@ -1,0 +1,44 @@
+#include <libStencilor/host/trace.h>
+
+#include <atomic>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+constexpr std::int32_t messagePriority = 2;
+
+/// The library's one logger. It is made by the first gate that needs it and never released; the
+/// base library copes with several threads that find it null at once.
+constinit Logger* sharedLogger = nullptr;
+
+Logger& logger() {
+    const std::atomic_ref<Logger*> shared(sharedLogger);
+    if (shared.load(std::memory_order_acquire) == nullptr) {
+        LogFactory::createLogger("libStencilor", sharedLogger);
+    }
+    return *shared.load(std::memory_order_acquire);
+}
+
+bool messagesAreLogged() {
+    return LogFactory::getPriority() <= messagePriority && logger().threshold <= messagePriority &&
+           logger().resolvePriority() <= messagePriority;
+}
+
+} // namespace
+
+Logger* loggerForTraces() {
+    Logger& shared = logger();
+    return shared.threshold > tracePriority ? nullptr : &shared;
+}
+
+void logErrors(const String& errors) {
+    if (errors.size() == 0 || !messagesAreLogged()) {
+        return;
+    }
+    LoggerStream message;
+    message + "437 " + "Errors: " + errors; // the number is part of the text
+    logger().log(static_cast<LoggerPriority::LOGGER_PRIORITY>(messagePriority), message);
+}
+
+} // namespace kel::Stencilor::internal
