@@ -1,0 +1,81 @@
+#ifndef LIBSTENCILOR_RENDER_CONTENT_VISIT_H
+#define LIBSTENCILOR_RENDER_CONTENT_VISIT_H
+
+#include <libStencilor/host/trace.h>
+#include <libStencilor/render/render_result.h>
+#include <libStencilor/render/scopes.h>
+#include <libStencilor/template/syntax_tree.h>
+
+#include <boost/variant/static_visitor.hpp>
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+
+namespace kel::Stencilor::internal {
+
+/// Renders nodes: one operation for each kind.
+///
+/// How it works: the operations of the two blocks only open the block, on a stack of the object's
+///   own; what stands inside is rendered from there, so that nesting takes no call stack. Loop
+///   variables hold within one template: an included one is rendered by an object of its own, with
+///   the same scopes.
+/// Ownership: borrows the scopes and the result, which it appends to, and the nodes while it
+///   renders them.
+/// Errors: what cannot be rendered adds one message to the result and no text. After an exception
+///   (memory exhaustion) neither this object nor the scopes may be used again.
+/// Copying: not possible, it stands for one place in one template.
+class content_visit : public boost::static_visitor<> {
+  public:
+    content_visit(scope_stack& scopes, render_result& result) : scopes_(scopes), result_(result) {}
+    content_visit(const content_visit&) = delete;
+    content_visit& operator=(const content_visit&) = delete;
+    ~content_visit();
+
+    /// Renders one node and all below it.
+    void dispatch(const content& node);
+
+    /// Renders the nodes of `list` inside the scope `scope`, which may be null.
+    void applyVisitor(const content_list& list, const ContextBase* scope);
+
+    void operator()(const if_expr& node);
+    void operator()(const for_expr& node);
+    void operator()(const replace_expr& node);
+    void operator()(const include_expr& node);
+    void operator()(const std::string& text);
+
+  private:
+    /// A block that is being rendered: which list, and how far; for a loop also which turn.
+    struct block {
+        explicit block(const trace_point& point) : visit(point) {}
+
+        trace_scope visit;
+        std::optional<trace_scope> apply;
+        scope_stack::position scope;
+        const content_list* list = nullptr;
+        std::size_t next = 0;
+
+        const ContextIterable* elements = nullptr; // null for a conditional
+        unsigned int turn = 0;
+        prefix_stack::position prefix = 0;
+    };
+
+    template <typename Kind>
+    const Kind* find(const std::string& name, const message& notFound, const message& wrongKind);
+    void enterList(block& current, const ContextBase* scope);
+    void leaveList(block& current);
+    void enterTurn(block& loop);
+    void leaveBlock();
+    void renderOpenBlocks();
+
+    scope_stack& scopes_;
+    render_result& result_;
+    prefix_stack prefixes_;
+    name_lookup lookup_;
+    std::deque<block> blocks_; // a deque, since traced scopes cannot move
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif

@@ -1,0 +1,67 @@
+#ifndef LIBSTENCILOR_RENDER_RECENT_STACK_H
+#define LIBSTENCILOR_RENDER_RECENT_STACK_H
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+/// A stack that is searched from its newest entry to its oldest, for the first that answers.
+///
+/// An entry that is entered again while it is in force answers the same as before, so the older
+/// occurrence need not be asked: it is moved to the top, and back when it is left. Deep nesting of
+/// the same few entries then keeps the stack short. Only the newest entries are looked through for
+/// it, which bounds the cost of entering; an occurrence further down stays, and does no harm.
+/// Copying: not possible; blocks enter and leave one stack, innermost first.
+template <typename Entry>
+class recent_stack {
+  public:
+    /// Where an entry stood before it was entered.
+    using position = std::size_t;
+
+    recent_stack() = default;
+    recent_stack(const recent_stack&) = delete;
+    recent_stack& operator=(const recent_stack&) = delete;
+
+    /// Makes `entry` the newest. The result is for `leave`.
+    position enter(const Entry& entry) {
+        const std::size_t size = entries_.size();
+        const std::size_t oldest = size > window ? size - window : 0;
+        for (std::size_t at = size; at-- > oldest;) {
+            if (entries_[at] == entry) {
+                const auto found = entries_.begin() + static_cast<std::ptrdiff_t>(at);
+                std::rotate(found, found + 1, entries_.end());
+                return at;
+            }
+        }
+        entries_.push_back(entry);
+        return nowhere;
+    }
+
+    /// Undoes the newest `enter` that was not undone yet.
+    void leave(position before) {
+        if (before == nowhere) {
+            entries_.pop_back();
+            return;
+        }
+        const auto home = entries_.begin() + static_cast<std::ptrdiff_t>(before);
+        std::rotate(home, entries_.end() - 1, entries_.end());
+    }
+
+    bool empty() const noexcept { return entries_.empty(); }
+
+    auto newestFirst() const noexcept { return entries_.rbegin(); }
+    auto end() const noexcept { return entries_.rend(); }
+
+  private:
+    static constexpr position nowhere = std::numeric_limits<position>::max();
+    static constexpr std::size_t window = 64;
+
+    std::vector<Entry> entries_;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif
