@@ -1,5 +1,4 @@
 #include <libKel/FileSystem.h>
-
 #include <libKel/RootedPath.h>
 
 #include <fcntl.h>

@@ -1,5 +1,4 @@
 #include <libKel/FileSystem.h>
-
 #include <libKel/RootedPath.h>
 #include <libKel/Utf8.h>
 

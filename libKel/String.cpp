@@ -1,5 +1,4 @@
 #include <libKel/String.h>
-
 #include <libKel/Utf8.h>
 
 #include <algorithm>

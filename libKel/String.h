@@ -118,7 +118,9 @@ class KEL_EXPORT String {
   private:
     static constexpr unsigned int inlineCapacity = 23;
 
-    bool isInline() const noexcept { return data_ == inline_; }
+    bool isInline() const noexcept {
+        return data_ == inline_;
+    }
     std::uint64_t leadingBytes() const noexcept;
     void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
