@@ -1,0 +1,40 @@
+#ifndef TESTS_SUPPORT_BUILD_H
+#define TESTS_SUPPORT_BUILD_H
+
+namespace support {
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TESTS_ADDRESS_SANITIZER
+#endif
+#if __has_feature(thread_sanitizer)
+#define TESTS_THREAD_SANITIZER
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define TESTS_ADDRESS_SANITIZER
+#endif
+#if defined(__SANITIZE_THREAD__)
+#define TESTS_THREAD_SANITIZER
+#endif
+
+/// True where a sanitizer multiplies the memory that is needed.
+#if defined(TESTS_ADDRESS_SANITIZER) || defined(TESTS_THREAD_SANITIZER)
+inline constexpr bool sanitized = true;
+#else
+inline constexpr bool sanitized = false;
+#endif
+
+/// True where everything takes several times as long as in the build that is shipped.
+#if defined(__OPTIMIZE__)
+inline constexpr bool slow = sanitized;
+#else
+inline constexpr bool slow = true;
+#endif
+
+#undef TESTS_ADDRESS_SANITIZER
+#undef TESTS_THREAD_SANITIZER
+
+} // namespace support
+
+#endif
