@@ -1,0 +1,29 @@
+# GoogleTest, compiled here with the compiler and the flags of the build, as sanitizers and other
+# compilers need it. Gives the targets GTest::gtest, GTest::gtest_main, GTest::gmock and
+# GTest::gmock_main.
+
+include_guard(GLOBAL)
+
+set(STENCILOR_GOOGLETEST /usr/src/googletest CACHE PATH "The sources of GoogleTest")
+mark_as_advanced(STENCILOR_GOOGLETEST)
+
+# In a function, so that its settings stay here.
+function(stencilor_add_googletest)
+    if(TARGET GTest::gmock)
+        return()
+    endif()
+    if(NOT EXISTS "${STENCILOR_GOOGLETEST}/CMakeLists.txt")
+        message(FATAL_ERROR "There are no sources of GoogleTest in ${STENCILOR_GOOGLETEST}.")
+    endif()
+    set(BUILD_SHARED_LIBS OFF)
+    set(INSTALL_GTEST OFF)
+    set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
+    add_subdirectory(
+        "${STENCILOR_GOOGLETEST}"
+        "${PROJECT_BINARY_DIR}/googletest"
+        EXCLUDE_FROM_ALL
+        SYSTEM
+    )
+endfunction()
+
+stencilor_add_googletest()
