@@ -1,0 +1,214 @@
+#include "../support/Context.h"
+#include "../support/Deletions.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace kel::Stencilor {
+namespace {
+
+using support::Deletions;
+using support::Logged;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+static_assert(std::has_virtual_destructor_v<ContextBase>);
+
+TEST(ContextBase, HoldsNothingAtFirst) {
+    const ContextBase value;
+    EXPECT_EQ(value.find("key"), nullptr);
+    EXPECT_FALSE(value.containsKey("key"));
+    EXPECT_EQ(value.find(""), nullptr);
+    EXPECT_FALSE(value.containsKey(""));
+}
+
+TEST(ContextBase, FindsWhatWasInsertedAndInsertsNothingByIt) {
+    ContextDictionary value;
+    auto* const child = new ContextBase;
+    EXPECT_EQ(value.insert("key", child), child);
+    const ContextBase& constant = value;
+    EXPECT_EQ(constant.find("key"), child);
+    EXPECT_TRUE(constant.containsKey("key"));
+    EXPECT_EQ(constant.find("other"), nullptr);
+    EXPECT_FALSE(constant.containsKey("other"));
+    EXPECT_EQ(value.size(), 1u);
+}
+
+TEST(ContextBase, OperatorInsertsANullEntryWhereThereIsNone) {
+    ContextDictionary value;
+    EXPECT_EQ(value["key"], nullptr);
+    EXPECT_TRUE(value.containsKey("key"));
+    EXPECT_EQ(value.find("key"), nullptr);
+    EXPECT_EQ(value.size(), 1u);
+}
+
+TEST(ContextBase, OperatorRefersToTheEntry) {
+    Deletions deletions;
+    {
+        ContextDictionary value;
+        auto* const child = new Logged<ContextBase>(deletions, "child");
+        ContextBase*& entry = value["key"];
+        entry = child;
+        EXPECT_EQ(value.find("key"), child);
+        EXPECT_EQ(&value["key"], &entry);
+        EXPECT_EQ(value.size(), 1u);
+    }
+    EXPECT_THAT(deletions, ElementsAre("child"));
+}
+
+TEST(ContextBase, InsertDropsTheFormerPointerWithoutDeletingIt) {
+    Deletions deletions;
+    Logged<ContextBase> former(deletions, "former");
+    {
+        ContextDictionary value;
+        value.insert("key", &former);
+        auto* const later = new Logged<ContextBase>(deletions, "later");
+        EXPECT_EQ(value.insert("key", later), later);
+        EXPECT_EQ(value.find("key"), later);
+        EXPECT_EQ(value.size(), 1u);
+        EXPECT_THAT(deletions, IsEmpty());
+    }
+    EXPECT_THAT(deletions, ElementsAre("later"));
+}
+
+TEST(ContextBase, InsertStoresNull) {
+    ContextDictionary value;
+    EXPECT_EQ(value.insert("key", nullptr), nullptr);
+    EXPECT_TRUE(value.containsKey("key"));
+    EXPECT_EQ(value.find("key"), nullptr);
+    EXPECT_EQ(value.size(), 1u);
+}
+
+TEST(ContextBase, InsertOfNullDropsTheFormerPointer) {
+    Deletions deletions;
+    Logged<ContextBase> former(deletions, "former");
+    {
+        ContextBase value;
+        value.insert("key", &former);
+        EXPECT_EQ(value.insert("key", nullptr), nullptr);
+        EXPECT_TRUE(value.containsKey("key"));
+    }
+    EXPECT_THAT(deletions, IsEmpty());
+}
+
+TEST(ContextBase, KeepsCopiesOfItsKeys) {
+    ContextBase value;
+    String key("key");
+    value.insert(key, nullptr);
+    key += String("s");
+    EXPECT_TRUE(value.containsKey("key"));
+    EXPECT_FALSE(value.containsKey(key));
+}
+
+TEST(ContextBase, TellsKeysApartByEveryByte) {
+    ContextDictionary value;
+    const String keys[] = {"key", "Key", "key ", " key", "ke", "", String("key\0", 4), "k\u00E9y"};
+    for (const String& key : keys) {
+        EXPECT_FALSE(value.containsKey(key)) << key;
+        value.insert(key, new ContextString(key));
+    }
+    EXPECT_EQ(value.size(), std::size(keys));
+    for (const String& key : keys) {
+        auto* const found = dynamic_cast<ContextString*>(value.find(key));
+        ASSERT_NE(found, nullptr) << key;
+        EXPECT_EQ(support::textOf(*found), key.str().c_str());
+    }
+}
+
+TEST(ContextBase, DeletesItsChildrenInAscendingOrderOfTheirKeys) {
+    Deletions deletions;
+    {
+        ContextBase value;
+        for (const char* const key : {"b", "\xC3\xA9", "a", "B", "aa", "", "ab", "_"}) {
+            value.insert(key, new Logged<ContextBase>(deletions, key));
+        }
+        value.insert("an entry that holds null", nullptr);
+        value["another one"];
+    }
+    EXPECT_THAT(deletions, ElementsAre("", "B", "_", "a", "aa", "ab", "b", "\xC3\xA9"));
+}
+
+TEST(ContextBase, DeletesAWholeTreeThroughItsRoot) {
+    Deletions deletions;
+    ContextBase* const root = new Logged<ContextDictionary>(deletions, "root");
+    auto* const list = new Logged<ContextIterable>(deletions, "list");
+    auto* const flag = new Logged<ContextBoolean>(deletions, "flag", true);
+    root->insert("list", list);
+    root->insert("flag", flag);
+    flag->insert("inner", new Logged<ContextString>(deletions, "inner", "text"));
+    list->add(new Logged<ContextString>(deletions, "element", "text"));
+    delete root;
+    // A destructor writes its name before what the value holds goes.
+    EXPECT_THAT(deletions, ElementsAre("root", "flag", "inner", "list", "element"));
+}
+
+TEST(ContextBase, CopiesShareTheChildren) {
+    ContextBase source;
+    ContextString child("text");
+    source.insert("child", &child);
+    source.insert("null", nullptr);
+    ContextBase copy(source);
+    EXPECT_EQ(copy.find("child"), &child);
+    EXPECT_TRUE(copy.containsKey("null"));
+    EXPECT_EQ(source.find("child"), &child);
+
+    copy.insert("more", nullptr);
+    EXPECT_FALSE(source.containsKey("more"));
+    copy["child"] = nullptr;
+    EXPECT_EQ(source.find("child"), &child);
+    source["child"] = nullptr;
+}
+
+TEST(ContextBase, MovesAreCopies) {
+    ContextBase source;
+    ContextString child("text");
+    source.insert("child", &child);
+    ContextBase constructed(std::move(source));
+    EXPECT_EQ(constructed.find("child"), &child);
+    EXPECT_EQ(source.find("child"), &child);
+
+    ContextBase assigned;
+    assigned = std::move(source);
+    EXPECT_EQ(assigned.find("child"), &child);
+    EXPECT_EQ(source.find("child"), &child);
+    for (ContextBase* const value : {&source, &constructed, &assigned}) {
+        (*value)["child"] = nullptr;
+    }
+}
+
+TEST(ContextBase, AssignmentDropsTheFormerChildrenWithoutDeletingThem) {
+    Deletions deletions;
+    Logged<ContextBase> former(deletions, "former");
+    ContextString child("text");
+    {
+        ContextBase source;
+        source.insert("child", &child);
+        ContextBase target;
+        target.insert("former", &former);
+        EXPECT_EQ(&(target = source), &target);
+        EXPECT_FALSE(target.containsKey("former"));
+        EXPECT_EQ(target.find("child"), &child);
+        EXPECT_EQ(source.find("child"), &child);
+        target["child"] = nullptr;
+        source["child"] = nullptr;
+    }
+    EXPECT_THAT(deletions, IsEmpty());
+}
+
+TEST(ContextBase, AssignmentToItselfChangesNothing) {
+    ContextBase value;
+    auto* const child = new ContextBase;
+    value.insert("child", child);
+    const ContextBase& same = value;
+    EXPECT_EQ(&(value = same), &value);
+    EXPECT_EQ(value.find("child"), child);
+}
+
+} // namespace
+} // namespace kel::Stencilor

@@ -1,0 +1,118 @@
+#include "../support/Context.h"
+#include "../support/Deletions.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace kel::Stencilor {
+namespace {
+
+using support::Deletions;
+using support::Elements;
+using support::Entries;
+using support::Logged;
+using support::textOf;
+using support::truthOf;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+static_assert(std::is_empty_v<ContextFactory> && !std::is_polymorphic_v<ContextFactory>);
+
+TEST(ContextFactory, BuildsAStringWithACopyOfTheText) {
+    String text("text");
+    const std::unique_ptr<ContextString> value(ContextFactory::buildString(text));
+    text += String(" changed");
+    EXPECT_EQ(textOf(*value), "text");
+    EXPECT_FALSE(value->containsKey("text"));
+}
+
+TEST(ContextFactory, BuildsABooleanOfEitherTruth) {
+    for (const bool truth : {true, false}) {
+        const std::unique_ptr<ContextBoolean> value(ContextFactory::buildBoolean(truth));
+        EXPECT_EQ(truthOf(*value), truth);
+    }
+}
+
+TEST(ContextFactory, BuildsABooleanWithChildren) {
+    for (const bool truth : {true, false}) {
+        const Entries children = {{"a", new ContextBase}, {"b", nullptr}};
+        const std::unique_ptr<ContextBoolean> value(ContextFactory::buildBoolean(truth, children));
+        EXPECT_EQ(truthOf(*value), truth);
+        for (const auto& [key, child] : children) {
+            EXPECT_TRUE(value->containsKey(key));
+            EXPECT_EQ(value->find(key), child);
+        }
+    }
+}
+
+TEST(ContextFactory, BuildsEmptyValues) {
+    const std::unique_ptr<ContextDictionary> dictionary(ContextFactory::buildDictionary());
+    EXPECT_EQ(dictionary->size(), 0u);
+    const std::unique_ptr<ContextDictionary> fromMap(ContextFactory::buildDictionary(Entries()));
+    EXPECT_EQ(fromMap->size(), 0u);
+    const std::unique_ptr<ContextIterable> list(ContextFactory::buildIterable());
+    EXPECT_EQ(list->size(), 0u);
+    const std::unique_ptr<ContextIterable> fromVector(ContextFactory::buildIterable(Elements()));
+    EXPECT_EQ(fromVector->size(), 0u);
+    const std::unique_ptr<ContextBoolean> truth(ContextFactory::buildBoolean(true, Entries()));
+    EXPECT_TRUE(truthOf(*truth));
+}
+
+TEST(ContextFactory, PutsThePointersOfAMapIntoADictionary) {
+    const Entries children = {{"a", new ContextBase}, {"", new ContextBase}, {"null", nullptr}};
+    const Entries before = children;
+    const std::unique_ptr<ContextDictionary> value(ContextFactory::buildDictionary(children));
+    EXPECT_EQ(children, before);
+    EXPECT_EQ(value->size(), children.size());
+    for (const auto& [key, child] : children) {
+        EXPECT_TRUE(value->containsKey(key));
+        EXPECT_EQ(value->find(key), child);
+    }
+}
+
+TEST(ContextFactory, PutsThePointersOfAVectorIntoAList) {
+    const Elements elements = {new ContextBase, nullptr, new ContextBase, nullptr};
+    const Elements before = elements;
+    const std::unique_ptr<ContextIterable> value(ContextFactory::buildIterable(elements));
+    EXPECT_EQ(elements, before);
+    ASSERT_EQ(value->size(), elements.size());
+    for (unsigned int index = 0; index < elements.size(); ++index) {
+        EXPECT_EQ((*value)[index], elements[index]);
+    }
+}
+
+TEST(ContextFactory, LeavesTheDeletingToTheValuesItBuilt) {
+    Deletions deletions;
+    const auto logged = [&deletions](const char* name) {
+        return new Logged<ContextBase>(deletions, name);
+    };
+    std::vector<std::unique_ptr<ContextBase>> values;
+    values.emplace_back(ContextFactory::buildBoolean(true, {{"k", logged("of boolean")}}));
+    values.emplace_back(ContextFactory::buildDictionary({{"k", logged("of dictionary")}}));
+    values.emplace_back(ContextFactory::buildIterable(Elements{logged("of list")}));
+    EXPECT_THAT(deletions, IsEmpty());
+    values.clear();
+    EXPECT_THAT(deletions, UnorderedElementsAre("of boolean", "of dictionary", "of list"));
+}
+
+TEST(ContextFactory, ReturnsItselfWhenItIsAssigned) {
+    ContextFactory factory;
+    const ContextFactory other;
+    EXPECT_EQ(&(factory = other), &factory);
+    EXPECT_EQ(&(factory = ContextFactory()), &factory);
+    ContextFactory copy(other);
+    const ContextFactory moved(std::move(copy));
+    EXPECT_EQ(&(factory = moved), &factory);
+}
+
+} // namespace
+} // namespace kel::Stencilor

@@ -1,0 +1,289 @@
+#include "../support/Context.h"
+#include "../support/Deletions.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace kel::Stencilor {
+namespace {
+
+using support::Deletions;
+using support::Logged;
+using support::textOf;
+using support::truthOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+static_assert(
+    std::is_same_v<decltype(std::declval<const ContextDictionary&>().size()), std::size_t>);
+static_assert(std::is_same_v<decltype(std::declval<const ContextIterable&>().size()), std::size_t>);
+
+// The children of all kinds behave alike when a value is copied, moved and assigned: each kind is
+// made with this child, which stands in several places until they are emptied by hand.
+template <typename Value>
+class SharedChild {
+  public:
+    void putInto(Value& value) { value.insert("child", &child_); }
+    bool isIn(const Value& value) const {
+        return value.containsKey("child") && value.find("child") == &child_;
+    }
+    void takeFrom(Value& value) { value.insert("child", nullptr); }
+
+  private:
+    ContextBase child_;
+};
+
+template <typename Value>
+Value make();
+template <>
+ContextString make() {
+    return ContextString("a text that is longer than a few bytes");
+}
+template <>
+ContextBoolean make() {
+    return ContextBoolean(true);
+}
+template <>
+ContextDictionary make() {
+    return ContextDictionary();
+}
+template <>
+ContextIterable make() {
+    return ContextIterable();
+}
+
+template <typename Value>
+class ContextKind : public testing::Test {};
+
+using Kinds = testing::Types<ContextString, ContextBoolean, ContextDictionary, ContextIterable>;
+TYPED_TEST_SUITE(ContextKind, Kinds);
+
+TYPED_TEST(ContextKind, SharesItsChildrenWithCopies) {
+    SharedChild<TypeParam> child;
+    TypeParam source = make<TypeParam>();
+    child.putInto(source);
+    TypeParam copy(source);
+    EXPECT_TRUE(child.isIn(copy));
+    EXPECT_TRUE(child.isIn(source));
+    child.takeFrom(copy);
+    child.takeFrom(source);
+}
+
+TYPED_TEST(ContextKind, KeepsItsChildrenWhenItIsMovedFrom) {
+    SharedChild<TypeParam> child;
+    TypeParam source = make<TypeParam>();
+    child.putInto(source);
+    TypeParam constructed(std::move(source));
+    EXPECT_TRUE(child.isIn(constructed));
+    EXPECT_TRUE(child.isIn(source));
+
+    TypeParam assigned = make<TypeParam>();
+    EXPECT_EQ(&(assigned = std::move(source)), &assigned);
+    EXPECT_TRUE(child.isIn(assigned));
+    EXPECT_TRUE(child.isIn(source));
+    child.takeFrom(constructed);
+    child.takeFrom(assigned);
+    child.takeFrom(source);
+}
+
+TYPED_TEST(ContextKind, DropsItsChildrenWithoutDeletingThemWhenItIsAssignedTo) {
+    Deletions deletions;
+    Logged<ContextBase> former(deletions, "former");
+    {
+        SharedChild<TypeParam> child;
+        TypeParam source = make<TypeParam>();
+        child.putInto(source);
+        TypeParam copied = make<TypeParam>();
+        copied.insert("former", &former);
+        EXPECT_EQ(&(copied = source), &copied);
+        TypeParam moved = make<TypeParam>();
+        moved.insert("former", &former);
+        moved = std::move(source);
+        for (TypeParam* const value : {&copied, &moved, &source}) {
+            EXPECT_FALSE(value->containsKey("former"));
+            EXPECT_TRUE(child.isIn(*value));
+            child.takeFrom(*value);
+        }
+    }
+    EXPECT_THAT(deletions, IsEmpty());
+}
+
+TYPED_TEST(ContextKind, StaysTheSameWhenItIsAssignedToItself) {
+    TypeParam value = make<TypeParam>();
+    auto* const child = new ContextBase;
+    value.insert("child", child);
+    TypeParam& same = value;
+    value = same;
+    EXPECT_EQ(value.find("child"), child);
+    value = std::move(same);
+    EXPECT_EQ(value.find("child"), child);
+}
+
+TEST(ContextString, KeepsACopyOfItsText) {
+    String text("text");
+    ContextString value(text);
+    text += String(" changed");
+    EXPECT_EQ(textOf(value), "text");
+    EXPECT_FALSE(value.containsKey("text"));
+}
+
+TEST(ContextString, CopiesAndMovesItsText) {
+    ContextString source("a text that is longer than a few bytes");
+    ContextString copy(source);
+    EXPECT_EQ(textOf(copy), "a text that is longer than a few bytes");
+    EXPECT_EQ(textOf(source), "a text that is longer than a few bytes");
+    ContextString assigned("other");
+    assigned = source;
+    EXPECT_EQ(textOf(assigned), "a text that is longer than a few bytes");
+    EXPECT_EQ(textOf(source), "a text that is longer than a few bytes");
+
+    ContextString moved(std::move(source));
+    EXPECT_EQ(textOf(moved), "a text that is longer than a few bytes");
+    EXPECT_EQ(textOf(source), "");
+    assigned = std::move(copy);
+    EXPECT_EQ(textOf(assigned), "a text that is longer than a few bytes");
+    EXPECT_EQ(textOf(copy), "");
+}
+
+TEST(ContextString, KeepsItsTextWhenItIsAssignedToItself) {
+    ContextString value("text");
+    ContextString& same = value;
+    value = same;
+    EXPECT_EQ(textOf(value), "text");
+    value = std::move(same);
+    EXPECT_EQ(textOf(value), "text");
+}
+
+TEST(ContextBoolean, HoldsItsTruthThroughEveryCopyAndMove) {
+    for (const bool truth : {true, false}) {
+        ContextBoolean source(truth);
+        ContextBoolean copy(source);
+        ContextBoolean moved(std::move(source));
+        ContextBoolean assigned(!truth);
+        assigned = copy;
+        ContextBoolean moveAssigned(!truth);
+        moveAssigned = std::move(copy);
+        for (ContextBoolean* const value : {&source, &copy, &moved, &assigned, &moveAssigned}) {
+            EXPECT_EQ(truthOf(*value), truth);
+        }
+    }
+}
+
+TEST(ContextDictionary, CountsItsEntriesNullOnesIncluded) {
+    ContextDictionary value;
+    EXPECT_EQ(value.size(), 0u);
+    value.insert("one", new ContextBase);
+    value.insert("two", nullptr);
+    value["three"];
+    value["three"];
+    EXPECT_EQ(value.size(), 3u);
+}
+
+TEST(ContextDictionary, HasAfterAssignmentTheKeysAndPointersOfItsSource) {
+    ContextBase children[2];
+    ContextDictionary source;
+    source.insert("a", &children[0]);
+    source.insert("b", &children[1]);
+    ContextDictionary target;
+    target.insert("former", nullptr);
+    target.insert("a", nullptr);
+    target = source;
+    EXPECT_EQ(target.size(), 2u);
+    EXPECT_EQ(target.find("a"), &children[0]);
+    EXPECT_EQ(target.find("b"), &children[1]);
+    for (ContextDictionary* const value : {&source, &target}) {
+        (*value)["a"] = nullptr;
+        (*value)["b"] = nullptr;
+    }
+}
+
+TEST(ContextIterable, HoldsItsElementsInTheOrderTheyWereAdded) {
+    ContextIterable value;
+    EXPECT_EQ(value.size(), 0u);
+    auto* const first = new ContextBase;
+    auto* const last = new ContextBase;
+    value.add(first);
+    value.add(nullptr);
+    value.add(last);
+    ASSERT_EQ(value.size(), 3u);
+    EXPECT_EQ(value[0], first);
+    EXPECT_EQ(value[1], nullptr);
+    EXPECT_EQ(value[2], last);
+}
+
+TEST(ContextIterable, CountsNoNamedChildren) {
+    ContextIterable value;
+    value.insert("child", new ContextBase);
+    EXPECT_EQ(value.size(), 0u);
+    value.add(new ContextBase);
+    EXPECT_EQ(value.size(), 1u);
+    EXPECT_TRUE(value.containsKey("child"));
+}
+
+TEST(ContextIterable, DeletesItsElementsInOrderAndThenItsNamedChildren) {
+    Deletions deletions;
+    {
+        ContextIterable value;
+        value.insert("b", new Logged<ContextBase>(deletions, "child b"));
+        value.insert("a", new Logged<ContextBase>(deletions, "child a"));
+        value.add(new Logged<ContextBase>(deletions, "element 0"));
+        value.add(nullptr);
+        value.add(new Logged<ContextString>(deletions, "element 2", "text"));
+        value.add(new Logged<ContextBase>(deletions, "element 3"));
+    }
+    EXPECT_THAT(deletions,
+                ElementsAre("element 0", "element 2", "element 3", "child a", "child b"));
+}
+
+// The elements are not on the heap: where a list deleted one, the test would not survive.
+TEST(ContextIterable, SharesItsElementsWithCopiesAndIsCopiedWhenMoved) {
+    Deletions deletions;
+    Logged<ContextBase> element(deletions, "element");
+    Logged<ContextBase> former(deletions, "former");
+    auto& source = *new ContextIterable;
+    source.add(&element);
+    source.add(nullptr);
+    auto& copy = *new ContextIterable(source);
+    auto& moved = *new ContextIterable(std::move(source));
+    auto& assigned = *new ContextIterable;
+    assigned.add(&former);
+    assigned.add(&former);
+    assigned.add(&former);
+    assigned = source;
+    auto& moveAssigned = *new ContextIterable;
+    moveAssigned.add(&former);
+    moveAssigned = std::move(source);
+    copy.add(nullptr);
+    EXPECT_EQ(copy.size(), 3u);
+    for (ContextIterable* const value : {&source, &moved, &assigned, &moveAssigned}) {
+        ASSERT_EQ(value->size(), 2u);
+        EXPECT_EQ((*value)[0], &element);
+        EXPECT_EQ((*value)[1], nullptr);
+    }
+    // Assigning an empty list takes the elements away again, and none is deleted by that.
+    for (ContextIterable* const value : {&source, &copy, &moved, &assigned, &moveAssigned}) {
+        *value = ContextIterable();
+        EXPECT_EQ(value->size(), 0u);
+        delete value;
+    }
+    EXPECT_THAT(deletions, IsEmpty());
+}
+
+TEST(ContextIterable, KeepsItsElementsWhenItIsAssignedToItself) {
+    ContextIterable value;
+    auto* const element = new ContextBase;
+    value.add(element);
+    const ContextIterable& same = value;
+    value = same;
+    ASSERT_EQ(value.size(), 1u);
+    EXPECT_EQ(value[0], element);
+}
+
+} // namespace
+} // namespace kel::Stencilor
