@@ -1,0 +1,169 @@
+#include "../support/SyntaxTree.h"
+
+#include <libStencilor/template/parse_template.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kel::Stencilor::internal {
+namespace {
+
+struct Case {
+    const char* name;
+    String input;
+};
+
+template <std::size_t count>
+void expectRejected(const Case (&cases)[count]) {
+    for (const auto& [name, input] : cases) {
+        SCOPED_TRACE(name);
+        syntax_tree tree;
+        EXPECT_FALSE(parseTemplate(input, tree.nodes)) << input;
+    }
+}
+
+TEST(Rejection, OfOpenersThatOpenNoStatement) {
+    expectRejected({
+        {"an opener of a statement in text", "50{% off"},
+        {"an opener of a substitution in text", "a {{ b"},
+        {"an opener of a statement at the end", "a{%"},
+        {"an opener of a substitution at the end", "a{{"},
+        {"an empty statement", "{%%}"},
+        {"an empty substitution", "{{}}"},
+        {"a substitution of blanks", "{{ \t }}"},
+        {"an unknown keyword", "{% unless x %}"},
+        {"a keyword cut short", "{% i x %}{% endif %}"},
+        {"a comment", "{# x #}{%# x %}"},
+        {"an assignment", "{% set x = y %}"},
+        {"three braces", "{{{x}}}"},
+        {"three braces before a statement", "{{{% if x %}{% endif %}"},
+        {"a zero byte inside a tag", String("{{ x\0 }}", 8)},
+    });
+}
+
+TEST(Rejection, OfNamesThatAreNone) {
+    expectRejected({
+        {"a hyphen", "{{ a-b }}"},
+        {"a leading digit", "{{ 1x }}"},
+        {"a leading dot", "{{ .x }}"},
+        {"a leading slash", "{{ /x }}"},
+        {"two names", "{{ a b }}"},
+        {"a letter over 127", "{{ \xC3\xA9 }}"},
+        {"a byte over 127 inside", "{{ a\xFF }}"},
+        {"a colon", "{{ a:b }}"},
+        {"a filter", "{{ a|b }}"},
+        {"a closing brace alone", "{{ x }"},
+        {"a closing brace and a blank", "{{ x } }"},
+        {"the closer of a statement", "{{ x %}"},
+        {"a condition that is a number", "{% if 1 %}{% endif %}"},
+        {"a negated condition", "{% if !x %}{% endif %}"},
+        {"a negated condition in words", "{% if not x %}{% endif %}"},
+        {"no condition", "{% if %}{% endif %}"},
+        {"no list", "{% for x in %}{% endfor %}"},
+        {"no variable", "{% for in xs %}{% endfor %}"},
+        {"two variables", "{% for x, y in xs %}{% endfor %}"},
+    });
+}
+
+TEST(Rejection, OfKeywordsThatAreNotRead) {
+    expectRejected({
+        {"a variable that swallows the keyword in", "{% for xin ys %}{% endfor %}"},
+        {"a keyword in that is missing", "{% for x of ys %}{% endfor %}"},
+        {"capital keywords", "{% IF x %}{% ENDIF %}"},
+        {"a capital closer", "{% if x %}{% EndIf %}"},
+        {"a capital else", "{% if x %}{% Else %}{% endif %}"},
+        {"a keyword with a blank inside", "{% if x %}{% end if %}"},
+        {"an opener with a blank inside", "{% if x % }{% endif %}"},
+        {"letters behind else", "{% if x %}{% elsewhere %}{% endif %}"},
+        {"letters behind endif", "{% if x %}{% endiff %}"},
+        {"a name behind endfor", "{% for x in xs %}{% endfor x %}"},
+        {"a condition behind else", "{% if x %}{% else if y %}{% endif %}"},
+        {"another spelling of else", "{% if x %}{% elif y %}{% endif %}"},
+    });
+}
+
+TEST(Rejection, OfLineBreaksInsideTags) {
+    for (const char* const lineBreak : {"\n", "\r", "\r\n", "\v", "\f"}) {
+        const std::string break_ = lineBreak;
+        const Case cases[] = {
+            {"before a condition", "{% if" + break_ + "x %}{% endif %}"},
+            {"before a keyword", "{%" + break_ + "if x %}{% endif %}"},
+            {"before a closer", "{% if x" + break_ + "%}{% endif %}"},
+            {"in a substitution", "{{ name" + break_ + "}}"},
+            {"before a name", "{{" + break_ + "name }}"},
+            {"in an else tag", "{% if x %}{% else" + break_ + "%}{% endif %}"},
+            {"in a closing tag", "{% if x %}{% endif" + break_ + "%}"},
+            {"in a loop", "{% for x in" + break_ + "xs %}{% endfor %}"},
+            {"in a path", "{% include \"x" + break_ + "\" %}"},
+        };
+        expectRejected(cases);
+    }
+}
+
+TEST(Rejection, OfPathsThatAreNone) {
+    expectRejected({
+        {"one that goes up first", "{% include \"../x.txt\" %}"},
+        {"one in this folder", "{% include \"./x.txt\" %}"},
+        {"an absolute one", "{% include \"/abs/x\" %}"},
+        {"a hyphen", "{% include \"my-file.txt\" %}"},
+        {"a drive", "{% include \"x:/y\" %}"},
+        {"a backslash", "{% include \"x\\y\" %}"},
+        {"a blank inside", "{% include \"a b.txt\" %}"},
+        {"an empty one", "{% include \"\" %}"},
+        {"one of blanks", "{% include \"  \" %}"},
+        {"one in single quotes", "{% include 'x.txt' %}"},
+        {"one without quotes", "{% include x.txt %}"},
+        {"one without its second quote", "{% include \"x.txt %}"},
+        {"one without its first quote", "{% include x.txt\" %}"},
+        {"two of them", "{% include \"a\" \"b\" %}"},
+        {"a letter over 127", "{% include \"\xC3\xA9.txt\" %}"},
+    });
+}
+
+TEST(Rejection, OfBlocksThatDoNotMatch) {
+    expectRejected({
+        {"an unclosed conditional", "{% if a %}x"},
+        {"an unclosed loop", "{% for a in b %}x"},
+        {"an unclosed else part", "{% if a %}x{% else %}y"},
+        {"a conditional closed as a loop", "{% if a %}x{% endfor %}"},
+        {"a loop closed as a conditional", "{% for a in b %}x{% endif %}"},
+        {"crossed blocks", "{% if a %}{% for x in y %}{% endif %}{% endfor %}"},
+        {"blocks crossed the other way", "{% for x in y %}{% if a %}{% endfor %}{% endif %}"},
+        {"endif at top level", "{% endif %}"},
+        {"endfor at top level", "x{% endfor %}"},
+        {"else at top level", "{% else %}"},
+        {"else in a loop", "{% for a in b %}{% else %}{% endfor %}"},
+        {"else in a loop in a conditional",
+         "{% if x %}{% for a in b %}{% else %}{% endfor %}{% endif %}"},
+        {"two else parts", "{% if a %}x{% else %}y{% else %}z{% endif %}"},
+        {"one closer too many", "{% if a %}x{% endif %}{% endif %}"},
+        {"an inner block that takes the only closer", "{% if a %}{% if b %}x{% endif %}"},
+        {"an inner block unclosed in an else part", "{% if a %}{% else %}{% if b %}{% endif %}"},
+        {"an inner fault", "{% if a %}{{ }}{% endif %}"},
+    });
+}
+
+// The list then holds what is complete before the fault; nobody looks at it.
+TEST(Rejection, LeavesTheCompleteNodesBeforeTheFault) {
+    const struct {
+        const char* name;
+        String input;
+        std::string expected;
+    } cases[] = {
+        {"a substitution without closer", "Hello {{ x", "'Hello '"},
+        {"nodes and a fault", "a{{ b }}c{% d", "'a' {b} 'c'"},
+        {"a block and a fault", "{% if a %}b{% endif %}{{", "if(a ? 'b')"},
+        {"an unclosed block", "a{% if b %}c{{ d }}", "'a'"},
+        {"a closer too many", "a{% endif %}b", "'a'"},
+    };
+    for (const auto& [name, input, expected] : cases) {
+        SCOPED_TRACE(name);
+        syntax_tree tree;
+        EXPECT_FALSE(parseTemplate(input, tree.nodes));
+        EXPECT_EQ(support::describe(tree.nodes), expected);
+    }
+}
+
+} // namespace
+} // namespace kel::Stencilor::internal

@@ -1,0 +1,90 @@
+#include "../support/SyntaxTree.h"
+
+#include <libStencilor/template/parse_template.h>
+#include <libStencilor/template/syntax_tree.h>
+
+#include <boost/variant/get.hpp>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace kel::Stencilor::internal {
+namespace {
+
+static_assert(std::is_same_v<content_list, std::vector<content>>);
+static_assert(std::is_aggregate_v<if_expr> && std::is_aggregate_v<for_expr>);
+static_assert(std::is_aggregate_v<replace_expr> && std::is_aggregate_v<include_expr>);
+
+TEST(Content, IsAnEmptyConditionalAtFirst) {
+    const content node;
+    EXPECT_EQ(node.which(), 0);
+    const auto& record = boost::get<if_expr>(node);
+    EXPECT_EQ(record.name, "");
+    EXPECT_TRUE(record.then_list.empty());
+    EXPECT_TRUE(record.else_list.empty());
+}
+
+TEST(Content, NumbersItsAlternatives) {
+    EXPECT_EQ(content(if_expr()).which(), 0);
+    EXPECT_EQ(content(for_expr()).which(), 1);
+    EXPECT_EQ(content(replace_expr()).which(), 2);
+    EXPECT_EQ(content(include_expr()).which(), 3);
+    EXPECT_EQ(content(std::string("text")).which(), 4);
+}
+
+TEST(Content, HasItsMembersInTheDeclaredOrder) {
+    const if_expr conditional{
+        {content(std::string("then"))}, {content(std::string("else"))}, "name"};
+    EXPECT_EQ(support::describe({conditional}), "if(name ? 'then' : 'else')");
+    const for_expr loop{{content(std::string("body"))}, "variable", "list"};
+    EXPECT_EQ(support::describe({loop}), "for(variable in list ? 'body')");
+    EXPECT_EQ(support::describe({replace_expr{"name"}, include_expr{"path"}}),
+              "{name} include(path)");
+}
+
+TEST(Content, IsTheSameWithoutAnElsePartAndWithAnEmptyOne) {
+    syntax_tree without;
+    syntax_tree empty;
+    ASSERT_TRUE(parseTemplate("{% if a %}x{% endif %}", without.nodes));
+    ASSERT_TRUE(parseTemplate("{% if a %}x{% else %}{% endif %}", empty.nodes));
+    const auto& first = boost::get<if_expr>(without.nodes.at(0));
+    const auto& second = boost::get<if_expr>(empty.nodes.at(0));
+    EXPECT_EQ(first.name, second.name);
+    EXPECT_EQ(support::describe(first.then_list), support::describe(second.then_list));
+    EXPECT_TRUE(first.else_list.empty());
+    EXPECT_TRUE(second.else_list.empty());
+}
+
+TEST(Content, IsCopiedWithEverythingBelowIt) {
+    auto source = std::make_unique<content_list>();
+    ASSERT_TRUE(parseTemplate(
+        "{% if a %}{% for b in c %}x{{ d }}{% include \"e\" %}{% endfor %}{% else %}y{% endif %}",
+        *source));
+    const content_list copy(*source);
+    source.reset();
+    EXPECT_EQ(support::describe(copy), "if(a ? for(b in c ? 'x' {d} include(e)) : 'y')");
+}
+
+TEST(Content, LeavesAnEmptyRecordBehindWhenItIsMoved) {
+    content source = for_expr{{content(std::string("body"))}, "variable", "list"};
+    const content target(std::move(source));
+    EXPECT_EQ(support::describe({target}), "for(variable in list ? 'body')");
+    ASSERT_EQ(source.which(), 1);
+    EXPECT_EQ(support::describe({source}), "for( in  ?)");
+}
+
+TEST(TakeApart, EmptiesEveryList) {
+    content_list nodes;
+    takeApart(nodes);
+    EXPECT_TRUE(nodes.empty());
+    ASSERT_TRUE(parseTemplate(
+        "a{{ b }}{% if c %}d{% else %}{% for e in f %}g{% endfor %}{% endif %}", nodes));
+    takeApart(nodes);
+    EXPECT_TRUE(nodes.empty());
+}
+
+} // namespace
+} // namespace kel::Stencilor::internal
