@@ -5,8 +5,6 @@
 #include <cstdint>
 
 #ifdef _WIN32
-#define NOMINMAX
-#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #else
 #include <fstream>

@@ -1,0 +1,114 @@
+#include "../support/Context.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace support {
+namespace {
+
+using kel::String;
+using kel::Stencilor::buildOutput;
+
+constexpr const char* notParsed =
+    "Could not build formatted output: Failed to parse input correctly.";
+
+TEST(BuildOutput, OfAnEmptyTemplateIsEmpty) {
+    const Root root;
+    String errors("untouched");
+    EXPECT_EQ(buildOutput("", root, errors), "");
+    EXPECT_EQ(errors, "untouched");
+    EXPECT_EQ(buildOutput("", root).size(), 0u);
+}
+
+TEST(BuildOutput, OfARejectedTemplateIsEmptyWithOneMessage) {
+    const Root root({{"x", text("value")}});
+    for (const char* const input : {"{{", "text {{ x }} {{ missing }} {% if", "{% endif %}"}) {
+        EXPECT_EQ(render(input, root), (Rendered{"", notParsed})) << input;
+        EXPECT_EQ(buildOutput(input, root).size(), 0u) << input;
+    }
+}
+
+TEST(BuildOutput, AppendsItsMessagesToWhatIsThereAlready) {
+    const Root root;
+    String errors("before|");
+    buildOutput("{{ a }}", root, errors);
+    buildOutput("{{ b }}", root, errors);
+    buildOutput("{{", root, errors);
+    buildOutput("{{", root, errors);
+    EXPECT_EQ(errors.str(), std::string("before|"
+                                        "Could not find expected replacement named \"a\"\n"
+                                        "Could not find expected replacement named \"b\"\n") +
+                                notParsed + notParsed);
+}
+
+TEST(BuildOutput, KeepsTheOrderOfTheTemplateInTextAndMessages) {
+    const Root root;
+    EXPECT_EQ(render("{{ a }} and {{ b }}", root),
+              (Rendered{" and ", "Could not find expected replacement named \"a\"\n"
+                                 "Could not find expected replacement named \"b\"\n"}));
+}
+
+TEST(BuildOutput, GivesTheSameTextWithoutErrorArgument) {
+    const Root root({{"x", text("value")}});
+    for (const char* const input : {"a{{ x }}b{{ missing }}c", "plain", "{{"}) {
+        String errors;
+        EXPECT_EQ(buildOutput(input, root), buildOutput(input, root, errors)) << input;
+    }
+}
+
+TEST(BuildOutput, EndsATemplateAtItsFirstNulByte) {
+    const Root root;
+    EXPECT_EQ(render(String("before\0after {{", 15), root), (Rendered{"before", ""}));
+}
+
+TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
+    const Root root({{"x", text("\xE2\x82")}});
+    const struct {
+        const char* name;
+        const char* input;
+        const char* expected;
+    } cases[] = {
+        {"text of every language", "\u00E4 \u65E5\u672C \U0001F600",
+         "\u00E4 \u65E5\u672C \U0001F600"},
+        {"a stray byte", "a\xFFz", "a\uFFFDz"},
+        {"a character cut by the end", "a\xE2\x82", "a\uFFFD"},
+        {"a character cut by a substitution", "\xE2\x82{{ x }}\xAC", "\uFFFD\uFFFD\uFFFD"},
+        {"a surrogate", "\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
+    };
+    for (const auto& [name, input, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
+    }
+}
+
+TEST(BuildOutput, TakesAnyValueAsItsRoot) {
+    ContextString string("its own text is no name");
+    string.insert("x", text("child of a string"));
+    ContextBoolean boolean(true);
+    boolean.insert("x", text("child of a boolean"));
+    ContextIterable iterable;
+    iterable.insert("x", text("child of a list"));
+    iterable.add(dictionary({{"x", text("element")}}));
+    ContextBase node;
+    node.insert("x", text("child of a node"));
+    EXPECT_EQ(render("{{ x }}", string).output, "child of a string");
+    EXPECT_EQ(render("{{ x }}", boolean).output, "child of a boolean");
+    EXPECT_EQ(render("{{ x }}", iterable).output, "child of a list");
+    EXPECT_EQ(render("{{ x }}", node).output, "child of a node");
+}
+
+TEST(BuildOutput, DoesNotChangeTheContext) {
+    ContextDictionary root;
+    ContextBase* const list_ = root.insert("list", list({dictionary(), nullptr}));
+    render("{{ missing }}{% for x in list %}{{ x.missing }}{% if y %}{% endif %}{% endfor %}",
+           root);
+    EXPECT_EQ(root.size(), 1u);
+    EXPECT_EQ(root.find("list"), list_);
+    auto& elements = dynamic_cast<ContextIterable&>(*list_);
+    EXPECT_EQ(elements.size(), 2u);
+    EXPECT_EQ(dynamic_cast<ContextDictionary&>(*elements[0]).size(), 0u);
+}
+
+} // namespace
+} // namespace support

@@ -1,0 +1,207 @@
+#include "../support/Context.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace support {
+namespace {
+
+struct Case {
+    const char* name;
+    const char* input;
+    const char* expected;
+};
+
+template <std::size_t count>
+void expectRendered(const Root& root, const Case (&cases)[count]) {
+    for (const auto& [name, input, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(render(input, root), (Rendered{expected, ""})) << input;
+    }
+}
+
+TEST(NameResolution, TriesTheInnermostScopeFirst) {
+    const Root root({
+        {"x", text("root")},
+        {"only", text("root only")},
+        {"outer", list({dictionary({{"x", text("outer")}, {"middle", text("middle")}})})},
+        {"inner", list({dictionary({{"x", text("inner")}, {"middle", nullptr}})})},
+    });
+    expectRendered(
+        root,
+        {
+            {"at top level", "{{ x }}", "root"},
+            {"in one loop", "{% for a in outer %}{{ x }}{% endfor %}", "outer"},
+            {"in two loops",
+             "{% for a in outer %}{% for b in inner %}{{ x }}{% endfor %}{% endfor %}", "inner"},
+            {"in two loops the other way round",
+             "{% for b in inner %}{% for a in outer %}{{ x }}{% endfor %}{% endfor %}", "outer"},
+            {"a name that only the root has",
+             "{% for a in outer %}{% for b in inner %}{{ only }}{% endfor %}{% endfor %}",
+             "root only"},
+            {"a name that null does not hide",
+             "{% for a in outer %}{% for b in inner %}{{ middle }}{% endfor %}{% endfor %}",
+             "middle"},
+            {"behind the loops", "{% for a in outer %}{% endfor %}{{ x }}", "root"},
+            {"between the loops",
+             "{% for a in outer %}{% for b in inner %}{% endfor %}{{ x }}{% endfor %}", "outer"},
+        });
+}
+
+TEST(NameResolution, StripsThePrefixOfALoopInsideItOnly) {
+    const Root root({
+        {"list", list({dictionary({{"title", text("element's")},
+                                   {"item.own", text("key with the prefix")},
+                                   {"item.title", text("not reached, title comes first")},
+                                   {"a.b", text("dotted")},
+                                   {"item.", text("key of the prefix alone")},
+                                   {"", text("empty key")}})})},
+        {"item.title", text("root's dotted")},
+        {"item.rest", text("root's rest")},
+        {"title", text("root's")},
+        {"more", text("root's more")},
+    });
+    expectRendered(
+        root,
+        {
+            {"inside", "{% for item in list %}{{ item.title }}{% endfor %}", "element's"},
+            {"inside, without prefix", "{% for item in list %}{{ title }}{% endfor %}",
+             "element's"},
+            {"outside", "{{ item.title }}", "root's dotted"},
+            {"behind the loop", "{% for item in list %}{% endfor %}{{ item.title }}",
+             "root's dotted"},
+            {"under another variable", "{% for other in list %}{{ item.own }}{% endfor %}",
+             "key with the prefix"},
+            {"the whole name where the rest is no key",
+             "{% for item in list %}{{ item.own }}{% endfor %}", "key with the prefix"},
+            {"a rest with a dot", "{% for item in list %}{{ item.a.b }}{% endfor %}", "dotted"},
+            {"in the root, without prefix", "{% for item in list %}{{ item.more }}{% endfor %}",
+             "root's more"},
+            {"in the root, the whole name", "{% for item in list %}{{ item.rest }}{% endfor %}",
+             "root's rest"},
+            {"nothing behind the prefix", "{% for item in list %}{{ item. }}{% endfor %}",
+             "empty key"},
+            {"one prefix only", "{% for item in list %}{{ item.item.own }}{% endfor %}",
+             "key with the prefix"},
+        });
+}
+
+TEST(NameResolution, DoesNotStripWhatOnlyLooksLikeThePrefix) {
+    const Root root({
+        {"list", list({dictionary(
+                     {{"title", text("element's")}, {"s.title", text("rest of a longer name")}})})},
+        {"items.title", text("longer name")},
+        {"ite.title", text("shorter name")},
+        {"Item.title", text("another case")},
+        {"x.item.title", text("prefix further on")},
+        {"item/title", text("slash")},
+    });
+    expectRendered(
+        root,
+        {
+            {"a longer name", "{% for item in list %}{{ items.title }}{% endfor %}", "longer name"},
+            {"a shorter name", "{% for item in list %}{{ ite.title }}{% endfor %}", "shorter name"},
+            {"another case", "{% for item in list %}{{ Item.title }}{% endfor %}", "another case"},
+            {"the prefix further on", "{% for item in list %}{{ x.item.title }}{% endfor %}",
+             "prefix further on"},
+            {"a slash", "{% for item in list %}{{ item/title }}{% endfor %}", "slash"},
+        });
+}
+
+TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
+    const Root root({
+        {"xs", list({dictionary({{"title", text("outer title")},
+                                 {"only", text("outer only")},
+                                 {"b.only", text("outer with b")}})})},
+        {"ys",
+         list({dictionary({{"title", text("inner title")}, {"a.whole", text("inner whole")}})})},
+        {"dotted",
+         list({dictionary({{"c", text("behind both")}, {"b.c", text("behind the outer")}})})},
+        {"whole", text("root whole")},
+    });
+    const auto loops = [](const std::string& body) {
+        return "{% for a in xs %}{% for b in ys %}" + body + "{% endfor %}{% endfor %}";
+    };
+    const struct {
+        const char* name;
+        std::string input;
+        const char* expected;
+    } cases[] = {
+        {"the outer variable reaches the inner element first", loops("{{ a.title }}"),
+         "inner title"},
+        {"the inner variable", loops("{{ b.title }}"), "inner title"},
+        {"what only the outer element has, by either variable",
+         loops("{{ a.only }},{{ b.only }},{{ only }}"), "outer only,outer only,outer only"},
+        {"the whole name inside before the rest outside", loops("{{ a.whole }}"), "inner whole"},
+        {"a prefix behind a prefix stays",
+         "{% for a in dotted %}{% for b in ys %}{{ a.b.c }}"
+         "{% endfor %}{% endfor %}",
+         "behind the outer"},
+        {"variables with a dot",
+         "{% for a in dotted %}{% for a.b in ys %}{{ a.b.c }}"
+         "{% endfor %}{% endfor %}",
+         "behind both"},
+        {"variables with a dot the other way round",
+         "{% for a.b in ys %}{% for a in dotted %}"
+         "{{ a.b.c }}{% endfor %}{% endfor %}",
+         "behind the outer"},
+        {"the same variable twice",
+         "{% for a in xs %}{% for a in ys %}{{ a.title }},{{ a.only }}"
+         "{% endfor %}{{ a.title }}{% endfor %}",
+         "inner title,outer onlyouter title"},
+    };
+    for (const auto& [name, input, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(render(input, root), (Rendered{expected, ""})) << input;
+    }
+}
+
+TEST(NameResolution, TakesTheFirstValueOfTheNameWhateverItsKind) {
+    const Root root({
+        {"x", text("root")},
+        {"list", list({dictionary({{"x", truth(true)}})})},
+    });
+    EXPECT_EQ(render("{% for item in list %}{{ x }}{% endfor %}", root),
+              (Rendered{"", "The replacement is not of type String for \"x\""}));
+    EXPECT_EQ(render("{% for item in list %}{{ item.x }}{% endfor %}", root),
+              (Rendered{"", "The replacement is not of type String for \"item.x\""}));
+}
+
+TEST(NameResolution, HoldsForConditionsAndListsToo) {
+    const Root root({{"users", list({dictionary({{"active", truth(true)},
+                                                 {"tags", list({dictionary({{"t", text("x")}})})}}),
+                                     dictionary({{"active", truth(false)}, {"tags", list()}})})}});
+    EXPECT_EQ(render("{% for u in users %}{% if u.active %}yes{% else %}no{% endif %}"
+                     "{% for tag in u.tags %}{{ tag.t }}{% endfor %};{% endfor %}",
+                     root),
+              (Rendered{"yesx;no;", ""}));
+}
+
+// Many scopes and prefixes at once, the same ones and different ones, inside out.
+TEST(NameResolution, FindsTheRightScopeAmongHundreds) {
+    Root root;
+    std::string opening;
+    std::string closing;
+    for (int depth = 0; depth < 200; ++depth) {
+        const std::string number = std::to_string(depth);
+        root.insert(
+            "list" + number,
+            list({dictionary({{"x", text(number)}, {"own" + number, text("o" + number)}})}));
+        opening += "{% for v" + number + " in list" + number + " %}";
+        closing = "{{ x }} {% endfor %}" + closing;
+    }
+    std::string expected;
+    for (int depth = 199; depth >= 0; --depth) {
+        expected += std::to_string(depth) + " ";
+    }
+    EXPECT_EQ(render(opening + closing, root), (Rendered{expected, ""}));
+    const std::string body =
+        "{{ v0.own0 }} {{ v7.own199 }} {{ own100 }} "
+        "{% for w in list3 %}{{ x }} {{ w.own3 }} {{ v199.own199 }}{% endfor %} {{ x }}|";
+    expected.insert(0, "o0 o199 o100 3 o3 o199 199|");
+    EXPECT_EQ(render(opening + body + closing, root), (Rendered{expected, ""}));
+}
+
+} // namespace
+} // namespace support

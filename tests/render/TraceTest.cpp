@@ -1,0 +1,157 @@
+#include "../support/Context.h"
+#include "../support/LogRecorder.h"
+#include "../support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace support {
+namespace {
+
+using namespace kel::LoggerPriority;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+
+using Lines = std::vector<std::string>;
+
+Lines tracesOf(const std::string& input, const ContextBase& root) {
+    LogRecorder recorder(PRIORITY_TRACE);
+    kel::Stencilor::buildOutput(input, root);
+    Lines lines = recorder.takeLines();
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("  2 "); });
+    return lines;
+}
+
+TEST(Traces, TellEachScopeWithItsNameLineAndDepth) {
+    const Root root({
+        {"x", text("value")},
+        {"yes", truth(true)},
+        {"two", listOf(2)},
+        {"none", list()},
+    });
+    const struct {
+        const char* name;
+        const char* input;
+        Lines expected; // of the scopes inside the entry point's
+    } cases[] = {
+        {"an empty template", "", {}},
+        {"a rejected template, without its nodes", "text{{", {}},
+        {"text", "text", {"> content_visit::string:120", "< content_visit::string:120"}},
+        {"a substitution",
+         "{{ x }}",
+         {"> content_visit::replace_expr:184", "< content_visit::replace_expr:184"}},
+        {"a substitution that fails",
+         "{{ missing }}",
+         {"> content_visit::replace_expr:184", "< content_visit::replace_expr:184"}},
+        {"nodes side by side",
+         "a{{ x }}",
+         {"> content_visit::string:120", "< content_visit::string:120",
+          "> content_visit::replace_expr:184", "< content_visit::replace_expr:184"}},
+        {"a conditional",
+         "{% if yes %}a{% endif %}",
+         {"> content_visit::if_expr:126", "  > applyVisitor:230", "    > content_visit::string:120",
+          "    < content_visit::string:120", "  < applyVisitor:230",
+          "< content_visit::if_expr:126"}},
+        {"a conditional without nodes",
+         "{% if yes %}{% endif %}",
+         {"> content_visit::if_expr:126", "  > applyVisitor:230", "  < applyVisitor:230",
+          "< content_visit::if_expr:126"}},
+        {"a conditional that fails",
+         "{% if missing %}a{% endif %}",
+         {"> content_visit::if_expr:126", "< content_visit::if_expr:126"}},
+        {"a loop, once for each turn",
+         "{% for i in two %}a{% endfor %}",
+         {"> content_visit::for_expr:151", "  > applyVisitor:230",
+          "    > content_visit::string:120", "    < content_visit::string:120",
+          "  < applyVisitor:230", "  > applyVisitor:230", "    > content_visit::string:120",
+          "    < content_visit::string:120", "  < applyVisitor:230",
+          "< content_visit::for_expr:151"}},
+        {"a loop without elements",
+         "{% for i in none %}a{% endfor %}",
+         {"> content_visit::for_expr:151", "< content_visit::for_expr:151"}},
+        {"a loop that fails",
+         "{% for i in missing %}a{% endfor %}",
+         {"> content_visit::for_expr:151", "< content_visit::for_expr:151"}},
+        {"a block in a block, and text behind it",
+         "{% if yes %}{% if yes %}{% endif %}a{% endif %}",
+         {"> content_visit::if_expr:126", "  > applyVisitor:230",
+          "    > content_visit::if_expr:126", "      > applyVisitor:230",
+          "      < applyVisitor:230", "    < content_visit::if_expr:126",
+          "    > content_visit::string:120", "    < content_visit::string:120",
+          "  < applyVisitor:230", "< content_visit::if_expr:126"}},
+        {"an inclusion of a file that is missing",
+         "{% include \"no/such/file\" %}",
+         {"> content_visit::include_expr:205", "< content_visit::include_expr:205"}},
+    };
+    for (const auto& [name, input, inside] : cases) {
+        SCOPED_TRACE(name);
+        Lines expected = {"> buildOutput:408"};
+        for (const std::string& line : inside) {
+            expected.push_back("  " + line);
+        }
+        expected.push_back("< buildOutput:408");
+        EXPECT_EQ(tracesOf(input, root), expected);
+    }
+}
+
+TEST(Traces, TellTheScopesOfAnInclusion) {
+    const TemporaryFolder folder;
+    const WorkingFolder working(folder.path());
+    folder.writeFile("good.txt", "a");
+    folder.writeFile("rejected.txt", "a{{");
+    folder.writeSparseFile("large", 4ull << 30);
+    const Root root;
+    EXPECT_THAT(tracesOf("{% include \"good.txt\" %}", root),
+                ElementsAre("> buildOutput:408", "  > content_visit::include_expr:205",
+                            "    > buildOutput:251", "      > applyVisitor:230",
+                            "        > content_visit::string:120",
+                            "        < content_visit::string:120", "      < applyVisitor:230",
+                            "    < buildOutput:251", "  < content_visit::include_expr:205",
+                            "< buildOutput:408"));
+    EXPECT_THAT(tracesOf("{% include \"rejected.txt\" %}", root),
+                ElementsAre("> buildOutput:408", "  > content_visit::include_expr:205",
+                            "    > buildOutput:251", "    < buildOutput:251",
+                            "  < content_visit::include_expr:205", "< buildOutput:408"));
+    EXPECT_THAT(tracesOf("{% include \"large\" %}", root),
+                ElementsAre("> buildOutput:408", "  > content_visit::include_expr:205",
+                            "  < content_visit::include_expr:205", "< buildOutput:408"));
+}
+
+TEST(Traces, AllTellTheFileOfTheRenderer) {
+    LogRecorder recorder(PRIORITY_TRACE);
+    render("text", Root());
+    EXPECT_THAT(recorder.lastFile(), EndsWith("render/content_visit.cpp"));
+}
+
+TEST(Traces, AreWrittenAtPriorityOneAndBelow) {
+    kel::Logger& logger = loggerOf("libStencilor");
+    for (int threshold = -1; threshold <= 4; ++threshold) {
+        for (int global = -1; global <= 4; ++global) {
+            SCOPED_TRACE(std::to_string(threshold) + " and " + std::to_string(global));
+            const Threshold own(logger, threshold);
+            LogRecorder recorder(static_cast<LOGGER_PRIORITY>(global));
+            render("", Root());
+            if (threshold <= 1 && global <= 1) {
+                EXPECT_THAT(recorder.lines(),
+                            ElementsAre("> buildOutput:408", "< buildOutput:408"));
+            } else {
+                EXPECT_THAT(recorder.lines(), IsEmpty());
+            }
+        }
+    }
+}
+
+TEST(Traces, ChangeNothingOfWhatIsRendered) {
+    const Root root({{"x", text("value")}, {"yes", truth(true)}, {"two", listOf(2)}});
+    const std::string input = "{% for i in two %}{% if yes %}{{ x }}{{ y }}{% endif %}{% endfor %}";
+    const Rendered untraced = render(input, root);
+    const LogRecorder recorder(PRIORITY_TRACE);
+    EXPECT_EQ(render(input, root), untraced);
+}
+
+} // namespace
+} // namespace support
