@@ -12,7 +12,8 @@
 #   <!-- not run: REASON -->     the block is shown only
 #   <!-- native only: REASON --> the block is run only where what was built runs without an emulator
 #
-# A cpp block without a main() of its own stands inside one; the frame is written here and told in the documents.
+# A cpp block without a main() of its own stands inside one: in that of the document's cpp block that says
+# "// the example", in the place of that line.
 
 function fail(text) {
     print document ":" FNR ": " text > "/dev/stderr"
@@ -20,21 +21,27 @@ function fail(text) {
     exit 1
 }
 
-function open_frame(file) {
-    print "#include <libKel/FileSystem.h>\n#include <libKel/Logging.h>" > file
-    print "#include <libStencilor/Stencilor.h>" > file
-    print "#include <iostream>\n#include <memory>\n#include <string>\n#include <thread>" > file
-    print "using namespace kel::Stencilor;\nint main() {" > file
+function write_program() {
+    if (text !~ /(^|\n)int main\(/) {
+        if (frame == "") {
+            fail("there is no main() for this example")
+        }
+        match(frame, / *\/\/ the example\n/)
+        printf "%s", substr(frame, 1, RSTART - 1) > (path)
+    }
+    printf "#line %d \"%s\"\n%s", begin + 1, document, text > (path)
+    if (text !~ /(^|\n)int main\(/) {
+        printf "%s", substr(frame, RSTART + RLENGTH) > (path)
+    } else if (text ~ /\/\/ the example\n/) {
+        frame = text
+    }
 }
 
 function finish_block() {
-    if (kind != "cpp") {
-        printf "%s", text > (path)
-    } else if (text ~ /(^|\n)int main\(/) {
-        printf "#line %d \"%s\"\n%s", begin + 1, document, text > (path)
+    if (kind == "cpp") {
+        write_program()
     } else {
-        open_frame(path)
-        printf "#line %d \"%s\"\n%s}\n", begin + 1, document, text > (path)
+        printf "%s", text > (path)
     }
     close(path)
     printf "%s\t%s\t%d\t%s\t%s\t%s\n", number, kind, begin, argument, file, note
@@ -42,7 +49,6 @@ function finish_block() {
 }
 
 BEGIN {
-    FS = " "
     file = note = "-"
 }
 
