@@ -11,6 +11,8 @@ target_compile_options(
     stencilor_warnings
     INTERFACE
         $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow;-Wnon-virtual-dtor;-Wold-style-cast>
+        # GCC 12 warns of its own std::string, wherever "text" + string is compiled for speed.
+        $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
 )
 
@@ -21,6 +23,15 @@ function(stencilor_compile_settings target)
         ${target}
         PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     )
+    # Calls within a library go straight to their target, not through the table that would let
+    # another module replace it; other compilers than GCC do so anyway.
+    target_compile_options(
+        ${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
+    )
+    if(WIN32)
+        # Otherwise <windows.h> has macros for min and max.
+        target_compile_definitions(${target} PRIVATE NOMINMAX)
+    endif()
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:stencilor_warnings>)
 endfunction()
 

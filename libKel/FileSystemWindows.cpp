@@ -2,13 +2,13 @@
 #include <libKel/RootedPath.h>
 #include <libKel/Utf8.h>
 
+#include <windows.h>
+
 #include <algorithm>
 #include <limits>
 #include <mutex>
 #include <optional>
 #include <string>
-
-#include <windows.h>
 
 namespace kel {
 

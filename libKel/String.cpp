@@ -2,6 +2,7 @@
 #include <libKel/Utf8.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -57,23 +58,23 @@ CString::~CString() {
 
 String::String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
 
-String::String(const char* bytes) : String() {
-    if (bytes != nullptr) {
-        assign(bytes, checkedSize(std::strlen(bytes)));
+String::String(const char* bytes)
+    : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
+
+String::String(const char* bytes, unsigned int length)
+    : data_(inline_), size_(length), capacity_(inlineCapacity) {
+    if (length > inlineCapacity) {
+        data_ = resizeBlock(nullptr, length);
+        capacity_ = length;
     }
+    copyBytes(data_, bytes, length);
+    data_[length] = '\0';
+    copyLeadingBytes();
 }
 
-String::String(const char* bytes, unsigned int length) : String() {
-    assign(bytes, length);
-}
+String::String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
 
-String::String(std::string_view bytes) : String() {
-    assign(bytes.data(), checkedSize(bytes.size()));
-}
-
-String::String(const String& other) : String() {
-    assign(other.data_, other.size_);
-}
+String::String(const String& other) : String(other.data_, other.size_) {}
 
 String::String(String&& other) noexcept : String() {
     take(other);
@@ -100,7 +101,7 @@ String::~String() {
 
 String& String::operator+=(const String& other) {
     const unsigned int added = other.size_;
-    const std::size_t size = checkedSize(static_cast<std::size_t>(size_) + added);
+    const std::size_t size = std::size_t{size_} + added;
     if (size > capacity_) {
         grow(size);
     }
@@ -185,6 +186,7 @@ void String::take(String& other) noexcept {
 
 /// Makes room for `size` characters, and for as many again so that appending stays linear.
 void String::grow(std::size_t size) {
+    checkedSize(size);
     const std::size_t capacity = std::min(std::max(size, std::size_t{capacity_} * 2), longest);
     if (isInline()) {
         char* block = resizeBlock(nullptr, capacity);
@@ -196,10 +198,19 @@ void String::grow(std::size_t size) {
     capacity_ = static_cast<unsigned int>(capacity);
 }
 
-/// Keeps the promise about the first eight bytes of `inline_`.
+/// Keeps the promise about the first eight bytes of `inline_`. No block is shorter than eight
+/// bytes; what is read past the end of the text is shifted out.
 void String::copyLeadingBytes() noexcept {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, data_, std::min<std::size_t>(size_, sizeof(bytes)));
+    std::uint64_t bytes;
+    std::memcpy(&bytes, data_, sizeof(bytes));
+    if (size_ < sizeof(bytes)) {
+        const unsigned int unused = 8 * (static_cast<unsigned int>(sizeof(bytes)) - size_);
+        if constexpr (std::endian::native == std::endian::little) {
+            bytes = size_ == 0 ? 0 : bytes << unused >> unused;
+        } else {
+            bytes = size_ == 0 ? 0 : bytes >> unused << unused;
+        }
+    }
     std::memcpy(inline_, &bytes, sizeof(bytes));
 }
 

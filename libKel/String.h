@@ -3,6 +3,7 @@
 
 #include <libKel/Export.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -140,19 +141,25 @@ class KEL_EXPORT String {
 inline std::uint64_t String::leadingBytes() const noexcept {
     std::uint64_t bytes;
     std::memcpy(&bytes, inline_, sizeof(bytes));
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    return bytes;
-#elif defined(__GNUC__)
-    return __builtin_bswap64(bytes);
-#else
-    return _byteswap_uint64(bytes);
-#endif
+    if constexpr (std::endian::native == std::endian::big) {
+        return bytes;
+    }
+    // The first byte counts most. Compilers make one instruction of this.
+    bytes = (bytes & 0x00FF00FF00FF00FFu) << 8 | (bytes >> 8 & 0x00FF00FF00FF00FFu);
+    bytes = (bytes & 0x0000FFFF0000FFFFu) << 16 | (bytes >> 16 & 0x0000FFFF0000FFFFu);
+    return bytes << 32 | bytes >> 32;
 }
 
 inline bool String::operator<(const String& other) const noexcept {
     const std::uint64_t mine = leadingBytes();
     const std::uint64_t theirs = other.leadingBytes();
-    return mine != theirs ? mine < theirs : view() < other.view();
+    if (mine != theirs) {
+        return mine < theirs;
+    }
+    if (size_ <= sizeof(mine) || other.size_ <= sizeof(theirs)) {
+        return size_ < other.size_; // one of them begins the other
+    }
+    return view() < other.view();
 }
 
 /// Writes the characters to `stream`.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-/// How many bytes at the start of `text` are ASCII, at least; eight are tested at a time.
+/// How many bytes at the start of `text` are ASCII; eight are tested at a time.
 std::size_t asciiPrefix(std::string_view text) noexcept {
     constexpr std::size_t step = sizeof(std::uint64_t);
     std::size_t at = 0;
@@ -23,6 +23,9 @@ std::size_t asciiPrefix(std::string_view text) noexcept {
         if ((bytes & 0x8080808080808080u) != 0) {
             break;
         }
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
+        ++at;
     }
     return at;
 }
@@ -77,8 +80,17 @@ std::size_t malformedLength(std::string_view text) {
 } // namespace
 
 std::size_t validUtf8Prefix(std::string_view text) noexcept {
-    const std::string_view rest = text.substr(asciiPrefix(text));
-    return static_cast<std::size_t>(utf8::find_invalid(rest.begin(), rest.end()) - text.begin());
+    std::size_t at = asciiPrefix(text);
+    while (at < text.size()) {
+        const std::size_t length = sequenceLength(static_cast<unsigned char>(text[at]));
+        const std::string_view sequence = text.substr(at, length);
+        if (length == 1 || sequence.size() < length || !utf8::is_valid(sequence)) {
+            return at;
+        }
+        at += length;
+        at += asciiPrefix(text.substr(at));
+    }
+    return at;
 }
 
 std::string repairedUtf8(std::string_view text, std::size_t valid) {

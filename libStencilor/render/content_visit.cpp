@@ -24,8 +24,8 @@ const Kind* as(const ContextBase* value) {
 
 /// Where an exception passes, the traced scopes still close innermost first.
 content_visit::~content_visit() {
-    while (!blocks_.empty()) {
-        blocks_.pop_back();
+    while (depth_ > 0) {
+        leaveBlock();
     }
 }
 
@@ -45,7 +45,7 @@ void content_visit::applyVisitor(const content_list& list, const ContextBase* sc
 
 void content_visit::operator()(const std::string& text) {
     const trace_scope trace(trace_points::visitString);
-    result_.output += text;
+    result_.output.append(text);
 }
 
 void content_visit::operator()(const replace_expr& node) {
@@ -53,32 +53,34 @@ void content_visit::operator()(const replace_expr& node) {
     const auto* string = find<ContextString>(node.name, messages::replacementNotFound,
                                              messages::replacementNotString);
     if (string != nullptr) {
-        result_.output += context_access::text(*string).getUTF8String().c_str();
+        result_.output.append(context_access::text(*string).getUTF8String().c_str());
     }
 }
 
 void content_visit::operator()(const if_expr& node) {
-    block& opened = blocks_.emplace_back(trace_points::visitIf);
+    block& opened = enterBlock(trace_points::visitIf);
     const auto* boolean =
         find<ContextBoolean>(node.name, messages::booleanNotFound, messages::notBoolean);
     if (boolean == nullptr) {
-        blocks_.pop_back();
+        leaveBlock();
         return;
     }
     opened.list = context_access::truth(*boolean) ? &node.then_list : &node.else_list;
+    opened.elements = nullptr;
     enterList(opened, boolean);
 }
 
 void content_visit::operator()(const for_expr& node) {
-    block& opened = blocks_.emplace_back(trace_points::visitFor);
+    block& opened = enterBlock(trace_points::visitFor);
     const auto* iterable =
         find<ContextIterable>(node.list_name, messages::listNotFound, messages::notIterable);
-    if (iterable == nullptr || iterable->size() == 0) {
-        blocks_.pop_back();
+    if (iterable == nullptr || context_access::elements(*iterable).empty()) {
+        leaveBlock();
         return;
     }
     opened.list = &node.body;
     opened.elements = iterable;
+    opened.turn = 0;
     opened.prefix = prefixes_.enter(node.variable);
     enterTurn(opened);
 }
@@ -104,6 +106,22 @@ const Kind* content_visit::find(const std::string& name, const message& notFound
     return value;
 }
 
+content_visit::block& content_visit::enterBlock(const trace_point& point) {
+    if (depth_ == blocks_.size()) {
+        blocks_.push_back(std::make_unique<block>());
+    }
+    block& opened = *blocks_[depth_++];
+    opened.visit.emplace(point);
+    return opened;
+}
+
+/// Closes the traced scopes of the innermost block.
+void content_visit::leaveBlock() {
+    block& closed = *blocks_[--depth_];
+    closed.apply.reset();
+    closed.visit.reset();
+}
+
 /// What `applyVisitor` does at its beginning, for the list of an open block.
 void content_visit::enterList(block& current, const ContextBase* scope) {
     current.apply.emplace(trace_points::applyVisitor);
@@ -120,25 +138,20 @@ void content_visit::enterTurn(block& loop) {
     enterList(loop, context_access::elements(*loop.elements)[loop.turn]);
 }
 
-/// Leaves the innermost block.
-void content_visit::leaveBlock() {
-    if (blocks_.back().elements != nullptr) {
-        prefixes_.leave(blocks_.back().prefix);
-    }
-    blocks_.pop_back();
-}
-
 void content_visit::renderOpenBlocks() {
-    while (!blocks_.empty()) {
-        block& current = blocks_.back();
+    while (depth_ > 0) {
+        block& current = *blocks_[depth_ - 1];
         if (current.next < current.list->size()) {
             boost::apply_visitor(*this, (*current.list)[current.next++]);
             continue;
         }
         leaveList(current);
-        if (current.elements != nullptr && ++current.turn < current.elements->size()) {
+        if (current.elements == nullptr) {
+            leaveBlock();
+        } else if (++current.turn < context_access::elements(*current.elements).size()) {
             enterTurn(current);
         } else {
+            prefixes_.leave(current.prefix);
             leaveBlock();
         }
     }

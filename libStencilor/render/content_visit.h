@@ -9,9 +9,10 @@
 #include <boost/variant/static_visitor.hpp>
 
 #include <cstddef>
-#include <deque>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kel::Stencilor::internal {
 
@@ -48,9 +49,7 @@ class content_visit : public boost::static_visitor<> {
   private:
     /// A block that is being rendered: which list, and how far; for a loop also which turn.
     struct block {
-        explicit block(const trace_point& point) : visit(point) {}
-
-        trace_scope visit;
+        std::optional<trace_scope> visit;
         std::optional<trace_scope> apply;
         scope_stack::position scope;
         const content_list* list = nullptr;
@@ -63,17 +62,22 @@ class content_visit : public boost::static_visitor<> {
 
     template <typename Kind>
     const Kind* find(const std::string& name, const message& notFound, const message& wrongKind);
+    block& enterBlock(const trace_point& point);
+    void leaveBlock();
     void enterList(block& current, const ContextBase* scope);
     void leaveList(block& current);
     void enterTurn(block& loop);
-    void leaveBlock();
     void renderOpenBlocks();
 
     scope_stack& scopes_;
     render_result& result_;
     prefix_stack prefixes_;
     name_lookup lookup_;
-    std::deque<block> blocks_; // a deque, since traced scopes cannot move
+
+    // The first depth_ of them are open. Those that were left are used again. Each stands apart,
+    // since traced scopes cannot move.
+    std::vector<std::unique_ptr<block>> blocks_;
+    std::size_t depth_ = 0;
 };
 
 } // namespace kel::Stencilor::internal

@@ -44,7 +44,7 @@ void includeFile(const std::string& path, scope_stack& scopes, render_result& re
     }
     const String text(reinterpret_cast<const char*>(file.data),
                       static_cast<unsigned int>(file.size));
-    result.output += renderIncluded(text, scopes).getUTF8String().c_str();
+    result.output.append(renderIncluded(text, scopes).getUTF8String().c_str());
 }
 
 } // namespace kel::Stencilor::internal

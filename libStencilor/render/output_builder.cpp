@@ -20,8 +20,8 @@ String renderNodes(const content_list& nodes, const ContextBase& context, String
     String decoded;
     for (const content& node : nodes) {
         visitor.dispatch(node);
-        decoded.UTF8Decode(result.output.data(), static_cast<unsigned int>(result.output.size()),
-                           false);
+        const std::string_view output = result.output.view();
+        decoded.UTF8Decode(output.data(), static_cast<unsigned int>(output.size()), false);
         rendered += decoded;
         errors += String(result.errors.c_str());
         result.output.clear();

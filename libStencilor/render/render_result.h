@@ -1,6 +1,8 @@
 #ifndef LIBSTENCILOR_RENDER_RENDER_RESULT_H
 #define LIBSTENCILOR_RENDER_RENDER_RESULT_H
 
+#include <libStencilor/render/text_sink.h>
+
 #include <string>
 #include <string_view>
 
@@ -33,7 +35,7 @@ struct render_result {
         errors.append(text.before).append(name).append(text.after);
     }
 
-    std::string output;
+    text_sink output;
     std::string errors;
 };
 

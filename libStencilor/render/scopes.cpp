@@ -2,6 +2,9 @@
 #include <libStencilor/render/scopes.h>
 
 #include <algorithm>
+#include <functional>
+#include <span>
+#include <utility>
 
 namespace kel::Stencilor::internal {
 
@@ -12,6 +15,44 @@ const ContextBase* childOf(const ContextBase& scope, const String& key) {
     const auto& children = context_access::children(scope);
     const auto found = children.find(key);
     return found == children.end() ? nullptr : found->second;
+}
+
+/// The first value that one of `keys` stands for, in the innermost scope that has one.
+const ContextBase* findFirst(const scope_stack& scopes, std::span<const String> keys) {
+    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
+        for (const String& key : keys) {
+            if (const ContextBase* found = childOf(**scope, key)) {
+                return found;
+            }
+        }
+    }
+    return nullptr;
+}
+
+/// The keys that `name` is tried as. Trying a key twice in one scope finds nothing new, so each is
+/// kept once; they differ in their length.
+void collectKeys(const std::string& name, const prefix_stack& prefixes, std::vector<String>& keys) {
+    keys.clear();
+    const auto add = [&name, &keys](std::size_t prefix) {
+        String key(name.c_str() + prefix);
+        const auto same = [&key](const String& other) { return other.size() == key.size(); };
+        if (std::none_of(keys.begin(), keys.end(), same)) {
+            keys.push_back(std::move(key));
+        }
+    };
+    if (name.find('.') != std::string::npos) {
+        for (auto prefix = prefixes.newestFirst(); prefix != prefixes.end(); ++prefix) {
+            add(prefixLength(name, *prefix));
+        }
+    }
+    add(0);
+}
+
+constexpr std::size_t slotCount = 64;
+
+/// Names are members of records on the heap, which spreads their addresses well enough.
+std::size_t slotOf(const std::string& name) noexcept {
+    return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
 }
 
 } // namespace
@@ -37,43 +78,25 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
 
 const ContextBase* name_lookup::findInScopes(const scope_stack& scopes, const std::string& name,
                                              const prefix_stack& prefixes) {
-    collectStarts(name, prefixes);
-    keys_.clear();
-    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
-        if (const ContextBase* found = findInScope(**scope, name)) {
-            return found;
-        }
+    if (prefixes.empty()) {
+        const String key(name.c_str());
+        return findFirst(scopes, std::span(&key, 1));
     }
-    return nullptr;
+    return findFirst(scopes, keysFor(name, prefixes));
 }
 
-/// Trying a key twice in one scope finds nothing new, so each is kept once. No more than one key
-/// starts behind each dot; all others are the whole name.
-void name_lookup::collectStarts(std::string_view name, const prefix_stack& prefixes) {
-    starts_.clear();
-    const auto add = [this](std::size_t start) {
-        if (std::find(starts_.begin(), starts_.end(), start) == starts_.end()) {
-            starts_.push_back(start);
-        }
-    };
-    if (!prefixes.empty() && name.find('.') != std::string_view::npos) {
-        for (auto prefix = prefixes.newestFirst(); prefix != prefixes.end(); ++prefix) {
-            add(prefixLength(name, *prefix));
-        }
+const std::vector<String>& name_lookup::keysFor(const std::string& name,
+                                                const prefix_stack& prefixes) {
+    if (slots_.empty()) {
+        slots_.resize(slotCount);
     }
-    add(0);
-}
-
-const ContextBase* name_lookup::findInScope(const ContextBase& scope, const std::string& name) {
-    for (std::size_t index = 0; index < starts_.size(); ++index) {
-        if (index == keys_.size()) {
-            keys_.emplace_back(name.c_str() + starts_[index]);
-        }
-        if (const ContextBase* found = childOf(scope, keys_[index])) {
-            return found;
-        }
+    slot& kept = slots_[slotOf(name)];
+    if (kept.name != &name) {
+        kept.name = nullptr; // it belongs to no name while its keys change
+        collectKeys(name, prefixes, kept.keys);
+        kept.name = &name;
     }
-    return nullptr;
+    return kept.keys;
 }
 
 } // namespace kel::Stencilor::internal

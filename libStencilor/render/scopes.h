@@ -37,7 +37,11 @@ using prefix_stack = recent_stack<std::string_view>;
 /// not begin with that.
 std::size_t prefixLength(std::string_view name, std::string_view variable) noexcept;
 
-/// Finds values by name. It keeps the memory of one search for the next.
+/// Finds values by name, for one template.
+///
+/// In a loop the same few names are looked up again and again, and the loops around a name are the
+/// same each time: what is tried for it is kept, for as many names as there are slots.
+/// Ownership: knows names by their address; they must outlive the object.
 class name_lookup {
   public:
     /// Searches the scopes from the innermost outwards. In each, every prefix is tried, the newest
@@ -47,13 +51,14 @@ class name_lookup {
                                     const prefix_stack& prefixes);
 
   private:
-    void collectStarts(std::string_view name, const prefix_stack& prefixes);
-    const ContextBase* findInScope(const ContextBase& scope, const std::string& name);
+    struct slot {
+        const std::string* name = nullptr;
+        std::vector<String> keys; // in the order in which they are tried, each once
+    };
 
-    // The keys to try in a scope: where each starts in the name, in order and each once, and the
-    // keys themselves as far as they were needed yet.
-    std::vector<std::size_t> starts_;
-    std::vector<String> keys_;
+    const std::vector<String>& keysFor(const std::string& name, const prefix_stack& prefixes);
+
+    std::vector<slot> slots_; // none until a name stands in a loop
 };
 
 } // namespace kel::Stencilor::internal

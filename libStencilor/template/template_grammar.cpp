@@ -2,22 +2,42 @@
 
 #include <boost/variant/get.hpp>
 
+#include <algorithm>
+#include <array>
+#include <cstring>
 #include <string>
 
 namespace kel::Stencilor::internal {
 
 namespace {
 
+constexpr unsigned char inIdentifier = 1;
+constexpr unsigned char firstOfIdentifier = 2;
+
+/// What each byte may be. The functions of <cctype> follow the locale, and know no bytes over 127.
+constexpr std::array<unsigned char, 256> byteKinds = [] {
+    std::array<unsigned char, 256> kinds{};
+    const auto mark = [&kinds](unsigned char first, unsigned char last, unsigned char kind) {
+        for (unsigned char byte = first; byte <= last; ++byte) {
+            kinds[byte] |= kind;
+        }
+    };
+    for (const unsigned char kind : {inIdentifier, firstOfIdentifier}) {
+        mark('a', 'z', kind);
+        mark('A', 'Z', kind);
+        mark('_', '_', kind);
+    }
+    mark('0', '9', inIdentifier);
+    mark('.', '/', inIdentifier);
+    return kinds;
+}();
+
+bool isOf(char byte, unsigned char kind) {
+    return (byteKinds[static_cast<unsigned char>(byte)] & kind) != 0;
+}
+
 bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
-}
-
-bool isFirstOfIdentifier(char byte) {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
-}
-
-bool isInIdentifier(char byte) {
-    return isFirstOfIdentifier(byte) || (byte >= '0' && byte <= '9') || byte == '.' || byte == '/';
 }
 
 } // namespace
@@ -25,9 +45,10 @@ bool isInIdentifier(char byte) {
 template_grammar::template_grammar(std::string_view text) : text_(text) {}
 
 bool template_grammar::parse(content_list& list) {
+    steps_.reserve(16); // spares small templates the first growths
     const bool matched = start();
     if (!open_.empty()) {
-        steps_.resize(open_.front().opening); // what stands in an open block is not complete
+        steps_.resize(open_.front().step); // what stands in an open block is not complete
         --top_level_count_;
     }
     build(list);
@@ -48,34 +69,48 @@ bool template_grammar::content_rule() {
 
 // text_rule = { byte that begins neither "{%" nor "{{" }, one or more
 bool template_grammar::text_rule() {
-    std::size_t end = text_.find('{', position_);
-    while (end != std::string_view::npos && end + 1 < text_.size() && text_[end + 1] != '%' &&
-           text_[end + 1] != '{') {
-        end = text_.find('{', end + 1);
-    }
-    if (end == std::string_view::npos || end + 1 == text_.size()) {
-        end = text_.size();
+    std::size_t end = position_;
+    while (end < text_.size() && !beginsTag(end)) {
+        end = std::min(text_.find('{', end + 1), text_.size());
     }
     if (end == position_) {
         return false;
     }
     add(step_kind::text,
-        {static_cast<std::uint32_t>(position_), static_cast<std::uint32_t>(end - position_)}, {});
+        {static_cast<std::uint32_t>(position_), static_cast<std::uint32_t>(end - position_)});
     position_ = end;
     return true;
 }
 
+bool template_grammar::beginsTag(std::size_t at) const {
+    return text_[at] == '{' && at + 1 < text_.size() &&
+           (text_[at + 1] == '%' || text_[at + 1] == '{');
+}
+
 // expr_rule = if_rule | for_rule | replace_rule | include_rule
+// What the rules begin with decides between them: only one of them can match the whole tag. A rule
+// that fails consumes nothing.
 bool template_grammar::expr_rule() {
-    return if_rule() || for_rule() || replace_rule() || include_rule();
+    const std::size_t begin = position_;
+    bool matched = false;
+    if (literal("{{")) {
+        matched = replace_rule();
+    } else if (literal("{%")) {
+        matched = literal("if")    ? if_rule()
+                  : literal("for") ? for_rule()
+                                   : literal("include") && include_rule();
+    }
+    if (!matched) {
+        position_ = begin;
+    }
+    return matched;
 }
 
 // if_rule = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif" "%}"
-// The opening tag; the other tags are matched by closing_tag() when the content has ended.
+// The rest of the opening tag; the other tags are matched by closing_tag() behind the content.
 bool template_grammar::if_rule() {
-    const std::size_t begin = position_;
     span name;
-    if (!attempt(literal("{%") && literal("if") && identifier_rule(name) && literal("%}"), begin)) {
+    if (!identifier_rule(name) || !literal("%}")) {
         return false;
     }
     open(step_kind::open_if, name, {});
@@ -83,14 +118,12 @@ bool template_grammar::if_rule() {
 }
 
 // for_rule = "{%" "for" identifier "in" identifier "%}" content "{%" "endfor" "%}"
-// The opening tag, as in if_rule().
+// The rest of the opening tag, as in if_rule().
 bool template_grammar::for_rule() {
-    const std::size_t begin = position_;
     span variable;
     span list_name;
-    if (!attempt(literal("{%") && literal("for") && identifier_rule(variable) && literal("in") &&
-                     identifier_rule(list_name) && literal("%}"),
-                 begin)) {
+    if (!identifier_rule(variable) || !literal("in") || !identifier_rule(list_name) ||
+        !literal("%}")) {
         return false;
     }
     open(step_kind::open_for, variable, list_name);
@@ -99,25 +132,21 @@ bool template_grammar::for_rule() {
 
 // replace_rule = "{{" identifier "}}"
 bool template_grammar::replace_rule() {
-    const std::size_t begin = position_;
     span name;
-    if (!attempt(literal("{{") && identifier_rule(name) && literal("}}"), begin)) {
+    if (!identifier_rule(name) || !literal("}}")) {
         return false;
     }
-    add(step_kind::replace, name, {});
+    add(step_kind::replace, name);
     return true;
 }
 
 // include_rule = "{%" "include" '"' identifier '"' "%}"
 bool template_grammar::include_rule() {
-    const std::size_t begin = position_;
     span path;
-    if (!attempt(literal("{%") && literal("include") && literal("\"") && identifier_rule(path) &&
-                     literal("\"") && literal("%}"),
-                 begin)) {
+    if (!literal("\"") || !identifier_rule(path) || !literal("\"") || !literal("%}")) {
         return false;
     }
-    add(step_kind::include, path, {});
+    add(step_kind::include, path);
     return true;
 }
 
@@ -125,62 +154,60 @@ bool template_grammar::include_rule() {
 bool template_grammar::identifier_rule(span& found) {
     skipBlanks();
     const std::size_t begin = position_;
-    if (begin == text_.size() || !isFirstOfIdentifier(text_[begin])) {
+    if (begin == text_.size() || !isOf(text_[begin], firstOfIdentifier)) {
         return false;
     }
     do {
         ++position_;
-    } while (position_ < text_.size() && isInIdentifier(text_[position_]));
+    } while (position_ < text_.size() && isOf(text_[position_], inIdentifier));
     found = {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(position_ - begin)};
     return true;
 }
 
 /// The tags that may follow the content of the innermost open block.
 bool template_grammar::closing_tag() {
-    if (open_.empty()) {
-        return false;
-    }
-    if (steps_[open_.back().opening].kind == step_kind::open_for) {
-        return end_tag("endfor");
-    }
-    return (!open_.back().in_else && else_tag()) || end_tag("endif");
-}
-
-bool template_grammar::else_tag() {
     const std::size_t begin = position_;
-    if (!attempt(literal("{%") && literal("else") && literal("%}"), begin)) {
-        return false;
-    }
-    open_.back().in_else = true;
-    steps_.push_back({step_kind::other, {}, {}});
-    return true;
-}
-
-bool template_grammar::end_tag(std::string_view keyword) {
-    const std::size_t begin = position_;
-    if (!attempt(literal("{%") && literal(keyword) && literal("%}"), begin)) {
-        return false;
-    }
-    open_.pop_back();
-    steps_.push_back({step_kind::close, {}, {}});
-    return true;
-}
-
-bool template_grammar::literal(std::string_view expected) {
-    skipBlanks();
-    if (text_.compare(position_, expected.size(), expected) != 0) {
-        return false;
-    }
-    position_ += expected.size();
-    return true;
-}
-
-/// A rule that fails consumes nothing.
-bool template_grammar::attempt(bool matched, std::size_t begin) {
+    const bool matched = !open_.empty() && literal("{%") && (else_tag() || end_tag());
     if (!matched) {
         position_ = begin;
     }
     return matched;
+}
+
+bool template_grammar::else_tag() {
+    open_block& innermost = open_.back();
+    const std::size_t begin = position_;
+    if (steps_[innermost.step].kind != step_kind::open_if || innermost.in_else ||
+        !literal("else") || !literal("%}")) {
+        position_ = begin;
+        return false;
+    }
+    innermost.in_else = true;
+    steps_.push_back({step_kind::other, {}});
+    return true;
+}
+
+bool template_grammar::end_tag() {
+    const bool closes_loop = steps_[open_.back().step].kind == step_kind::open_for;
+    if (!(closes_loop ? literal("endfor") : literal("endif")) || !literal("%}")) {
+        return false;
+    }
+    open_.pop_back();
+    steps_.push_back({step_kind::close, {}});
+    return true;
+}
+
+/// Matches `expected` behind any blanks.
+template <std::size_t Size>
+bool template_grammar::literal(const char (&expected)[Size]) {
+    constexpr std::size_t length = Size - 1; // without the NUL
+    skipBlanks();
+    if (text_.size() - position_ < length ||
+        std::memcmp(text_.data() + position_, expected, length) != 0) {
+        return false;
+    }
+    position_ += length;
+    return true;
 }
 
 void template_grammar::skipBlanks() {
@@ -190,65 +217,71 @@ void template_grammar::skipBlanks() {
 }
 
 /// Notes a node, and counts it in the list that it belongs to.
-void template_grammar::add(step_kind kind, span first, span second) {
-    steps_.push_back({kind, first, second});
+void template_grammar::add(step_kind kind, span text) {
+    steps_.push_back({kind, text});
     if (open_.empty()) {
         ++top_level_count_;
     } else {
-        step& block = steps_[open_.back().opening];
-        ++(open_.back().in_else ? block.else_count : block.count);
+        block& parent = blocks_[open_.back().block];
+        ++(open_.back().in_else ? parent.else_count : parent.count);
     }
 }
 
-void template_grammar::open(step_kind kind, span first, span second) {
-    add(kind, first, second);
-    open_.push_back({steps_.size() - 1});
+void template_grammar::open(step_kind kind, span text, span list_name) {
+    add(kind, text);
+    blocks_.push_back({list_name});
+    open_.push_back({steps_.size() - 1, blocks_.size() - 1});
 }
 
 /// Appends the nodes that the steps describe to `list`.
 void template_grammar::build(content_list& list) const {
     struct level {
-        content_list* list;
-        if_expr* block; // where an `else` belongs
-        std::uint32_t else_count;
+        content_list* nodes;
+        if_expr* conditional = nullptr; // where an `else` belongs
+        std::uint32_t else_count = 0;
     };
-    std::vector<level> levels{{&list, nullptr, 0}};
+    std::vector<level> enclosing;
+    level current = {&list};
     list.reserve(list.size() + top_level_count_);
+    auto nextBlock = blocks_.begin();
     for (const step& next : steps_) {
-        content_list& nodes = *levels.back().list;
+        const std::string_view text = textOf(next.text);
         switch (next.kind) {
         case step_kind::text:
-            nodes.emplace_back(std::string(textOf(next.first)));
+            current.nodes->emplace_back(std::string(text));
             break;
         case step_kind::replace:
-            nodes.emplace_back(replace_expr{std::string(textOf(next.first))});
+            current.nodes->emplace_back(replace_expr{std::string(text)});
             break;
         case step_kind::include:
-            nodes.emplace_back(include_expr{std::string(textOf(next.first))});
+            current.nodes->emplace_back(include_expr{std::string(text)});
             break;
         case step_kind::open_if: {
-            nodes.emplace_back(if_expr{{}, {}, std::string(textOf(next.first))});
-            auto& block = boost::get<if_expr>(nodes.back());
-            block.then_list.reserve(next.count);
-            levels.push_back({&block.then_list, &block, next.else_count});
+            current.nodes->emplace_back(if_expr{{}, {}, std::string(text)});
+            auto* opened = boost::get<if_expr>(&current.nodes->back());
+            opened->then_list.reserve(nextBlock->count);
+            enclosing.push_back(current);
+            current = {&opened->then_list, opened, nextBlock->else_count};
+            ++nextBlock;
             break;
         }
         case step_kind::open_for: {
-            nodes.emplace_back(
-                for_expr{{}, std::string(textOf(next.first)), std::string(textOf(next.second))});
-            auto& block = boost::get<for_expr>(nodes.back());
-            block.body.reserve(next.count);
-            levels.push_back({&block.body, nullptr, 0});
+            current.nodes->emplace_back(
+                for_expr{{}, std::string(text), std::string(textOf(nextBlock->list_name))});
+            auto* opened = boost::get<for_expr>(&current.nodes->back());
+            opened->body.reserve(nextBlock->count);
+            enclosing.push_back(current);
+            current = {&opened->body};
+            ++nextBlock;
             break;
         }
-        case step_kind::other: {
-            level& current = levels.back();
-            current.list = &current.block->else_list;
-            current.list->reserve(current.else_count);
+        case step_kind::other:
+            current.nodes = &current.conditional->else_list;
+            current.nodes->reserve(current.else_count);
             break;
-        }
         case step_kind::close:
-            levels.pop_back();
+            current = enclosing.back();
+            enclosing.pop_back();
             break;
         }
     }

@@ -53,20 +53,26 @@ class template_grammar {
 
     struct step {
         step_kind kind;
-        span first;                   // text, name, path or loop variable
-        span second;                  // the name of a loop's list
-        std::uint32_t count = 0;      // nodes in the block's body
-        std::uint32_t else_count = 0; // nodes in its `else` part
+        span text; // a text, name, path or loop variable
+    };
+
+    /// What there is to know of a block beyond its step; in the order of the opening tags.
+    struct block {
+        span list_name;               // of a loop
+        std::uint32_t count = 0;      // nodes in the body
+        std::uint32_t else_count = 0; // nodes in the `else` part
     };
 
     struct open_block {
-        std::size_t opening; // its step
+        std::size_t step; // its opening tag
+        std::size_t block;
         bool in_else = false;
     };
 
     bool start();
     bool content_rule();
     bool text_rule();
+    bool beginsTag(std::size_t at) const;
     bool expr_rule();
     bool if_rule();
     bool for_rule();
@@ -76,19 +82,20 @@ class template_grammar {
 
     bool closing_tag();
     bool else_tag();
-    bool end_tag(std::string_view keyword);
+    bool end_tag();
 
-    bool literal(std::string_view expected);
-    bool attempt(bool matched, std::size_t begin);
+    template <std::size_t Size>
+    bool literal(const char (&expected)[Size]);
     void skipBlanks();
-    void add(step_kind kind, span first, span second);
-    void open(step_kind kind, span first, span second);
+    void add(step_kind kind, span text);
+    void open(step_kind kind, span text, span list_name);
     void build(content_list& list) const;
     std::string_view textOf(span part) const { return text_.substr(part.begin, part.size); }
 
     std::string_view text_;
     std::size_t position_ = 0;
     std::vector<step> steps_;
+    std::vector<block> blocks_;
     std::vector<open_block> open_;
     std::uint32_t top_level_count_ = 0;
 };
