@@ -1,0 +1,23 @@
+#ifndef BENCH_MODEL_H
+#define BENCH_MODEL_H
+
+#include <map>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace bench {
+
+/// The data of a workload in no engine's own form; each engine makes its context of it before
+/// anything is timed.
+struct value;
+using list = std::vector<value>;
+using object = std::map<std::string, value>;
+
+struct value {
+    std::variant<std::string, bool, list, object> held;
+};
+
+} // namespace bench
+
+#endif
