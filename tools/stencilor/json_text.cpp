@@ -94,8 +94,26 @@ std::size_t TokenCursor::findTokenEnd() const {
     case 'f':
         return start_ + 5;
     default:
-        return std::min(text_.find_first_not_of("0123456789+-.eE", start_), text_.size());
+        return findNumberEnd();
     }
+}
+
+std::size_t TokenCursor::findNumberEnd() const {
+    const auto skipDigits = [this](std::size_t offset) {
+        return std::min(text_.find_first_not_of("0123456789", offset), text_.size());
+    };
+    const auto isOneOf = [this](std::string_view characters, std::size_t offset) {
+        return offset < text_.size() && characters.find(text_[offset]) != std::string_view::npos;
+    };
+    std::size_t end = isOneOf("-", start_) ? start_ + 1 : start_;
+    end = isOneOf("0", end) ? end + 1 : skipDigits(end);
+    if (isOneOf(".", end)) {
+        end = skipDigits(end + 1);
+    }
+    if (isOneOf("eE", end)) {
+        end = skipDigits(isOneOf("+-", end + 1) ? end + 2 : end + 1);
+    }
+    return end;
 }
 
 } // namespace stencilor

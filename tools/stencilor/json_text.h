@@ -40,6 +40,7 @@ class TokenCursor {
 
   private:
     std::size_t findTokenEnd() const;
+    std::size_t findNumberEnd() const;
 
     std::string_view text_;
     std::size_t start_ = 0;

@@ -1,0 +1,19 @@
+#ifndef TOOLS_STENCILOR_ENGINE_MESSAGES_H
+#define TOOLS_STENCILOR_ENGINE_MESSAGES_H
+
+#include <string_view>
+#include <vector>
+
+namespace stencilor {
+
+/// Divides the engine's error text into its messages, without line breaks. The engine only appends
+/// them to each other, and not all of them end in a line break. The views are parts of `text`.
+std::vector<std::string_view> splitMessages(std::string_view text);
+
+/// True for the error text of a template that does not parse. No other text is the same: names in
+/// messages hold no blanks.
+bool isRejection(std::string_view text);
+
+} // namespace stencilor
+
+#endif

@@ -1,0 +1,5 @@
+#include <tools/stencilor/program.h>
+
+int main(int argc, char** argv) {
+    return stencilor::runProgram(argc, argv);
+}

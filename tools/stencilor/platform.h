@@ -1,0 +1,36 @@
+#ifndef TOOLS_STENCILOR_PLATFORM_H
+#define TOOLS_STENCILOR_PLATFORM_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What differs between the systems: arguments, streams and files. Text and paths are UTF-8 on all
+// of them, and no byte is changed on its way. What fails throws `std::system_error`.
+
+namespace stencilor::platform {
+
+/// Prepares the process, and returns its arguments without the program's name.
+std::vector<std::string> start(int argc, char** argv);
+
+std::string readFile(const std::string& path);
+std::string readStandardInput();
+
+void writeStandardOutput(std::string_view text);
+
+/// Writes to the standard error stream. Where that fails there is nobody left to tell.
+void writeStandardError(std::string_view text) noexcept;
+
+/// The folder that `path` stands in; `.` where it names none.
+std::string folderOf(const std::string& path);
+
+/// Makes `content` the content of the file, wholly or not at all: it is written to a temporary file
+/// in the same folder, which then takes the file's place. Through a symbolic link the file that it
+/// leads to is replaced. A file that may not be written is not replaced; on POSIX systems one that
+/// is replaced keeps its permissions. What is no regular file is written to directly, and so is
+/// what the standard output is redirected to.
+void writeFile(const std::string& path, std::string_view content);
+
+} // namespace stencilor::platform
+
+#endif
