@@ -1,0 +1,207 @@
+#include "ChildProcess.h"
+
+#include "../support/TemporaryFolder.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#ifdef _WIN32
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+namespace program {
+
+namespace {
+
+// Made absolute before any test leaves the working directory.
+const std::filesystem::path stencilor = std::filesystem::absolute(STENCILOR_PROGRAM);
+
+/// The files that stand for the streams of a child. Files, since pipes would have to be read and
+/// written at the same time.
+class StreamFiles {
+  public:
+    explicit StreamFiles(const Streams& streams)
+        : output(streams.outputFile.empty() ? folder_.path("output") : streams.outputFile),
+          ownOutput_(streams.outputFile.empty()) {
+        folder_.writeFile("input", streams.input);
+        folder_.writeFile("output", {});
+        folder_.writeFile("errors", {});
+    }
+
+    Outcome outcome(int status) const {
+        return {status, ownOutput_ ? support::readFile(output) : "", support::readFile(errors)};
+    }
+
+  private:
+    support::TemporaryFolder folder_;
+
+  public:
+    const std::string input = folder_.path("input");
+    const std::string output;
+    const std::string errors = folder_.path("errors");
+
+  private:
+    bool ownOutput_;
+};
+
+#ifdef _WIN32
+
+[[noreturn]] void fail() {
+    throw std::system_error(static_cast<int>(::GetLastError()), std::system_category());
+}
+
+std::wstring wide(const std::string& text) {
+    return std::filesystem::path(std::u8string(text.begin(), text.end())).native();
+}
+
+class Handle {
+  public:
+    explicit Handle(HANDLE handle) : handle_(handle) {
+        if (handle_ == INVALID_HANDLE_VALUE) {
+            fail();
+        }
+    }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() { ::CloseHandle(handle_); }
+
+    HANDLE get() const { return handle_; }
+
+  private:
+    HANDLE handle_;
+};
+
+HANDLE openForChild(const std::string& path, DWORD access) {
+    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+    return ::CreateFileW(wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+/// An argument as the C run-time takes it apart again: backslashes count only before quotes.
+std::wstring quoted(const std::wstring& argument) {
+    std::wstring result = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t character : argument) {
+        if (character == L'"') {
+            result.append(backslashes + 1, L'\\');
+        }
+        backslashes = character == L'\\' ? backslashes + 1 : 0;
+        result += character;
+    }
+    result.append(backslashes, L'\\');
+    return result + L"\"";
+}
+
+Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
+    const StreamFiles files(streams);
+    const Handle input(openForChild(files.input, GENERIC_READ));
+    const Handle output(openForChild(files.output, GENERIC_WRITE));
+    const Handle errors(openForChild(files.errors, GENERIC_WRITE));
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = input.get();
+    startup.hStdOutput = output.get();
+    startup.hStdError = errors.get();
+
+    std::wstring commandLine = quoted(stencilor.native());
+    for (const std::string& argument : arguments) {
+        commandLine += L" " + quoted(wide(argument));
+    }
+    PROCESS_INFORMATION child = {};
+    if (::CreateProcessW(stencilor.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                         nullptr, &startup, &child) == 0) {
+        fail();
+    }
+    const Handle thread(child.hThread);
+    const Handle process(child.hProcess);
+    DWORD status = 0;
+    ::WaitForSingleObject(process.get(), INFINITE);
+    if (::GetExitCodeProcess(process.get(), &status) == 0) {
+        fail();
+    }
+    return files.outcome(static_cast<int>(status));
+}
+
+#else
+
+void check(int error) {
+    if (error != 0) {
+        throw std::system_error(error, std::generic_category());
+    }
+}
+
+class FileActions {
+  public:
+    FileActions() { check(::posix_spawn_file_actions_init(&actions_)); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+    ~FileActions() { ::posix_spawn_file_actions_destroy(&actions_); }
+
+    void open(int descriptor, const std::string& path, int flags) {
+        check(::posix_spawn_file_actions_addopen(&actions_, descriptor, path.c_str(), flags, 0));
+    }
+    const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+  private:
+    posix_spawn_file_actions_t actions_;
+};
+
+int waitFor(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR) {
+            check(errno);
+        }
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+Outcome spawn(const std::string& program, std::vector<std::string> arguments,
+              const Streams& streams) {
+    const StreamFiles files(streams);
+    FileActions actions;
+    actions.open(STDIN_FILENO, files.input, O_RDONLY);
+    actions.open(STDOUT_FILENO, files.output, O_WRONLY);
+    actions.open(STDERR_FILENO, files.errors, O_WRONLY | O_APPEND);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    pid_t child = 0;
+    check(::posix_spawn(&child, program.c_str(), actions.get(), nullptr, pointers.data(), environ));
+    return files.outcome(waitFor(child));
+}
+
+Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
+    std::vector<std::string> all = {stencilor.string()};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return spawn(stencilor.string(), std::move(all), streams);
+}
+
+#endif
+
+} // namespace
+
+Outcome runStencilor(const std::vector<std::string>& arguments, const Streams& streams) {
+    return run(arguments, streams);
+}
+
+#ifndef _WIN32
+Outcome runShell(const std::string& command, const Streams& streams) {
+    return spawn("/bin/sh", {"sh", "-c", command, stencilor.string()}, streams);
+}
+#endif
+
+} // namespace program

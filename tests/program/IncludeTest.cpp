@@ -1,0 +1,92 @@
+#include "ProgramTest.h"
+
+namespace program {
+namespace {
+
+class IncludeTest : public ProgramTest {
+  protected:
+    IncludeTest() {
+        folder.makeFolder("pages/parts");
+        folder.makeFolder("other");
+        folder.writeFile("pages/page.txt", R"([{% include "part.txt" %}])");
+        folder.writeFile("pages/deep.txt", R"([{% include "parts/part.txt" %}])");
+        folder.writeFile("pages/up.txt", R"([{% include "parts/../../part.txt" %}])");
+        folder.writeFile("pages/part.txt", "beside the page");
+        folder.writeFile("pages/parts/part.txt", "below the page");
+        folder.writeFile("other/part.txt", "elsewhere");
+        folder.writeFile("part.txt", "in the working directory");
+    }
+};
+
+TEST_F(IncludeTest, FindsFilesBelowTheRootOnly) {
+    const std::string missing = ", file doesn't exist\n";
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        std::string input;
+        std::string output;
+        std::string errors;
+    } cases[] = {
+        {"the template's folder", {"pages/page.txt"}, "", "[beside the page]", ""},
+        {"a folder in it", {"pages/deep.txt"}, "", "[below the page]", ""},
+        {"the template's folder by its full path",
+         {folder.path("pages/page.txt")},
+         "",
+         "[beside the page]",
+         ""},
+        {"another root", {"pages/page.txt", "--root", "other"}, "", "[elsewhere]", ""},
+        {"another root above",
+         {"pages/page.txt", "--root", "."},
+         "",
+         "[in the working directory]",
+         ""},
+        {"the working directory, for a template from the standard input",
+         {"-"},
+         R"([{% include "part.txt" %}])",
+         "[in the working directory]",
+         ""},
+        {"another root, for a template from the standard input",
+         {"-", "--root", "other"},
+         R"([{% include "part.txt" %}])",
+         "[elsewhere]",
+         ""},
+        {"not above it",
+         {"pages/up.txt"},
+         "",
+         "[]",
+         "stencilor: pages/up.txt: Could not include file \"parts/../../part.txt\"" + missing},
+        {"not where another root has it",
+         {"pages/deep.txt", "--root", "other"},
+         "",
+         "[]",
+         "stencilor: pages/deep.txt: Could not include file \"parts/part.txt\"" + missing},
+    };
+    for (const auto& [name, arguments, input, output, errors] : cases) {
+        SCOPED_TRACE(name);
+        std::vector<std::string> all = {"render"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        expectOutcome(runStencilor(all, {.input = input}), errors.empty() ? 0 : 1, output, errors);
+    }
+}
+
+TEST_F(IncludeTest, DoesNotConfineTheFilesThatAreNamed) {
+    folder.writeFile("values.json", R"({"a":"x"})");
+    folder.writeFile("pages/value.txt", "{{ a }}");
+    expectOutcome(runStencilor({"render", "pages/value.txt", "values.json", "--root", "other", "-o",
+                                "pages/out.txt"}),
+                  0, "", "");
+    EXPECT_EQ(support::readFile(folder.path("pages/out.txt")), "x");
+}
+
+TEST_F(IncludeTest, IsRefusedThroughALinkThatLeavesTheRoot) {
+    if (!folder.makeLink("pages/link.txt", "../other/part.txt")) {
+        GTEST_SKIP() << "no links on this system";
+    }
+    folder.writeFile("pages/linked.txt", R"([{% include "link.txt" %}])");
+    expectOutcome(runStencilor({"render", "pages/linked.txt"}), 1, "[]",
+                  "stencilor: pages/linked.txt: Could not include file \"link.txt\", file "
+                  "doesn't exist\n");
+}
+
+} // namespace
+} // namespace program

@@ -1,0 +1,189 @@
+#include "ProgramTest.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace program {
+namespace {
+
+namespace fs = std::filesystem;
+
+class OutputFileTest : public ProgramTest {
+  protected:
+    OutputFileTest() { folder.writeFile("page.txt", "new"); }
+
+    /// The names of everything in the working directory, in their order.
+    static std::vector<std::string> names(const fs::path& where = ".") {
+        std::vector<std::string> result;
+        for (const fs::directory_entry& entry : fs::directory_iterator(where)) {
+            result.push_back(entry.path().filename().string());
+        }
+        std::sort(result.begin(), result.end());
+        return result;
+    }
+};
+
+using Names = std::vector<std::string>;
+
+TEST_F(OutputFileTest, IsMadeOrReplaced) {
+    folder.makeFolder("below");
+    const struct {
+        const char* name;
+        std::string file;
+    } cases[] = {
+        {"beside the template", "out.txt"},
+        {"in another folder", "below/out.txt"},
+        {"by its full path", folder.path("full.txt")},
+    };
+    for (const auto& [name, file] : cases) {
+        SCOPED_TRACE(name);
+        expectOutcome(runStencilor({"render", "page.txt", "-o", file}), 0, "", "");
+        EXPECT_EQ(support::readFile(file), "new");
+        expectOutcome(runStencilor({"render", "-", "--output", file}, {.input = ""}), 0, "", "");
+        EXPECT_EQ(support::readFile(file), "");
+    }
+    EXPECT_EQ(names(), (Names{"below", "full.txt", "out.txt", "page.txt"}));
+    EXPECT_EQ(names("below"), Names{"out.txt"});
+}
+
+TEST_F(OutputFileTest, MayBeTheTemplateItself) {
+    folder.writeFile("page.txt", "[{{ a }}]");
+    expectOutcome(runStencilor({"render", "page.txt", "-D", "a=x", "-o", "page.txt"}), 0, "", "");
+    EXPECT_EQ(support::readFile("page.txt"), "[x]");
+}
+
+TEST_F(OutputFileTest, IsReplacedByAnotherOneAndNotWrittenTo) {
+    folder.writeFile("out.txt", "before");
+    fs::create_hard_link("out.txt", "former.txt");
+    expectOutcome(runStencilor({"render", "page.txt", "-o", "out.txt"}), 0, "", "");
+    EXPECT_EQ(support::readFile("out.txt"), "new");
+    EXPECT_EQ(support::readFile("former.txt"), "before");
+}
+
+TEST_F(OutputFileTest, IsNamedWhereItCannotBeWritten) {
+    folder.makeFolder("folder");
+#ifdef _WIN32
+    const std::string isFolder = "Access denied";
+    const std::string noFolder = "Path not found";
+    const std::string noName = "Path not found";
+#else
+    const std::string isFolder = "Is a directory";
+    const std::string noFolder = "No such file or directory";
+    const std::string noName = "No such file or directory";
+#endif
+    const struct {
+        const char* name;
+        std::string file;
+        std::string reason;
+    } cases[] = {
+        {"a folder", "folder", isFolder},
+        {"a file in a folder that is not there", "none/out.txt", noFolder},
+        {"no name", "", noName},
+    };
+    for (const auto& [name, file, reason] : cases) {
+        SCOPED_TRACE(name);
+        expectOutcome(runStencilor({"render", "page.txt", "-o", file}), 2, "",
+                      "stencilor: " + file + ": " + reason + "\n");
+        EXPECT_EQ(names(), (Names{"folder", "page.txt"}));
+    }
+}
+
+#ifndef _WIN32
+
+fs::perms permissions(const char* file) {
+    return fs::status(file).permissions();
+}
+
+TEST_F(OutputFileTest, StaysAsItWasWhereTheNewOneCannotBeWritten) {
+    folder.writeFile("out.txt", "before");
+    folder.writeFile("page.txt", std::string(100'000, 'x'));
+    expectOutcome(runShell("ulimit -f 1; exec \"$0\" render page.txt -o out.txt"), 2, "",
+                  "stencilor: out.txt: File too large\n");
+    EXPECT_EQ(support::readFile("out.txt"), "before");
+    EXPECT_EQ(names(), (Names{"out.txt", "page.txt"}));
+}
+
+TEST_F(OutputFileTest, IsNotMadeWhereItCannotBeWritten) {
+    folder.writeFile("page.txt", std::string(100'000, 'x'));
+    expectOutcome(runShell("ulimit -f 1; exec \"$0\" render page.txt -o out.txt"), 2, "",
+                  "stencilor: out.txt: File too large\n");
+    EXPECT_EQ(names(), Names{"page.txt"});
+}
+
+TEST_F(OutputFileTest, KeepsThePermissionsOfTheFormerOne) {
+    for (const unsigned int mode : {0600u, 0640u, 0755u, 0666u}) {
+        SCOPED_TRACE(mode);
+        folder.writeFile("out.txt", "before");
+        fs::permissions("out.txt", fs::perms(mode));
+        expectOutcome(runShell("umask 027; exec \"$0\" render page.txt -o out.txt"), 0, "", "");
+        EXPECT_EQ(support::readFile("out.txt"), "new");
+        EXPECT_EQ(permissions("out.txt"), fs::perms(mode));
+    }
+}
+
+TEST_F(OutputFileTest, GetsThePermissionsThatNewFilesHave) {
+    expectOutcome(runShell("umask 022; exec \"$0\" render page.txt -o a.txt"), 0, "", "");
+    EXPECT_EQ(permissions("a.txt"), fs::perms(0644));
+    expectOutcome(runShell("umask 077; exec \"$0\" render page.txt -o b.txt"), 0, "", "");
+    EXPECT_EQ(permissions("b.txt"), fs::perms(0600));
+}
+
+TEST_F(OutputFileTest, IsLeftAloneWhereItMayNotBeWritten) {
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "the administrator may write everything";
+    }
+    folder.writeFile("out.txt", "before");
+    fs::permissions("out.txt", fs::perms(0444));
+    expectOutcome(runStencilor({"render", "page.txt", "-o", "out.txt"}), 2, "",
+                  "stencilor: out.txt: Permission denied\n");
+    EXPECT_EQ(support::readFile("out.txt"), "before");
+}
+
+TEST_F(OutputFileTest, IsWhatALinkLeadsTo) {
+    folder.makeFolder("below");
+    folder.writeFile("below/old.txt", "before");
+    fs::permissions("below/old.txt", fs::perms(0640));
+    const struct {
+        const char* name;
+        std::string link;
+        std::string target;
+        std::string file;
+    } cases[] = {
+        {"a link to a file", "link1", "below/old.txt", "below/old.txt"},
+        {"a link to a link", "link2", "link1", "below/old.txt"},
+        {"a full path", "link3", folder.path("below/old.txt"), "below/old.txt"},
+        {"a link to a file that is not there", "link4", "below/made.txt", "below/made.txt"},
+    };
+    for (const auto& [name, link, target, file] : cases) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(folder.makeLink(link, target));
+        folder.writeFile("page.txt", name);
+        expectOutcome(runStencilor({"render", "page.txt", "-o", link}), 0, "", "");
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_EQ(support::readFile(file), name);
+    }
+    EXPECT_EQ(permissions("below/old.txt"), fs::perms(0640));
+    EXPECT_EQ(names("below"), (Names{"made.txt", "old.txt"}));
+}
+
+TEST_F(OutputFileTest, IsRefusedWhereLinksGoInCircles) {
+    ASSERT_TRUE(folder.makeLink("a", "b"));
+    ASSERT_TRUE(folder.makeLink("b", "a"));
+    expectOutcome(runStencilor({"render", "page.txt", "-o", "a"}), 2, "",
+                  "stencilor: a: Too many levels of symbolic links\n");
+    EXPECT_TRUE(fs::is_symlink(fs::symlink_status("a")));
+}
+
+TEST_F(OutputFileTest, MayBeTheStandardOutputByItsName) {
+    expectOutcome(runStencilor({"render", "page.txt", "-o", "/dev/stdout"}), 0, "new", "");
+    // What was written before it stays, as for everything that writes there.
+    expectOutcome(runShell("echo before; \"$0\" render page.txt -o /dev/stdout; echo; echo after"),
+                  0, "before\nnew\nafter\n", "");
+    expectOutcome(runShell("\"$0\" render page.txt -o /dev/stdout | cat"), 0, "new", "");
+    expectOutcome(runStencilor({"render", "page.txt", "-o", "/dev/null"}), 0, "", "");
+}
+
+#endif
+
+} // namespace
+} // namespace program

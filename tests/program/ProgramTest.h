@@ -1,0 +1,32 @@
+#ifndef TESTS_PROGRAM_PROGRAMTEST_H
+#define TESTS_PROGRAM_PROGRAMTEST_H
+
+#include "../support/TemporaryFolder.h"
+#include "ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+namespace program {
+
+/// A test of the program in an empty working directory of its own.
+class ProgramTest : public ::testing::Test {
+  protected:
+    support::TemporaryFolder folder;
+
+  private:
+    support::WorkingFolder inside_{folder.path()};
+};
+
+/// What comes behind the message about a wrong call.
+inline const std::string callHint = "\nRun 'stencilor --help' for how to call it.\n";
+
+inline void expectOutcome(const Outcome& outcome, int status, const std::string& output,
+                          const std::string& errors) {
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.output, output);
+    EXPECT_EQ(outcome.errors, errors);
+}
+
+} // namespace program
+
+#endif
