@@ -3,8 +3,6 @@
 #include <stdexcept>
 
 #ifdef _WIN32
-#define NOMINMAX
-#define WIN32_LEAN_AND_MEAN
 #include <process.h>
 #include <windows.h>
 #else
