@@ -1,0 +1,55 @@
+#ifndef TESTS_HOST_DOUBLE_LIBKEL_STRING_H
+#define TESTS_HOST_DOUBLE_LIBKEL_STRING_H
+
+#include <string>
+#include <utility>
+
+// The base library of another maker, as the tests imagine it: its characters have 16 bits, and its
+// narrow constructors take each byte for one character. It has what the engine may use and nothing
+// else, so that the engine does not compile where it uses more.
+
+namespace kel {
+
+class CString {
+  public:
+    explicit CString(std::string bytes) : bytes_(std::move(bytes)) {}
+    CString(const CString&) = delete;
+    CString& operator=(const CString&) = delete;
+    ~CString() = default;
+
+    const char* c_str() const { return bytes_.c_str(); }
+
+  private:
+    std::string bytes_;
+};
+
+class String {
+  public:
+    String() = default;
+    String(const char* bytes);
+    String(const char* bytes, unsigned int length);
+    String(const String& other) = default;
+    String(String&& other) = default;
+    String& operator=(const String& other) = default;
+    String& operator=(String&& other) = default;
+    ~String() = default;
+
+    String& operator+=(const String& other);
+    bool operator==(const char* bytes) const;
+    bool operator<(const String& other) const { return text_ < other.text_; }
+
+    unsigned int size() const { return static_cast<unsigned int>(text_.size()); }
+    String subString(unsigned int start, unsigned int count) const;
+    CString getLowerByteString() const;
+    CString getUTF8String() const;
+    void UTF8Decode(const char* bytes, unsigned int length, bool flag);
+
+  private:
+    friend struct HostDouble;
+
+    std::u16string text_;
+};
+
+} // namespace kel
+
+#endif
