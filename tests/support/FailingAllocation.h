@@ -1,0 +1,22 @@
+#ifndef TESTS_SUPPORT_FAILINGALLOCATION_H
+#define TESTS_SUPPORT_FAILINGALLOCATION_H
+
+namespace support {
+
+/// While it lives, the allocation after the next `count` ones of this thread throws
+/// `std::bad_alloc`; the ones behind it succeed again. It needs `FailingAllocation.cpp` in the
+/// program, which replaces the global operator new.
+class FailingAllocation {
+  public:
+    explicit FailingAllocation(int count);
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+    ~FailingAllocation();
+
+    /// True once the allocation has failed.
+    bool happened() const;
+};
+
+} // namespace support
+
+#endif
