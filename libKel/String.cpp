@@ -16,14 +16,6 @@ namespace {
 
 constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
 
-/// `size`, where a string may be that long.
-unsigned int checkedSize(std::size_t size) {
-    if (size > longest) {
-        throw std::length_error("kel::String: longer than 4 GiB - 1 byte");
-    }
-    return static_cast<unsigned int>(size);
-}
-
 /// A block for `size` characters and the NUL, made from `block` (which may be null) by moving what
 /// it holds. The blocks come from malloc because realloc moves large ones without copying.
 char* resizeBlock(char* block, std::size_t size) {
@@ -50,16 +42,9 @@ CString::CString(const char* bytes, unsigned int length) : data_(inline_), size_
     data_[length] = '\0';
 }
 
-CString::~CString() {
-    if (data_ != inline_) {
-        std::free(data_);
-    }
+void CString::release() noexcept {
+    std::free(data_);
 }
-
-String::String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
-
-String::String(const char* bytes)
-    : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
 
 String::String(const char* bytes, unsigned int length)
     : data_(inline_), size_(length), capacity_(inlineCapacity) {
@@ -71,8 +56,6 @@ String::String(const char* bytes, unsigned int length)
     data_[length] = '\0';
     copyLeadingBytes();
 }
-
-String::String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
 
 String::String(const String& other) : String(other.data_, other.size_) {}
 
@@ -95,12 +78,11 @@ String& String::operator=(String&& other) noexcept {
     return *this;
 }
 
-String::~String() {
-    release();
-}
-
 String& String::operator+=(const String& other) {
     const unsigned int added = other.size_;
+    if (added == 0) {
+        return *this;
+    }
     const std::size_t size = std::size_t{size_} + added;
     if (size > capacity_) {
         grow(size);
@@ -159,6 +141,14 @@ std::wstring String::toWide() const {
     return std::wstring(text.begin(), text.end());
 }
 #endif
+
+/// `size`, where a string may be that long.
+unsigned int String::checkedSize(std::size_t size) {
+    if (size > longest) {
+        throw std::length_error("kel::String: longer than 4 GiB - 1 byte");
+    }
+    return static_cast<unsigned int>(size);
+}
 
 /// Replaces the content; the bytes may be this string's own.
 void String::assign(const char* bytes, unsigned int length) {

@@ -23,7 +23,11 @@ class KEL_EXPORT CString {
   public:
     CString(const CString&) = delete;
     CString& operator=(const CString&) = delete;
-    ~CString();
+    ~CString() {
+        if (data_ != inline_) {
+            release();
+        }
+    }
 
     /// The bytes, followed by a NUL. There may be NUL bytes among them.
     const char* c_str() const noexcept { return data_; }
@@ -34,6 +38,7 @@ class KEL_EXPORT CString {
   private:
     friend class String;
     CString(const char* bytes, unsigned int length);
+    void release() noexcept;
 
     // Long enough for most values of a template, so that reading one allocates nothing.
     static constexpr unsigned int inlineCapacity = 111;
@@ -55,15 +60,16 @@ class KEL_EXPORT CString {
 class KEL_EXPORT String {
   public:
     /// An empty string.
-    String() noexcept;
+    String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
 
     /// The bytes up to the first NUL. A null pointer gives an empty string.
-    String(const char* bytes);
+    String(const char* bytes)
+        : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
 
     /// `length` bytes, NUL bytes included. The pointer may be null where the length is 0.
     String(const char* bytes, unsigned int length);
 
-    String(std::string_view bytes);
+    String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
     String(const std::string& bytes) : String(std::string_view(bytes)) {}
 
     String(const String& other);
@@ -72,7 +78,11 @@ class KEL_EXPORT String {
     String& operator=(const String& other);
     /// `other` is empty afterwards.
     String& operator=(String&& other) noexcept;
-    ~String();
+    ~String() {
+        if (!isInline()) {
+            release();
+        }
+    }
 
     /// Appends `other`, which may be this string.
     String& operator+=(const String& other);
@@ -123,6 +133,7 @@ class KEL_EXPORT String {
         return data_ == inline_;
     }
     std::uint64_t leadingBytes() const noexcept;
+    static unsigned int checkedSize(std::size_t size);
     void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
     void grow(std::size_t size);
@@ -144,10 +155,11 @@ inline std::uint64_t String::leadingBytes() const noexcept {
     if constexpr (std::endian::native == std::endian::big) {
         return bytes;
     }
-    // The first byte counts most. Compilers make one instruction of this.
-    bytes = (bytes & 0x00FF00FF00FF00FFu) << 8 | (bytes >> 8 & 0x00FF00FF00FF00FFu);
-    bytes = (bytes & 0x0000FFFF0000FFFFu) << 16 | (bytes >> 16 & 0x0000FFFF0000FFFFu);
-    return bytes << 32 | bytes >> 32;
+#if defined(_MSC_VER)
+    return _byteswap_uint64(bytes);
+#else
+    return __builtin_bswap64(bytes);
+#endif
 }
 
 inline bool String::operator<(const String& other) const noexcept {

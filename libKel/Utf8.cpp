@@ -13,16 +13,22 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-/// How many bytes at the start of `text` are ASCII; eight are tested at a time.
+/// True if none of eight bytes is over 127.
+bool areAscii(const char* bytes) noexcept {
+    std::uint64_t eight;
+    std::memcpy(&eight, bytes, sizeof(eight));
+    return (eight & 0x8080808080808080u) == 0;
+}
+
+/// How many bytes at the start of `text` are ASCII.
 std::size_t asciiPrefix(std::string_view text) noexcept {
-    constexpr std::size_t step = sizeof(std::uint64_t);
+    constexpr std::size_t step = 8;
     std::size_t at = 0;
-    for (; text.size() - at >= step; at += step) {
-        std::uint64_t bytes;
-        std::memcpy(&bytes, text.data() + at, step);
-        if ((bytes & 0x8080808080808080u) != 0) {
-            break;
-        }
+    while (text.size() - at >= step && areAscii(text.data() + at)) {
+        at += step;
+    }
+    if (at > 0 && text.size() - at < step && areAscii(text.data() + text.size() - step)) {
+        return text.size(); // the last eight, some of them a second time
     }
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
         ++at;

@@ -2,6 +2,7 @@
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -25,7 +26,7 @@ class text_sink {
         if (text.size() > capacity_ - size_) {
             grow(text.size());
         }
-        std::memcpy(bytes_.get() + size_, text.data(), text.size());
+        copy(bytes_.get() + size_, text.data(), text.size());
         size_ += text.size();
     }
 
@@ -46,6 +47,35 @@ class text_sink {
     struct release {
         void operator()(char* block) const noexcept { std::free(block); }
     };
+
+    /// Most pieces are short. Two overlapping moves of a fixed size are much cheaper than a call.
+    static void copy(char* to, const char* from, std::size_t size) {
+        if (size > 32) {
+            std::memcpy(to, from, size);
+        } else if (size >= 16) {
+            copyEnds<16>(to, from, size);
+        } else if (size >= 8) {
+            copyEnds<8>(to, from, size);
+        } else if (size >= 4) {
+            copyEnds<4>(to, from, size);
+        } else if (size > 0) {
+            to[0] = from[0];
+            to[size / 2] = from[size / 2];
+            to[size - 1] = from[size - 1];
+        }
+    }
+
+    /// The first and the last `Count` bytes of `size`, which are all where `size` is at most twice
+    /// as much.
+    template <std::size_t Count>
+    static void copyEnds(char* to, const char* from, std::size_t size) {
+        std::array<char, Count> first;
+        std::array<char, Count> last;
+        std::memcpy(first.data(), from, Count);
+        std::memcpy(last.data(), from + size - Count, Count);
+        std::memcpy(to, first.data(), Count);
+        std::memcpy(to + size - Count, last.data(), Count);
+    }
 
     void grow(std::size_t added) {
         const std::size_t capacity = std::max({size_ + added, capacity_ * 2, std::size_t{256}});
