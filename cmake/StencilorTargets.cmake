@@ -44,3 +44,14 @@ function(stencilor_include_folder folder result)
     file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${staged}/${folder}" SYMBOLIC)
     set(${result} "${staged}" PARENT_SCOPE)
 endfunction()
+
+# Exports what exports.map beside the target's CMakeLists.txt says. On Windows the marks in the
+# headers do so alone.
+function(stencilor_limit_exports target)
+    if(WIN32)
+        return()
+    endif()
+    set(map "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS "${map}")
+endfunction()

@@ -43,15 +43,15 @@ using LogSink = std::function<void(const LogRecord&)>;
 
 /// A message that is composed piece by piece: `LoggerStream() + "size: " + text`.
 /// Copying: not possible, it is handed to `Logger::log` by reference.
-class KEL_EXPORT LoggerStream {
+class LoggerStream {
   public:
-    LoggerStream();
+    KEL_EXPORT LoggerStream();
     LoggerStream(const LoggerStream&) = delete;
     LoggerStream& operator=(const LoggerStream&) = delete;
-    ~LoggerStream();
+    KEL_EXPORT ~LoggerStream();
 
-    LoggerStream& operator+(const char* text);
-    LoggerStream& operator+(const String& text);
+    KEL_EXPORT LoggerStream& operator+(const char* text);
+    KEL_EXPORT LoggerStream& operator+(const String& text);
 
     std::string_view view() const noexcept { return text_; }
 
@@ -64,18 +64,18 @@ class KEL_EXPORT LoggerStream {
 /// Ownership: belongs to the library and lives until the process ends. `LogFactory::createLogger`
 ///   hands it out.
 /// Threads: may be used by many threads; `threshold` may be changed while none uses it.
-class KEL_EXPORT Logger {
+class Logger {
   public:
     Logger(const Logger&) = delete;
     Logger& operator=(const Logger&) = delete;
-    ~Logger();
+    KEL_EXPORT ~Logger();
 
     /// The priority in force: the higher of the logger's own threshold and the global priority.
-    LoggerPriority::LOGGER_PRIORITY resolvePriority() const;
+    KEL_EXPORT LoggerPriority::LOGGER_PRIORITY resolvePriority() const;
 
     /// Writes `message`. Returns false where its priority is below the one in force, or where the
     /// sink failed. Never throws.
-    bool log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& message);
+    KEL_EXPORT bool log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& message);
 
     const char* category() const noexcept { return category_.c_str(); }
 
@@ -94,7 +94,7 @@ class KEL_EXPORT Logger {
 /// Hands out the loggers and holds what they have in common.
 ///
 /// Threads: all functions may be called from any thread.
-class KEL_EXPORT LogFactory {
+class LogFactory {
   public:
     LogFactory() = delete;
 
@@ -103,20 +103,20 @@ class KEL_EXPORT LogFactory {
         return static_cast<LoggerPriority::LOGGER_PRIORITY>(
             priority_.load(std::memory_order_relaxed));
     }
-    static void setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept;
+    KEL_EXPORT static void setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept;
 
     /// Stores the logger of `category` (UTF-8, NUL-terminated) in `logger`; there is one for each
     /// category, made by the first call. Several threads may call it for the same pointer, which
     /// must then be read as an atomic (`std::atomic_ref`).
-    static void createLogger(const char* category, Logger*& logger);
+    KEL_EXPORT static void createLogger(const char* category, Logger*& logger);
 
     /// From now on records go to `sink`; an empty one stands for the standard error stream, where
     /// they go at first. A sink may throw nothing: what it throws is dropped. It must stay usable
     /// until a later `setSink` has returned and the calls that were under way have ended.
-    static void setSink(LogSink sink);
+    KEL_EXPORT static void setSink(LogSink sink);
 
   private:
-    static std::atomic<std::int32_t> priority_;
+    KEL_EXPORT static std::atomic<std::int32_t> priority_;
 };
 
 /// Records that a scope is entered, and when it is destroyed that it is left.
@@ -124,7 +124,7 @@ class KEL_EXPORT LogFactory {
 /// Ownership: borrows the logger and the texts, which must outlive it. A null logger records
 ///   nothing, and costs nothing but the test for it.
 /// Copying: not possible, it stands for one scope.
-class KEL_EXPORT TraceLogger {
+class TraceLogger {
   public:
     TraceLogger(Logger* logger, const char* function, const char* file, int line) noexcept
         : logger_(logger), function_(function), file_(file), line_(line) {
@@ -141,8 +141,8 @@ class KEL_EXPORT TraceLogger {
     }
 
   private:
-    void enter() noexcept;
-    void leave() noexcept;
+    KEL_EXPORT void enter() noexcept;
+    KEL_EXPORT void leave() noexcept;
 
     Logger* logger_;
     const char* function_;

@@ -19,7 +19,7 @@ namespace kel {
 /// Ownership: holds its own copy; `c_str()` stays valid until the object is destroyed.
 /// Copying: neither copied nor moved, it is read where it was made.
 /// Threads: may be read by many threads.
-class KEL_EXPORT CString {
+class CString {
   public:
     CString(const CString&) = delete;
     CString& operator=(const CString&) = delete;
@@ -38,7 +38,7 @@ class KEL_EXPORT CString {
   private:
     friend class String;
     CString(const char* bytes, unsigned int length);
-    void release() noexcept;
+    KEL_EXPORT void release() noexcept;
 
     // Long enough for most values of a template, so that reading one allocates nothing.
     static constexpr unsigned int inlineCapacity = 111;
@@ -57,7 +57,7 @@ class KEL_EXPORT CString {
 ///   throws `std::length_error`.
 /// Errors: `std::bad_alloc` and `std::length_error`; the string is then unchanged.
 /// Threads: may be read by many threads while none changes it.
-class KEL_EXPORT String {
+class String {
   public:
     /// An empty string.
     String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
@@ -67,17 +67,17 @@ class KEL_EXPORT String {
         : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
 
     /// `length` bytes, NUL bytes included. The pointer may be null where the length is 0.
-    String(const char* bytes, unsigned int length);
+    KEL_EXPORT String(const char* bytes, unsigned int length);
 
     String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
     String(const std::string& bytes) : String(std::string_view(bytes)) {}
 
-    String(const String& other);
+    KEL_EXPORT String(const String& other);
     /// `other` is empty afterwards.
-    String(String&& other) noexcept;
-    String& operator=(const String& other);
+    KEL_EXPORT String(String&& other) noexcept;
+    KEL_EXPORT String& operator=(const String& other);
     /// `other` is empty afterwards.
-    String& operator=(String&& other) noexcept;
+    KEL_EXPORT String& operator=(String&& other) noexcept;
     ~String() {
         if (!isInline()) {
             release();
@@ -85,7 +85,7 @@ class KEL_EXPORT String {
     }
 
     /// Appends `other`, which may be this string.
-    String& operator+=(const String& other);
+    KEL_EXPORT String& operator+=(const String& other);
 
     /// True if the characters are exactly those of `bytes`, which ends at its first NUL.
     bool operator==(const char* bytes) const noexcept { return view() == bytes; }
@@ -102,28 +102,28 @@ class KEL_EXPORT String {
 
     /// At most `count` characters from position `start` on; 0xFFFFFFFF means up to the end. A
     /// start at or past the end gives an empty string.
-    String subString(unsigned int start, unsigned int count) const;
+    KEL_EXPORT String subString(unsigned int start, unsigned int count) const;
 
     /// One byte for each character, its low 8 bits: here the characters themselves.
-    CString getLowerByteString() const;
+    KEL_EXPORT CString getLowerByteString() const;
 
     /// The UTF-8 form: here the characters themselves. Bytes that are not valid UTF-8 stay.
-    CString getUTF8String() const;
+    KEL_EXPORT CString getUTF8String() const;
 
     /// Replaces the content by the decoding of `length` bytes of UTF-8. Each maximal part that is
     /// malformed becomes one U+FFFD (The Unicode Standard 15.0, section 3.9, table 3-8), so that
     /// the result is always valid UTF-8. `flag` is reserved and changes nothing.
-    void UTF8Decode(const char* bytes, unsigned int length, bool flag);
+    KEL_EXPORT void UTF8Decode(const char* bytes, unsigned int length, bool flag);
 
     /// Converts from and to UTF-16 in the machine's byte order. What is malformed, in either
     /// direction, becomes U+FFFD.
-    static String fromUTF16(std::u16string_view text);
-    std::u16string toUTF16() const;
+    KEL_EXPORT static String fromUTF16(std::u16string_view text);
+    KEL_EXPORT std::u16string toUTF16() const;
 
 #ifdef _WIN32
     /// The same with the character type of the Windows interfaces.
-    static String fromWide(std::wstring_view text);
-    std::wstring toWide() const;
+    KEL_EXPORT static String fromWide(std::wstring_view text);
+    KEL_EXPORT std::wstring toWide() const;
 #endif
 
   private:
@@ -133,12 +133,12 @@ class KEL_EXPORT String {
         return data_ == inline_;
     }
     std::uint64_t leadingBytes() const noexcept;
-    static unsigned int checkedSize(std::size_t size);
+    KEL_EXPORT static unsigned int checkedSize(std::size_t size);
     void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
     void grow(std::size_t size);
     void copyLeadingBytes() noexcept;
-    void release() noexcept;
+    KEL_EXPORT void release() noexcept;
 
     char* data_; // NUL-terminated; inline_, or a block of malloc
     unsigned int size_;
