@@ -111,10 +111,10 @@ TEST_F(InclusionTest, DropsWhatGoesWrongInsideTheFile) {
 }
 
 TEST_F(InclusionTest, EndsAtTheFirstNulByte) {
-    folder_.writeFile("nul.txt", std::string("a{{ x }}\0b{{", 12));
+    folder_.writeFile("cut.txt", std::string("a{{ x }}\0b{{", 12));
     folder_.writeFile("first.txt", std::string("\0a", 2));
     const Root root({{"x", text("x")}});
-    EXPECT_EQ(render("[{% include \"nul.txt\" %}]", root), (Rendered{"[ax]", ""}));
+    EXPECT_EQ(render("[{% include \"cut.txt\" %}]", root), (Rendered{"[ax]", ""}));
     EXPECT_EQ(render("[{% include \"first.txt\" %}]", root), (Rendered{"[]", ""}));
 }
 
