@@ -26,10 +26,14 @@ char* resizeBlock(char* block, std::size_t size) {
     return static_cast<char*>(resized);
 }
 
-void copyBytes(char* to, const char* from, std::size_t count) {
-    if (count > 0) { // a null pointer may come with a count of 0
-        std::memmove(to, from, count);
+/// Fewer than eight bytes, in the order of the memory, with zeros behind them.
+std::uint64_t fewBytes(const char* bytes, unsigned int count) {
+    constexpr bool little = std::endian::native == std::endian::little;
+    std::uint64_t all = 0;
+    for (unsigned int at = 0; at < count; ++at) {
+        all |= std::uint64_t{static_cast<unsigned char>(bytes[at])} << 8 * (little ? at : 7 - at);
     }
+    return all;
 }
 
 } // namespace
@@ -38,7 +42,9 @@ CString::CString(const char* bytes, unsigned int length) : data_(inline_), size_
     if (length > inlineCapacity) {
         data_ = resizeBlock(nullptr, length);
     }
-    copyBytes(data_, bytes, length);
+    if (length > 0) { // otherwise the pointer may be null
+        std::memcpy(data_, bytes, length);
+    }
     data_[length] = '\0';
 }
 
@@ -52,9 +58,7 @@ String::String(const char* bytes, unsigned int length)
         data_ = resizeBlock(nullptr, length);
         capacity_ = length;
     }
-    copyBytes(data_, bytes, length);
-    data_[length] = '\0';
-    copyLeadingBytes();
+    store(bytes);
 }
 
 String::String(const String& other) : String(other.data_, other.size_) {}
@@ -90,9 +94,12 @@ String& String::operator+=(const String& other) {
     // Read after growing, since `other` may be this string. Its NUL is not copied along: it would
     // already be overwritten in that case.
     std::memcpy(data_ + size_, other.data_, added);
+    const bool leading = size_ < sizeof(std::uint64_t) && !isInline();
     size_ = static_cast<unsigned int>(size);
     data_[size_] = '\0';
-    copyLeadingBytes();
+    if (leading) {
+        std::memcpy(inline_, data_, sizeof(std::uint64_t));
+    }
     return *this;
 }
 
@@ -158,10 +165,25 @@ void String::assign(const char* bytes, unsigned int length) {
         data_ = block;
         capacity_ = length;
     }
-    copyBytes(data_, bytes, length);
     size_ = length;
+    store(bytes);
+}
+
+/// Copies `size_` characters to where there is room for them, and keeps the promise about the first
+/// eight bytes of `inline_`. Fewer than eight are put together beforehand: what was written in
+/// parts takes long to read back as a whole.
+void String::store(const char* bytes) noexcept {
+    if (size_ < sizeof(std::uint64_t)) {
+        const std::uint64_t all = fewBytes(bytes, size_);
+        std::memcpy(data_, &all, sizeof(all));
+        std::memcpy(inline_, &all, sizeof(all));
+        return;
+    }
+    std::memmove(data_, bytes, size_);
     data_[size_] = '\0';
-    copyLeadingBytes();
+    if (!isInline()) {
+        std::memcpy(inline_, data_, sizeof(std::uint64_t));
+    }
 }
 
 /// Moves the content of `other` into this string, which owns no block.
@@ -186,22 +208,6 @@ void String::grow(std::size_t size) {
         data_ = resizeBlock(data_, capacity);
     }
     capacity_ = static_cast<unsigned int>(capacity);
-}
-
-/// Keeps the promise about the first eight bytes of `inline_`. No block is shorter than eight
-/// bytes; what is read past the end of the text is shifted out.
-void String::copyLeadingBytes() noexcept {
-    std::uint64_t bytes;
-    std::memcpy(&bytes, data_, sizeof(bytes));
-    if (size_ < sizeof(bytes)) {
-        const unsigned int unused = 8 * (static_cast<unsigned int>(sizeof(bytes)) - size_);
-        if constexpr (std::endian::native == std::endian::little) {
-            bytes = size_ == 0 ? 0 : bytes << unused >> unused;
-        } else {
-            bytes = size_ == 0 ? 0 : bytes >> unused << unused;
-        }
-    }
-    std::memcpy(inline_, &bytes, sizeof(bytes));
 }
 
 /// Frees the block, if there is one, and leaves the string empty.

@@ -137,7 +137,7 @@ class String {
     void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
     void grow(std::size_t size);
-    void copyLeadingBytes() noexcept;
+    void store(const char* bytes) noexcept;
     KEL_EXPORT void release() noexcept;
 
     char* data_; // NUL-terminated; inline_, or a block of malloc
@@ -145,7 +145,8 @@ class String {
     unsigned int capacity_; // without the NUL
 
     // The characters while they fit. Where they do not, a copy of the first eight. Bytes past the
-    // end are zero among the first eight: comparing those as one number decides most comparisons.
+    // end are zero among the first eight, here and in a block: comparing those as one number
+    // decides most comparisons.
     char inline_[inlineCapacity + 1];
 };
 
