@@ -26,8 +26,11 @@ namespace kel::Stencilor::internal {
 ///     content    = { text | expr }
 ///     text       = one byte or more, up to "{%" or "{{", nothing skipped
 ///     expr       = if | for | replace | include
-///     if         = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif"
-///     "%}" for        = "{%" "for" identifier "in" identifier "%}" content "{%" "endfor" "%}"
+///     if         = "{%" "if" identifier "%}" content
+///                  [ "{%" "else" "%}" content ]
+///                  "{%" "endif" "%}"
+///     for        = "{%" "for" identifier "in" identifier "%}" content
+///                  "{%" "endfor" "%}"
 ///     replace    = "{{" identifier "}}"
 ///     include    = "{%" "include" '"' identifier '"' "%}"
 ///     identifier = a-zA-Z_ { a-zA-Z_0-9./ }, greedy, no blanks inside
