@@ -1,3 +1,4 @@
+#include "../support/Build.h"
 #include "../support/Context.h"
 #include "../support/Deletions.h"
 #include "../support/FailingAllocation.h"
@@ -43,9 +44,18 @@ void failEachAllocation(Make make, Action action, Check check) {
     }
 }
 
+class ExhaustedMemory : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (threadSanitized) {
+            GTEST_SKIP() << "the thread sanitizer does not let allocations fail";
+        }
+    }
+};
+
 const kel::String longKey(std::string(100, 'k'));
 
-TEST(ExhaustedMemory, LeavesAValueWithoutTheEntryThatWasInserted) {
+TEST_F(ExhaustedMemory, LeavesAValueWithoutTheEntryThatWasInserted) {
     ContextBase child;
     failEachAllocation([] { return std::make_unique<ContextDictionary>(); },
                        [&child](ContextDictionary& value) {
@@ -55,7 +65,7 @@ TEST(ExhaustedMemory, LeavesAValueWithoutTheEntryThatWasInserted) {
                        [](ContextDictionary& value) { EXPECT_EQ(value.size(), 0u); });
 }
 
-TEST(ExhaustedMemory, LeavesAListWithoutTheElementThatWasAdded) {
+TEST_F(ExhaustedMemory, LeavesAListWithoutTheElementThatWasAdded) {
     ContextBase child;
     failEachAllocation([] { return std::make_unique<ContextIterable>(); },
                        [&child](ContextIterable& value) {
@@ -65,7 +75,7 @@ TEST(ExhaustedMemory, LeavesAListWithoutTheElementThatWasAdded) {
                        [](ContextIterable& value) { EXPECT_EQ(value.size(), 0u); });
 }
 
-TEST(ExhaustedMemory, LeavesTheTargetOfAnAssignmentAsItWas) {
+TEST_F(ExhaustedMemory, LeavesTheTargetOfAnAssignmentAsItWas) {
     ContextBase shared;
     ContextIterable source;
     source.insert("a", &shared);
@@ -112,7 +122,7 @@ void expectCopyToLeaveChildrenAlone(Value& source) {
     EXPECT_THAT(deletions, IsEmpty());
 }
 
-TEST(ExhaustedMemory, LeavesTheChildrenOfACopiedValueAlone) {
+TEST_F(ExhaustedMemory, LeavesTheChildrenOfACopiedValueAlone) {
     ContextBase base;
     expectCopyToLeaveChildrenAlone(base);
     ContextString string(std::string(100, 's'));
@@ -125,7 +135,7 @@ TEST(ExhaustedMemory, LeavesTheChildrenOfACopiedValueAlone) {
     expectCopyToLeaveChildrenAlone(list);
 }
 
-TEST(ExhaustedMemory, LeavesThePointersWithTheCallerOfABuilder) {
+TEST_F(ExhaustedMemory, LeavesThePointersWithTheCallerOfABuilder) {
     Deletions deletions;
     Logged<ContextBase> child(deletions, "child");
     const Entries entries = {{"a", &child}, {longKey, &child}};
@@ -153,7 +163,7 @@ TEST(ExhaustedMemory, LeavesThePointersWithTheCallerOfABuilder) {
 }
 
 // Taking a tree apart gets along without memory, so a failure there changes nothing.
-TEST(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
+TEST_F(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());
     folder.writeFile("part", "{{ name }}{% if yes %}included{% endif %}{{ missing }}");
@@ -176,7 +186,7 @@ TEST(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
                        });
 }
 
-TEST(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
+TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
     const Root root;
     const std::string input = "a text that is longer than a few bytes {% if a %}{% for b in c %}x"
                               "{% endfor %}{% else %}y{% endif %}{{ d }}{% if e %}{{ f }}";
@@ -189,7 +199,7 @@ TEST(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
 
 // The recorder itself may be what runs out of memory, and a record is lost then: so the scopes are
 // counted, without memory.
-TEST(ExhaustedMemory, ClosesEveryTracedScope) {
+TEST_F(ExhaustedMemory, ClosesEveryTracedScope) {
     const Root root(
         {{"yes", truth(true)}, {"two", listOf(2)}, {"name", text(std::string(200, 'n'))}});
     const std::string input = "{% if yes %}{% for i in two %}{{ name }}{% endfor %}{% endif %}";

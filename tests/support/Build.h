@@ -25,15 +25,18 @@ inline constexpr bool sanitized = true;
 inline constexpr bool sanitized = false;
 #endif
 
+#if defined(TESTS_THREAD_SANITIZER)
+inline constexpr bool threadSanitized = true;
+#else
+inline constexpr bool threadSanitized = false;
+#endif
+
 /// True where everything takes several times as long as in the build that is shipped.
 #if defined(__OPTIMIZE__)
 inline constexpr bool slow = sanitized;
 #else
 inline constexpr bool slow = true;
 #endif
-
-#undef TESTS_ADDRESS_SANITIZER
-#undef TESTS_THREAD_SANITIZER
 
 } // namespace support
 

@@ -1,5 +1,7 @@
 #include "FailingAllocation.h"
 
+#include "Build.h"
+
 #include <cstdlib>
 #include <new>
 
@@ -12,7 +14,7 @@ constexpr int never = -1;
 thread_local int remaining = never;
 thread_local bool failed = false;
 
-void* allocate(std::size_t size) {
+[[maybe_unused]] void* allocate(std::size_t size) {
     if (remaining == 0) {
         remaining = never;
         failed = true;
@@ -45,6 +47,9 @@ bool FailingAllocation::happened() const {
 
 } // namespace support
 
+// The thread sanitizer has its own ones, which cannot be replaced.
+#ifndef TESTS_THREAD_SANITIZER
+
 void* operator new(std::size_t size) {
     return support::allocate(size);
 }
@@ -56,3 +61,5 @@ void operator delete(void* block) noexcept {
 void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
+
+#endif
