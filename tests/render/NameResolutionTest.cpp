@@ -119,6 +119,7 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
         {"dotted",
          list({dictionary({{"c", text("behind both")}, {"b.c", text("behind the outer")}})})},
         {"whole", text("root whole")},
+        {"both", list({dictionary({{"title", text("rest")}, {"a.title", text("whole")}})})},
     });
     const auto loops = [](const std::string& body) {
         return "{% for a in xs %}{% for b in ys %}" + body + "{% endfor %}{% endfor %}";
@@ -150,6 +151,14 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
          "{% for a in xs %}{% for a in ys %}{{ a.title }},{{ a.only }}"
          "{% endfor %}{{ a.title }}{% endfor %}",
          "inner title,outer onlyouter title"},
+        {"the whole name before the rest where a newer prefix does not match",
+         "{% for a in both %}{% for b in both %}{{ a.title }}{% endfor %}{% endfor %}", "whole"},
+        {"the rest before the whole name where the newest prefix matches",
+         "{% for a in both %}{{ a.title }}{% endfor %}", "rest"},
+        {"a variable that is entered again is the newest until it is left",
+         "{% for a in both %}{% for b in both %}{% for a in both %}{{ a.title }}{% endfor %},"
+         "{{ a.title }}{% endfor %},{{ a.title }}{% endfor %}",
+         "rest,whole,rest"},
     };
     for (const auto& [name, input, expected] : cases) {
         SCOPED_TRACE(name);
