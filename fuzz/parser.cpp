@@ -1,0 +1,27 @@
+#include "../tests/support/SecondReading.h"
+#include "../tests/support/SyntaxTree.h"
+#include "target.h"
+
+#include <libStencilor/template/parse_template.h>
+
+#include <string>
+
+// The parser and the second reading of the language accept the same templates, and make the same
+// tree of each; of a template that is rejected, too, up to the fault.
+
+using namespace kel::Stencilor::internal;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view input = fuzz::textOf(data, size);
+    syntax_tree parsed;
+    const bool accepted = parseTemplate(input, parsed.nodes);
+
+    // A template ends at its first NUL, and the second reading takes text without one.
+    const std::string text(input.substr(0, input.find('\0')));
+    syntax_tree read;
+    fuzz::require(accepted == support::readOnceMore(text, read.nodes),
+                  "both readings accept the same templates");
+    fuzz::require(support::describe(parsed.nodes) == support::describe(read.nodes),
+                  "both readings give the same tree");
+    return 0;
+}

@@ -1,0 +1,60 @@
+#include "../tests/support/TemporaryFolder.h"
+#include "target.h"
+
+#include <libKel/Buffer.h>
+#include <libKel/FileSystem.h>
+
+#include <string>
+
+// The input is a path. Whatever it opens below a root tells by its content that it lies inside.
+
+namespace {
+
+using support::TemporaryFolder;
+
+/// A folder that holds the root `r`, with files called `f` in it and around it, and links of all
+/// kinds where the system makes them. The names are short, to be found soon.
+class Tree {
+  public:
+    Tree() {
+        for (const char* const inside : {"r", "r/a", "r/a/b"}) {
+            folder_.makeFolder(inside);
+            folder_.writeFile(std::string(inside) + "/f", "inside");
+        }
+        folder_.makeFolder("s");
+        for (const char* const outside : {"f", "s/f", "rf"}) {
+            folder_.writeFile(outside, "outside");
+        }
+        linkTo("r/i", "a/b");
+        linkTo("r/j", "../r/a/f");
+        linkTo("r/u", "..");
+        linkTo("r/a/u", "../..");
+        linkTo("r/o", "../f");
+        linkTo("r/p", folder_.path("s"));
+        linkTo("r/q", folder_.path("r/a"));
+        linkTo("r/x", "x");
+        linkTo("r/y", "i/../u/s");
+        fuzz::require(kel::FileSystem::setRoot(folder_.path("r")), "a folder can be the root");
+    }
+
+  private:
+    void linkTo(const char* name, const std::string& target) const {
+        // Systems without links have the paths alone.
+        static_cast<void>(folder_.makeLink(name, target));
+    }
+
+    TemporaryFolder folder_;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const Tree tree;
+    const kel::String path(fuzz::textOf(data, size));
+    kel::Buffer<unsigned char> buffer;
+    const bool loaded = kel::FileSystem::loadFile(path, buffer, nullptr);
+    fuzz::require(loaded == kel::FileSystem::exists(path), "what exists can be loaded");
+    fuzz::require(loaded == (fuzz::textOf(buffer.data, buffer.size) == "inside"),
+                  "what is loaded lies inside the root");
+    return 0;
+}
