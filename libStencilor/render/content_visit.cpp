@@ -126,7 +126,7 @@ void content_visit::leaveBlock() {
 void content_visit::enterList(block& current, const ContextBase* scope) {
     current.apply.emplace(trace_points::applyVisitor);
     current.scope = scopes_.enter(scope);
-    current.next = 0;
+    current.next = current.list->begin();
 }
 
 void content_visit::leaveList(block& current) {
@@ -141,8 +141,8 @@ void content_visit::enterTurn(block& loop) {
 void content_visit::renderOpenBlocks() {
     while (depth_ > 0) {
         block& current = *blocks_[depth_ - 1];
-        if (current.next < current.list->size()) {
-            boost::apply_visitor(*this, (*current.list)[current.next++]);
+        if (current.next != current.list->end()) {
+            boost::apply_visitor(*this, *current.next++);
             continue;
         }
         leaveList(current);

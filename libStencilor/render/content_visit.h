@@ -53,7 +53,7 @@ class content_visit : public boost::static_visitor<> {
         std::optional<trace_scope> apply;
         scope_stack::position scope;
         const content_list* list = nullptr;
-        std::size_t next = 0;
+        content_list::const_iterator next;
 
         const ContextIterable* elements = nullptr; // null for a conditional
         unsigned int turn = 0;
