@@ -88,8 +88,10 @@ TEST_F(FileSystemRootTest, FindsNothingByAnAbsolutePath) {
 // them. On Windows they cannot be made, or are something else.
 TEST_F(FileSystemRootTest, FindsNoNameThatSomeSystemTakesForSomethingElse) {
     for (const char* const name :
-         {"a\\b.txt", "..\\outside.txt", "C:file.txt", "C:", "file.txt:stream", "NUL", "nul.txt",
-          "CON", "com1.log", "LPT\u00B9", "file.", "file ", "a?b", "line\nbreak"}) {
+         {"a\\b.txt",  "..\\outside.txt", "C:file.txt", "C:",          "file.txt:stream",
+          "NUL",       "nul.txt",         "CON",        "com1.log",    "LPT\u00B9",
+          "file.",     "file ",           "a?b",        "line\nbreak", "a/AUX",
+          "a/nul.txt", "a/com1",          "a/file.",    "a/file ",     "a/C:file.txt"}) {
 #ifndef _WIN32
         folder_.writeFile("root/" + std::string(name), "text");
 #endif

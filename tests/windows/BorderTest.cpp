@@ -1,0 +1,210 @@
+#include "../support/Context.h"
+#include "../support/TemporaryFolder.h"
+#include "FailingImport.h"
+
+#include <libKel/FileSystem.h>
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+// What crosses the border between this program and the two libraries: memory and exceptions.
+
+namespace support {
+namespace {
+
+std::vector<HANDLE> heaps() {
+    std::array<HANDLE, 64> handles = {};
+    const DWORD count = ::GetProcessHeaps(static_cast<DWORD>(handles.size()), handles.data());
+    EXPECT_GT(count, 0u);
+    EXPECT_LE(count, handles.size());
+    return std::vector<HANDLE>(handles.begin(), handles.begin() + count);
+}
+
+void expectSoundHeaps() {
+    for (const HANDLE heap : heaps()) {
+        EXPECT_NE(::HeapValidate(heap, 0, nullptr), 0);
+    }
+}
+
+/// The number of blocks that are allocated in the whole process, whatever module did it.
+std::size_t allocatedBlocks() {
+    std::size_t blocks = 0;
+    for (const HANDLE heap : heaps()) {
+        PROCESS_HEAP_ENTRY entry = {};
+        while (::HeapWalk(heap, &entry) != 0) {
+            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+        }
+    }
+    return blocks;
+}
+
+// How often something is done that may leave nothing behind. Heaps keep some blocks for themselves,
+// so what is left behind is compared with this number.
+constexpr int turns = 1000;
+
+const std::string longText(200, 't');
+
+/// A value of each kind, made by this program.
+ContextBase* madeHere() {
+    auto* const root = new ContextDictionary();
+    auto* const list = new ContextIterable();
+    auto* const truth = new ContextBoolean(true);
+    root->insert("list", list);
+    list->add(new ContextString(longText));
+    list->add(nullptr);
+    list->add(new ContextBase());
+    list->insert("truth of " + longText, truth);
+    truth->insert(longText, new ContextString("short"));
+    return root;
+}
+
+/// The same, made by the library.
+ContextBase* madeThere() {
+    return dictionary(
+        {{"list", list({text(longText), nullptr, dictionary()})},
+         {"truth of " + longText, truth(true, {{kel::String(longText), text("short")}})}});
+}
+
+/// Destroys the values in the library, which has to delete what it is given.
+void destroyThere(ContextBase* values) {
+    delete ContextFactory::buildIterable({values});
+}
+
+void destroyHere(ContextBase* values) {
+    const std::unique_ptr<ContextBase> owner(values);
+}
+
+TEST(Border, ValuesMayBeMadeOnOneSideAndDestroyedOnTheOther) {
+    const struct {
+        const char* name;
+        ContextBase* (*make)();
+        void (*destroy)(ContextBase*);
+    } cases[] = {
+        {"made here, destroyed here", madeHere, destroyHere},
+        {"made here, destroyed there", madeHere, destroyThere},
+        {"made there, destroyed here", madeThere, destroyHere},
+        {"made there, destroyed there", madeThere, destroyThere},
+    };
+    for (const auto& [name, make, destroy] : cases) {
+        SCOPED_TRACE(name);
+        destroy(make());
+        const std::size_t before = allocatedBlocks();
+        for (int turn = 0; turn < turns; ++turn) {
+            destroy(make());
+        }
+        EXPECT_LT(allocatedBlocks(), before + turns);
+        expectSoundHeaps();
+    }
+}
+
+TEST(Border, TextsAndBuffersAreFreedByWhomeverHasThem) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", longText);
+    const kel::String path = folder.path("file");
+    const Root root({{"name", text(longText)}});
+    const auto turn = [&] {
+        kel::String errors;
+        kel::String output = kel::Stencilor::buildOutput("{{ name }}{{ missing }}", root, errors);
+        errors += output;
+        output = errors.subString(1, 100);
+        kel::Buffer<unsigned char> buffer;
+        EXPECT_TRUE(kel::FileSystem::loadFile(path, buffer, nullptr));
+        EXPECT_TRUE(kel::FileSystem::loadFile(path, buffer, nullptr));
+    };
+    turn();
+    const std::size_t before = allocatedBlocks();
+    for (int count = 0; count < turns; ++count) {
+        turn();
+    }
+    EXPECT_LT(allocatedBlocks(), before + turns);
+    expectSoundHeaps();
+}
+
+// So that the tests above are known to see what is left behind.
+TEST(Border, WhatIsLeftBehindOnEitherSideCounts) {
+    for (ContextBase* (*make)() : {madeHere, madeThere}) {
+        const std::size_t before = allocatedBlocks();
+        ContextBase* const values = make();
+        EXPECT_GT(allocatedBlocks(), before);
+        delete values;
+    }
+}
+
+class ValueOfTheHost : public ContextString {
+  public:
+    ValueOfTheHost(const kel::String& text, bool& destroyed)
+        : ContextString(text), destroyed_(destroyed) {}
+    ValueOfTheHost(const ValueOfTheHost&) = delete;
+    ValueOfTheHost& operator=(const ValueOfTheHost&) = delete;
+    ~ValueOfTheHost() override { destroyed_ = true; }
+
+  private:
+    bool& destroyed_;
+};
+
+TEST(Border, ClassesOfThisProgramAreKnownThereAndDestroyedByTheirOwnDestructor) {
+    bool destroyed = false;
+    ContextDictionary* const root = dictionary({{"name", new ValueOfTheHost("Ada", destroyed)}});
+    EXPECT_EQ(render("{{ name }}", *root), (Rendered{"Ada", ""}));
+    EXPECT_NE(dynamic_cast<ValueOfTheHost*>(root->find("name")), nullptr);
+    EXPECT_FALSE(destroyed);
+    destroyThere(root);
+    EXPECT_TRUE(destroyed);
+}
+
+/// Calls `action` with the allocations of a DLL failing from the first one on, then from the second
+/// one on, until none fails any more; `std::bad_alloc` must arrive here each time.
+template <typename Action>
+void exhaustMemory(const wchar_t* dll, Action action) {
+    bool failed = true;
+    int caught = 0;
+    int count = 0;
+    for (; failed; ++count) {
+        const FailingImport failure(dll, count);
+        try {
+            action();
+        } catch (const std::bad_alloc&) {
+            ++caught;
+        }
+        failed = failure.happened();
+    }
+    EXPECT_GT(count, 1) << "nothing was allocated at all";
+    EXPECT_EQ(caught, count - 1);
+    expectSoundHeaps();
+}
+
+TEST(Border, ExhaustedMemoryPassesFromTheEngineToThisProgram) {
+    const Root root({{"name", text(longText)}, {"yes", truth(true)}});
+    const std::string input = "{{ name }}{% if yes %}{{ missing }}{% endif %}" + longText;
+    const Rendered expected = render(input, root);
+    const std::size_t before = allocatedBlocks();
+    // Where texts grow it asks for memory itself, elsewhere the C++ run-time asks for it.
+    for (const wchar_t* const dll : {L"libStencilor.dll", L"libstdc++-6.dll"}) {
+        exhaustMemory(dll, [&] { render(input, root); });
+        EXPECT_EQ(render(input, root), expected);
+    }
+    EXPECT_LT(allocatedBlocks(), before + 20);
+}
+
+TEST(Border, ExhaustedMemoryPassesFromTheBaseLibraryToThisProgram) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", longText);
+    const kel::String path = folder.path("file");
+    kel::Buffer<unsigned char> buffer;
+    exhaustMemory(L"libstdc++-6.dll", [&] { kel::FileSystem::loadFile(path, buffer, nullptr); });
+    EXPECT_EQ(buffer.size, longText.size());
+}
+
+TEST(Border, TextsThatAreTooLongAreRefusedByAnExceptionThatThisProgramCatches) {
+    const std::string_view tooLong("never looked at", std::size_t{1} << 32);
+    EXPECT_THROW(const kel::String text(tooLong), std::length_error);
+}
+
+} // namespace
+} // namespace support

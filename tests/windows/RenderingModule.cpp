@@ -1,0 +1,13 @@
+#include "../support/Context.h"
+
+// A module of a host that is loaded while the host runs, and the libraries with it.
+
+extern "C" __declspec(dllexport) bool rendersAsExpected() {
+    const support::Root root({
+        {"guests", support::list({support::dictionary({{"name", support::text("Ada")}}), nullptr,
+                                  support::dictionary({{"name", support::text("Zo\u00EB")}})})},
+    });
+    return support::render("{% for guest in guests %}[{{ guest.name }}]{% endfor %}", root) ==
+           support::Rendered{"[Ada][][Zo\u00EB]",
+                             "Could not find expected replacement named \"guest.name\"\n"};
+}
