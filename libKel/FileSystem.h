@@ -14,10 +14,12 @@ namespace kel {
 ///   that is empty or holds a NUL byte, and on Windows one that is not valid UTF-8, names nothing.
 /// Root: once a root is set, only the files inside that directory exist. Paths are then relative
 ///   and are refused where they leave the root by `..` or through a symbolic link. The same paths
-///   are refused on every system, so that what works on one works on the others: absolute paths,
-///   and parts that hold `\`, `:` or a control character, end in a dot or a blank, or are a device
-///   name that Windows reserves (`CON`, `NUL.txt`, ...). The root guards against paths, not
-///   against somebody who exchanges directories for links while a file is being opened.
+///   are refused on every system, so that none means something else on another: absolute paths,
+///   and parts that hold `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, end in a
+///   dot or a blank, or are a device name that Windows reserves (`CON`, `NUL.txt`, ...). What
+///   Windows alone forgives is upper and lower case, and a missing directory before a `..`.
+///   The root guards against paths, not against somebody who exchanges directories for links
+///   while a file is being opened.
 /// Threads: all functions may be called from any thread. The root is one for the whole process.
 /// Errors: nothing is thrown but `std::bad_alloc`.
 class KEL_EXPORT FileSystem {
