@@ -36,13 +36,22 @@ bool isOf(char byte, unsigned char kind) {
     return (byteKinds[static_cast<unsigned char>(byte)] & kind) != 0;
 }
 
-bool isBlank(char byte) {
-    return byte == ' ' || byte == '\t';
+/// Nothing else is skipped: line breaks are not blanks.
+const char* behindBlanks(const char* at) {
+    while (*at == ' ' || *at == '\t') {
+        ++at;
+    }
+    return at;
+}
+
+bool beginsTag(const char* at) {
+    return at[0] == '{' && (at[1] == '%' || at[1] == '{');
 }
 
 } // namespace
 
-template_grammar::template_grammar(std::string_view text) : text_(text) {}
+template_grammar::template_grammar(const std::string& text)
+    : begin_(text.c_str()), end_(begin_ + text.size()), position_(begin_) {}
 
 bool template_grammar::parse(content_list& list) {
     steps_.reserve(16); // spares small templates the first growths
@@ -59,7 +68,7 @@ bool template_grammar::parse(content_list& list) {
 bool template_grammar::start() {
     while (content_rule() || closing_tag()) {
     }
-    return position_ == text_.size() && open_.empty();
+    return position_ == end_ && open_.empty();
 }
 
 // content_rule = text_rule | expr_rule
@@ -69,29 +78,24 @@ bool template_grammar::content_rule() {
 
 // text_rule = { byte that begins neither "{%" nor "{{" }, one or more
 bool template_grammar::text_rule() {
-    std::size_t end = position_;
-    while (end < text_.size() && !beginsTag(end)) {
-        end = std::min(text_.find('{', end + 1), text_.size());
+    const char* const begin = position_;
+    while (position_ != end_ && !beginsTag(position_)) {
+        const auto left = static_cast<std::size_t>(end_ - position_ - 1);
+        const void* brace = std::memchr(position_ + 1, '{', left);
+        position_ = brace == nullptr ? end_ : static_cast<const char*>(brace);
     }
-    if (end == position_) {
+    if (position_ == begin) {
         return false;
     }
-    add(step_kind::text,
-        {static_cast<std::uint32_t>(position_), static_cast<std::uint32_t>(end - position_)});
-    position_ = end;
+    add(step_kind::text, spanFrom(begin));
     return true;
-}
-
-bool template_grammar::beginsTag(std::size_t at) const {
-    return text_[at] == '{' && at + 1 < text_.size() &&
-           (text_[at + 1] == '%' || text_[at + 1] == '{');
 }
 
 // expr_rule = if_rule | for_rule | replace_rule | include_rule
 // What the rules begin with decides between them: only one of them can match the whole tag. A rule
 // that fails consumes nothing.
 bool template_grammar::expr_rule() {
-    const std::size_t begin = position_;
+    const char* const begin = position_;
     bool matched = false;
     if (literal("{{")) {
         matched = replace_rule();
@@ -152,21 +156,21 @@ bool template_grammar::include_rule() {
 
 // identifier_rule = [a-zA-Z_] { [a-zA-Z_0-9./] }
 bool template_grammar::identifier_rule(span& found) {
-    skipBlanks();
-    const std::size_t begin = position_;
-    if (begin == text_.size() || !isOf(text_[begin], firstOfIdentifier)) {
+    const char* const begin = behindBlanks(position_);
+    if (!isOf(*begin, firstOfIdentifier)) {
         return false;
     }
-    do {
+    position_ = begin + 1;
+    while (isOf(*position_, inIdentifier)) {
         ++position_;
-    } while (position_ < text_.size() && isOf(text_[position_], inIdentifier));
-    found = {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(position_ - begin)};
+    }
+    found = spanFrom(begin);
     return true;
 }
 
 /// The tags that may follow the content of the innermost open block.
 bool template_grammar::closing_tag() {
-    const std::size_t begin = position_;
+    const char* const begin = position_;
     const bool matched = !open_.empty() && literal("{%") && (else_tag() || end_tag());
     if (!matched) {
         position_ = begin;
@@ -176,7 +180,7 @@ bool template_grammar::closing_tag() {
 
 bool template_grammar::else_tag() {
     open_block& innermost = open_.back();
-    const std::size_t begin = position_;
+    const char* const begin = position_;
     if (steps_[innermost.step].kind != step_kind::open_if || innermost.in_else ||
         !literal("else") || !literal("%}")) {
         position_ = begin;
@@ -200,20 +204,19 @@ bool template_grammar::end_tag() {
 /// Matches `expected` behind any blanks.
 template <std::size_t Size>
 bool template_grammar::literal(const char (&expected)[Size]) {
-    constexpr std::size_t length = Size - 1; // without the NUL
-    skipBlanks();
-    if (text_.size() - position_ < length ||
-        std::memcmp(text_.data() + position_, expected, length) != 0) {
-        return false;
+    const char* at = behindBlanks(position_);
+    for (std::size_t index = 0; index + 1 < Size; ++index, ++at) {
+        if (*at != expected[index]) {
+            return false;
+        }
     }
-    position_ += length;
+    position_ = at;
     return true;
 }
 
-void template_grammar::skipBlanks() {
-    while (position_ < text_.size() && isBlank(text_[position_])) {
-        ++position_;
-    }
+template_grammar::span template_grammar::spanFrom(const char* begin) const {
+    return {static_cast<std::uint32_t>(begin - begin_),
+            static_cast<std::uint32_t>(position_ - begin)};
 }
 
 /// Notes a node, and counts it in the list that it belongs to.

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,7 +18,8 @@ namespace kel::Stencilor::internal {
 ///   steps. The number of nodes in each list is known by then, so that no list ever grows: a node
 ///   that moves would have to be allocated again.
 /// Ownership: borrows the text, which must outlive the object. Lengths fit in 32 bits, as those of
-///   `kel::String` do.
+///   `kel::String` do. The text holds no NUL but the one that ends every `std::string`: nothing in
+///   a tag matches it, so that only text looks for the end.
 /// Copying: not possible, the rules share one position.
 ///
 /// Rules, where a quoted literal or an identifier skips blanks (space and tab) before it:
@@ -38,7 +40,7 @@ namespace kel::Stencilor::internal {
 /// A literal matches whatever follows it: `{% iffy %}` is an `if` on `fy`.
 class template_grammar {
   public:
-    explicit template_grammar(std::string_view text);
+    explicit template_grammar(const std::string& text);
     template_grammar(const template_grammar&) = delete;
     template_grammar& operator=(const template_grammar&) = delete;
 
@@ -75,7 +77,6 @@ class template_grammar {
     bool start();
     bool content_rule();
     bool text_rule();
-    bool beginsTag(std::size_t at) const;
     bool expr_rule();
     bool if_rule();
     bool for_rule();
@@ -90,13 +91,15 @@ class template_grammar {
     template <std::size_t Size>
     bool literal(const char (&expected)[Size]);
     void skipBlanks();
+    span spanFrom(const char* begin) const;
     void add(step_kind kind, span text);
     void open(step_kind kind, span text, span list_name);
     void build(content_list& list) const;
-    std::string_view textOf(span part) const { return text_.substr(part.begin, part.size); }
+    std::string_view textOf(span part) const { return {begin_ + part.begin, part.size}; }
 
-    std::string_view text_;
-    std::size_t position_ = 0;
+    const char* begin_;
+    const char* end_;
+    const char* position_;
     std::vector<step> steps_;
     std::vector<block> blocks_;
     std::vector<open_block> open_;
