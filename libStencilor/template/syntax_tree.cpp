@@ -3,6 +3,7 @@
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -10,7 +11,11 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-/// Moves the lists of a block that hold nodes to where they wait for their turn.
+bool isBlock(const content& node) {
+    return node.which() <= 1; // if_expr or for_expr
+}
+
+/// Moves the lists of a block that hold blocks themselves to where they wait for their turn.
 struct child_lists : boost::static_visitor<> {
     explicit child_lists(std::vector<content_list>& lists) : waiting(lists) {}
 
@@ -23,7 +28,7 @@ struct child_lists : boost::static_visitor<> {
     void operator()(Leaf&) const {}
 
     void detach(content_list& list) const {
-        if (!list.empty()) {
+        if (std::any_of(list.begin(), list.end(), isBlock)) {
             waiting.push_back(std::move(list));
         }
     }
