@@ -1,0 +1,66 @@
+#include "../support/Build.h"
+#include "../support/LogRecorder.h"
+#include "../support/RenderingComparison.h"
+#include "../support/TemporaryFolder.h"
+
+#include <libKel/FileSystem.h>
+#include <libKel/Logging.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace support {
+namespace {
+
+using kel::LoggerPriority::LOGGER_PRIORITY;
+
+/// Our own base library, with files below a root.
+class OwnHost : public ComparedHost {
+  public:
+    OwnHost() {
+        folder_.makeFolder("parts");
+        folder_.writeSparseFile("bad", 4ull << 30);
+        if (!kel::FileSystem::setRoot(folder_.path())) {
+            ADD_FAILURE() << "no root at " << folder_.path();
+        }
+    }
+    OwnHost(const OwnHost&) = delete;
+    OwnHost& operator=(const OwnHost&) = delete;
+    ~OwnHost() override {
+        kel::FileSystem::clearRoot();
+        logger_.threshold = 0;
+    }
+
+    void setFiles(const Files& files) override {
+        for (const auto& [path, bytes] : files) {
+            if (bytes) {
+                folder_.writeFile(path, *bytes);
+            }
+        }
+    }
+
+    /// The effective priority follows from the others here.
+    void setPriorities(std::int32_t global, std::int32_t threshold, std::int32_t) override {
+        kel::LogFactory::setPriority(static_cast<LOGGER_PRIORITY>(global));
+        logger_.threshold = threshold;
+    }
+
+    kel::String toString(Random&, const std::string& bytes) override { return bytes; }
+    std::string toBytes(const kel::String& string) override { return string.str(); }
+    std::vector<std::string> takeRecords() override { return recorder_.takeLines(); }
+
+  private:
+    TemporaryFolder folder_;
+    LogRecorder recorder_{kel::LoggerPriority::PRIORITY_TRACE};
+    kel::Logger& logger_ = loggerOf("libStencilor");
+};
+
+TEST(SecondRenderer, AgreesOnRandomTemplatesContextsAndFiles) {
+    OwnHost host;
+    compareRenderings(host, slow ? 10000 : 150000);
+}
+
+} // namespace
+} // namespace support

@@ -1,0 +1,27 @@
+#ifndef TESTS_SUPPORT_ENVIRONMENT_H
+#define TESTS_SUPPORT_ENVIRONMENT_H
+
+#include <cstdint>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace support {
+
+/// The number in the environment variable `name`; `otherwise` where it is not set. Anything but a
+/// number throws, which fails the test.
+inline std::uint64_t numberFromEnvironment(const char* name, std::uint64_t otherwise) {
+    const char* const value = std::getenv(name);
+    if (value == nullptr) {
+        return otherwise;
+    }
+    const std::string digits = value;
+    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos) {
+        throw std::invalid_argument(std::string(name) + " is not a number: " + digits);
+    }
+    return std::stoull(digits);
+}
+
+} // namespace support
+
+#endif

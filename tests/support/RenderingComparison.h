@@ -1,0 +1,49 @@
+#ifndef TESTS_SUPPORT_RENDERINGCOMPARISON_H
+#define TESTS_SUPPORT_RENDERINGCOMPARISON_H
+
+#include "Random.h"
+
+#include <libKel/String.h>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace support {
+
+/// The files of a few cases by their paths; nothing stands for one that is there and cannot be
+/// loaded.
+using Files = std::map<std::string, std::optional<std::string>>;
+
+/// What the comparison needs of the base library that it runs on.
+class ComparedHost {
+  public:
+    ComparedHost() = default;
+    ComparedHost(const ComparedHost&) = delete;
+    ComparedHost& operator=(const ComparedHost&) = delete;
+    virtual ~ComparedHost() = default;
+
+    virtual void setFiles(const Files& files) = 0;
+    virtual void setPriorities(std::int32_t global, std::int32_t threshold,
+                               std::int32_t effective) = 0;
+
+    /// A template or a value; what it is made of is all that need be reproducible.
+    virtual kel::String toString(Random& random, const std::string& bytes) = 0;
+    virtual std::string toBytes(const kel::String& string) = 0;
+
+    /// What was recorded since the last call, whatever that is: it must be the same for both.
+    virtual std::vector<std::string> takeRecords() = 0;
+};
+
+/// Renders random templates with random contexts and files, by the engine and by the second
+/// renderer, and expects the same output, messages and records.
+///
+/// `STENCILOR_CASES` in the environment is the number of cases to try instead of `count`, and
+/// `STENCILOR_SEED` the number of the first: a failure tells the numbers that bring it back.
+void compareRenderings(ComparedHost& host, std::uint64_t count);
+
+} // namespace support
+
+#endif
