@@ -33,8 +33,8 @@ class Gates : public testing::Test {
 };
 
 TEST_F(Gates, OfTracesPassUpToPriorityOneInBothPlaces) {
-    for (std::int32_t priority = -1; priority <= 3; ++priority) {
-        for (std::int32_t threshold = -1; threshold <= 3; ++threshold) {
+    for (std::int32_t priority = -1; priority <= 4; ++priority) {
+        for (std::int32_t threshold = -1; threshold <= 4; ++threshold) {
             host_.globalPriority = priority;
             host_.logger.threshold = threshold;
             const bool passes = priority <= 1 && threshold <= 1;
@@ -77,6 +77,85 @@ TEST_F(Gates, OfTheMessageAreTestedInOrder) {
         EXPECT_EQ(calls.back(), "< buildOutput");
         EXPECT_EQ(std::vector<std::string>(rendered + 1, calls.end() - 1), expected);
     }
+}
+
+/// What the gates ask for and let through while "{{ x }}" is rendered and there is no `x`. The
+/// first that needs the logger has it made.
+class ExpectedCalls {
+  public:
+    ExpectedCalls(std::int32_t global, std::int32_t threshold, std::int32_t effective)
+        : global_(global), threshold_(threshold), effective_(effective) {}
+
+    std::vector<std::string> ofOneRendering() {
+        calls_.clear();
+        trace("> buildOutput:408");
+        trace("> content_visit::replace_expr:184");
+        calls_.emplace_back("< content_visit::replace_expr");
+        message();
+        calls_.emplace_back("< buildOutput");
+        return calls_;
+    }
+
+  private:
+    bool loggerAtPriority(std::int32_t bound) {
+        calls_.emplace_back("getPriority");
+        if (global_ > bound) {
+            return false;
+        }
+        if (!made_) {
+            calls_.emplace_back("createLogger libStencilor");
+            made_ = true;
+        }
+        return threshold_ <= bound;
+    }
+
+    void trace(const std::string& scope) {
+        const bool passes = loggerAtPriority(1);
+        calls_.push_back(passes ? scope : scope + " null");
+    }
+
+    void message() {
+        if (!loggerAtPriority(2)) {
+            return;
+        }
+        calls_.emplace_back("resolvePriority");
+        if (effective_ <= 2) {
+            calls_.insert(calls_.end(),
+                          {"stream", "+ narrow 437 ", "+ narrow Errors: ",
+                           "+ string Could not find expected replacement named \"x\"\n", "log 2",
+                           "~stream"});
+        }
+    }
+
+    std::int32_t global_;
+    std::int32_t threshold_;
+    std::int32_t effective_;
+    bool made_ = false;
+    std::vector<std::string> calls_;
+};
+
+TEST_F(Gates, AskForNothingThatIsNotNeededWhateverThePriorities) {
+    for (std::int32_t global = 0; global <= 4; ++global) {
+        for (std::int32_t threshold = 0; threshold <= 4; ++threshold) {
+            for (std::int32_t effective = 0; effective <= 4; ++effective) {
+                SCOPED_TRACE(std::to_string(global) + ", " + std::to_string(threshold) + " and " +
+                             std::to_string(effective));
+                host_.takeLoggersBack();
+                host_.globalPriority = global;
+                host_.logger.threshold = threshold;
+                host_.resolvedPriority = effective;
+                ExpectedCalls expected(global, threshold, effective);
+                EXPECT_EQ(callsOf("{{ x }}"), expected.ofOneRendering());
+                EXPECT_EQ(callsOf("{{ x }}"), expected.ofOneRendering()) << "the second time";
+            }
+        }
+    }
+}
+
+TEST_F(Gates, TellOneSourceFileForAllScopes) {
+    host_.files["file"] = "text";
+    callsOf("{% if x %}{% endif %}{% for x in y %}{% endfor %}{{ x }}{% include \"file\" %}text");
+    EXPECT_THAT(host_.sourcePaths, ElementsAre("libStencilor/render/content_visit.cpp"));
 }
 
 TEST_F(Gates, OfTheMessageAreNotTestedWithoutOne) {

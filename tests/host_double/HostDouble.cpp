@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace kel {
@@ -15,12 +16,18 @@ void note(std::string call) {
     HostDouble::instance().calls.push_back(std::move(call));
 }
 
+void noteText(const char* call, std::size_t length) {
+    if (HostDouble::instance().notesText) {
+        note(call + std::to_string(length));
+    }
+}
+
 /// Characters past the low 8 bits would not be in the calls that are noted.
 std::string narrow(const String& string) {
-    const std::u16string_view text = HostDouble::textOf(string);
+    const std::u32string_view text = HostDouble::textOf(string);
     std::string bytes(text.size(), '\0');
     std::transform(text.begin(), text.end(), bytes.begin(),
-                   [](char16_t character) { return static_cast<char>(character); });
+                   [](char32_t character) { return static_cast<char>(character); });
     return bytes;
 }
 
@@ -31,11 +38,57 @@ void appendUtf8(std::string& bytes, unsigned int character) {
     } else if (character < 0x800) {
         append(0xC0 | (character >> 6));
         append(0x80 | (character & 0x3F));
-    } else {
+    } else if (character < 0x10000) {
         append(0xE0 | (character >> 12));
         append(0x80 | ((character >> 6) & 0x3F));
         append(0x80 | (character & 0x3F));
+    } else {
+        append(0xF0 | (character >> 18));
+        append(0x80 | ((character >> 12) & 0x3F));
+        append(0x80 | ((character >> 6) & 0x3F));
+        append(0x80 | (character & 0x3F));
     }
+}
+
+/// The character of the sequence that `bytes` begin with, if it is complete; its length otherwise
+/// is one, and its character U+FFFD. Sequences longer than they need be are taken, too.
+struct Sequence {
+    explicit Sequence(std::string_view bytes) {
+        const unsigned int lead = static_cast<unsigned char>(bytes[0]);
+        if (lead < 0x80) {
+            character = lead;
+        } else if ((lead & 0xE0) == 0xC0) {
+            take(bytes, 2, lead & 0x1F);
+        } else if ((lead & 0xF0) == 0xE0) {
+            take(bytes, 3, lead & 0x0F);
+        } else if ((lead & 0xF8) == 0xF0) {
+            take(bytes, 4, lead & 0x07);
+        }
+    }
+
+    unsigned int character = 0xFFFD;
+    unsigned int length = 1;
+
+  private:
+    void take(std::string_view bytes, unsigned int needed, unsigned int bits) {
+        for (unsigned int at = 1; at < needed; ++at) {
+            const unsigned int byte = at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0;
+            if ((byte & 0xC0) != 0x80) {
+                return;
+            }
+            bits = bits << 6 | (byte & 0x3F);
+        }
+        character = bits;
+        length = needed;
+    }
+};
+
+std::u32string widened(const char* bytes, std::size_t length) {
+    std::u32string text;
+    for (std::size_t at = 0; at < length; ++at) {
+        text += static_cast<unsigned char>(bytes[at]);
+    }
+    return text;
 }
 
 } // namespace
@@ -51,78 +104,71 @@ void HostDouble::reset() {
     files.clear();
     logger.threshold = 0;
     calls.clear();
+    notesText = false;
+    sourcePaths.clear();
+}
+
+void HostDouble::takeLoggersBack() {
+    for (Logger** const asked : loggersAskedFor) {
+        *asked = nullptr;
+    }
 }
 
 std::vector<std::string> HostDouble::takeCalls() {
     return std::exchange(calls, {});
 }
 
-String HostDouble::wide(std::u16string_view text) {
+String HostDouble::wide(std::u32string_view text) {
     String string;
     string.text_ = text;
     return string;
 }
 
-std::u16string_view HostDouble::textOf(const String& string) {
+std::u32string_view HostDouble::textOf(const String& string) {
     return string.text_;
 }
 
-String::String(const char* bytes) : String(bytes, static_cast<unsigned int>(std::strlen(bytes))) {}
+String::String(const char* bytes) : text_(widened(bytes, std::strlen(bytes))) {}
 
-String::String(const char* bytes, unsigned int length) {
-    for (unsigned int at = 0; at < length; ++at) {
-        text_ += static_cast<unsigned char>(bytes[at]);
-    }
+String::String(const char* bytes, unsigned int length) : text_(widened(bytes, length)) {
+    noteText("String of ", length);
 }
 
 String& String::operator+=(const String& other) {
+    noteText("+= of ", other.text_.size());
     text_ += other.text_;
     return *this;
 }
 
 bool String::operator==(const char* bytes) const {
-    return text_ == String(bytes).text_;
+    return text_ == widened(bytes, std::strlen(bytes));
 }
 
 String String::subString(unsigned int start, unsigned int count) const {
-    return HostDouble::wide(std::u16string_view(text_).substr(start, count));
+    return HostDouble::wide(std::u32string_view(text_).substr(start, count));
 }
 
 CString String::getLowerByteString() const {
+    noteText("getLowerByteString of ", text_.size());
     return CString(narrow(*this));
 }
 
 CString String::getUTF8String() const {
+    noteText("getUTF8String of ", text_.size());
     std::string bytes;
-    for (const char16_t character : text_) {
+    for (const char32_t character : text_) {
         appendUtf8(bytes, character);
     }
     return CString(bytes);
 }
 
-/// Takes well-formed sequences of up to three bytes, and each byte of anything else for U+FFFD.
 void String::UTF8Decode(const char* bytes, unsigned int length, bool flag) {
-    if (flag) {
-        note("UTF8Decode with its flag set");
-    }
+    noteText(flag ? "UTF8Decode with its flag set, of " : "UTF8Decode of ", length);
     text_.clear();
-    const auto trailing = [bytes, length](unsigned int at) {
-        const int byte = at < length ? static_cast<unsigned char>(bytes[at]) : 0;
-        return (byte & 0xC0) == 0x80 ? byte & 0x3F : -1;
-    };
-    for (unsigned int at = 0; at < length; ++at) {
-        const int lead = static_cast<unsigned char>(bytes[at]);
-        int character = 0xFFFD;
-        if (lead < 0x80) {
-            character = lead;
-        } else if ((lead & 0xE0) == 0xC0 && trailing(at + 1) >= 0) {
-            character = (lead & 0x1F) << 6 | trailing(at + 1);
-            at += 1;
-        } else if ((lead & 0xF0) == 0xE0 && trailing(at + 1) >= 0 && trailing(at + 2) >= 0) {
-            character = (lead & 0x0F) << 12 | trailing(at + 1) << 6 | trailing(at + 2);
-            at += 2;
-        }
-        text_ += static_cast<char16_t>(character);
+    for (std::string_view left(bytes, length); !left.empty();) {
+        const Sequence sequence(left);
+        text_ += static_cast<char32_t>(sequence.character);
+        left.remove_prefix(sequence.length);
     }
 }
 
@@ -132,7 +178,9 @@ bool FileSystem::exists(const String& path) {
 }
 
 bool FileSystem::loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length) {
-    note("loadFile " + narrow(path) + (length == nullptr ? "" : " with a length"));
+    const bool filled = out.data != nullptr || out.size != 0 || out.capacity != 0;
+    note("loadFile " + narrow(path) + (length == nullptr ? "" : " with a length") +
+         (filled ? " into a filled buffer" : ""));
     const std::optional<std::string>& bytes = HostDouble::instance().files.at(narrow(path));
     if (!bytes) {
         return false;
@@ -182,10 +230,12 @@ LoggerPriority::LOGGER_PRIORITY LogFactory::getPriority() {
 void LogFactory::createLogger(const char* category, Logger*& logger) {
     note("createLogger " + std::string(category) + (logger == nullptr ? "" : " once more"));
     logger = &HostDouble::instance().logger;
+    HostDouble::instance().loggersAskedFor.insert(&logger);
 }
 
-TraceLogger::TraceLogger(Logger* logger, const char* function, const char*, int line)
+TraceLogger::TraceLogger(Logger* logger, const char* function, const char* file, int line)
     : function_(function) {
+    HostDouble::instance().sourcePaths.insert(file);
     note("> " + std::string(function) + ":" + std::to_string(line) +
          (logger == nullptr ? " null" : ""));
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,11 +19,14 @@ namespace kel {
 struct HostDouble {
     static HostDouble& instance();
 
-    /// Everything but the engine's logger is new; the engine keeps that one for ever.
+    /// Everything is new but the loggers that were made: who asked for one keeps it.
     void reset();
 
-    static String wide(std::u16string_view text);
-    static std::u16string_view textOf(const String& string);
+    /// Those who asked for a logger have none again, as if the process had just begun.
+    void takeLoggersBack();
+
+    static String wide(std::u32string_view text);
+    static std::u32string_view textOf(const String& string);
 
     /// How it answers.
     std::int32_t globalPriority = 3;
@@ -33,6 +37,10 @@ struct HostDouble {
     /// The calls in the order they came, with their arguments.
     std::vector<std::string> calls;
     std::vector<std::string> takeCalls();
+    bool notesText = false; ///< whether conversions and appends of text are among them
+
+    std::set<std::string> sourcePaths;  ///< all that scopes were traced with
+    std::set<Logger**> loggersAskedFor; ///< where they were to be stored
 };
 
 } // namespace kel

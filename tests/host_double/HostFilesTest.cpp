@@ -19,7 +19,7 @@ class HostFiles : public testing::Test {
     HostFiles() { host_.reset(); }
 
     /// What was asked of the file services while the template gave `expected`.
-    std::vector<std::string> fileCallsOf(const char* input, std::u16string_view expected) {
+    std::vector<std::string> fileCallsOf(const char* input, std::u32string_view expected) {
         const String output = buildOutput(input, ContextBase(), errors_);
         EXPECT_EQ(HostDouble::textOf(output), expected);
         std::vector<std::string> calls = host_.takeCalls();
@@ -35,26 +35,26 @@ class HostFiles : public testing::Test {
 
 TEST_F(HostFiles, AreAskedForByThePathAsItIsWritten) {
     host_.files["a/../b.txt"] = "text";
-    EXPECT_THAT(fileCallsOf("{% include \" a/../b.txt \" %}", u"text"),
+    EXPECT_THAT(fileCallsOf("{% include \" a/../b.txt \" %}", U"text"),
                 ElementsAre("exists a/../b.txt", "loadFile a/../b.txt"));
     EXPECT_EQ(errors_.size(), 0u);
 }
 
 TEST_F(HostFiles, AreNotLoadedWhereTheyDoNotExist) {
-    EXPECT_THAT(fileCallsOf("{% include \"missing\" %}", u""), ElementsAre("exists missing"));
+    EXPECT_THAT(fileCallsOf("{% include \"missing\" %}", U""), ElementsAre("exists missing"));
     EXPECT_TRUE(errors_ == "Could not include file \"missing\", file doesn't exist");
 }
 
 TEST_F(HostFiles, ThatCannotBeLoadedAreReported) {
     host_.files["unreadable"] = std::nullopt;
-    EXPECT_THAT(fileCallsOf("{% include \"unreadable\" %}", u""),
+    EXPECT_THAT(fileCallsOf("{% include \"unreadable\" %}", U""),
                 ElementsAre("exists unreadable", "loadFile unreadable"));
     EXPECT_TRUE(errors_ == "Could not load file \"unreadable\"");
 }
 
 TEST_F(HostFiles, MayBeLoadedIntoNothing) {
     host_.files["empty"] = "";
-    EXPECT_THAT(fileCallsOf("[{% include \"empty\" %}]", u"[]"),
+    EXPECT_THAT(fileCallsOf("[{% include \"empty\" %}]", U"[]"),
                 ElementsAre("exists empty", "loadFile empty"));
     EXPECT_EQ(errors_.size(), 0u);
 }

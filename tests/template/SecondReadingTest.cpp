@@ -17,8 +17,9 @@ namespace {
 void expectTheSameReading(const std::string& input) {
     syntax_tree parsed;
     syntax_tree read;
-    const bool accepted = parseTemplate(input, parsed.nodes);
-    ASSERT_EQ(accepted, support::readOnceMore(input, read.nodes)) << input;
+    const String text(input.data(), static_cast<unsigned int>(input.size()));
+    const bool accepted = parseTemplate(text, parsed.nodes);
+    ASSERT_EQ(accepted, support::readOnceMore(input.c_str(), read.nodes)) << input;
     ASSERT_EQ(support::describe(parsed.nodes), support::describe(read.nodes)) << input;
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-// The base library of another maker, as the tests imagine it: its characters have 16 bits, and its
+// The base library of another maker, as the tests imagine it: its characters have 32 bits, and its
 // narrow constructors take each byte for one character. It has what the engine may use and nothing
 // else, so that the engine does not compile where it uses more.
 
@@ -47,7 +47,7 @@ class String {
   private:
     friend struct HostDouble;
 
-    std::u16string text_;
+    std::u32string text_;
 };
 
 } // namespace kel

@@ -1,0 +1,75 @@
+#include "../support/Build.h"
+#include "../support/RenderingComparison.h"
+#include "HostDouble.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace support {
+namespace {
+
+using kel::HostDouble;
+using kel::String;
+
+/// The records are all calls, so that the engine asks the base library for the same things in the
+/// same order as the second renderer does, the comparisons of names aside.
+class ForeignHost : public ComparedHost {
+  public:
+    ForeignHost() { host_.reset(); }
+
+    void setFiles(const Files& files) override { host_.files = files; }
+
+    void setPriorities(std::int32_t global, std::int32_t threshold,
+                       std::int32_t effective) override {
+        host_.takeLoggersBack();
+        host_.notesText = true;
+        host_.globalPriority = global;
+        host_.logger.threshold = threshold;
+        host_.resolvedPriority = effective;
+    }
+
+    /// One character for each byte, or for each byte with other high bits, or decoded as UTF-8.
+    String toString(Random& random, const std::string& bytes) override {
+        const auto size = static_cast<unsigned int>(bytes.size());
+        String string(bytes.data(), size);
+        if (random.oneIn(4)) {
+            std::u32string text(HostDouble::textOf(string));
+            std::for_each(text.begin(), text.end(), [&random](char32_t& character) {
+                character |= static_cast<char32_t>(random.below(0x1100) << 8);
+            });
+            return HostDouble::wide(text);
+        }
+        if (random.oneIn(2)) {
+            string.UTF8Decode(bytes.data(), size, false);
+        }
+        return string;
+    }
+
+    std::string toBytes(const String& string) override {
+        const std::u32string_view text = HostDouble::textOf(string);
+        std::string bytes;
+        for (const char32_t character : text) {
+            for (int shift = 0; shift < 32; shift += 8) {
+                bytes += static_cast<char>(character >> shift);
+            }
+        }
+        return bytes;
+    }
+
+    std::vector<std::string> takeRecords() override { return host_.takeCalls(); }
+
+  private:
+    HostDouble& host_ = HostDouble::instance();
+};
+
+TEST(SecondRenderer, AgreesOnAForeignBaseLibrary) {
+    ForeignHost host;
+    compareRenderings(host, slow ? 5000 : 100000);
+}
+
+} // namespace
+} // namespace support
