@@ -34,15 +34,6 @@ void content_visit::dispatch(const content& node) {
     renderOpenBlocks();
 }
 
-void content_visit::applyVisitor(const content_list& list, const ContextBase* scope) {
-    const trace_scope trace(trace_points::applyVisitor);
-    const scope_stack::position before = scopes_.enter(scope);
-    for (const content& node : list) {
-        dispatch(node);
-    }
-    scopes_.leave(before);
-}
-
 void content_visit::operator()(const std::string& text) {
     const trace_scope trace(trace_points::visitString);
     result_.output.append(text);
@@ -155,6 +146,17 @@ void content_visit::renderOpenBlocks() {
             leaveBlock();
         }
     }
+}
+
+void applyVisitor(const content_list& list, const ContextBase* scope, scope_stack& scopes,
+                  render_result& result) {
+    const trace_scope trace(trace_points::applyVisitor);
+    content_visit visitor(scopes, result);
+    const scope_stack::position before = scopes.enter(scope);
+    for (const content& node : list) {
+        visitor.dispatch(node);
+    }
+    scopes.leave(before);
 }
 
 } // namespace kel::Stencilor::internal

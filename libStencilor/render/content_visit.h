@@ -37,9 +37,6 @@ class content_visit : public boost::static_visitor<> {
     /// Renders one node and all below it.
     void dispatch(const content& node);
 
-    /// Renders the nodes of `list` inside the scope `scope`, which may be null.
-    void applyVisitor(const content_list& list, const ContextBase* scope);
-
     void operator()(const if_expr& node);
     void operator()(const for_expr& node);
     void operator()(const replace_expr& node);
@@ -79,6 +76,11 @@ class content_visit : public boost::static_visitor<> {
     std::vector<std::unique_ptr<block>> blocks_;
     std::size_t depth_ = 0;
 };
+
+/// Renders the nodes of `list` inside the scope `scope`, which may be null, without a loop variable
+/// in force.
+void applyVisitor(const content_list& list, const ContextBase* scope, scope_stack& scopes,
+                  render_result& result);
 
 } // namespace kel::Stencilor::internal
 

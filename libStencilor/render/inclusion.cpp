@@ -19,7 +19,7 @@ String renderIncluded(const String& text, scope_stack& scopes, String& errors) {
         return String();
     }
     render_result result;
-    content_visit(scopes, result).applyVisitor(tree.nodes, nullptr);
+    applyVisitor(tree.nodes, nullptr, scopes, result);
     errors += String(result.errors.c_str());
     return String(result.output.c_str());
 }

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <new>
 #include <string>
@@ -199,21 +200,29 @@ TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
 
 // The recorder itself may be what runs out of memory, and a record is lost then: so the scopes are
 // counted, without memory.
-TEST_F(ExhaustedMemory, ClosesEveryTracedScope) {
+TEST_F(ExhaustedMemory, ClosesEveryTracedScopeInnermostFirst) {
+    const TemporaryFolder folder;
+    const WorkingFolder working(folder.path());
+    folder.writeFile("part", "{% if yes %}{{ missing }}{% endif %}");
     const Root root(
         {{"yes", truth(true)}, {"two", listOf(2)}, {"name", text(std::string(200, 'n'))}});
-    const std::string input = "{% if yes %}{% for i in two %}{{ name }}{% endfor %}{% endif %}";
+    const std::string input = "{% if yes %}{% for i in two %}{{ name }}{% include \"part\" %}"
+                              "{% endfor %}{% endif %}";
     const LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE);
-    int open = 0;
+    std::array<int, 32> lines = {}; // of the scopes that are open
     unsigned int depth = 0;
-    kel::LogFactory::setSink([&open, &depth](const kel::LogRecord& record) {
-        const bool entered = record.kind == kel::LogRecord::Kind::ScopeEntered;
-        EXPECT_EQ(record.depth, entered ? depth++ : --depth);
-        open += entered ? 1 : -1;
+    kel::LogFactory::setSink([&lines, &depth](const kel::LogRecord& record) {
+        if (record.kind == kel::LogRecord::Kind::ScopeEntered) {
+            EXPECT_EQ(record.depth, depth);
+            lines.at(depth++) = record.line;
+        } else {
+            EXPECT_EQ(record.depth, --depth);
+            EXPECT_EQ(record.line, lines.at(depth));
+        }
     });
     failEachAllocation([] { return std::make_unique<Rendered>(); },
                        [&](Rendered& rendered) { rendered = render(input, root); },
-                       [&open](Rendered&) { EXPECT_EQ(open, 0); });
+                       [&depth](Rendered&) { EXPECT_EQ(depth, 0u); });
 }
 
 } // namespace
