@@ -2,7 +2,6 @@
 
 #include <boost/variant/get.hpp>
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>

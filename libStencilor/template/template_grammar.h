@@ -90,7 +90,6 @@ class template_grammar {
 
     template <std::size_t Size>
     bool literal(const char (&expected)[Size]);
-    void skipBlanks();
     span spanFrom(const char* begin) const;
     void add(step_kind kind, span text);
     void open(step_kind kind, span text, span list_name);
