@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <iosfwd>
@@ -87,7 +88,8 @@ class String {
     /// Appends `other`, which may be this string.
     KEL_EXPORT String& operator+=(const String& other);
 
-    /// True if the characters are exactly those of `bytes`, which ends at its first NUL.
+    /// True if the characters are exactly those of `bytes`, which ends at its first NUL and is not
+    /// null.
     bool operator==(const char* bytes) const noexcept { return view() == bytes; }
     bool operator==(const String& other) const noexcept { return view() == other.view(); }
     bool operator<(const String& other) const noexcept;
@@ -156,10 +158,10 @@ inline std::uint64_t String::leadingBytes() const noexcept {
     if constexpr (std::endian::native == std::endian::big) {
         return bytes;
     }
-#if defined(_MSC_VER)
-    return _byteswap_uint64(bytes);
-#else
+#if defined(__GNUC__)
     return __builtin_bswap64(bytes);
+#else
+    return _byteswap_uint64(bytes); // <stdlib.h> of Microsoft's run-time
 #endif
 }
 
