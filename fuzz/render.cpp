@@ -1,13 +1,17 @@
+#include "../tests/support/Context.h"
 #include "../tests/support/ObviousUtf8.h"
+#include "../tests/support/SecondRenderer.h"
 #include "context_reader.h"
-#include "obvious_rendering.h"
 #include "target.h"
 
 #include <libKel/FileSystem.h>
 #include <libStencilor/Stencilor.h>
 
+#include <string>
+#include <utility>
+
 // The input is a context, as ContextReader takes it, and behind it a template. Whatever is rendered
-// is valid UTF-8, the same each time, and what the rules of the language say word for word.
+// is valid UTF-8, the same each time, and what the second renderer makes of it.
 
 namespace {
 
@@ -26,10 +30,11 @@ bool takesManyTurns(std::string_view text, std::size_t longestList) {
     return false;
 }
 
-fuzz::Rendered render(std::string_view text, const kel::Stencilor::ContextBase& context) {
+support::Rendered renderOnceMore(const kel::String& text,
+                                 const kel::Stencilor::ContextBase& context) {
     kel::String errors;
-    const kel::String output = kel::Stencilor::buildOutput(text, context, errors);
-    return {output.str(), errors.str()};
+    std::string output = support::buildOutputOnceMore(text, context, errors).str();
+    return {std::move(output), errors.str()};
 }
 
 } // namespace
@@ -44,11 +49,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (takesManyTurns(reader.rest(), reader.longestList())) {
         return 0;
     }
-    const fuzz::Rendered first = render(reader.rest(), context);
-    fuzz::require(first.output == support::obviouslyRepairedUtf8(first.output),
+    const support::Rendered rendered = support::render(reader.rest(), context);
+    fuzz::require(rendered.output == support::obviouslyRepairedUtf8(rendered.output),
                   "what is rendered is valid UTF-8");
-    fuzz::require(first == render(reader.rest(), context), "a second rendering gives the same");
-    fuzz::require(first == fuzz::obviouslyRendered(reader.rest(), context),
-                  "the obvious renderer gives the same");
+    fuzz::require(rendered == support::render(reader.rest(), context),
+                  "rendering again gives the same");
+    fuzz::require(rendered == renderOnceMore(reader.rest(), context),
+                  "the second renderer gives the same");
     return 0;
 }
