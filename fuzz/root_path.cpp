@@ -6,7 +6,8 @@
 
 #include <string>
 
-// The input is a path. Whatever it opens below a root tells by its content that it lies inside.
+// The input is a path. Whatever it opens below a root tells by its content that it lies inside, and
+// that it has a name which means the same on every system.
 
 namespace {
 
@@ -25,6 +26,11 @@ class Tree {
         for (const char* const outside : {"f", "s/f", "rf"}) {
             folder_.writeFile(outside, "outside");
         }
+#ifndef _WIN32 // where such names mean something else, or cannot be made
+        for (const char* const refused : {"f.", "f ", "C:f", "a\\f", "NUL", "a/COM1.f", "\x01"}) {
+            folder_.writeFile("r/" + std::string(refused), "refused");
+        }
+#endif
         linkTo("r/i", "a/b");
         linkTo("r/j", "../r/a/f");
         linkTo("r/u", "..");
@@ -50,11 +56,13 @@ class Tree {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Tree tree;
-    const kel::String path(fuzz::textOf(data, size));
+    const std::string_view input = fuzz::textOf(data, size);
+    const kel::String path(input);
     kel::Buffer<unsigned char> buffer;
     const bool loaded = kel::FileSystem::loadFile(path, buffer, nullptr);
     fuzz::require(loaded == kel::FileSystem::exists(path), "what exists can be loaded");
     fuzz::require(loaded == (fuzz::textOf(buffer.data, buffer.size) == "inside"),
-                  "what is loaded lies inside the root");
+                  "what is loaded lies inside the root, under a name of every system");
+    fuzz::require(!loaded || input.front() != '/', "an absolute path names nothing");
     return 0;
 }
