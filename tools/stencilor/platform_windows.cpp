@@ -16,8 +16,20 @@ namespace {
     throw std::system_error(static_cast<int>(error), std::system_category());
 }
 
+/// The path to hand to the system. Long ones take the form that has no limit of 260 characters;
+/// where the manifest alone lifts it depends on the settings of the machine.
 std::filesystem::path widePath(const std::string& path) {
-    return kel::String(std::string_view(path)).toWide();
+    const std::filesystem::path wide = kel::String(std::string_view(path)).toWide();
+    // The limit is lower for folders, and for the names of temporary files something is added.
+    if (wide.native().size() < MAX_PATH / 2 || wide.native().starts_with(LR"(\\?\)") ||
+        wide.native().starts_with(LR"(\\.\)")) {
+        return wide;
+    }
+    const std::wstring absolute = std::filesystem::absolute(wide).make_preferred().native();
+    if (absolute.starts_with(LR"(\\)")) {
+        return LR"(\\?\UNC)" + absolute.substr(1);
+    }
+    return LR"(\\?\)" + absolute;
 }
 
 class Handle {
@@ -167,6 +179,11 @@ bool writeToDevice(const std::filesystem::path& path, std::string_view content) 
     return true;
 }
 
+bool isReadOnly(const std::filesystem::path& path) {
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 /// The path that a link, or a link to a link, leads to, be there a file or not.
 std::filesystem::path followLinks(std::filesystem::path path) {
     for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(path));
@@ -229,6 +246,9 @@ void writeFile(const std::string& path, std::string_view content) {
         return;
     }
     const std::filesystem::path target = followLinks(wide);
+    if (isReadOnly(target)) {
+        fail(ERROR_ACCESS_DENIED); // Replacing it may take no more than rights in its folder.
+    }
     TemporaryFile temporary(target.parent_path());
     temporary.write(content);
     temporary.replace(target);

@@ -1,0 +1,166 @@
+#include "ProgramTest.h"
+
+#include <filesystem>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace program {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path native(const std::string& path) {
+    return fs::path(std::u8string(path.begin(), path.end()));
+}
+
+/// `模板/überblick.txt` includes the file of an ASCII name beside it, since a template can write no
+/// other.
+class PathsTest : public ProgramTest {
+  protected:
+    PathsTest() {
+        folder.makeFolder(templates);
+        folder.writeFile(page, "{{ title }}[{% include \"part.txt\" %}]\n");
+        folder.writeFile(templates + "/part.txt", "na\u00EFve");
+        folder.writeFile(context, "{\"title\":\"\u00DCberblick \u6A21\u677F\"}");
+    }
+
+    const std::string templates = "\u6A21\u677F";
+    const std::string page = templates + "/\u00FCberblick.txt";
+    const std::string context = "\u503C \u20AC.json";
+    const std::string output = templates + "/na\u00EFve \U0001F600.txt";
+    const std::string expected = "\u00DCberblick \u6A21\u677F[na\u00EFve]\n";
+};
+
+TEST_F(PathsTest, MayBeInAnyLanguage) {
+    expectOutcome(runStencilor({"render", page, context}), 0, expected, "");
+    expectOutcome(runStencilor({"render", page, context, "-o", output}), 0, "", "");
+    EXPECT_EQ(support::readFile(output), expected);
+    expectOutcome(runStencilor({"render", folder.path(page), folder.path(context)}), 0, expected,
+                  "");
+    expectOutcome(runStencilor({"render", page, "-D", "title=\u6A21"}), 0, "\u6A21[na\u00EFve]\n",
+                  "");
+}
+
+TEST_F(PathsTest, MayLeadToARootInAnyLanguage) {
+    const std::string input = "[{% include \"part.txt\" %}]";
+    expectOutcome(runStencilor({"render", "-", "--root", templates}, {.input = input}), 0,
+                  "[na\u00EFve]", "");
+    expectOutcome(runStencilor({"render", "-", "--root", "\u677F"}, {.input = input}), 2, "",
+                  "stencilor: \u677F: not a folder that included files can be read from\n");
+}
+
+TEST_F(PathsTest, AreToldAsTheyWereGiven) {
+    folder.writeFile(page, "{{ missing }}");
+    expectOutcome(runStencilor({"render", page}), 1, "",
+                  "stencilor: " + page +
+                      ": Could not find expected replacement named \"missing\"\n");
+}
+
+TEST_F(PathsTest, OfIncludedFilesAreInAsciiOrTheTemplateIsRejected) {
+    folder.writeFile(templates + "/na\u00EFve.txt", "text");
+    folder.writeFile(page, "[{% include \"na\u00EFve.txt\" %}]");
+    const Outcome outcome = runStencilor({"render", page});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errors.starts_with("stencilor: " + page + ": ")) << outcome.errors;
+}
+
+// On Windows, what is longer than 260 characters needs another form of path.
+TEST_F(PathsTest, MayBeLong) {
+    fs::path below = native(folder.path());
+#ifdef _WIN32
+    below = L"\\\\?\\" + below.make_preferred().native();
+#endif
+    std::string path = folder.path();
+    for (int level = 0; level < 8; ++level) {
+        const std::string name = std::string(40, 'l') + "\u00E4\u6A21";
+        path += "/" + name;
+        fs::create_directory(below /= native(name));
+    }
+    fs::rename(native(page), below / "page.txt");
+    const std::vector<std::string> call = {"render", path + "/page.txt", context, "--root",
+                                           templates};
+    expectOutcome(runStencilor(call), 0, expected, "");
+    for (const char* const text : {"new", "replaced"}) {
+        expectOutcome(runStencilor({"render", "-", "-o", path + "/out.txt"}, {.input = text}), 0,
+                      "", "");
+        fs::remove("copy.txt");
+        fs::copy_file(below / "out.txt", "copy.txt");
+        EXPECT_EQ(support::readFile("copy.txt"), text);
+    }
+    fs::remove(below / "out.txt");
+    fs::remove(below / "page.txt");
+    for (int level = 0; level < 8; ++level) {
+        fs::remove(below);
+        below = below.parent_path();
+    }
+}
+
+#ifdef _WIN32
+
+/// A file that is open for this process alone.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::string& path)
+        : file_(::CreateFileW(native(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr)) {
+        EXPECT_NE(file_, INVALID_HANDLE_VALUE);
+    }
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+    ~LockedFile() { ::CloseHandle(file_); }
+
+  private:
+    HANDLE file_;
+};
+
+void expectRefused(const Outcome& outcome, const std::string& file) {
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errors.starts_with("stencilor: " + file + ": ")) << outcome.errors;
+}
+
+TEST_F(PathsTest, OfLockedFilesAreRefused) {
+    folder.writeFile("out.txt", "before");
+    {
+        const LockedFile locked(page);
+        expectRefused(runStencilor({"render", page}), page);
+    }
+    {
+        const LockedFile locked(context);
+        expectRefused(runStencilor({"render", page, context}), context);
+    }
+    {
+        const LockedFile locked("out.txt");
+        expectRefused(runStencilor({"render", page, context, "-o", "out.txt"}), "out.txt");
+    }
+    EXPECT_EQ(support::readFile("out.txt"), "before");
+    {
+        const LockedFile locked(templates + "/part.txt");
+        expectOutcome(runStencilor({"render", page, context}), 1, "\u00DCberblick \u6A21\u677F[]\n",
+                      "stencilor: " + page + ": Could not load file \"part.txt\"\n");
+    }
+}
+
+TEST_F(PathsTest, OfReadOnlyFilesAreReadButNotWritten) {
+    for (const std::string& path : {page, context}) {
+        ASSERT_NE(::SetFileAttributesW(native(path).c_str(), FILE_ATTRIBUTE_READONLY), 0);
+    }
+    expectOutcome(runStencilor({"render", page, context}), 0, expected, "");
+    expectRefused(runStencilor({"render", "-", "-o", page}, {.input = "new"}), page);
+    EXPECT_EQ(support::readFile(page), "{{ title }}[{% include \"part.txt\" %}]\n");
+    for (const std::string& path : {page, context}) {
+        ASSERT_NE(::SetFileAttributesW(native(path).c_str(), FILE_ATTRIBUTE_NORMAL), 0);
+    }
+}
+
+TEST_F(PathsTest, OfDevicesAreWrittenTo) {
+    expectOutcome(runStencilor({"render", page, context, "-o", "NUL"}), 0, "", "");
+}
+
+#endif
+
+} // namespace
+} // namespace program
