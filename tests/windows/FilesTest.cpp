@@ -61,6 +61,24 @@ class WindowsFiles : public testing::Test {
     TemporaryFolder folder_;
 };
 
+TEST_F(WindowsFiles, AreTemplatesInAnyLanguage) {
+    folder_.makeFolder("\u6A21\u677F");
+    folder_.writeFile("\u6A21\u677F/\u00FCberblick.txt", "\u00DC[{% include \"part.txt\" %}]");
+    folder_.writeFile("\u6A21\u677F/part.txt", "\u6A21");
+    folder_.writeFile("\u6A21\u677F/na\u00EFve.txt", "text");
+    ASSERT_TRUE(FileSystem::setRoot(folder_.path("\u6A21\u677F")));
+    kel::Buffer<unsigned char> buffer;
+    ASSERT_TRUE(FileSystem::loadFile("\u00FCberblick.txt", buffer, nullptr));
+    const kel::String input(reinterpret_cast<const char*>(buffer.data),
+                            static_cast<unsigned int>(buffer.size));
+    EXPECT_EQ(render(input, Root()), (Rendered{"\u00DC[\u6A21]", ""}));
+
+    // Such a file is there, but a template can name it no more than on other systems.
+    expectLoaded("na\u00EFve.txt", "text");
+    EXPECT_EQ(render("{% include \"na\u00EFve.txt\" %}", Root()).errors,
+              "Could not build formatted output: Failed to parse input correctly.");
+}
+
 TEST_F(WindowsFiles, AreLoadedWhereTheyAreReadOnly) {
     folder_.writeFile("file.txt", "text");
     const std::wstring path = native(folder_.path("file.txt"));
