@@ -1,0 +1,86 @@
+#include "target.h"
+
+#include <libKel/String.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+// The input is a program: what it does to a few strings is done to standard ones, too. All of them
+// hold the same and stand in the same order after each step.
+
+namespace {
+
+struct Pair {
+    kel::String ours;
+    std::string standard;
+};
+
+using Pairs = std::array<Pair, 3>;
+
+constexpr std::size_t longest = 4096; // strings double when they are appended to themselves
+
+/// One step; `count` is what it may take for a length or a position.
+void step(std::uint8_t what, Pair& pair, Pair& other, std::size_t count, std::string_view rest) {
+    switch (what % 7) {
+    case 0:
+        pair = {kel::String(rest.substr(0, count)), std::string(rest.substr(0, count))};
+        break;
+    case 1:
+        pair.ours = other.ours;
+        pair.standard = other.standard;
+        break;
+    case 2:
+        if (&pair != &other) {
+            pair.ours = std::move(other.ours);
+            pair.standard = std::exchange(other.standard, std::string());
+        }
+        break;
+    case 3:
+        if (pair.standard.size() + other.standard.size() <= longest) {
+            pair.ours += other.ours;
+            pair.standard += other.standard;
+        }
+        break;
+    case 4:
+        pair.ours = other.ours.subString(static_cast<unsigned int>(count), 9);
+        pair.standard = other.standard.substr(std::min(count, other.standard.size()), 9);
+        break;
+    case 5:
+        pair.ours = kel::String(other.ours.getUTF8String().c_str());
+        pair.standard = std::string(other.standard.c_str());
+        break;
+    default:
+        std::swap(pair.ours, other.ours);
+        std::swap(pair.standard, other.standard);
+        break;
+    }
+}
+
+void compare(const Pair& a, const Pair& b) {
+    fuzz::require(a.ours.view() == a.standard, "the characters are the same");
+    fuzz::require(a.ours.view().data()[a.standard.size()] == '\0', "a NUL stands behind them");
+    fuzz::require((a.ours < b.ours) == (a.standard < b.standard), "the order is the same");
+    fuzz::require((a.ours == b.ours) == (a.standard == b.standard), "equality is the same");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Pairs pairs;
+    std::string_view rest = fuzz::textOf(data, size);
+    for (; size >= 2; data += 2, size -= 2) {
+        rest.remove_prefix(2);
+        Pair& pair = pairs[data[0] / 7u % pairs.size()];
+        Pair& other = pairs[data[0] / 21u % pairs.size()];
+        step(data[0], pair, other, data[1], rest);
+        for (const Pair& a : pairs) {
+            for (const Pair& b : pairs) {
+                compare(a, b);
+            }
+        }
+    }
+    return 0;
+}
