@@ -12,7 +12,16 @@ namespace kel {
 
 namespace {
 
+void noteEnd(std::string call) {
+    HostDouble::instance().calls.push_back(std::move(call));
+}
+
 void note(std::string call) {
+    std::optional<std::uint64_t>& left = HostDouble::instance().callsUntilFailure;
+    if (left && (*left)-- == 0) {
+        left.reset();
+        throw std::bad_alloc();
+    }
     HostDouble::instance().calls.push_back(std::move(call));
 }
 
@@ -105,6 +114,7 @@ void HostDouble::reset() {
     logger.threshold = 0;
     calls.clear();
     notesText = false;
+    callsUntilFailure.reset();
     sourcePaths.clear();
 }
 
@@ -199,7 +209,7 @@ LoggerStream::LoggerStream() {
 }
 
 LoggerStream::~LoggerStream() {
-    note("~stream");
+    noteEnd("~stream");
 }
 
 LoggerStream& LoggerStream::operator+(const char* text) {
@@ -241,7 +251,7 @@ TraceLogger::TraceLogger(Logger* logger, const char* function, const char* file,
 }
 
 TraceLogger::~TraceLogger() {
-    note("< " + std::string(function_));
+    noteEnd("< " + std::string(function_));
 }
 
 } // namespace kel

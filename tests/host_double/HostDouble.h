@@ -39,6 +39,10 @@ struct HostDouble {
     std::vector<std::string> takeCalls();
     bool notesText = false; ///< whether conversions and appends of text are among them
 
+    /// After so many calls from now on one throws `std::bad_alloc`; nothing: none does. What
+    /// objects do when they are destroyed is not counted.
+    std::optional<std::uint64_t> callsUntilFailure;
+
     std::set<std::string> sourcePaths;  ///< all that scopes were traced with
     std::set<Logger**> loggersAskedFor; ///< where they were to be stored
 };

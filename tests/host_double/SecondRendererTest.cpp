@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,6 +63,10 @@ class ForeignHost : public ComparedHost {
     }
 
     std::vector<std::string> takeRecords() override { return host_.takeCalls(); }
+
+    void setCallsUntilFailure(std::optional<std::uint64_t> count) override {
+        host_.callsUntilFailure = count;
+    }
 
   private:
     HostDouble& host_ = HostDouble::instance();

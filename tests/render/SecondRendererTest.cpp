@@ -59,7 +59,7 @@ class OwnHost : public ComparedHost {
 
 TEST(SecondRenderer, AgreesOnRandomTemplatesContextsAndFiles) {
     OwnHost host;
-    compareRenderings(host, slow ? 10000 : 150000);
+    compareRenderings(host, slow ? 10000 : 100000);
 }
 
 } // namespace

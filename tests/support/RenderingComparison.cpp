@@ -9,6 +9,8 @@
 
 #include <iostream>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace support {
 
@@ -43,6 +45,7 @@ struct Outcome {
     std::string output;
     std::string errors;
     std::vector<std::string> records;
+    bool failed = false;
 
     bool operator==(const Outcome&) const = default;
 };
@@ -69,6 +72,7 @@ class Comparison {
         EXPECT_EQ(rendered.output, expected.output) << text_;
         EXPECT_EQ(rendered.errors, expected.errors) << text_;
         EXPECT_EQ(rendered.records, expected.records) << text_;
+        EXPECT_EQ(rendered.failed, expected.failed) << text_;
         return !expected.output.empty();
     }
 
@@ -81,6 +85,9 @@ class Comparison {
 
     void chooseHowItIsCalled() {
         dropped_ = random_.oneIn(8);
+        if (random_.oneIn(8)) {
+            callsUntilFailure_ = random_.below(100);
+        }
         const auto priority = [this] { return static_cast<std::int32_t>(random_.below(5)); };
         const bool traced = !random_.oneIn(8);
         const std::int32_t global = traced ? 1 : priority();
@@ -91,10 +98,20 @@ class Comparison {
     template <typename Rendering>
     Outcome outcomeOf(const Rendering& rendering) {
         String errors(before_.data(), static_cast<unsigned int>(before_.size()));
+        String output;
+        Outcome outcome;
         host_.takeRecords();
-        const String output = rendering(errors);
-        std::vector<std::string> records = host_.takeRecords();
-        return {host_.toBytes(output), host_.toBytes(errors), std::move(records)};
+        host_.setCallsUntilFailure(callsUntilFailure_);
+        try {
+            output = rendering(errors);
+        } catch (const std::bad_alloc&) {
+            outcome.failed = true;
+        }
+        host_.setCallsUntilFailure(std::nullopt);
+        outcome.records = host_.takeRecords();
+        outcome.output = host_.toBytes(output);
+        outcome.errors = host_.toBytes(errors);
+        return outcome;
     }
 
     ComparedHost& host_;
@@ -102,8 +119,9 @@ class Comparison {
     std::unique_ptr<ContextBase> context_;
     std::string text_;
     String input_;
-    std::string before_; ///< what the messages are appended to
-    bool dropped_ = false;
+    std::string before_;   ///< what the messages are appended to
+    bool dropped_ = false; ///< whether nobody asks for the messages
+    std::optional<std::uint64_t> callsUntilFailure_;
 };
 
 } // namespace

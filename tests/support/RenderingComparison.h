@@ -35,10 +35,13 @@ class ComparedHost {
 
     /// What was recorded since the last call, whatever that is: it must be the same for both.
     virtual std::vector<std::string> takeRecords() = 0;
+
+    /// Has the call after so many throw `std::bad_alloc`, where the library can; nothing: none.
+    virtual void setCallsUntilFailure(std::optional<std::uint64_t>) {}
 };
 
 /// Renders random templates with random contexts and files, by the engine and by the second
-/// renderer, and expects the same output, messages and records.
+/// renderer, and expects the same output, messages and records, and the same exceptions.
 ///
 /// `STENCILOR_CASES` in the environment is the number of cases to try instead of `count`, and
 /// `STENCILOR_SEED` the number of the first: a failure tells the numbers that bring it back.
