@@ -1,6 +1,7 @@
 #include "ProgramTest.h"
 
 #include <filesystem>
+#include <system_error>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -67,34 +68,59 @@ TEST_F(PathsTest, OfIncludedFilesAreInAsciiOrTheTemplateIsRejected) {
     EXPECT_TRUE(outcome.errors.starts_with("stencilor: " + page + ": ")) << outcome.errors;
 }
 
-// On Windows, what is longer than 260 characters needs another form of path.
-TEST_F(PathsTest, MayBeLong) {
-    fs::path below = native(folder.path());
+/// A folder whose path is longer than the 260 characters that Windows allows at first. What removes
+/// the folder of the test cannot remove this one there, so that it does so itself.
+class LongFolder {
+  public:
+    explicit LongFolder(const support::TemporaryFolder& folder)
+        : path_(folder.path()), native_(native(path_)) {
 #ifdef _WIN32
-    below = L"\\\\?\\" + below.make_preferred().native();
+        native_ = L"\\\\?\\" + native_.make_preferred().native();
 #endif
-    std::string path = folder.path();
-    for (int level = 0; level < 8; ++level) {
-        const std::string name = std::string(40, 'l') + "\u00E4\u6A21";
-        path += "/" + name;
-        fs::create_directory(below /= native(name));
+        for (int level = 0; level < levels; ++level) {
+            const std::string name = std::string(40, 'l') + "\u00E4\u6A21";
+            path_ += "/" + name;
+            fs::create_directory(native_ /= native(name));
+        }
     }
-    fs::rename(native(page), below / "page.txt");
-    const std::vector<std::string> call = {"render", path + "/page.txt", context, "--root",
-                                           templates};
-    expectOutcome(runStencilor(call), 0, expected, "");
+    LongFolder(const LongFolder&) = delete;
+    LongFolder& operator=(const LongFolder&) = delete;
+    ~LongFolder() {
+        std::error_code ignored;
+        for (const char* const file : {"page.txt", "out.txt"}) {
+            fs::remove(native_ / file, ignored);
+        }
+        for (int level = 0; level < levels; ++level) {
+            fs::remove(native_, ignored);
+            native_ = native_.parent_path();
+        }
+    }
+
+    std::string path(const std::string& file) const {
+        return path_ + "/" + file;
+    }
+    fs::path nativePath(const std::string& file) const {
+        return native_ / file;
+    }
+
+  private:
+    static constexpr int levels = 8;
+
+    std::string path_;
+    fs::path native_;
+};
+
+TEST_F(PathsTest, MayBeLong) {
+    const LongFolder below(folder);
+    fs::rename(native(page), below.nativePath("page.txt"));
+    expectOutcome(runStencilor({"render", below.path("page.txt"), context, "--root", templates}), 0,
+                  expected, "");
     for (const char* const text : {"new", "replaced"}) {
-        expectOutcome(runStencilor({"render", "-", "-o", path + "/out.txt"}, {.input = text}), 0,
-                      "", "");
+        expectOutcome(runStencilor({"render", "-", "-o", below.path("out.txt")}, {.input = text}),
+                      0, "", "");
         fs::remove("copy.txt");
-        fs::copy_file(below / "out.txt", "copy.txt");
+        fs::copy_file(below.nativePath("out.txt"), "copy.txt");
         EXPECT_EQ(support::readFile("copy.txt"), text);
-    }
-    fs::remove(below / "out.txt");
-    fs::remove(below / "page.txt");
-    for (int level = 0; level < 8; ++level) {
-        fs::remove(below);
-        below = below.parent_path();
     }
 }
 
