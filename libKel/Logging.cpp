@@ -144,19 +144,17 @@ void LogFactory::setSink(LogSink sink) {
 }
 
 void TraceLogger::enter() noexcept {
-    logger_->write({.kind = LogRecord::Kind::ScopeEntered,
-                    .priority = LoggerPriority::PRIORITY_TRACE,
-                    .category = logger_->category(),
-                    .text = function_,
-                    .file = file_,
-                    .line = line_,
-                    .depth = traceDepth});
+    record(LogRecord::Kind::ScopeEntered);
     ++traceDepth;
 }
 
 void TraceLogger::leave() noexcept {
     --traceDepth;
-    logger_->write({.kind = LogRecord::Kind::ScopeLeft,
+    record(LogRecord::Kind::ScopeLeft);
+}
+
+void TraceLogger::record(LogRecord::Kind kind) const noexcept {
+    logger_->write({.kind = kind,
                     .priority = LoggerPriority::PRIORITY_TRACE,
                     .category = logger_->category(),
                     .text = function_,

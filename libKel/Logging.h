@@ -143,6 +143,7 @@ class TraceLogger {
   private:
     KEL_EXPORT void enter() noexcept;
     KEL_EXPORT void leave() noexcept;
+    void record(LogRecord::Kind kind) const noexcept;
 
     Logger* logger_;
     const char* function_;
