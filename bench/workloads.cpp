@@ -9,6 +9,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace bench {
 
@@ -25,6 +26,13 @@ renderer byHand(Append append) {
                 return last->size();
             },
             [last] { return *last; }};
+}
+
+/// An object of one member.
+value objectOf(const std::string& name, value member) {
+    object made;
+    made.emplace(name, std::move(member));
+    return {std::move(made)};
 }
 
 workload greeting() {
@@ -159,9 +167,9 @@ workload table() {
         list dataCells;
         for (std::string& cell : cells) {
             cell = std::to_string(number++);
-            dataCells.push_back({object{{"v", {cell}}}});
+            dataCells.push_back(objectOf("v", {cell}));
         }
-        dataRows.push_back({object{{"cells", {dataCells}}}});
+        dataRows.push_back(objectOf("cells", {std::move(dataCells)}));
     }
     return {.name = "W3",
             .what = "a table of 1,000 rows by 10 cells",
@@ -302,7 +310,7 @@ workload distantNames() {
     const std::string title = "far away";
     list innermost;
     for (std::size_t count = 0; count < turns; ++count) {
-        innermost.push_back({object{{"leaf", {std::string("leaf")}}}});
+        innermost.push_back(objectOf("leaf", {std::string("leaf")}));
     }
     value lists = {innermost};
     for (std::size_t level = depth; level-- > 1;) {
