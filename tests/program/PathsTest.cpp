@@ -4,6 +4,8 @@
 #include <system_error>
 
 #ifdef _WIN32
+#include "../support/LockedFile.h"
+
 #include <windows.h>
 #endif
 
@@ -126,22 +128,6 @@ TEST_F(PathsTest, MayBeLong) {
 
 #ifdef _WIN32
 
-/// A file that is open for this process alone.
-class LockedFile {
-  public:
-    explicit LockedFile(const std::string& path)
-        : file_(::CreateFileW(native(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                              FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        EXPECT_NE(file_, INVALID_HANDLE_VALUE);
-    }
-    LockedFile(const LockedFile&) = delete;
-    LockedFile& operator=(const LockedFile&) = delete;
-    ~LockedFile() { ::CloseHandle(file_); }
-
-  private:
-    HANDLE file_;
-};
-
 void expectRefused(const Outcome& outcome, const std::string& file) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output, "");
@@ -151,20 +137,20 @@ void expectRefused(const Outcome& outcome, const std::string& file) {
 TEST_F(PathsTest, OfLockedFilesAreRefused) {
     folder.writeFile("out.txt", "before");
     {
-        const LockedFile locked(page);
+        const support::LockedFile locked(native(page));
         expectRefused(runStencilor({"render", page}), page);
     }
     {
-        const LockedFile locked(context);
+        const support::LockedFile locked(native(context));
         expectRefused(runStencilor({"render", page, context}), context);
     }
     {
-        const LockedFile locked("out.txt");
+        const support::LockedFile locked("out.txt");
         expectRefused(runStencilor({"render", page, context, "-o", "out.txt"}), "out.txt");
     }
     EXPECT_EQ(support::readFile("out.txt"), "before");
     {
-        const LockedFile locked(templates + "/part.txt");
+        const support::LockedFile locked(native(templates + "/part.txt"));
         expectOutcome(runStencilor({"render", page, context}), 1, "\u00DCberblick \u6A21\u677F[]\n",
                       "stencilor: " + page + ": Could not load file \"part.txt\"\n");
     }

@@ -1,4 +1,5 @@
 #include "../support/Context.h"
+#include "../support/LockedFile.h"
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
@@ -37,22 +38,6 @@ void expectMissing(const kel::String& path) {
     kel::Buffer<unsigned char> buffer;
     EXPECT_FALSE(FileSystem::loadFile(path, buffer, nullptr)) << path;
 }
-
-/// A file that is open for this program alone.
-class LockedFile {
-  public:
-    explicit LockedFile(const std::string& path)
-        : file_(::CreateFileW(native(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                              FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        EXPECT_NE(file_, INVALID_HANDLE_VALUE);
-    }
-    LockedFile(const LockedFile&) = delete;
-    LockedFile& operator=(const LockedFile&) = delete;
-    ~LockedFile() { ::CloseHandle(file_); }
-
-  private:
-    HANDLE file_;
-};
 
 class WindowsFiles : public testing::Test {
   protected:
@@ -102,7 +87,7 @@ TEST_F(WindowsFiles, ExistButAreNotLoadedWhileTheyAreLocked) {
     const std::string path = folder_.path("file.txt");
     ASSERT_TRUE(FileSystem::setRoot(folder_.path()));
     {
-        const LockedFile locked(path);
+        const LockedFile locked(native(path));
         EXPECT_TRUE(FileSystem::exists("file.txt"));
         kel::Buffer<unsigned char> buffer;
         EXPECT_FALSE(FileSystem::loadFile("file.txt", buffer, nullptr));

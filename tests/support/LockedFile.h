@@ -1,0 +1,29 @@
+#ifndef TESTS_SUPPORT_LOCKEDFILE_H
+#define TESTS_SUPPORT_LOCKEDFILE_H
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+
+namespace support {
+
+/// A file that is open for this process alone, as only Windows can have it.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::filesystem::path& path)
+        : file_(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr)) {
+        EXPECT_NE(file_, INVALID_HANDLE_VALUE);
+    }
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+    ~LockedFile() { ::CloseHandle(file_); }
+
+  private:
+    HANDLE file_;
+};
+
+} // namespace support
+
+#endif
