@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <new>
 
+/// @file
+/// The block of memory in which the contents of a file are handed over.
+
 namespace kel {
 
 /// A block of memory that a library function fills and the holder of the buffer frees.
@@ -11,16 +14,20 @@ namespace kel {
 /// Layout: `data`, `size`, `capacity`, in this order; it is part of the interface, since a buffer
 ///   that one module fills is read and freed by another.
 /// Ownership: owns `data` where `capacity` is greater than zero. Whoever fills the buffer allocates
-///   with the global `::operator new`, because the destructor frees with the global
-///   `::operator delete`, in the module that the buffer lives in.
+///   with the global `operator new`, because the destructor frees with the global
+///   `operator delete`, in the module that the buffer lives in.
+/// Threads: belongs to one thread at a time.
 /// Units: `size` and `capacity` count elements of `T`.
 /// Copying: not possible, two buffers would free one block.
+/// @tparam T the type of the elements; the library itself fills buffers of `unsigned char`
 template <typename T>
 class Buffer {
   public:
+    /// An empty buffer: all fields zero.
     Buffer() = default;
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
+    /// Frees the block, if there is one.
     ~Buffer() { release(); }
 
     /// Frees the block, if there is one, and leaves the buffer as a new one is: all fields zero.

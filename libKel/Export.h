@@ -1,11 +1,15 @@
 #ifndef LIBKEL_EXPORT_H
 #define LIBKEL_EXPORT_H
 
+/// @file
 /// Marks what `libKel` offers to other modules. Everything unmarked stays hidden, so that a
 /// forgotten mark fails at link time on Linux as it does on Windows.
 ///
 /// `KEL_BUILDING` is defined while the library itself is compiled, `KEL_STATIC` where it is built
 /// or used as a static library.
+
+/// @def KEL_EXPORT
+/// Stands before what hosts may use of `libKel`.
 #if defined(KEL_STATIC)
 #define KEL_EXPORT
 #elif defined(_WIN32)

@@ -5,6 +5,9 @@
 #include <libKel/Export.h>
 #include <libKel/String.h>
 
+/// @file
+/// The files that templates may include.
+
 namespace kel {
 
 /// Access to the files of the machine.
@@ -26,18 +29,23 @@ class KEL_EXPORT FileSystem {
   public:
     FileSystem() = delete;
 
-    /// True if `path` names a regular file, directly or through symbolic links. A directory, a
+    /// Tells whether there is a regular file, directly or through symbolic links. A directory, a
     /// pipe or a device does not exist in this sense.
+    /// @param path see above
+    /// @return true if `path` names such a file
     static bool exists(const String& path);
 
-    /// Reads the whole file into `out`, whose former content is freed first. `length`, where not
-    /// null, receives the number of bytes read.
-    /// Returns false, and leaves `out` empty and `*length` zero, where the file does not exist (as
-    /// in `exists`), cannot be read, or is longer than 4 GiB - 1 byte.
+    /// Reads a whole file.
+    /// @param path see above
+    /// @param out receives the bytes, and owns them; its former content is freed first
+    /// @param length where not null, receives the number of bytes read
+    /// @return false, with `out` empty and `*length` zero, where the file does not exist (as in
+    ///   `exists`), cannot be read, or is longer than 4 GiB - 1 byte
     static bool loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length);
 
-    /// From now on only the files inside `directory` exist. Returns false, and changes nothing,
-    /// where `directory` is not a directory that can be entered.
+    /// From now on only the files inside one directory exist, for the whole process.
+    /// @param directory relative to the working directory of this moment, or absolute
+    /// @return false, with nothing changed, where this is not a directory that can be entered
     [[nodiscard]] static bool setRoot(const String& directory);
 
     /// Takes the root away again.

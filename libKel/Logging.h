@@ -10,49 +10,74 @@
 #include <string>
 #include <string_view>
 
+/// @file
+/// Logging: priorities, records, sinks and loggers.
+
 namespace kel {
 
 /// How much a record matters: the lower the number, the more detail. A record is written where its
 /// number is not below the priority that is in force.
 namespace LoggerPriority {
+/// The priorities. Numbers between and beyond them are allowed.
 enum LOGGER_PRIORITY : std::int32_t {
-    PRIORITY_ALL = 0,
-    PRIORITY_TRACE = 1, ///< scopes entered and left
-    PRIORITY_INFO = 2,
-    PRIORITY_WARNING = 3,
-    PRIORITY_FAILURE = 4,
-    PRIORITY_SILENT = 5
+    PRIORITY_ALL = 0,     ///< everything
+    PRIORITY_TRACE = 1,   ///< scopes entered and left
+    PRIORITY_INFO = 2,    ///< the messages of renderings
+    PRIORITY_WARNING = 3, ///< for hosts; the global priority at first
+    PRIORITY_FAILURE = 4, ///< for hosts
+    PRIORITY_SILENT = 5   ///< nothing that the libraries write
 };
 } // namespace LoggerPriority
 
-/// One record on its way to a sink. All pointers and views are valid during the call only.
+/// One record on its way to a sink.
+///
+/// Ownership: borrows everything. All pointers and views are valid during the call only.
 struct LogRecord {
-    enum class Kind { Message, ScopeEntered, ScopeLeft };
+    /// What is recorded.
+    enum class Kind {
+        Message,      ///< a text
+        ScopeEntered, ///< a traced scope begins
+        ScopeLeft     ///< a traced scope ends
+    };
 
-    Kind kind;
-    LoggerPriority::LOGGER_PRIORITY priority;
-    const char* category;
-    std::string_view text; ///< a message's text; a scope's function name
-    const char* file;      ///< a scope's source file; null for a message
-    int line;              ///< a scope's line; 0 for a message
-    unsigned int depth;    ///< how many traced scopes of this thread are open around this record
+    Kind kind;                                ///< what is recorded
+    LoggerPriority::LOGGER_PRIORITY priority; ///< how much it matters
+    const char* category;                     ///< whose record it is, such as `libStencilor`
+    std::string_view text;                    ///< a message's text; a scope's function name
+    const char* file;                         ///< a scope's source file; null for a message
+    int line;                                 ///< a scope's line; 0 for a message
+    unsigned int depth; ///< how many traced scopes of this thread are open around this record
 };
 
 /// Receives the records. It may be called by several threads at once.
 using LogSink = std::function<void(const LogRecord&)>;
 
 /// A message that is composed piece by piece: `LoggerStream() + "size: " + text`.
+///
+/// Ownership: holds a copy of what is appended.
 /// Copying: not possible, it is handed to `Logger::log` by reference.
+/// Threads: belongs to one thread at a time.
 class LoggerStream {
   public:
+    /// An empty message.
     KEL_EXPORT LoggerStream();
     LoggerStream(const LoggerStream&) = delete;
     LoggerStream& operator=(const LoggerStream&) = delete;
+    /// Frees the message.
     KEL_EXPORT ~LoggerStream();
 
+    /// Appends a text.
+    /// @param text the bytes up to the first NUL
+    /// @return this stream
     KEL_EXPORT LoggerStream& operator+(const char* text);
+
+    /// Appends a text.
+    /// @param text the text, NUL bytes included
+    /// @return this stream
     KEL_EXPORT LoggerStream& operator+(const String& text);
 
+    /// Gives the message as it is now.
+    /// @return the characters, valid until this stream is changed or destroyed
     std::string_view view() const noexcept { return text_; }
 
   private:
@@ -68,15 +93,21 @@ class Logger {
   public:
     Logger(const Logger&) = delete;
     Logger& operator=(const Logger&) = delete;
+    /// For the library, which owns the loggers.
     KEL_EXPORT ~Logger();
 
-    /// The priority in force: the higher of the logger's own threshold and the global priority.
+    /// Tells which records are written.
+    /// @return the priority in force: the higher of this logger's threshold and the global one
     KEL_EXPORT LoggerPriority::LOGGER_PRIORITY resolvePriority() const;
 
-    /// Writes `message`. Returns false where its priority is below the one in force, or where the
-    /// sink failed. Never throws.
+    /// Writes a message. Never throws.
+    /// @param priority how much it matters
+    /// @param message the text
+    /// @return false where the priority is below the one in force, or where the sink failed
     KEL_EXPORT bool log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& message);
 
+    /// Gives the name of the category.
+    /// @return UTF-8, NUL-terminated, valid as long as the logger
     const char* category() const noexcept { return category_.c_str(); }
 
     /// This logger's own priority, `PRIORITY_ALL` at first: records below it are not written.
@@ -98,21 +129,27 @@ class LogFactory {
   public:
     LogFactory() = delete;
 
-    /// The global priority, `PRIORITY_WARNING` at first.
+    /// Gives the priority that holds for all loggers.
+    /// @return the global priority, `PRIORITY_WARNING` at first
     static LoggerPriority::LOGGER_PRIORITY getPriority() noexcept {
         return static_cast<LoggerPriority::LOGGER_PRIORITY>(
             priority_.load(std::memory_order_relaxed));
     }
+
+    /// Sets the priority that holds for all loggers.
+    /// @param priority what lies below it is not written
     KEL_EXPORT static void setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept;
 
-    /// Stores the logger of `category` (UTF-8, NUL-terminated) in `logger`; there is one for each
-    /// category, made by the first call. Several threads may call it for the same pointer, which
-    /// must then be read as an atomic (`std::atomic_ref`).
+    /// Hands out the logger of a category. There is one for each, made by the first call.
+    /// @param category UTF-8, NUL-terminated; it is copied
+    /// @param logger receives the pointer, borrowed. Several threads may call for the same pointer,
+    ///   which must then be read as an atomic (`std::atomic_ref`).
     KEL_EXPORT static void createLogger(const char* category, Logger*& logger);
 
-    /// From now on records go to `sink`; an empty one stands for the standard error stream, where
-    /// they go at first. A sink may throw nothing: what it throws is dropped. It must stay usable
-    /// until a later `setSink` has returned and the calls that were under way have ended.
+    /// Sets where records go.
+    /// @param sink is called for each record; an empty one stands for the standard error stream,
+    ///   where they go at first. What it throws is dropped. It must stay usable until a later
+    ///   `setSink` has returned and the calls that were under way have ended.
     KEL_EXPORT static void setSink(LogSink sink);
 
   private:
@@ -124,8 +161,14 @@ class LogFactory {
 /// Ownership: borrows the logger and the texts, which must outlive it. A null logger records
 ///   nothing, and costs nothing but the test for it.
 /// Copying: not possible, it stands for one scope.
+/// Threads: is made and destroyed by the thread whose scope it stands for.
 class TraceLogger {
   public:
+    /// Records that a scope is entered.
+    /// @param logger where it is recorded, or null
+    /// @param function the name of the scope
+    /// @param file the source file that it stands in
+    /// @param line the line that it begins in
     TraceLogger(Logger* logger, const char* function, const char* file, int line) noexcept
         : logger_(logger), function_(function), file_(file), line_(line) {
         if (logger_ != nullptr) {
@@ -134,6 +177,7 @@ class TraceLogger {
     }
     TraceLogger(const TraceLogger&) = delete;
     TraceLogger& operator=(const TraceLogger&) = delete;
+    /// Records that the scope is left.
     ~TraceLogger() {
         if (logger_ != nullptr) {
             leave();

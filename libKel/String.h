@@ -13,6 +13,10 @@
 #include <string>
 #include <string_view>
 
+/// @file
+/// The text of all interfaces.
+
+/// The base library: strings, buffers, files and logging.
 namespace kel {
 
 /// The narrow bytes of a `String`, as its conversions return them.
@@ -24,16 +28,19 @@ class CString {
   public:
     CString(const CString&) = delete;
     CString& operator=(const CString&) = delete;
+    /// Frees the bytes.
     ~CString() {
         if (data_ != inline_) {
             release();
         }
     }
 
-    /// The bytes, followed by a NUL. There may be NUL bytes among them.
+    /// Gives the bytes. There may be NUL bytes among them.
+    /// @return the bytes, followed by a NUL
     const char* c_str() const noexcept { return data_; }
 
-    /// The number of bytes, without the NUL at the end.
+    /// Counts the bytes.
+    /// @return their number, without the NUL at the end
     unsigned int size() const noexcept { return size_; }
 
   private:
@@ -54,6 +61,7 @@ class CString {
 /// Characters: a character is a byte, and text is UTF-8. The constructors take bytes as they are;
 ///   `UTF8Decode` is the one that repairs. NUL bytes are characters like all others.
 /// Order: by unsigned byte, then by length. For UTF-8 this is the order of the code points.
+/// Hash: there is a `std::hash` of it, for `std::unordered_map` and the like.
 /// Units: lengths and positions count bytes, in 32 bits. What would be longer than 4 GiB - 1 byte
 ///   throws `std::length_error`.
 /// Errors: `std::bad_alloc` and `std::length_error`; the string is then unchanged.
@@ -63,68 +71,124 @@ class String {
     /// An empty string.
     String() noexcept : data_(inline_), size_(0), capacity_(inlineCapacity), inline_() {}
 
-    /// The bytes up to the first NUL. A null pointer gives an empty string.
+    /// The bytes up to the first NUL.
+    /// @param bytes the bytes, which are copied; a null pointer gives an empty string
     String(const char* bytes)
         : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
 
-    /// `length` bytes, NUL bytes included. The pointer may be null where the length is 0.
+    /// So many bytes, NUL bytes included.
+    /// @param bytes the bytes, which are copied; it may be null where the length is 0
+    /// @param length how many there are
     KEL_EXPORT String(const char* bytes, unsigned int length);
 
+    /// All bytes, NUL bytes included.
+    /// @param bytes the bytes, which are copied
     String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
+
+    /// All bytes, NUL bytes included.
+    /// @param bytes the bytes, which are copied
     String(const std::string& bytes) : String(std::string_view(bytes)) {}
 
+    /// Copies the characters.
+    /// @param other the string that is copied
     KEL_EXPORT String(const String& other);
-    /// `other` is empty afterwards.
+
+    /// Takes the characters.
+    /// @param other is empty afterwards
     KEL_EXPORT String(String&& other) noexcept;
+
+    /// Copies the characters.
+    /// @param other the string that is copied, which may be this one
+    /// @return this string
     KEL_EXPORT String& operator=(const String& other);
-    /// `other` is empty afterwards.
+
+    /// Takes the characters.
+    /// @param other is empty afterwards
+    /// @return this string
     KEL_EXPORT String& operator=(String&& other) noexcept;
+
+    /// Frees the characters.
     ~String() {
         if (!isInline()) {
             release();
         }
     }
 
-    /// Appends `other`, which may be this string.
+    /// Appends characters.
+    /// @param other the string that is appended, which may be this one
+    /// @return this string
     KEL_EXPORT String& operator+=(const String& other);
 
-    /// True if the characters are exactly those of `bytes`, which ends at its first NUL and is not
-    /// null.
+    /// Compares byte by byte.
+    /// @param bytes ends at its first NUL, and is not null
+    /// @return true if the characters are exactly those of `bytes`
     bool operator==(const char* bytes) const noexcept { return view() == bytes; }
+
+    /// Compares byte by byte.
+    /// @param other the string to compare with
+    /// @return true if both have the same characters
     bool operator==(const String& other) const noexcept { return view() == other.view(); }
+
+    /// Compares in the order told above.
+    /// @param other the string to compare with
+    /// @return true if this string comes first
     bool operator<(const String& other) const noexcept;
 
-    /// The number of characters.
+    /// Counts the characters.
+    /// @return their number
     unsigned int size() const noexcept { return size_; }
+
+    /// Tells whether there are no characters.
+    /// @return true if the size is 0
     bool empty() const noexcept { return size_ == 0; }
 
-    /// The characters, valid until this string is changed or destroyed.
+    /// Gives the characters without copying them.
+    /// @return the characters, valid until this string is changed or destroyed
     std::string_view view() const noexcept { return {data_, size_}; }
+
+    /// Gives a copy of the characters.
+    /// @return the characters, NUL bytes included
     std::string str() const { return std::string(view()); }
 
-    /// At most `count` characters from position `start` on; 0xFFFFFFFF means up to the end. A
-    /// start at or past the end gives an empty string.
+    /// Copies a part.
+    /// @param start the position of its first character; at or past the end the part is empty
+    /// @param count how many characters at most; 0xFFFFFFFF means up to the end
+    /// @return the part
     KEL_EXPORT String subString(unsigned int start, unsigned int count) const;
 
-    /// One byte for each character, its low 8 bits: here the characters themselves.
+    /// Reduces each character to one byte, its low 8 bits: here the characters themselves.
+    /// @return the bytes
     KEL_EXPORT CString getLowerByteString() const;
 
-    /// The UTF-8 form: here the characters themselves. Bytes that are not valid UTF-8 stay.
+    /// Encodes in UTF-8: here the characters themselves. Bytes that are not valid UTF-8 stay.
+    /// @return the bytes
     KEL_EXPORT CString getUTF8String() const;
 
-    /// Replaces the content by the decoding of `length` bytes of UTF-8. Each maximal part that is
-    /// malformed becomes one U+FFFD (The Unicode Standard 15.0, section 3.9, table 3-8), so that
-    /// the result is always valid UTF-8. `flag` is reserved and changes nothing.
+    /// Replaces the content by the decoding of UTF-8. Each maximal part that is malformed becomes
+    /// one U+FFFD (The Unicode Standard 15.0, section 3.9, table 3-8), so that the result is always
+    /// valid UTF-8.
+    /// @param bytes what is decoded
+    /// @param length how many bytes there are
+    /// @param flag reserved; it changes nothing
     KEL_EXPORT void UTF8Decode(const char* bytes, unsigned int length, bool flag);
 
-    /// Converts from and to UTF-16 in the machine's byte order. What is malformed, in either
-    /// direction, becomes U+FFFD.
+    /// Converts from UTF-16 in the machine's byte order. What is malformed becomes U+FFFD.
+    /// @param text the text in UTF-16
+    /// @return the text in UTF-8
     KEL_EXPORT static String fromUTF16(std::u16string_view text);
+
+    /// Converts to UTF-16 in the machine's byte order. What is malformed becomes U+FFFD.
+    /// @return the text in UTF-16
     KEL_EXPORT std::u16string toUTF16() const;
 
 #ifdef _WIN32
-    /// The same with the character type of the Windows interfaces.
+    /// `fromUTF16` with the character type of the Windows interfaces; on Windows only.
+    /// @param text the text in UTF-16
+    /// @return the text in UTF-8
     KEL_EXPORT static String fromWide(std::wstring_view text);
+
+    /// `toUTF16` with the character type of the Windows interfaces; on Windows only.
+    /// @return the text in UTF-16
     KEL_EXPORT std::wstring toWide() const;
 #endif
 
@@ -177,16 +241,21 @@ inline bool String::operator<(const String& other) const noexcept {
     return view() < other.view();
 }
 
-/// Writes the characters to `stream`.
+/// Writes the characters.
+/// @param stream where they are written
+/// @param string the string that is written
+/// @return `stream`
 KEL_EXPORT std::ostream& operator<<(std::ostream& stream, const String& string);
 
 } // namespace kel
 
+/// @cond
 template <>
 struct std::hash<kel::String> {
     std::size_t operator()(const kel::String& string) const noexcept {
         return std::hash<std::string_view>()(string.view());
     }
 };
+/// @endcond
 
 #endif

@@ -1,11 +1,15 @@
 #ifndef LIBSTENCILOR_EXPORT_H
 #define LIBSTENCILOR_EXPORT_H
 
+/// @file
 /// Marks what `libStencilor` offers to other modules. Everything unmarked stays hidden, so that a
 /// forgotten mark fails at link time on Linux as it does on Windows.
 ///
 /// `STENCILOR_BUILDING` is defined while the library itself is compiled, `STENCILOR_STATIC` where
 /// it is built or used as a static library.
+
+/// @def STENCILOR_EXPORT
+/// Stands before what hosts may use of `libStencilor`.
 #if defined(STENCILOR_STATIC)
 #define STENCILOR_EXPORT
 #elif defined(_WIN32)

@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILOR_STENCILOR_H
 #define LIBSTENCILOR_STENCILOR_H
 
+/// @file
 /// Renders text templates against a tree of values.
 ///
 ///     #include <libStencilor/Stencilor.h>
@@ -26,11 +27,14 @@
 #include <map>
 #include <vector>
 
+/// The template engine: the values that a template is rendered with, and `buildOutput`.
 namespace kel::Stencilor {
 
+/// @cond
 namespace internal {
 struct context_access;
 }
+/// @endcond
 
 /// A value of the context: named children, and in the classes below a payload. A plain
 /// `ContextBase` is a node that has children and no payload.
@@ -44,22 +48,41 @@ struct context_access;
 /// Errors: none reported; `std::bad_alloc` leaves the value as it was.
 class STENCILOR_EXPORT ContextBase {
   public:
+    /// A value without children.
     ContextBase();
+
+    /// Shares the children of another value.
+    /// @param other the value that the keys and pointers are taken from; it keeps them
     ContextBase(const ContextBase& other);
+
+    /// Drops the children without deleting them, and shares those of another value.
+    /// @param other the value that the keys and pointers are taken from; it keeps them
+    /// @return this value
     ContextBase& operator=(const ContextBase& other);
+
+    /// Deletes the children.
     virtual ~ContextBase();
 
-    /// The pointer stored under `key`; a null one is stored first where there is none.
+    /// Gives access to one entry, which is added with a null pointer where there is none.
+    /// @param key the name of the child
+    /// @return the pointer stored under `key`; what is assigned to it is owned by this value, and
+    ///   what stood there before is the caller's again
     ContextBase*& operator[](const String& key);
 
-    /// Stores `value`, which may be null, under `key` and returns it. A pointer that stood there
-    /// before is not deleted: it is the caller's again.
+    /// Stores a child. A pointer that stood there before is not deleted: it is the caller's again.
+    /// @param key the name of the child; it is copied
+    /// @param value the child, owned by this value from now on; it may be null
+    /// @return `value`
     ContextBase* insert(const String& key, ContextBase* value);
 
-    /// The pointer stored under `key`, or null. Borrowed.
+    /// Looks a child up.
+    /// @param key the name of the child
+    /// @return the pointer stored under `key`, or null; borrowed
     ContextBase* find(const String& key) const;
 
-    /// True if there is an entry for `key`, be its pointer null or not.
+    /// Tells an entry that holds null from one that is missing.
+    /// @param key the name of the child
+    /// @return true if there is an entry for `key`, be its pointer null or not
     bool containsKey(const String& key) const;
 
   private:
@@ -74,11 +97,29 @@ class STENCILOR_EXPORT ContextBase {
 /// Copying: the text is copied or moved, the children are always shared with the source.
 class STENCILOR_EXPORT ContextString : public ContextBase {
   public:
+    /// A text without children.
+    /// @param text the text
     ContextString(String text);
+
+    /// Copies the text and shares the children.
+    /// @param other the value that is copied
     ContextString(const ContextString& other);
+
+    /// Takes the text and shares the children.
+    /// @param other the value whose text is taken; it keeps its children
     ContextString(ContextString&& other);
+
+    /// Copies the text, drops the children and shares those of `other`.
+    /// @param other the value that is copied
+    /// @return this value
     ContextString& operator=(const ContextString& other);
+
+    /// Takes the text, drops the children and shares those of `other`.
+    /// @param other the value whose text is taken; it keeps its children
+    /// @return this value
     ContextString& operator=(ContextString&& other);
+
+    /// Deletes the children.
     ~ContextString() override;
 
   private:
@@ -94,11 +135,29 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
 ///   its value.
 class STENCILOR_EXPORT ContextBoolean : public ContextBase {
   public:
+    /// A truth without children.
+    /// @param truth what a conditional block finds
     ContextBoolean(bool truth);
+
+    /// Copies the truth and shares the children.
+    /// @param other the value that is copied
     ContextBoolean(const ContextBoolean& other);
+
+    /// The same as copying.
+    /// @param other the value that is copied; it stays as it is
     ContextBoolean(ContextBoolean&& other);
+
+    /// Copies the truth, drops the children and shares those of `other`.
+    /// @param other the value that is copied
+    /// @return this value
     ContextBoolean& operator=(const ContextBoolean& other);
+
+    /// The same as assigning a copy.
+    /// @param other the value that is copied; it stays as it is
+    /// @return this value
     ContextBoolean& operator=(ContextBoolean&& other);
+
+    /// Deletes the children.
     ~ContextBoolean() override;
 
   private:
@@ -112,14 +171,32 @@ class STENCILOR_EXPORT ContextBoolean : public ContextBase {
 /// Ownership, copying, threads, errors: as in `ContextBase`.
 class STENCILOR_EXPORT ContextDictionary : public ContextBase {
   public:
+    /// A dictionary without entries.
     ContextDictionary();
+
+    /// Shares the children.
+    /// @param other the value that is copied
     ContextDictionary(const ContextDictionary& other);
+
+    /// The same as copying.
+    /// @param other the value that is copied; it stays as it is
     ContextDictionary(ContextDictionary&& other);
+
+    /// Drops the children without deleting them, and shares those of `other`.
+    /// @param other the value that is copied
+    /// @return this value
     ContextDictionary& operator=(const ContextDictionary& other);
+
+    /// The same as assigning a copy.
+    /// @param other the value that is copied; it stays as it is
+    /// @return this value
     ContextDictionary& operator=(ContextDictionary&& other);
+
+    /// Deletes the children.
     ~ContextDictionary() override;
 
-    /// The number of entries, those that hold null included.
+    /// Counts the children.
+    /// @return the number of entries, those that hold null included
     std::size_t size() const;
 };
 
@@ -133,18 +210,32 @@ class STENCILOR_EXPORT ContextDictionary : public ContextBase {
 /// Errors: none reported; `std::bad_alloc` leaves the list as it was.
 class STENCILOR_EXPORT ContextIterable : public ContextBase {
   public:
+    /// A list without elements and children.
     ContextIterable();
+
+    /// Shares the elements and the children.
+    /// @param other the list that is copied
     ContextIterable(const ContextIterable& other);
+
+    /// Drops elements and children without deleting them, and shares those of `other`.
+    /// @param other the list that is copied
+    /// @return this list
     ContextIterable& operator=(const ContextIterable& other);
+
+    /// Deletes the elements front to back, then the children.
     ~ContextIterable() override;
 
-    /// Appends `value`, which may be null.
+    /// Appends an element.
+    /// @param value the element, owned by this list from now on; it may be null
     void add(ContextBase* value);
 
-    /// The number of elements, null ones included. Named children do not count.
+    /// Counts the elements. Named children do not count.
+    /// @return the number of elements, null ones included
     std::size_t size() const;
 
-    /// The element at `index`, counted from 0. Borrowed. An index at or past `size()` is undefined.
+    /// Gives one element.
+    /// @param index counted from 0; one at or past `size()` is undefined
+    /// @return the pointer at `index`, which may be null; borrowed
     ContextBase* operator[](unsigned int index);
 
   private:
@@ -162,31 +253,76 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
 /// Threads: may be called from any thread.
 class STENCILOR_EXPORT ContextFactory {
   public:
+    /// A factory holds nothing; nobody needs one, since all builders are static.
     ContextFactory() = default;
+
+    /// Copies nothing.
     ContextFactory(const ContextFactory&) = default;
+
+    /// Moves nothing.
     ContextFactory(ContextFactory&&) = default;
+
+    /// Does nothing.
+    /// @param other plays no part
+    /// @return this factory
     ContextFactory& operator=(const ContextFactory& other);
+
+    /// Does nothing.
+    /// @param other plays no part
+    /// @return this factory
     ContextFactory& operator=(ContextFactory&& other);
+
+    /// Destroys nothing.
     ~ContextFactory() = default;
 
+    /// Makes a text.
+    /// @param value the text, which is copied
+    /// @return a new value, the caller's
     static ContextString* buildString(const String& value);
+
+    /// Makes a truth.
+    /// @param value the truth
+    /// @return a new value without children, the caller's
     static ContextBoolean* buildBoolean(bool value);
+
+    /// Makes a truth with children.
+    /// @param value the truth
+    /// @param children the children by their names; the new value owns them from now on
+    /// @return a new value, the caller's
     static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
+
+    /// Makes a dictionary without entries.
+    /// @return a new value, the caller's
     static ContextDictionary* buildDictionary();
+
+    /// Makes a dictionary.
+    /// @param children the entries by their names; the new value owns them from now on
+    /// @return a new value, the caller's
     static ContextDictionary* buildDictionary(const std::map<String, ContextBase*>& children);
+
+    /// Makes a list without elements.
+    /// @return a new value, the caller's
     static ContextIterable* buildIterable();
+
+    /// Makes a list.
+    /// @param elements the elements in their order; the new value owns them from now on
+    /// @return a new value, the caller's
     static ContextIterable* buildIterable(const std::vector<ContextBase*>& elements);
 };
 
-/// Renders the template `input` against `context` and returns the text, always valid UTF-8.
+/// Renders a template.
 ///
 /// A template that does not parse as a whole gives an empty text and one message. Whatever cannot
 /// be rendered (a name that is missing or of the wrong kind, a file that cannot be included)
 /// contributes no text and one message, and the rest renders normally.
 ///
-/// `errors` receives the messages behind what it holds already; no separator is added. Where it is
-/// not empty at the end of a template that parsed, it is logged once, whole.
-/// Ownership: both arguments are only read.
+/// @param input the template; included files are read while it is rendered
+/// @param context the root of the values; its children are the names outside of all blocks
+/// @param errors receives the messages behind what it holds already; no separator is added. Where
+///   it is not empty at the end of a template that parsed, it is logged once, whole.
+/// @return the text, always valid UTF-8
+///
+/// Ownership: template and context are only read, and nothing of them is kept.
 /// Threads: any number of calls may run at once, while no thread changes a context that another
 ///   call reads.
 /// Errors: only memory exhaustion throws (`std::bad_alloc`, or `std::length_error` where a text
@@ -195,6 +331,9 @@ STENCILOR_EXPORT String buildOutput(const String& input, const ContextBase& cont
                                     String& errors);
 
 /// The same with the messages logged and dropped.
+/// @param input the template
+/// @param context the root of the values
+/// @return the text, always valid UTF-8
 STENCILOR_EXPORT String buildOutput(const String& input, const ContextBase& context);
 
 } // namespace kel::Stencilor
