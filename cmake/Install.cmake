@@ -8,6 +8,8 @@ include(GNUInstallDirs)
 #
 # The package gives the target in its own namespace; the headers are included as <FOLDER/HEADER>.
 function(stencilor_install_library target package folder)
+    list(TRANSFORM ARGN PREPEND "${PROJECT_SOURCE_DIR}/${folder}/" OUTPUT_VARIABLE headers)
+    set_property(GLOBAL APPEND PROPERTY stencilor_exported_headers ${headers})
     if(NOT STENCILOR_INSTALL)
         return()
     endif()
