@@ -1,30 +1,21 @@
 #include <tools/stencilor/context_source.h>
 #include <tools/stencilor/failure.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace stencilor {
 
 namespace {
 
-JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
-    std::variant<JsonValue, JsonError> result = parseJson(text, root);
-    if (const auto* error = std::get_if<JsonError>(&result)) {
-        throw Failure(name + ":" + std::to_string(error->line) + ":" +
-                      std::to_string(error->column) + ": " + error->message);
-    }
-    return std::get<JsonValue>(std::move(result));
-}
+using kel::Stencilor::jsonBooleanMember;
+using kel::Stencilor::JsonRoot;
 
-void setMember(JsonValue& object, std::string_view name, JsonValue value) {
-    const auto found = std::find(object.names.begin(), object.names.end(), name);
-    if (found != object.names.end()) {
-        object.items[static_cast<std::size_t>(found - object.names.begin())] = std::move(value);
-        return;
+JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
+    try {
+        return kel::Stencilor::parseJson(text, root);
+    } catch (const kel::Stencilor::JsonError& error) {
+        throw Failure(name + ":" + error.what());
     }
-    object.names.emplace_back(name);
-    object.items.push_back(std::move(value));
 }
 
 } // namespace
@@ -46,10 +37,10 @@ void applyDefinition(JsonValue& context, std::string_view definition) {
     JsonValue value = isJson
                           ? parse(option, text, JsonRoot::Any)
                           : JsonValue{.kind = JsonValue::Kind::String, .text = std::string(text)};
-    if (name == booleanMember && value.kind != JsonValue::Kind::Boolean) {
+    if (name == jsonBooleanMember && value.kind != JsonValue::Kind::Boolean) {
         throw Failure(option + ": expected true or false");
     }
-    setMember(context, name, std::move(value));
+    context.set(name, std::move(value));
 }
 
 } // namespace stencilor

@@ -1,12 +1,14 @@
 #ifndef TOOLS_STENCILOR_CONTEXT_SOURCE_H
 #define TOOLS_STENCILOR_CONTEXT_SOURCE_H
 
-#include <tools/stencilor/json_document.h>
+#include <libStencilorJson/JsonValue.h>
 
 #include <string>
 #include <string_view>
 
 namespace stencilor {
+
+using kel::Stencilor::JsonValue;
 
 /// Reads the JSON text of a context. `name` is what messages call it.
 /// Errors: throws `Failure`, with the line and column.

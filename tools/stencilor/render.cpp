@@ -2,15 +2,14 @@
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
 
+#include <libStencilorJson/JsonValue.h>
 #include <tools/stencilor/context_source.h>
 #include <tools/stencilor/engine_messages.h>
 #include <tools/stencilor/files.h>
-#include <tools/stencilor/json_context.h>
 #include <tools/stencilor/platform.h>
 #include <tools/stencilor/render.h>
 #include <tools/stencilor/trace.h>
 
-#include <memory>
 #include <string_view>
 
 namespace stencilor {
@@ -24,16 +23,6 @@ JsonValue loadContext(const RenderOptions& options) {
     }
     for (const std::string& definition : options.definitions) {
         applyDefinition(context, definition);
-    }
-    return context;
-}
-
-std::unique_ptr<kel::Stencilor::ContextBase> makeContext(const RenderOptions& options) {
-    std::unique_ptr<kel::Stencilor::ContextBase> context = buildContext(loadContext(options));
-    if (context == nullptr) {
-        throw Failure("the context is too large: the dotted names of its nested objects would "
-                      "take over " +
-                      std::to_string(dottedNamesLimit >> 20) + " MiB");
     }
     return context;
 }
@@ -64,7 +53,7 @@ void printMessages(const std::string& templateFile, std::string_view errors) {
 ExitStatus render(const RenderOptions& options) {
     // Everything is read first: the root holds for whatever is read after it is set.
     const kel::String text(readInput(options.templateFile));
-    const auto context = makeContext(options);
+    const auto context = kel::Stencilor::contextFromJsonValue(loadContext(options));
     confineIncludes(options);
     if (options.trace) {
         startTrace();

@@ -1,7 +1,7 @@
-#ifndef TOOLS_STENCILOR_JSON_TEXT_H
-#define TOOLS_STENCILOR_JSON_TEXT_H
+#ifndef LIBSTENCILORJSON_JSON_TEXT_H
+#define LIBSTENCILORJSON_JSON_TEXT_H
 
-#include <tools/stencilor/json_document.h>
+#include <libStencilorJson/JsonValue.h>
 
 #include <cstddef>
 #include <optional>
@@ -10,13 +10,16 @@
 
 // Where things stand in a JSON text.
 
-namespace stencilor {
+namespace kel::Stencilor::internal {
 
 /// The byte-order mark that a text may begin with.
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+/// Where the first malformed part of `text` begins, or its size where there is none.
+std::size_t findMalformedUtf8(std::string_view text);
+
 /// An error at a byte offset of `text`, which must be valid UTF-8 up to there.
-JsonError errorAt(std::string_view text, std::size_t offset, std::string message);
+JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason);
 
 /// What makes `text` unreadable before it is looked at as JSON: malformed UTF-8, NUL characters,
 /// too many bytes.
@@ -47,6 +50,6 @@ class TokenCursor {
     std::size_t end_ = 0;
 };
 
-} // namespace stencilor
+} // namespace kel::Stencilor::internal
 
 #endif

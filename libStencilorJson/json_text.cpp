@@ -1,12 +1,11 @@
 #include <libKel/String.h>
 
-#include <tools/stencilor/json_text.h>
+#include <libStencilorJson/json_text.h>
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
-namespace stencilor {
+namespace kel::Stencilor::internal {
 
 namespace {
 
@@ -14,7 +13,8 @@ bool continuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
 }
 
-/// Where the first malformed part of `text` begins, or its size where there is none.
+} // namespace
+
 std::size_t findMalformedUtf8(std::string_view text) {
     kel::String repaired;
     repaired.UTF8Decode(text.data(), static_cast<unsigned int>(text.size()), false);
@@ -31,9 +31,7 @@ std::size_t findMalformedUtf8(std::string_view text) {
     return offset;
 }
 
-} // namespace
-
-JsonError errorAt(std::string_view text, std::size_t offset, std::string message) {
+JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason) {
     const std::string_view before = text.substr(0, offset);
     const std::size_t lineBreak = before.rfind('\n');
     std::string_view line = before.substr(lineBreak == std::string_view::npos ? 0 : lineBreak + 1);
@@ -44,7 +42,7 @@ JsonError errorAt(std::string_view text, std::size_t offset, std::string message
     const auto columns =
         line.size() -
         static_cast<std::size_t>(std::count_if(line.begin(), line.end(), continuesCharacter));
-    return {static_cast<std::size_t>(lines) + 1, columns + 1, std::move(message)};
+    return {static_cast<std::size_t>(lines) + 1, columns + 1, reason};
 }
 
 std::optional<JsonError> findEncodingError(std::string_view text) {
@@ -116,4 +114,4 @@ std::size_t TokenCursor::findNumberEnd() const {
     return end;
 }
 
-} // namespace stencilor
+} // namespace kel::Stencilor::internal

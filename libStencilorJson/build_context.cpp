@@ -1,4 +1,5 @@
-#include <tools/stencilor/json_context.h>
+#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/measure_names.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -6,15 +7,9 @@
 #include <utility>
 #include <vector>
 
-namespace stencilor {
+namespace kel::Stencilor {
 
 namespace {
-
-using kel::Stencilor::ContextBase;
-using kel::Stencilor::ContextBoolean;
-using kel::Stencilor::ContextDictionary;
-using kel::Stencilor::ContextIterable;
-using kel::Stencilor::ContextString;
 
 /// A list under a dotted name: its elements belong to the list that it was copied from.
 class SharedList final : public ContextIterable {
@@ -35,15 +30,8 @@ class SharedBoolean final : public ContextBoolean {
     ~SharedBoolean() override { ContextBoolean::operator=(ContextBoolean(false)); }
 };
 
-const JsonValue* findBooleanMember(const JsonValue& object) {
-    const auto found = std::find(object.names.begin(), object.names.end(), booleanMember);
-    return found == object.names.end()
-               ? nullptr
-               : &object.items[static_cast<std::size_t>(found - object.names.begin())];
-}
-
 /// Gives `value` to `parent`, which has no entry of that name.
-void adopt(ContextBase& parent, const std::string& name, std::unique_ptr<ContextBase> value) {
+void adopt(ContextBase& parent, const String& name, std::unique_ptr<ContextBase> value) {
     parent.insert(name, value.get());
     value.release();
 }
@@ -83,7 +71,7 @@ void addDottedNames(ContextBase& target, const std::string& path, const JsonValu
                     const ContextBase& built) {
     for (std::size_t i = 0; i < object.items.size(); ++i) {
         const std::string name = path + "." + object.names[i];
-        if (object.names[i] != booleanMember && !target.containsKey(name)) {
+        if (object.names[i] != jsonBooleanMember && !target.containsKey(name)) {
             adopt(target, name, buildAlias(object.items[i], built.find(object.names[i])));
         }
     }
@@ -95,16 +83,27 @@ void addDottedNames(ContextBase& target, const std::string& path, const JsonValu
 
 std::unique_ptr<ContextBase> build(const JsonValue& value);
 
-std::unique_ptr<ContextBase> buildObject(const JsonValue& object) {
-    std::unique_ptr<ContextBase> result;
-    if (const JsonValue* const truth = findBooleanMember(object)) {
-        result = std::make_unique<ContextBoolean>(truth->truth);
-    } else {
-        result = std::make_unique<ContextDictionary>();
+/// The value that an object becomes, still without its members.
+std::unique_ptr<ContextBase> buildEmptyObject(const JsonValue& object) {
+    const JsonValue* const truth = internal::findBooleanMember(object);
+    if (truth == nullptr) {
+        return std::make_unique<ContextDictionary>();
     }
+    if (truth->kind != JsonValue::Kind::Boolean) {
+        throw JsonError("expected true or false as the value of \"$boolean\"");
+    }
+    return std::make_unique<ContextBoolean>(truth->truth);
+}
+
+std::unique_ptr<ContextBase> buildObject(const JsonValue& object) {
+    std::unique_ptr<ContextBase> result = buildEmptyObject(object);
     for (std::size_t i = 0; i < object.items.size(); ++i) {
-        if (object.names[i] != booleanMember) {
-            adopt(*result, object.names[i], build(object.items[i]));
+        const String name(object.names[i]);
+        if (result->containsKey(name)) {
+            throw JsonError("duplicate name \"" + object.names[i] + "\"");
+        }
+        if (object.names[i] != jsonBooleanMember) {
+            adopt(*result, name, build(object.items[i]));
         }
     }
     for (const std::size_t i : findNestedObjects(object)) {
@@ -140,64 +139,19 @@ std::unique_ptr<ContextBase> build(const JsonValue& value) {
     return nullptr;
 }
 
-/// The names that an object answers to, its own and the dotted ones, as sizes in bytes.
-struct Names {
-    std::uint64_t count = 0;
-    std::uint64_t text = 0;   // of the names
-    std::uint64_t values = 0; // of what a copy of each value takes beside its name
-
-    // A map's node, the name's string and the value, roughly.
-    static constexpr std::uint64_t perEntry = 192;
-
-    std::uint64_t size() const { return count * perEntry + text; }
-};
-
-Names measureNames(const JsonValue& object, std::uint64_t& dotted);
-
-/// Measures what stands in `value`, and what a further copy of it takes.
-std::uint64_t measureCopy(const JsonValue& value, Names& names, std::uint64_t& dotted) {
-    if (value.kind == JsonValue::Kind::Object) {
-        names = measureNames(value, dotted);
-        return findBooleanMember(value) != nullptr ? names.size() : 0;
-    }
-    if (value.kind == JsonValue::Kind::Array) {
-        Names ofItem;
-        for (const JsonValue& item : value.items) {
-            measureCopy(item, ofItem, dotted);
-        }
-        return value.items.size() * sizeof(ContextBase*);
-    }
-    return value.text.size();
-}
-
-/// Measures the names of `object`, and adds to `dotted` what the dotted ones take in it and in all
-/// that it holds.
-Names measureNames(const JsonValue& object, std::uint64_t& dotted) {
-    Names all;
-    for (std::size_t i = 0; i < object.items.size(); ++i) {
-        const std::uint64_t ownName = object.names[i].size();
-        Names below;
-        const std::uint64_t copy = measureCopy(object.items[i], below, dotted);
-        below.text += below.count * (ownName + 1);
-        dotted += below.size() + below.values;
-        all.count += below.count + 1;
-        all.text += below.text + ownName;
-        all.values += below.values + copy;
-    }
-    return all;
-}
-
 } // namespace
 
-std::uint64_t measureDottedNames(const JsonValue& root) {
-    Names names;
-    std::uint64_t dotted = 0;
-    measureCopy(root, names, dotted);
-    return dotted;
+std::unique_ptr<ContextBase> contextFromJsonValue(const JsonValue& value) {
+    if (internal::measureDottedNames(value) > jsonNamesLimit) {
+        throw JsonError("the context is too large: the dotted names of its nested objects would "
+                        "take over " +
+                        std::to_string(jsonNamesLimit >> 20) + " MiB");
+    }
+    return build(value);
 }
 
-std::unique_ptr<ContextBase> buildContext(const JsonValue& root) {
-    return measureDottedNames(root) > dottedNamesLimit ? nullptr : build(root);
+std::unique_ptr<ContextBase> contextFromJsonText(std::string_view text, JsonRoot root) {
+    return contextFromJsonValue(parseJson(text, root));
 }
 
-} // namespace stencilor
+} // namespace kel::Stencilor

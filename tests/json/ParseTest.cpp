@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
-#include <tools/stencilor/json_document.h>
+#include <libStencilorJson/JsonValue.h>
 
 #include <string>
 
-namespace stencilor {
+namespace kel::Stencilor {
 namespace {
 
 /// The value written as JSON again, in one way only.
@@ -32,11 +32,11 @@ std::string written(const JsonValue& value) {
 }
 
 std::string parsed(const std::string& text) {
-    const auto result = parseJson(text, JsonRoot::Any);
-    if (const auto* const error = std::get_if<JsonError>(&result)) {
-        return "error: " + error->message;
+    try {
+        return written(parseJson(text, JsonRoot::Any));
+    } catch (const JsonError& error) {
+        return std::string("error at ") + error.what();
     }
-    return written(std::get<JsonValue>(result));
 }
 
 TEST(JsonDocument, HoldsWhatTheTextSays) {
@@ -102,7 +102,7 @@ TEST(JsonDocument, KeepsNumbersAsTheyAreWritten) {
 TEST(JsonDocument, MayBeNested512LevelsDeep) {
     const std::string arrays = std::string(512, '[') + std::string(512, ']');
     EXPECT_EQ(parsed(arrays), arrays);
-    EXPECT_EQ(parsed("[" + arrays + "]"), "error: nested more than 512 levels deep");
+    EXPECT_EQ(parsed("[" + arrays + "]"), "error at 1:513: nested more than 512 levels deep");
     EXPECT_EQ(parsed("[[]," + std::string(511, '[') + std::string(511, ']') + "]"),
               "[[]," + std::string(511, '[') + std::string(511, ']') + "]");
 
@@ -113,12 +113,14 @@ TEST(JsonDocument, MayBeNested512LevelsDeep) {
         expected = "{a:" + expected + "}";
     }
     EXPECT_EQ(parsed(objects), expected);
-    EXPECT_EQ(parsed("{\"a\":" + objects + "}"), "error: nested more than 512 levels deep");
+    EXPECT_EQ(parsed("{\"a\":" + objects + "}"),
+              "error at 1:2561: nested more than 512 levels deep");
 }
 
 TEST(JsonDocument, RefusesNestingOfAnyDepthWithoutExhaustingTheStack) {
-    EXPECT_EQ(parsed(std::string(1'000'000, '[')), "error: nested more than 512 levels deep");
+    EXPECT_EQ(parsed(std::string(1'000'000, '[')),
+              "error at 1:513: nested more than 512 levels deep");
 }
 
 } // namespace
-} // namespace stencilor
+} // namespace kel::Stencilor

@@ -1,6 +1,6 @@
+#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/json_text.h>
 #include <nlohmann/json.hpp>
-#include <tools/stencilor/json_document.h>
-#include <tools/stencilor/json_text.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <unordered_set>
 #include <utility>
 
-namespace stencilor {
+namespace kel::Stencilor {
 
 namespace {
 
@@ -54,7 +54,8 @@ class DocumentBuilder {
     bool key(std::string& name);
     bool parse_error(std::size_t bytesRead, const std::string&, const Json::exception& problem);
 
-    std::variant<JsonValue, JsonError> result() &&;
+    /// The tree; throws where the parser was stopped.
+    JsonValue result() &&;
 
   private:
     /// An array or object whose end has not been read. Its address is stable, since the list that
@@ -73,12 +74,12 @@ class DocumentBuilder {
     bool checkPlace(JsonValue::Kind kind);
     JsonValue& place(JsonValue value);
     bool isIn(JsonValue::Kind kind) const;
-    bool refuse(std::size_t offset, std::string message);
+    bool refuse(std::size_t offset, const std::string& reason);
     std::string expectation(bool separated) const;
 
     std::string_view text_;
     JsonRoot rootKind_;
-    TokenCursor cursor_; // at the last token that was reported
+    internal::TokenCursor cursor_; // at the last token that was reported
     Last last_ = Last::Nothing;
     JsonValue root_;
     std::vector<Open> open_;
@@ -89,8 +90,8 @@ bool DocumentBuilder::isIn(JsonValue::Kind kind) const {
     return !open_.empty() && open_.back().value->kind == kind;
 }
 
-bool DocumentBuilder::refuse(std::size_t offset, std::string message) {
-    error_ = errorAt(text_, offset, std::move(message));
+bool DocumentBuilder::refuse(std::size_t offset, const std::string& reason) {
+    error_ = internal::errorAt(text_, offset, reason);
     return false;
 }
 
@@ -100,7 +101,7 @@ bool DocumentBuilder::checkPlace(JsonValue::Kind kind) {
     if (open_.empty() && rootKind_ == JsonRoot::Object && kind != JsonValue::Kind::Object) {
         return refuse(cursor_.start(), "expected an object");
     }
-    if (isIn(JsonValue::Kind::Object) && open_.back().value->names.back() == booleanMember &&
+    if (isIn(JsonValue::Kind::Object) && open_.back().value->names.back() == jsonBooleanMember &&
         kind != JsonValue::Kind::Boolean) {
         return refuse(cursor_.start(), "expected true or false as the value of \"$boolean\"");
     }
@@ -206,33 +207,33 @@ bool DocumentBuilder::parse_error(std::size_t bytesRead, const std::string&,
         }
         return refuse(offset, *inToken);
     }
-    std::size_t offset = skipJsonBlanks(text_, cursor_.end());
+    std::size_t offset = internal::skipJsonBlanks(text_, cursor_.end());
     const char separator = last_ == Last::Name ? ':' : ',';
     const bool separable = last_ == Last::Name || (last_ == Last::Value && !open_.empty());
     const bool separated = separable && offset < text_.size() && text_[offset] == separator;
     if (separated) {
-        offset = skipJsonBlanks(text_, offset + 1);
+        offset = internal::skipJsonBlanks(text_, offset + 1);
     }
     const char* const found = offset == text_.size() ? ", found the end of the text" : "";
     return refuse(offset, "expected " + expectation(separated) + found);
 }
 
-std::variant<JsonValue, JsonError> DocumentBuilder::result() && {
+JsonValue DocumentBuilder::result() && {
     if (error_) {
-        return std::move(*error_);
+        throw *error_;
     }
     return std::move(root_);
 }
 
 } // namespace
 
-std::variant<JsonValue, JsonError> parseJson(std::string_view text, JsonRoot root) {
-    if (std::optional<JsonError> error = findEncodingError(text)) {
-        return std::move(*error);
+JsonValue parseJson(std::string_view text, JsonRoot root) {
+    if (const std::optional<JsonError> error = internal::findEncodingError(text)) {
+        throw *error;
     }
     DocumentBuilder builder(text, root);
     Json::sax_parse(text.begin(), text.end(), &builder);
     return std::move(builder).result();
 }
 
-} // namespace stencilor
+} // namespace kel::Stencilor

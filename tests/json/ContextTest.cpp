@@ -1,25 +1,20 @@
 #include <gtest/gtest.h>
-#include <tools/stencilor/json_context.h>
+#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/measure_names.h>
 
 #include <string>
 
-namespace stencilor {
+namespace kel::Stencilor {
 namespace {
 
-using kel::Stencilor::ContextBase;
-using kel::Stencilor::ContextBoolean;
-using kel::Stencilor::ContextDictionary;
-using kel::Stencilor::ContextIterable;
-using kel::Stencilor::ContextString;
-
 std::unique_ptr<ContextBase> contextOf(const std::string& json) {
-    return buildContext(std::get<JsonValue>(parseJson(json, JsonRoot::Any)));
+    return contextFromJsonText(json, JsonRoot::Any);
 }
 
 /// What a template makes of a context, followed by the messages.
 std::string rendered(const std::string& json, const std::string& text) {
-    kel::String errors;
-    const kel::String output = kel::Stencilor::buildOutput(text, *contextOf(json), errors);
+    String errors;
+    const String output = buildOutput(text, *contextOf(json), errors);
     return output.str() + errors.str();
 }
 
@@ -36,6 +31,14 @@ TEST(JsonContext, GivesEachKindOfValueItsClass) {
     EXPECT_TRUE(context->containsKey("null"));
     EXPECT_EQ(context->find("null"), nullptr);
     EXPECT_EQ(dynamic_cast<ContextDictionary&>(*context).size(), 7u);
+}
+
+TEST(JsonContext, IsOfTheClassOfTheOutermostValue) {
+    EXPECT_NE(dynamic_cast<ContextString*>(contextOf("1.50").get()), nullptr);
+    EXPECT_NE(dynamic_cast<ContextBoolean*>(contextOf("true").get()), nullptr);
+    EXPECT_NE(dynamic_cast<ContextIterable*>(contextOf("[]").get()), nullptr);
+    EXPECT_NE(dynamic_cast<ContextDictionary*>(contextOf("{}").get()), nullptr);
+    EXPECT_EQ(contextOf("null"), nullptr);
 }
 
 TEST(JsonContext, RendersItsValues) {
@@ -206,6 +209,19 @@ std::string nestedBooleans(int levels, std::string innermost) {
     return innermost;
 }
 
+constexpr const char* tooLarge = "the context is too large: the dotted names of its nested objects "
+                                 "would take over 512 MiB";
+
+std::string errorOf(const std::string& json) {
+    try {
+        contextOf(json);
+    } catch (const JsonError& error) {
+        EXPECT_EQ(error.line(), 0u); // it has no place
+        return error.what();
+    }
+    return "";
+}
+
 TEST(DottedNames, AreRefusedWhereTheyWouldTakeTooMuch) {
     const struct {
         const char* name;
@@ -223,13 +239,13 @@ TEST(DottedNames, AreRefusedWhereTheyWouldTakeTooMuch) {
     };
     for (const auto& [name, json, isRefused] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(contextOf(json) == nullptr, isRefused);
+        EXPECT_EQ(errorOf(json), isRefused ? tooLarge : "");
     }
 }
 
 TEST(DottedNames, AreMeasured) {
     const auto measured = [](const std::string& json) {
-        return measureDottedNames(std::get<JsonValue>(parseJson(json, JsonRoot::Any)));
+        return internal::measureDottedNames(parseJson(json, JsonRoot::Any));
     };
     EXPECT_EQ(measured(members(100)), 0u);
     EXPECT_EQ(measured(R"({"a":[{"b":1},{"c":[]}]})"), 0u);
@@ -243,4 +259,4 @@ TEST(DottedNames, AreMeasured) {
 }
 
 } // namespace
-} // namespace stencilor
+} // namespace kel::Stencilor

@@ -1,20 +1,19 @@
 #include <gtest/gtest.h>
-#include <tools/stencilor/json_document.h>
+#include <libStencilorJson/JsonValue.h>
 
 #include <string>
 
-namespace stencilor {
+namespace kel::Stencilor {
 namespace {
 
-/// The error as `LINE:COLUMN: MESSAGE`.
+/// The error as `LINE:COLUMN: REASON`.
 std::string errorIn(const std::string& text, JsonRoot root) {
-    const auto result = parseJson(text, root);
-    const auto* const error = std::get_if<JsonError>(&result);
-    if (error == nullptr) {
-        return "none";
+    try {
+        contextFromJsonText(text, root);
+    } catch (const JsonError& error) {
+        return error.what();
     }
-    return std::to_string(error->line) + ":" + std::to_string(error->column) + ": " +
-           error->message;
+    return "none";
 }
 
 TEST(JsonErrors, TellWhatWasExpectedAndWhere) {
@@ -137,6 +136,17 @@ TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
     }
 }
 
+TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
+    try {
+        contextFromJsonText("{\n  \"a\": x}");
+        FAIL() << "this is no JSON";
+    } catch (const JsonError& error) {
+        EXPECT_EQ(error.line(), 2u);
+        EXPECT_EQ(error.column(), 8u);
+        EXPECT_STREQ(error.what(), "2:8: expected a value");
+    }
+}
+
 TEST(JsonErrors, TellOfMalformedUtf8) {
     const struct {
         const char* name;
@@ -238,8 +248,14 @@ TEST(JsonErrors, TellOfARootThatIsNoObject) {
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
         EXPECT_EQ(errorIn(text, JsonRoot::Object), expected);
+        try {
+            contextFromJsonText(text); // what it takes where nothing else is asked for
+            EXPECT_EQ(expected, "none");
+        } catch (const JsonError& error) {
+            EXPECT_EQ(error.what(), expected);
+        }
     }
 }
 
 } // namespace
-} // namespace stencilor
+} // namespace kel::Stencilor
