@@ -1,4 +1,5 @@
 #include "../tests/support/SecondReading.h"
+#include "../tests/support/SyntaxReport.h"
 #include "../tests/support/SyntaxTree.h"
 #include "target.h"
 
@@ -7,7 +8,8 @@
 #include <string>
 
 // The parser and the second reading of the language accept the same templates, and make the same
-// tree of each; of a template that is rejected, too, up to the fault.
+// tree of each; of a template that is rejected, too, up to the fault. What hosts are told of the
+// parts and of the fault agrees with that.
 
 using namespace kel::Stencilor::internal;
 
@@ -23,5 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   "both readings accept the same templates");
     fuzz::require(support::describe(parsed.nodes) == support::describe(read.nodes),
                   "both readings give the same tree");
+    fuzz::require(support::findMistakeInReport(std::string(input)).empty(),
+                  "what is reported is right");
     return 0;
 }

@@ -113,8 +113,11 @@ bool template_grammar::expr_rule() {
 // The rest of the opening tag; the other tags are matched by closing_tag() behind the content.
 bool template_grammar::if_rule() {
     span name;
-    if (!identifier_rule(name) || !literal("%}")) {
-        return false;
+    if (!identifier_rule(name)) {
+        return missing(SyntaxExpectation::IfName);
+    }
+    if (!literal("%}")) {
+        return missing(SyntaxExpectation::IfEnd);
     }
     open(step_kind::open_if, name, {});
     return true;
@@ -125,9 +128,17 @@ bool template_grammar::if_rule() {
 bool template_grammar::for_rule() {
     span variable;
     span list_name;
-    if (!identifier_rule(variable) || !literal("in") || !identifier_rule(list_name) ||
-        !literal("%}")) {
-        return false;
+    if (!identifier_rule(variable)) {
+        return missing(SyntaxExpectation::ForVariable);
+    }
+    if (!literal("in")) {
+        return missing(SyntaxExpectation::ForIn);
+    }
+    if (!identifier_rule(list_name)) {
+        return missing(SyntaxExpectation::ForList);
+    }
+    if (!literal("%}")) {
+        return missing(SyntaxExpectation::ForEnd);
     }
     open(step_kind::open_for, variable, list_name);
     return true;
@@ -136,8 +147,11 @@ bool template_grammar::for_rule() {
 // replace_rule = "{{" identifier "}}"
 bool template_grammar::replace_rule() {
     span name;
-    if (!identifier_rule(name) || !literal("}}")) {
-        return false;
+    if (!identifier_rule(name)) {
+        return missing(SyntaxExpectation::SubstitutionName);
+    }
+    if (!literal("}}")) {
+        return missing(SyntaxExpectation::SubstitutionEnd);
     }
     add(step_kind::replace, name);
     return true;
@@ -146,8 +160,17 @@ bool template_grammar::replace_rule() {
 // include_rule = "{%" "include" '"' identifier '"' "%}"
 bool template_grammar::include_rule() {
     span path;
-    if (!literal("\"") || !identifier_rule(path) || !literal("\"") || !literal("%}")) {
-        return false;
+    if (!literal("\"")) {
+        return missing(SyntaxExpectation::IncludeOpeningQuote);
+    }
+    if (!identifier_rule(path)) {
+        return missing(SyntaxExpectation::IncludePath);
+    }
+    if (!literal("\"")) {
+        return missing(SyntaxExpectation::IncludeClosingQuote);
+    }
+    if (!literal("%}")) {
+        return missing(SyntaxExpectation::IncludeEnd);
     }
     add(step_kind::include, path);
     return true;
@@ -181,7 +204,11 @@ bool template_grammar::else_tag() {
     open_block& innermost = open_.back();
     const char* const begin = position_;
     if (steps_[innermost.step].kind != step_kind::open_if || innermost.in_else ||
-        !literal("else") || !literal("%}")) {
+        !literal("else")) {
+        return false;
+    }
+    if (!literal("%}")) {
+        missing(SyntaxExpectation::ElseEnd);
         position_ = begin;
         return false;
     }
@@ -192,8 +219,11 @@ bool template_grammar::else_tag() {
 
 bool template_grammar::end_tag() {
     const bool closes_loop = steps_[open_.back().step].kind == step_kind::open_for;
-    if (!(closes_loop ? literal("endfor") : literal("endif")) || !literal("%}")) {
+    if (!(closes_loop ? literal("endfor") : literal("endif"))) {
         return false;
+    }
+    if (!literal("%}")) {
+        return missing(closes_loop ? SyntaxExpectation::EndForEnd : SyntaxExpectation::EndIfEnd);
     }
     open_.pop_back();
     steps_.push_back({step_kind::close, {}});
@@ -233,6 +263,12 @@ void template_grammar::open(step_kind kind, span text, span list_name) {
     add(kind, text);
     blocks_.push_back({list_name});
     open_.push_back({steps_.size() - 1, blocks_.size() - 1});
+}
+
+/// Notes what should stand behind the blanks here. False, for the rule to return.
+bool template_grammar::missing(SyntaxExpectation expected) {
+    missing_ = {expected, static_cast<std::uint32_t>(behindBlanks(position_) - begin_)};
+    return false;
 }
 
 /// Appends the nodes that the steps describe to `list`.

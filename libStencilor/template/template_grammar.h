@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILOR_TEMPLATE_TEMPLATE_GRAMMAR_H
 #define LIBSTENCILOR_TEMPLATE_TEMPLATE_GRAMMAR_H
 
+#include <libStencilor/Syntax.h>
 #include <libStencilor/template/syntax_tree.h>
 
 #include <cstddef>
@@ -48,6 +49,9 @@ class template_grammar {
     /// list then receives the nodes that are complete before the fault.
     bool parse(content_list& list);
 
+    /// In place of `parse`: hands the parts to `visitor`, and tells what is wrong.
+    SyntaxFault report(SyntaxVisitor& visitor);
+
   private:
     enum class step_kind : std::uint8_t { text, replace, include, open_if, open_for, other, close };
 
@@ -74,6 +78,13 @@ class template_grammar {
         bool in_else = false;
     };
 
+    /// The part of a tag that was not found. Noted where nothing else can match the tag, so that
+    /// templates that are well formed do not pay for it.
+    struct missing_part {
+        SyntaxExpectation expected = SyntaxExpectation::Nothing;
+        std::uint32_t offset = 0;
+    };
+
     bool start();
     bool content_rule();
     bool text_rule();
@@ -93,7 +104,10 @@ class template_grammar {
     span spanFrom(const char* begin) const;
     void add(step_kind kind, span text);
     void open(step_kind kind, span text, span list_name);
+    bool missing(SyntaxExpectation expected);
     void build(content_list& list) const;
+
+    class reporter;
     std::string_view textOf(span part) const { return {begin_ + part.begin, part.size}; }
 
     const char* begin_;
@@ -103,6 +117,7 @@ class template_grammar {
     std::vector<block> blocks_;
     std::vector<open_block> open_;
     std::uint32_t top_level_count_ = 0;
+    missing_part missing_;
 };
 
 } // namespace kel::Stencilor::internal

@@ -1,6 +1,7 @@
 #include "ReadingComparison.h"
 
 #include "SecondReading.h"
+#include "SyntaxReport.h"
 #include "SyntaxTree.h"
 
 #include <libStencilor/template/parse_template.h>
@@ -44,6 +45,7 @@ void expectTheSameReading(const std::string& input) {
                                   << (readings.acceptedOnceMore ? "accepted" : "rejected")
                                   << " by the second reading:\n"
                                   << describe(readings.read.nodes);
+    EXPECT_EQ(findMistakeInReport(input), "") << "[" << input << "]";
 }
 
 } // namespace support

@@ -18,7 +18,7 @@ inline constexpr std::array<std::string_view, 22> tokens = {
 /// where it is rejected, of what is complete before the fault.
 bool readsTheSame(const std::string& input);
 
-/// The same as a check, which tells the difference.
+/// The same as a check, which tells the difference, and of what is reported to hosts.
 void expectTheSameReading(const std::string& input);
 
 } // namespace support

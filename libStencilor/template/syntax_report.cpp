@@ -1,0 +1,143 @@
+#include <libStencilor/template/template_grammar.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+using Kind = SyntaxElement::Kind;
+
+/// Tells what the first pass of a parse found.
+///
+/// How it works: the parts follow each other without a gap, so that each begins where the one
+///   before it ends. Of a tag the steps hold the names; behind those, the next pair closes it.
+/// Ownership: borrows the grammar.
+class template_grammar::reporter {
+  public:
+    explicit reporter(const template_grammar& grammar)
+        : grammar_(grammar), next_block_(grammar.blocks_.begin()) {}
+
+    /// To be called once, before `fault`.
+    void visitParts(SyntaxVisitor& visitor) {
+        for (const step& found : grammar_.steps_) {
+            const SyntaxElement part = nextPart(found);
+            position_ = part.whole.end;
+            followBlocks(part);
+            visitor.visit(part);
+        }
+    }
+
+    /// What ended a parse that did not match.
+    SyntaxFault fault() const {
+        SyntaxFault found;
+        found.block = open_.empty() ? SyntaxRange() : open_.back().whole;
+        found.tag = position_;
+        if (grammar_.position_ == grammar_.end_) {
+            found.expected = missingTag();
+            found.offset = position_;
+        } else if (grammar_.missing_.expected != SyntaxExpectation::Nothing) {
+            found.expected = grammar_.missing_.expected;
+            found.offset = grammar_.missing_.offset;
+        } else {
+            found.expected = missingKeyword();
+            found.offset = behindOpener();
+        }
+        return found;
+    }
+
+  private:
+    struct open_tag {
+        Kind kind; // If, Else or For: what the innermost part of the block is
+        SyntaxRange whole;
+    };
+
+    SyntaxElement nextPart(const step& found) {
+        switch (found.kind) {
+        case step_kind::text:
+            return {Kind::Text, rangeOf(found.text), {}, {}};
+        case step_kind::replace:
+            return tag(Kind::Substitution, "}}", found.text);
+        case step_kind::include:
+            return tag(Kind::Include, "%}", found.text);
+        case step_kind::open_if:
+            ++next_block_;
+            return tag(Kind::If, "%}", found.text);
+        case step_kind::open_for:
+            return tag(Kind::For, "%}", found.text, (next_block_++)->list_name);
+        case step_kind::other:
+            return tag(Kind::Else, "%}");
+        case step_kind::close:
+            break;
+        }
+        return tag(open_.back().kind == Kind::For ? Kind::EndFor : Kind::EndIf, "%}");
+    }
+
+    SyntaxElement tag(Kind kind, std::string_view closer, span name = {}, span list = {}) const {
+        const SyntaxRange last = rangeOf(list.size != 0 ? list : name);
+        const auto behind = last.isEmpty() ? position_ : last.end;
+        const std::size_t closed = text().find(closer, behind);
+        return {kind,
+                {position_, static_cast<unsigned int>(closed + closer.size())},
+                rangeOf(name),
+                rangeOf(list)};
+    }
+
+    void followBlocks(const SyntaxElement& part) {
+        switch (part.kind) {
+        case Kind::If:
+        case Kind::For:
+            open_.push_back({part.kind, part.whole});
+            break;
+        case Kind::Else:
+            open_.back().kind = Kind::Else;
+            break;
+        case Kind::EndIf:
+        case Kind::EndFor:
+            open_.pop_back();
+            break;
+        default:
+            break;
+        }
+    }
+
+    unsigned int behindOpener() const {
+        const std::size_t keyword = text().find_first_not_of(" \t", position_ + 2);
+        return static_cast<unsigned int>(std::min(keyword, text().size()));
+    }
+
+    SyntaxExpectation missingKeyword() const {
+        if (open_.empty()) {
+            return SyntaxExpectation::Keyword;
+        }
+        return open_.back().kind == Kind::For    ? SyntaxExpectation::KeywordInFor
+               : open_.back().kind == Kind::Else ? SyntaxExpectation::KeywordInElse
+                                                 : SyntaxExpectation::KeywordInIf;
+    }
+
+    SyntaxExpectation missingTag() const {
+        return open_.back().kind == Kind::For    ? SyntaxExpectation::MissingEndFor
+               : open_.back().kind == Kind::Else ? SyntaxExpectation::MissingEndIf
+                                                 : SyntaxExpectation::MissingElseOrEndIf;
+    }
+
+    std::string_view text() const {
+        return {grammar_.begin_, static_cast<std::size_t>(grammar_.end_ - grammar_.begin_)};
+    }
+
+    static SyntaxRange rangeOf(span part) { return {part.begin, part.begin + part.size}; }
+
+    const template_grammar& grammar_;
+    std::vector<block>::const_iterator next_block_;
+    std::vector<open_tag> open_;
+    unsigned int position_ = 0; // where the next part begins
+};
+
+SyntaxFault template_grammar::report(SyntaxVisitor& visitor) {
+    const bool matched = start();
+    reporter found(*this);
+    found.visitParts(visitor);
+    return matched ? SyntaxFault() : found.fault();
+}
+
+} // namespace kel::Stencilor::internal
