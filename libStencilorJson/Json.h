@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILORJSON_JSON_H
 #define LIBSTENCILORJSON_JSON_H
 
+/// @file
 /// Makes contexts of the values of nlohmann-json.
 ///
 ///     #include <libStencilorJson/Json.h>
@@ -24,6 +25,7 @@
 
 namespace kel::Stencilor {
 
+/// @cond
 namespace internal {
 
 bool isValidUtf8(std::string_view text);
@@ -121,12 +123,16 @@ inline JsonValue JsonReader::read(const nlohmann::json& json) {
 }
 
 } // namespace internal
+/// @endcond
 
-/// Makes a context of a value; null where that is JSON's null.
+/// Makes a context of a value.
 ///
 /// Refused are, beside what is refused in a text, numbers that are not finite, binary data, and
 /// values that their parser has discarded. The error has no line, but the pointer of the value
 /// (`/users/0/name: malformed UTF-8`).
+///
+/// @param value the value, which is only read
+/// @return the context; null where the value is JSON's null
 inline std::unique_ptr<ContextBase> contextFromJson(const nlohmann::json& value) {
     return contextFromJsonValue(internal::JsonReader().read(value));
 }

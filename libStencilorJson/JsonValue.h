@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILORJSON_JSONVALUE_H
 #define LIBSTENCILORJSON_JSONVALUE_H
 
+/// @file
 /// Makes contexts of JSON texts.
 ///
 ///     #include <libStencilorJson/JsonValue.h>
@@ -72,12 +73,22 @@ inline constexpr std::uint64_t jsonNamesLimit = 512u * 1024 * 1024;
 /// for a value inside of another one, and otherwise the reason alone.
 class JsonError : public std::runtime_error {
   public:
+    /// A fault in a text.
+    /// @param line counted from 1
+    /// @param column counted from 1, in code points
+    /// @param reason what is wrong there
     JsonError(std::size_t line, std::size_t column, const std::string& reason);
+
+    /// A fault that has no place in a text.
+    /// @param reason what is wrong
     explicit JsonError(const std::string& reason);
 
-    /// Lines and columns count from 1, columns in code points; both are 0 where the fault has no
-    /// place in a text.
+    /// Tells where the fault is.
+    /// @return the line, counted from 1; 0 where the fault has no place in a text
     std::size_t line() const { return line_; }
+
+    /// Tells where the fault is.
+    /// @return the column, counted from 1, in code points; 0 where it has no place in a text
     std::size_t column() const { return column_; }
 
   private:
@@ -89,12 +100,22 @@ class JsonError : public std::runtime_error {
 ///
 /// Numbers stay text: what is rendered is what was written, to the last digit.
 struct JsonValue {
-    enum class Kind { Null, Boolean, Number, String, Array, Object };
+    /// The kinds that JSON has.
+    enum class Kind {
+        Null,    ///< `null`
+        Boolean, ///< `true` or `false`
+        Number,  ///< a number
+        String,  ///< a text
+        Array,   ///< values in their order
+        Object   ///< values with names
+    };
 
-    /// Makes `value` the member `name` of this object, in the place of one of that name.
+    /// Makes a value a member of this object, in the place of one of that name.
+    /// @param name the name of the member
+    /// @param value the member
     void set(std::string_view name, JsonValue value);
 
-    Kind kind = Kind::Null;
+    Kind kind = Kind::Null;           ///< what it is
     bool truth = false;               ///< of a boolean
     std::string text{};               ///< of a string, UTF-8; of a number as it was written
     std::vector<std::string> names{}; ///< of an object's items, in their order; each occurs once
@@ -102,15 +123,26 @@ struct JsonValue {
 };
 
 /// What the outermost value may be.
-enum class JsonRoot { Object, Any };
+enum class JsonRoot {
+    Object, ///< an object, which a template needs
+    Any     ///< any value, as a part of a context
+};
 
-/// Reads `text`, UTF-8 that may begin with a byte-order mark.
+/// Reads a JSON text.
+/// @param text UTF-8 that may begin with a byte-order mark
+/// @param root what the outermost value may be
+/// @return the value
 JsonValue parseJson(std::string_view text, JsonRoot root = JsonRoot::Object);
 
-/// Makes a context of a value; null where that is JSON's null.
+/// Makes a context of a value.
+/// @param value the value, which is only read
+/// @return the context; null where the value is JSON's null
 std::unique_ptr<ContextBase> contextFromJsonValue(const JsonValue& value);
 
-/// Reads `text` and makes a context of it; null where `root` is `Any` and the text JSON's null.
+/// Reads a JSON text and makes a context of it.
+/// @param text UTF-8 that may begin with a byte-order mark
+/// @param root what the outermost value may be
+/// @return the context; null where `root` is `Any` and the text JSON's null
 std::unique_ptr<ContextBase> contextFromJsonText(std::string_view text,
                                                  JsonRoot root = JsonRoot::Object);
 
