@@ -4,23 +4,25 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# stencilor_install_library(TARGET PACKAGE FOLDER HEADERS...)
+# stencilor_install_library(TARGET PACKAGE FOLDER [COMPONENT NAME] HEADERS...)
 #
-# The package gives the target in its own namespace; the headers are included as <FOLDER/HEADER>.
+# The package gives the target in its own namespace, or only where its component NAME is asked for.
+# The headers are included as <FOLDER/HEADER>.
 function(stencilor_install_library target package folder)
-    list(TRANSFORM ARGN PREPEND "${PROJECT_SOURCE_DIR}/${folder}/" OUTPUT_VARIABLE headers)
+    cmake_parse_arguments(PARSE_ARGV 3 library "" "COMPONENT" "")
+    set(headers ${library_UNPARSED_ARGUMENTS})
+    list(TRANSFORM headers PREPEND "${PROJECT_SOURCE_DIR}/${folder}/")
     set_property(GLOBAL APPEND PROPERTY stencilor_exported_headers ${headers})
     if(NOT STENCILOR_INSTALL)
         return()
     endif()
     target_include_directories(${target} PUBLIC "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
-    set(destination "${CMAKE_INSTALL_LIBDIR}/cmake/${package}")
     if(NOT WIN32)
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
     endif()
     install(
         TARGETS ${target}
-        EXPORT ${package}Targets
+        EXPORT ${package}${library_COMPONENT}Targets
         RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
         LIBRARY
             DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -29,16 +31,24 @@ function(stencilor_install_library target package folder)
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
     )
     install(
-        FILES ${ARGN}
+        FILES ${headers}
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
         COMPONENT development
     )
     install(
-        EXPORT ${package}Targets
+        EXPORT ${package}${library_COMPONENT}Targets
         NAMESPACE ${package}::
-        DESTINATION "${destination}"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/${package}"
         COMPONENT development
     )
+endfunction()
+
+# What find_package(PACKAGE) finds, made of cmake/package/<PACKAGE>Config.cmake.in.
+function(stencilor_install_package package)
+    if(NOT STENCILOR_INSTALL)
+        return()
+    endif()
+    set(destination "${CMAKE_INSTALL_LIBDIR}/cmake/${package}")
     configure_package_config_file(
         "${PROJECT_SOURCE_DIR}/cmake/package/${package}Config.cmake.in"
         "${PROJECT_BINARY_DIR}/package/${package}Config.cmake"
@@ -53,6 +63,42 @@ function(stencilor_install_library target package folder)
         FILES
             "${PROJECT_BINARY_DIR}/package/${package}Config.cmake"
             "${PROJECT_BINARY_DIR}/package/${package}ConfigVersion.cmake"
+        DESTINATION "${destination}"
+        COMPONENT development
+    )
+endfunction()
+
+# stencilor_install_pkg_config(TARGET DESCRIPTION [REQUIRES MODULE...])
+#
+# What `pkg-config` finds, under the name of the target.
+function(stencilor_install_pkg_config target description)
+    cmake_parse_arguments(PARSE_ARGV 2 module "" "" "REQUIRES")
+    if(NOT STENCILOR_INSTALL)
+        return()
+    endif()
+    get_target_property(library ${target} OUTPUT_NAME)
+    get_target_property(definitions ${target} INTERFACE_COMPILE_DEFINITIONS)
+    set(flags "")
+    if(definitions)
+        list(TRANSFORM definitions PREPEND " -D")
+        list(JOIN definitions "" flags)
+    endif()
+    set(private_libraries "")
+    if(NOT STENCILOR_SHARED)
+        set(private_libraries "${CMAKE_THREAD_LIBS_INIT}")
+    endif()
+    set(destination "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    file(RELATIVE_PATH up "/${destination}" "/")
+    string(REGEX REPLACE "/$" "" up "${up}")
+    list(JOIN module_REQUIRES ", " requires)
+    string(REPLACE "_" "-" name "${target}")
+    configure_file(
+        "${PROJECT_SOURCE_DIR}/cmake/package/module.pc.in"
+        "${PROJECT_BINARY_DIR}/package/${name}.pc"
+        @ONLY
+    )
+    install(
+        FILES "${PROJECT_BINARY_DIR}/package/${name}.pc"
         DESTINATION "${destination}"
         COMPONENT development
     )

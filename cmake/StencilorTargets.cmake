@@ -35,6 +35,21 @@ function(stencilor_compile_settings target)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:stencilor_warnings>)
 endfunction()
 
+if(STENCILOR_SHARED)
+    set(stencilor_library_type SHARED)
+else()
+    set(stencilor_library_type STATIC)
+endif()
+
+# Tells the headers of a library that is built as a static one that nothing is exported or imported,
+# where it is compiled and where it is used.
+function(stencilor_mark_static definition objects library)
+    if(NOT STENCILOR_SHARED)
+        target_compile_definitions(${objects} PUBLIC ${definition})
+        target_compile_definitions(${library} INTERFACE ${definition})
+    endif()
+endfunction()
+
 # A folder that holds nothing but a link to the sources of one library, to stand on include paths as
 # `#include <FOLDER/...>`. The root of the tree cannot: it would offer both libraries, and so hide
 # the headers of a base library that comes from elsewhere.
@@ -48,7 +63,7 @@ endfunction()
 # Exports what exports.map beside the target's CMakeLists.txt says. On Windows the marks in the
 # headers do so alone.
 function(stencilor_limit_exports target)
-    if(WIN32)
+    if(WIN32 OR NOT STENCILOR_SHARED)
         return()
     endif()
     set(map "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")

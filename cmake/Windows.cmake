@@ -11,10 +11,10 @@ set(stencilor_windows_templates "${CMAKE_CURRENT_LIST_DIR}/windows")
 
 # Gives a program or a library the version that the Explorer shows in its properties.
 function(stencilor_add_version_resource target description)
-    if(NOT WIN32)
+    get_target_property(type ${target} TYPE)
+    if(NOT WIN32 OR type STREQUAL "STATIC_LIBRARY")
         return()
     endif()
-    get_target_property(type ${target} TYPE)
     if(type STREQUAL "EXECUTABLE")
         set(VERSION_FILE_TYPE VFT_APP)
     else()

@@ -1,9 +1,11 @@
 #include <libStencilor/Stencilor.h>
 
+#include <iostream>
+
 using namespace kel::Stencilor;
 
 int main() {
     ContextDictionary context;
     context.insert("name", ContextFactory::buildString("world"));
-    return buildOutput("Hello, {{ name }}!", context) == "Hello, world!" ? 0 : 1;
+    std::cout << buildOutput("Hello, {{ name }}!\n", context);
 }
