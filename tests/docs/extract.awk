@@ -10,7 +10,7 @@
 #
 #   <!-- file: NAME -->          the block is also saved as NAME, for the blocks that follow
 #   <!-- not run: REASON -->     the block is shown only
-#   <!-- native only: REASON --> the block is run only where what was built runs without an emulator
+#   <!-- native only: REASON --> the block is run only for the machine that builds, without sanitizers
 #
 # A cpp block without a main() of its own stands inside one: in that of the document's cpp block that says
 # "// the example", in the place of that line.
