@@ -1,0 +1,79 @@
+#include <libStencilor/Stencilor.h>
+
+#include <deque>
+#include <iostream>
+
+// A host whose own data are what templates see. The records hold their texts as values of the
+// engine, and contexts borrow those: a text is in memory once, however many contexts it stands in,
+// and a context is made without copying any.
+
+using namespace kel::Stencilor;
+
+namespace {
+
+/// A dictionary or list that deletes nothing of what stands in it: that belongs to the host.
+template <typename Value>
+class Borrowing : public Value {
+  public:
+    Borrowing() = default;
+    Borrowing(const Borrowing&) = delete;
+    Borrowing& operator=(const Borrowing&) = delete;
+    // Assigning drops what a value holds, without deleting it.
+    ~Borrowing() override { Value::operator=(Value()); }
+};
+
+class Book {
+  public:
+    Book(const kel::String& title, const kel::String& author) : title_(title), author_(author) {
+        value_.insert("title", &title_);
+        value_.insert("author", &author_);
+        value_.insert("lent", &lent_);
+    }
+    // Contexts know the address.
+    Book(const Book&) = delete;
+    Book& operator=(const Book&) = delete;
+
+    void lend() { lent_ = ContextBoolean(true); }
+
+    /// What templates see. Valid as long as the book is.
+    ContextBase* value() { return &value_; }
+
+  private:
+    ContextString title_;
+    ContextString author_;
+    ContextBoolean lent_{false};
+    Borrowing<ContextDictionary>
+        value_; // the last, so that it lets go of the others before they die
+};
+
+void print(const char* text, const ContextBase& context) {
+    std::cout << buildOutput(text, context);
+}
+
+} // namespace
+
+int main() {
+    std::deque<Book> shelf; // which never moves what stands in it
+    shelf.emplace_back("Die Verwandlung", "Franz Kafka");
+    shelf.emplace_back("Wuthering Heights", "Emily Bront\u00EB");
+    shelf.emplace_back("Sonnenfinsternis", "Arthur Koestler");
+
+    Borrowing<ContextIterable> books;
+    for (Book& book : shelf) {
+        books.add(book.value());
+    }
+    Borrowing<ContextIterable> favourites;
+    favourites.add(shelf[1].value()); // a second place for the same book
+    Borrowing<ContextDictionary> context;
+    context.insert("books", &books);
+    context.insert("favourites", &favourites);
+
+    constexpr const char* list = "{% for book in books %}{{ book.author }}: {{ book.title }}"
+                                 "{% if book.lent %} (lent){% endif %}\n{% endfor %}";
+    print(list, context);
+    print("{% for book in favourites %}Read {{ book.title }}!\n{% endfor %}", context);
+
+    shelf[1].lend(); // what contexts see at once
+    std::cout << "--\n";
+    print(list, context);
+}
