@@ -4,6 +4,8 @@
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
 
+#include <libStencilorJson/Json.h>
+
 #include <cstdio>
 #include <map>
 #include <stdexcept>
@@ -70,6 +72,16 @@ void catchException() {
     }
 }
 
+void readJson() {
+    const nlohmann::json values = {{"guest", {{"name", "Ada"}}}};
+    print(buildOutput("{{ guest.name }}", *contextFromJson(values)));
+    try {
+        contextFromJsonText("{\"guest\":\n}");
+    } catch (const JsonError& error) {
+        std::puts(error.what());
+    }
+}
+
 void receiveLog() {
     kel::LogFactory::setSink([](const kel::LogRecord& record) {
         std::printf("%s: %s", record.category, std::string(record.text).c_str());
@@ -88,5 +100,6 @@ int main(int argc, char** argv) {
     render();
     includeFile(argv[1]);
     catchException();
+    readJson();
     receiveLog();
 }
