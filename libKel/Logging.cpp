@@ -143,7 +143,10 @@ void LogFactory::setSink(LogSink sink) {
     registry().sink.swap(shared);
 }
 
-void TraceLogger::enter() noexcept {
+void TraceLogger::enter(const char* function, const char* file, int line) noexcept {
+    function_ = function;
+    file_ = file;
+    line_ = line;
     record(LogRecord::Kind::ScopeEntered);
     ++traceDepth;
 }

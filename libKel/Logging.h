@@ -170,9 +170,9 @@ class TraceLogger {
     /// @param file the source file that it stands in
     /// @param line the line that it begins in
     TraceLogger(Logger* logger, const char* function, const char* file, int line) noexcept
-        : logger_(logger), function_(function), file_(file), line_(line) {
+        : logger_(logger) {
         if (logger_ != nullptr) {
-            enter();
+            enter(function, file, line);
         }
     }
     TraceLogger(const TraceLogger&) = delete;
@@ -185,12 +185,12 @@ class TraceLogger {
     }
 
   private:
-    KEL_EXPORT void enter() noexcept;
+    KEL_EXPORT void enter(const char* function, const char* file, int line) noexcept;
     KEL_EXPORT void leave() noexcept;
     void record(LogRecord::Kind kind) const noexcept;
 
     Logger* logger_;
-    const char* function_;
+    const char* function_; // this and the rest: not set without a logger
     const char* file_;
     int line_;
 };
