@@ -38,14 +38,12 @@ std::uint64_t fewBytes(const char* bytes, unsigned int count) {
 
 } // namespace
 
-CString::CString(const char* bytes, unsigned int length) : data_(inline_), size_(length) {
-    if (length > inlineCapacity) {
-        data_ = resizeBlock(nullptr, length);
+/// Copies `size_` bytes, and the NUL behind them.
+void CString::copy(const char* bytes) {
+    if (size_ > inlineCapacity) {
+        data_ = resizeBlock(nullptr, size_);
     }
-    if (length > 0) { // otherwise the pointer may be null
-        std::memcpy(data_, bytes, length);
-    }
-    data_[length] = '\0';
+    std::memcpy(data_, bytes, std::size_t{size_} + 1);
 }
 
 void CString::release() noexcept {
@@ -108,14 +106,6 @@ String String::subString(unsigned int start, unsigned int count) const {
         return String();
     }
     return String(data_ + start, std::min(count, size_ - start));
-}
-
-CString String::getLowerByteString() const {
-    return CString(data_, size_);
-}
-
-CString String::getUTF8String() const {
-    return CString(data_, size_);
 }
 
 void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
@@ -196,10 +186,13 @@ void String::take(String& other) noexcept {
     other.release();
 }
 
-/// Makes room for `size` characters, and for as many again so that appending stays linear.
+/// Makes room for `size` characters, and for as many again so that appending stays linear. What is
+/// appended to once is likely to be appended to again, so small blocks are not worth their moving.
 void String::grow(std::size_t size) {
+    constexpr std::size_t least = 255;
     checkedSize(size);
-    const std::size_t capacity = std::min(std::max(size, std::size_t{capacity_} * 2), longest);
+    const std::size_t capacity =
+        std::min(std::max({size, capacity_ * std::size_t{2}, least}), longest);
     if (isInline()) {
         char* block = resizeBlock(nullptr, capacity);
         std::memcpy(block, data_, size_ + 1);

@@ -19,6 +19,8 @@
 /// The base library: strings, buffers, files and logging.
 namespace kel {
 
+class String;
+
 /// The narrow bytes of a `String`, as its conversions return them.
 ///
 /// Ownership: holds its own copy; `c_str()` stays valid until the object is destroyed.
@@ -45,7 +47,8 @@ class CString {
 
   private:
     friend class String;
-    CString(const char* bytes, unsigned int length);
+    explicit CString(const String& string);
+    KEL_EXPORT void copy(const char* bytes);
     KEL_EXPORT void release() noexcept;
 
     // Long enough for most values of a template, so that reading one allocates nothing.
@@ -73,8 +76,11 @@ class String {
 
     /// The bytes up to the first NUL.
     /// @param bytes the bytes, which are copied; a null pointer gives an empty string
-    String(const char* bytes)
-        : String(bytes, bytes == nullptr ? 0 : checkedSize(std::strlen(bytes))) {}
+    String(const char* bytes) : String() {
+        if (bytes != nullptr && *bytes != '\0') {
+            assign(bytes, checkedSize(std::strlen(bytes)));
+        }
+    }
 
     /// So many bytes, NUL bytes included.
     /// @param bytes the bytes, which are copied; it may be null where the length is 0
@@ -158,11 +164,11 @@ class String {
 
     /// Reduces each character to one byte, its low 8 bits: here the characters themselves.
     /// @return the bytes
-    KEL_EXPORT CString getLowerByteString() const;
+    CString getLowerByteString() const { return CString(*this); }
 
     /// Encodes in UTF-8: here the characters themselves. Bytes that are not valid UTF-8 stay.
     /// @return the bytes
-    KEL_EXPORT CString getUTF8String() const;
+    CString getUTF8String() const { return CString(*this); }
 
     /// Replaces the content by the decoding of UTF-8. Each maximal part that is malformed becomes
     /// one U+FFFD (The Unicode Standard 15.0, section 3.9, table 3-8), so that the result is always
@@ -193,14 +199,16 @@ class String {
 #endif
 
   private:
+    friend class CString;
     static constexpr unsigned int inlineCapacity = 23;
 
     bool isInline() const noexcept {
         return data_ == inline_;
     }
     std::uint64_t leadingBytes() const noexcept;
+    bool isLessBehindLeading(const String& other) const noexcept;
     KEL_EXPORT static unsigned int checkedSize(std::size_t size);
-    void assign(const char* bytes, unsigned int length);
+    KEL_EXPORT void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
     void grow(std::size_t size);
     void store(const char* bytes) noexcept;
@@ -215,6 +223,16 @@ class String {
     // decides most comparisons.
     char inline_[inlineCapacity + 1];
 };
+
+// What is inline is copied whole, whatever its length: that takes two instructions or three.
+inline CString::CString(const String& string) : data_(inline_), size_(string.size_) {
+    static_assert(inlineCapacity >= String::inlineCapacity);
+    if (string.isInline()) {
+        std::memcpy(inline_, string.inline_, sizeof(string.inline_));
+    } else {
+        copy(string.data_);
+    }
+}
 
 inline std::uint64_t String::leadingBytes() const noexcept {
     std::uint64_t bytes;
@@ -232,13 +250,14 @@ inline std::uint64_t String::leadingBytes() const noexcept {
 inline bool String::operator<(const String& other) const noexcept {
     const std::uint64_t mine = leadingBytes();
     const std::uint64_t theirs = other.leadingBytes();
-    if (mine != theirs) {
-        return mine < theirs;
-    }
-    if (size_ <= sizeof(mine) || other.size_ <= sizeof(theirs)) {
-        return size_ < other.size_; // one of them begins the other
-    }
-    return view() < other.view();
+    return mine < theirs || (mine == theirs && isLessBehindLeading(other));
+}
+
+inline bool String::isLessBehindLeading(const String& other) const noexcept {
+    constexpr unsigned int compared = sizeof(std::uint64_t);
+    return size_ <= compared || other.size_ <= compared
+               ? size_ < other.size_ // one begins the other
+               : view() < other.view();
 }
 
 /// Writes the characters.

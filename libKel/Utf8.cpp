@@ -3,6 +3,7 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -13,21 +14,28 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-/// True if none of eight bytes is over 127.
+/// True if none of `Count` bytes, a multiple of eight, is over 127.
+template <std::size_t Count>
 bool areAscii(const char* bytes) noexcept {
-    std::uint64_t eight;
-    std::memcpy(&eight, bytes, sizeof(eight));
-    return (eight & 0x8080808080808080u) == 0;
+    std::array<std::uint64_t, Count / 8> words;
+    std::memcpy(words.data(), bytes, Count);
+    std::uint64_t all = 0;
+    for (const std::uint64_t word : words) {
+        all |= word;
+    }
+    return (all & 0x8080808080808080u) == 0;
 }
 
 /// How many bytes at the start of `text` are ASCII.
 std::size_t asciiPrefix(std::string_view text) noexcept {
-    constexpr std::size_t step = 8;
     std::size_t at = 0;
-    while (text.size() - at >= step && areAscii(text.data() + at)) {
-        at += step;
+    while (text.size() - at >= 64 && areAscii<64>(text.data() + at)) {
+        at += 64;
     }
-    if (at > 0 && text.size() - at < step && areAscii(text.data() + text.size() - step)) {
+    while (text.size() - at >= 8 && areAscii<8>(text.data() + at)) {
+        at += 8;
+    }
+    if (at > 0 && text.size() - at < 8 && areAscii<8>(text.data() + text.size() - 8)) {
         return text.size(); // the last eight, some of them a second time
     }
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
