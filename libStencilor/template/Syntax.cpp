@@ -1,8 +1,6 @@
 #include <libStencilor/Syntax.h>
 #include <libStencilor/template/template_grammar.h>
 
-#include <string>
-
 namespace kel::Stencilor {
 
 namespace {
@@ -20,8 +18,8 @@ SyntaxVisitor& SyntaxVisitor::operator=(const SyntaxVisitor& other) = default;
 SyntaxVisitor::~SyntaxVisitor() = default;
 
 SyntaxFault readSyntax(const String& input, SyntaxVisitor& visitor) {
-    const std::string narrow(input.getLowerByteString().c_str());
-    return internal::template_grammar(narrow).report(visitor);
+    const CString narrow = input.getLowerByteString();
+    return internal::template_grammar(narrow.c_str()).report(visitor);
 }
 
 SyntaxFault findSyntaxFault(const String& input) {

@@ -1,13 +1,11 @@
 #include <libStencilor/template/parse_template.h>
 #include <libStencilor/template/template_grammar.h>
 
-#include <string>
-
 namespace kel::Stencilor::internal {
 
 bool parseTemplate(const String& text, content_list& list) {
-    const std::string narrow(text.getLowerByteString().c_str());
-    return template_grammar(narrow).parse(list);
+    const CString narrow = text.getLowerByteString();
+    return template_grammar(narrow.c_str()).parse(list);
 }
 
 } // namespace kel::Stencilor::internal

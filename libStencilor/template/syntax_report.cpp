@@ -128,7 +128,7 @@ class template_grammar::reporter {
     static SyntaxRange rangeOf(span part) { return {part.begin, part.begin + part.size}; }
 
     const template_grammar& grammar_;
-    std::vector<block>::const_iterator next_block_;
+    block_list::const_iterator next_block_;
     std::vector<open_tag> open_;
     unsigned int position_ = 0; // where the next part begins
 };

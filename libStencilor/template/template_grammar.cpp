@@ -49,11 +49,10 @@ bool beginsTag(const char* at) {
 
 } // namespace
 
-template_grammar::template_grammar(const std::string& text)
-    : begin_(text.c_str()), end_(begin_ + text.size()), position_(begin_) {}
+template_grammar::template_grammar(const char* text)
+    : begin_(text), end_(text + std::strlen(text)), position_(text) {}
 
 bool template_grammar::parse(content_list& list) {
-    steps_.reserve(16); // spares small templates the first growths
     const bool matched = start();
     if (!open_.empty()) {
         steps_.resize(open_.front().step); // what stands in an open block is not complete
@@ -278,7 +277,7 @@ void template_grammar::build(content_list& list) const {
         if_expr* conditional = nullptr; // where an `else` belongs
         std::uint32_t else_count = 0;
     };
-    std::vector<level> enclosing;
+    boost::container::small_vector<level, 4> enclosing;
     level current = {&list};
     list.reserve(list.size() + top_level_count_);
     auto nextBlock = blocks_.begin();

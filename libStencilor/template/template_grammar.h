@@ -4,11 +4,11 @@
 #include <libStencilor/Syntax.h>
 #include <libStencilor/template/syntax_tree.h>
 
+#include <boost/container/small_vector.hpp>
+
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 
@@ -19,8 +19,8 @@ namespace kel::Stencilor::internal {
 ///   steps. The number of nodes in each list is known by then, so that no list ever grows: a node
 ///   that moves would have to be allocated again.
 /// Ownership: borrows the text, which must outlive the object. Lengths fit in 32 bits, as those of
-///   `kel::String` do. The text holds no NUL but the one that ends every `std::string`: nothing in
-///   a tag matches it, so that only text looks for the end.
+///   `kel::String` do. The text ends at its NUL, which nothing in a tag matches, so that only text
+///   looks for the end.
 /// Copying: not possible, the rules share one position.
 ///
 /// Rules, where a quoted literal or an identifier skips blanks (space and tab) before it:
@@ -41,7 +41,7 @@ namespace kel::Stencilor::internal {
 /// A literal matches whatever follows it: `{% iffy %}` is an `if` on `fy`.
 class template_grammar {
   public:
-    explicit template_grammar(const std::string& text);
+    explicit template_grammar(const char* text);
     template_grammar(const template_grammar&) = delete;
     template_grammar& operator=(const template_grammar&) = delete;
 
@@ -71,6 +71,8 @@ class template_grammar {
         std::uint32_t count = 0;      // nodes in the body
         std::uint32_t else_count = 0; // nodes in the `else` part
     };
+
+    using block_list = boost::container::small_vector<block, 4>;
 
     struct open_block {
         std::size_t step; // its opening tag
@@ -113,9 +115,10 @@ class template_grammar {
     const char* begin_;
     const char* end_;
     const char* position_;
-    std::vector<step> steps_;
-    std::vector<block> blocks_;
-    std::vector<open_block> open_;
+    // A small template is parsed without asking for memory but for its nodes.
+    boost::container::small_vector<step, 16> steps_;
+    block_list blocks_;
+    boost::container::small_vector<open_block, 4> open_;
     std::uint32_t top_level_count_ = 0;
     missing_part missing_;
 };
