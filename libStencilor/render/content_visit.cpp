@@ -44,7 +44,7 @@ void content_visit::operator()(const replace_expr& node) {
     const auto* string = find<ContextString>(node.name, messages::replacementNotFound,
                                              messages::replacementNotString);
     if (string != nullptr) {
-        result_.output.append(context_access::text(*string).getUTF8String().c_str());
+        result_.output.appendUpToNul(context_access::text(*string).getUTF8String().c_str());
     }
 }
 
@@ -56,9 +56,8 @@ void content_visit::operator()(const if_expr& node) {
         leaveBlock();
         return;
     }
-    opened.list = context_access::truth(*boolean) ? &node.then_list : &node.else_list;
-    opened.elements = nullptr;
-    enterList(opened, boolean);
+    opened.loop = nullptr;
+    enterList(opened, context_access::truth(*boolean) ? node.then_list : node.else_list, boolean);
 }
 
 void content_visit::operator()(const for_expr& node) {
@@ -69,11 +68,12 @@ void content_visit::operator()(const for_expr& node) {
         leaveBlock();
         return;
     }
-    opened.list = &node.body;
-    opened.elements = iterable;
-    opened.turn = 0;
+    const auto& elements = context_access::elements(*iterable);
+    opened.loop = &node;
+    opened.element = &elements.front();
+    opened.lastElement = &elements.back();
     opened.prefix = prefixes_.enter(node.variable);
-    enterTurn(opened);
+    enterList(opened, node.body, *opened.element);
 }
 
 void content_visit::operator()(const include_expr& node) {
@@ -113,11 +113,12 @@ void content_visit::leaveBlock() {
     closed.visit.reset();
 }
 
-/// What `applyVisitor` does at its beginning, for the list of an open block.
-void content_visit::enterList(block& current, const ContextBase* scope) {
+/// What `applyVisitor` does at its beginning, for a list of an open block.
+void content_visit::enterList(block& current, const content_list& list, const ContextBase* scope) {
     current.apply.emplace(trace_points::applyVisitor);
     current.scope = scopes_.enter(scope);
-    current.next = current.list->begin();
+    current.next = list.data();
+    current.end = current.next + list.size();
 }
 
 void content_visit::leaveList(block& current) {
@@ -125,22 +126,30 @@ void content_visit::leaveList(block& current) {
     current.apply.reset();
 }
 
-void content_visit::enterTurn(block& loop) {
-    enterList(loop, context_access::elements(*loop.elements)[loop.turn]);
+/// Renders what is left of the list, or what stands before the next block in it. True if a block
+/// was opened.
+bool content_visit::renderToNextBlock(block& current) {
+    const std::size_t depth = depth_;
+    while (current.next != current.end) {
+        boost::apply_visitor(*this, *current.next++);
+        if (depth_ != depth) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void content_visit::renderOpenBlocks() {
     while (depth_ > 0) {
         block& current = *blocks_[depth_ - 1];
-        if (current.next != current.list->end()) {
-            boost::apply_visitor(*this, *current.next++);
+        if (renderToNextBlock(current)) {
             continue;
         }
         leaveList(current);
-        if (current.elements == nullptr) {
+        if (current.loop == nullptr) {
             leaveBlock();
-        } else if (++current.turn < context_access::elements(*current.elements).size()) {
-            enterTurn(current);
+        } else if (current.element != current.lastElement) {
+            enterList(current, current.loop->body, *++current.element);
         } else {
             prefixes_.leave(current.prefix);
             leaveBlock();

@@ -44,16 +44,17 @@ class content_visit : public boost::static_visitor<> {
     void operator()(const std::string& text);
 
   private:
-    /// A block that is being rendered: which list, and how far; for a loop also which turn.
+    /// A block that is being rendered: how far, and for a loop also which turn.
     struct block {
         std::optional<trace_scope> visit;
         std::optional<trace_scope> apply;
-        scope_stack::position scope;
-        const content_list* list = nullptr;
-        content_list::const_iterator next;
+        scope_stack::position scope = 0;
+        const content* next = nullptr; // of the list that is rendered
+        const content* end = nullptr;
 
-        const ContextIterable* elements = nullptr; // null for a conditional
-        unsigned int turn = 0;
+        const for_expr* loop = nullptr; // null for a conditional, which has one turn
+        ContextBase* const* element = nullptr;
+        ContextBase* const* lastElement = nullptr;
         prefix_stack::position prefix = 0;
     };
 
@@ -61,9 +62,9 @@ class content_visit : public boost::static_visitor<> {
     const Kind* find(const std::string& name, const message& notFound, const message& wrongKind);
     block& enterBlock(const trace_point& point);
     void leaveBlock();
-    void enterList(block& current, const ContextBase* scope);
+    void enterList(block& current, const content_list& list, const ContextBase* scope);
     void leaveList(block& current);
-    void enterTurn(block& loop);
+    bool renderToNextBlock(block& current);
     void renderOpenBlocks();
 
     scope_stack& scopes_;

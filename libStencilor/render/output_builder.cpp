@@ -20,11 +20,15 @@ String renderNodes(const content_list& nodes, const ContextBase& context, String
     String decoded;
     for (const content& node : nodes) {
         visitor.dispatch(node);
+        result.output.trim();
         const std::string_view output = result.output.view();
         decoded.UTF8Decode(output.data(), static_cast<unsigned int>(output.size()), false);
-        rendered += decoded;
-        errors += String(result.errors.c_str());
         result.output.clear();
+        rendered += decoded;
+        if (decoded.size() > text_sink::longText) {
+            decoded = String();
+        }
+        errors += String(result.errors.c_str());
         result.errors.clear();
     }
     return rendered;

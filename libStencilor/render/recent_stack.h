@@ -1,10 +1,11 @@
 #ifndef LIBSTENCILOR_RENDER_RECENT_STACK_H
 #define LIBSTENCILOR_RENDER_RECENT_STACK_H
 
+#include <boost/container/small_vector.hpp>
+
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 
@@ -27,13 +28,12 @@ class recent_stack {
 
     /// Makes `entry` the newest. The result is for `leave`.
     position enter(const Entry& entry) {
-        const std::size_t size = entries_.size();
-        const std::size_t oldest = size > window ? size - window : 0;
-        for (std::size_t at = size; at-- > oldest;) {
-            if (entries_[at] == entry) {
-                const auto found = entries_.begin() + static_cast<std::ptrdiff_t>(at);
-                std::rotate(found, found + 1, entries_.end());
-                return at;
+        const Entry* const first = entries_.data();
+        const Entry* const last = first + entries_.size();
+        const Entry* const oldest = entries_.size() > window ? last - window : first;
+        for (const Entry* at = last; at != oldest;) {
+            if (*--at == entry) {
+                return moveToTop(static_cast<position>(at - first));
             }
         }
         entries_.push_back(entry);
@@ -44,10 +44,9 @@ class recent_stack {
     void leave(position before) {
         if (before == nowhere) {
             entries_.pop_back();
-            return;
+        } else {
+            moveFromTop(before);
         }
-        const auto home = entries_.begin() + static_cast<std::ptrdiff_t>(before);
-        std::rotate(home, entries_.end() - 1, entries_.end());
     }
 
     bool empty() const noexcept { return entries_.empty(); }
@@ -56,10 +55,21 @@ class recent_stack {
     auto end() const noexcept { return entries_.rend(); }
 
   private:
+    position moveToTop(position from) {
+        const auto found = entries_.begin() + static_cast<std::ptrdiff_t>(from);
+        std::rotate(found, found + 1, entries_.end());
+        return from;
+    }
+
+    void moveFromTop(position to) {
+        const auto home = entries_.begin() + static_cast<std::ptrdiff_t>(to);
+        std::rotate(home, entries_.end() - 1, entries_.end());
+    }
+
     static constexpr position nowhere = std::numeric_limits<position>::max();
     static constexpr std::size_t window = 64;
 
-    std::vector<Entry> entries_;
+    boost::container::small_vector<Entry, 8> entries_; // deeper nesting is rare
 };
 
 } // namespace kel::Stencilor::internal

@@ -31,7 +31,8 @@ const ContextBase* findFirst(const scope_stack& scopes, std::span<const String> 
 
 /// The keys that `name` is tried as. Trying a key twice in one scope finds nothing new, so each is
 /// kept once; they differ in their length.
-void collectKeys(const std::string& name, const prefix_stack& prefixes, std::vector<String>& keys) {
+template <typename Keys>
+void collectKeys(const std::string& name, const prefix_stack& prefixes, Keys& keys) {
     keys.clear();
     const auto add = [&name, &keys](std::size_t prefix) {
         String key(name.c_str() + prefix);
@@ -48,27 +49,7 @@ void collectKeys(const std::string& name, const prefix_stack& prefixes, std::vec
     add(0);
 }
 
-constexpr std::size_t slotCount = 64;
-
-/// Names are members of records on the heap, which spreads their addresses well enough.
-std::size_t slotOf(const std::string& name) noexcept {
-    return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
-}
-
 } // namespace
-
-scope_stack::position scope_stack::enter(const ContextBase* scope) {
-    if (scope == nullptr || context_access::children(*scope).empty()) {
-        return std::nullopt;
-    }
-    return scopes_.enter(scope);
-}
-
-void scope_stack::leave(position before) {
-    if (before) {
-        scopes_.leave(*before);
-    }
-}
 
 std::size_t prefixLength(std::string_view name, std::string_view variable) noexcept {
     const bool prefixed =
@@ -82,21 +63,27 @@ const ContextBase* name_lookup::findInScopes(const scope_stack& scopes, const st
         const String key(name.c_str());
         return findFirst(scopes, std::span(&key, 1));
     }
-    return findFirst(scopes, keysFor(name, prefixes));
+    const auto& keys = keep(name, prefixes).keys;
+    return findFirst(scopes, std::span(keys.data(), keys.size()));
 }
 
-const std::vector<String>& name_lookup::keysFor(const std::string& name,
+const name_lookup::kept_name& name_lookup::keep(const std::string& name,
                                                 const prefix_stack& prefixes) {
-    if (slots_.empty()) {
-        slots_.resize(slotCount);
+    if (slots_ == nullptr) {
+        slots_ = std::make_unique<slot_table>();
     }
-    slot& kept = slots_[slotOf(name)];
-    if (kept.name != &name) {
-        kept.name = nullptr; // it belongs to no name while its keys change
-        collectKeys(name, prefixes, kept.keys);
-        kept.name = &name;
+    // Names are members of records on the heap, which spreads their addresses well enough.
+    const std::size_t address = std::hash<const std::string*>()(&name) / alignof(std::max_align_t);
+    std::unique_ptr<kept_name>& slot = (*slots_)[address % slots_->size()];
+    if (slot == nullptr) {
+        slot = std::make_unique<kept_name>();
     }
-    return kept.keys;
+    if (slot->name != &name) {
+        slot->name = nullptr; // it belongs to no name while its keys change
+        collectKeys(name, prefixes, slot->keys);
+        slot->name = &name;
+    }
+    return *slot;
 }
 
 } // namespace kel::Stencilor::internal

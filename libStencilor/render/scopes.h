@@ -3,29 +3,43 @@
 
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
+#include <libStencilor/context/context_access.h>
 #include <libStencilor/render/recent_stack.h>
 
+#include <boost/container/small_vector.hpp>
+
+#include <array>
 #include <cstddef>
-#include <optional>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 
 /// The values whose children are in scope, the root context first. The values are borrowed.
 class scope_stack {
   public:
-    using position = std::optional<recent_stack<const ContextBase*>::position>;
+    using position = recent_stack<const ContextBase*>::position;
 
     /// `scope` may be null. One that holds no names answers nothing, and is not kept.
-    position enter(const ContextBase* scope);
-    void leave(position before);
+    position enter(const ContextBase* scope) {
+        const bool kept = scope != nullptr && !context_access::children(*scope).empty();
+        return kept ? scopes_.enter(scope) : notKept;
+    }
+    void leave(position before) {
+        if (before != notKept) {
+            scopes_.leave(before);
+        }
+    }
 
     auto newestFirst() const noexcept { return scopes_.newestFirst(); }
     auto end() const noexcept { return scopes_.end(); }
 
   private:
+    // No position of an entry: a stack of so many would not fit in memory.
+    static constexpr position notKept = std::numeric_limits<position>::max() - 1;
+
     recent_stack<const ContextBase*> scopes_;
 };
 
@@ -51,14 +65,17 @@ class name_lookup {
                                     const prefix_stack& prefixes);
 
   private:
-    struct slot {
+    /// What a name is tried as.
+    struct kept_name {
         const std::string* name = nullptr;
-        std::vector<String> keys; // in the order in which they are tried, each once
+        boost::container::small_vector<String, 2> keys; // in their order, each once
     };
 
-    const std::vector<String>& keysFor(const std::string& name, const prefix_stack& prefixes);
+    const kept_name& keep(const std::string& name, const prefix_stack& prefixes);
 
-    std::vector<slot> slots_; // none until a name stands in a loop
+    using slot_table = std::array<std::unique_ptr<kept_name>, 64>;
+
+    std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
 };
 
 } // namespace kel::Stencilor::internal

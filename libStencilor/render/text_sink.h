@@ -1,57 +1,95 @@
 #ifndef LIBSTENCILOR_RENDER_TEXT_SINK_H
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <new>
 #include <string_view>
 
 namespace kel::Stencilor::internal {
 
 /// The text that rendering appends to. Unlike a `std::string` it keeps no terminator up to date, so
-/// that appending is a test and a copy, and it grows by `realloc`, which moves large blocks without
-/// copying.
+/// that appending is a test and a copy; short texts need no memory of their own, and long ones grow
+/// by `realloc`, which moves large blocks without copying.
 /// Copying: not possible, there is one for each rendering.
 class text_sink {
   public:
-    text_sink() = default;
+    text_sink() noexcept : begin_(inline_), end_(inline_), limit_(inline_ + sizeof(inline_)) {}
     text_sink(const text_sink&) = delete;
     text_sink& operator=(const text_sink&) = delete;
-
-    void append(std::string_view text) {
-        if (text.size() > capacity_ - size_) {
-            grow(text.size());
+    ~text_sink() {
+        if (begin_ != inline_) {
+            std::free(begin_);
         }
-        copy(bytes_.get() + size_, text.data(), text.size());
-        size_ += text.size();
     }
 
-    void clear() noexcept { size_ = 0; }
+    void append(std::string_view text) {
+        makeRoom(text.size());
+        copy(end_, text.data(), text.size());
+        end_ += text.size();
+    }
 
-    std::string_view view() const noexcept { return {bytes_.get(), size_}; }
+    /// Appends the bytes up to the first NUL. Values are short, and were written just now: reading
+    /// them back byte by byte is quicker than the wide loads of `strlen`, which have to wait until
+    /// all of the narrower stores have reached the cache.
+    void appendUpToNul(const char* text) {
+        constexpr std::size_t few = 16;
+        makeRoom(few);
+        for (std::size_t count = 0; count < few; ++count) {
+            if (text[count] == '\0') {
+                end_ += count;
+                return;
+            }
+            end_[count] = text[count];
+        }
+        append(text);
+    }
+
+    /// What is longer is given back early: no more than twice an output shall be held at a time.
+    static constexpr std::size_t longText = 65536;
+
+    /// Gives back the room that a long text does not take.
+    void trim() noexcept {
+        if (room() > longText) {
+            shrink();
+        }
+    }
+
+    /// Empties it. The room of a short text is kept for the next.
+    void clear() noexcept {
+        end_ = begin_;
+        if (room() > longText) {
+            std::free(begin_);
+            begin_ = end_ = inline_;
+            limit_ = inline_ + sizeof(inline_);
+        }
+    }
+
+    std::string_view view() const noexcept {
+        return {begin_, static_cast<std::size_t>(end_ - begin_)};
+    }
 
     /// The text with a NUL behind it, until the next change.
     const char* c_str() {
-        if (size_ == capacity_) {
-            grow(1);
-        }
-        bytes_.get()[size_] = '\0';
-        return bytes_.get();
+        makeRoom(1);
+        *end_ = '\0';
+        return begin_;
     }
 
   private:
-    struct release {
-        void operator()(char* block) const noexcept { std::free(block); }
-    };
+    void makeRoom(std::size_t added) {
+        if (added > static_cast<std::size_t>(limit_ - end_)) {
+            grow(added);
+        }
+    }
 
     /// Most pieces are short. Two overlapping moves of a fixed size are much cheaper than a call.
     static void copy(char* to, const char* from, std::size_t size) {
-        if (size > 32) {
+        if (size > 64) {
             std::memcpy(to, from, size);
+        } else if (size >= 32) {
+            copyEnds<32>(to, from, size);
         } else if (size >= 16) {
             copyEnds<16>(to, from, size);
         } else if (size >= 8) {
@@ -77,20 +115,14 @@ class text_sink {
         std::memcpy(to + size - Count, last.data(), Count);
     }
 
-    void grow(std::size_t added) {
-        const std::size_t capacity = std::max({size_ + added, capacity_ * 2, std::size_t{256}});
-        void* block = std::realloc(bytes_.get(), capacity);
-        if (block == nullptr) {
-            throw std::bad_alloc();
-        }
-        static_cast<void>(bytes_.release());
-        bytes_.reset(static_cast<char*>(block));
-        capacity_ = capacity;
-    }
+    std::size_t room() const noexcept { return static_cast<std::size_t>(limit_ - begin_); }
+    void grow(std::size_t added);
+    void shrink() noexcept;
 
-    std::unique_ptr<char, release> bytes_;
-    std::size_t size_ = 0;
-    std::size_t capacity_ = 0;
+    char* begin_; // inline_, or a block of malloc
+    char* end_;
+    char* limit_;
+    char inline_[256]; // enough for a line or two, which then cost no allocation
 };
 
 } // namespace kel::Stencilor::internal
