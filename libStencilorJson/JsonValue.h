@@ -20,14 +20,13 @@
 ///
 /// What becomes of the values:
 ///
-///     JSON                      context
-///     string                    `ContextString`
-///     number                    `ContextString`, to the digit as it is written
-///     true, false               `ContextBoolean`
-///     array                     `ContextIterable`
-///     object                    `ContextDictionary`
-///     object with "$boolean"    `ContextBoolean` of that truth; the other members are its children
-///     null                      a null entry; a null pointer where it is the outermost value
+/// - a string becomes a `ContextString`,
+/// - a number becomes a `ContextString`, to the digit as it is written,
+/// - true and false become a `ContextBoolean`,
+/// - an array becomes a `ContextIterable`,
+/// - an object becomes a `ContextDictionary`, or with the member `"$boolean": true` or `false` a
+///   `ContextBoolean` of that truth, whose children are the other members,
+/// - null becomes a null entry, or a null pointer where it is the outermost value.
 ///
 /// Dotted names: the language does not descend at dots, so an object has, beside its own members,
 /// the members of the objects in it under their dotted names (`user.name`), at any depth; arrays
