@@ -2,11 +2,14 @@
 
 #include "Build.h"
 
-#include <cstdint>
-
 #ifdef _WIN32
 #include <windows.h>
+
+#include <algorithm>
+#include <array>
 #else
+#include <malloc.h>
+
 #include <fstream>
 #include <limits>
 #include <string>
@@ -14,28 +17,86 @@
 
 namespace support {
 
+#ifdef _WIN32
+
 namespace {
 
 std::uint64_t availableKilobytes() {
-#ifdef _WIN32
     MEMORYSTATUSEX status = {};
     status.dwLength = sizeof(status);
     return ::GlobalMemoryStatusEx(&status) != 0 ? status.ullAvailPhys / 1024 : 0;
-#else
-    std::ifstream memory("/proc/meminfo");
-    std::string name;
-    std::uint64_t kilobytes = 0;
-    while (memory >> name >> kilobytes) {
-        if (name == "MemAvailable:") {
-            return kilobytes;
-        }
-        memory.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+}
+
+std::uint64_t bytesIn(HANDLE heap) {
+    std::uint64_t bytes = 0;
+    PROCESS_HEAP_ENTRY entry = {};
+    ::HeapLock(heap);
+    while (::HeapWalk(heap, &entry) != 0) {
+        bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
     }
-    return 0;
-#endif
+    ::HeapUnlock(heap);
+    return bytes;
 }
 
 } // namespace
+
+std::uint64_t memoryInUse() {
+    std::array<HANDLE, 64> heaps;
+    const DWORD count = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    std::uint64_t bytes = 0;
+    for (std::size_t index = 0; index < std::min<std::size_t>(count, heaps.size()); ++index) {
+        bytes += bytesIn(heaps[index]);
+    }
+    return bytes;
+}
+
+std::uint64_t peakMemory() {
+    return 0;
+}
+
+void resetPeakMemory() {}
+
+#else
+
+namespace {
+
+/// A line of a file below /proc that reads `name` and a number of kilobytes.
+std::uint64_t kilobytesOf(const char* file, const std::string& wanted) {
+    std::ifstream lines(file);
+    std::string name;
+    std::uint64_t kilobytes = 0;
+    while (lines >> name) {
+        if (name == wanted && lines >> kilobytes) {
+            return kilobytes;
+        }
+        lines.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    }
+    return 0;
+}
+
+std::uint64_t availableKilobytes() {
+    return kilobytesOf("/proc/meminfo", "MemAvailable:");
+}
+
+} // namespace
+
+std::uint64_t memoryInUse() {
+    const struct mallinfo2 information = ::mallinfo2();
+    return information.uordblks + information.hblkhd;
+}
+
+std::uint64_t peakMemory() {
+    return kilobytesOf("/proc/self/status", "VmHWM:") * 1024;
+}
+
+void resetPeakMemory() {
+    // What was freed is given back, or else would count; threads of their own arenas keep theirs.
+    ::mallopt(M_ARENA_MAX, 1);
+    ::malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+#endif
 
 bool hasMemory(unsigned int gigabytes) {
     return !sanitized && availableKilobytes() / (1024 * 1024) > gigabytes;

@@ -1,0 +1,49 @@
+#include "FailingRead.h"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace support {
+
+namespace {
+
+thread_local bool active = false;
+thread_local bool failed = false;
+thread_local int remaining = 0;
+thread_local int errorNumber = 0;
+
+} // namespace
+
+FailingRead::FailingRead(int count, int error) {
+    active = true;
+    failed = false;
+    remaining = count;
+    errorNumber = error;
+}
+
+FailingRead::~FailingRead() {
+    active = false;
+}
+
+bool FailingRead::happened() const {
+    return failed;
+}
+
+} // namespace support
+
+// The libraries find this one first, since it stands in the program.
+extern "C" __attribute__((visibility("default"))) ssize_t read(int file, void* to, size_t count) {
+    using namespace support;
+    if (active) {
+        if (!failed && remaining-- == 0) {
+            failed = true;
+            errno = errorNumber;
+            return errorNumber == 0 ? 0 : -1;
+        }
+        count = std::min(count, FailingRead::step);
+    }
+    return ::syscall(SYS_read, file, to, count);
+}

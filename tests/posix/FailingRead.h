@@ -1,0 +1,28 @@
+#ifndef TESTS_POSIX_FAILINGREAD_H
+#define TESTS_POSIX_FAILINGREAD_H
+
+#include <cstddef>
+
+namespace support {
+
+/// While it lives, reads of this thread give a few bytes at a time, and the read after the next
+/// `count` ones does not succeed; the ones behind it do again. It needs `FailingRead.cpp` in the
+/// program, which stands in front of the function `read` of the system.
+class FailingRead {
+  public:
+    /// The most that one read gives.
+    static constexpr std::size_t step = 16;
+
+    /// What the read gives instead: an error with this number, or the end of the file for 0.
+    FailingRead(int count, int error);
+    FailingRead(const FailingRead&) = delete;
+    FailingRead& operator=(const FailingRead&) = delete;
+    ~FailingRead();
+
+    /// True once the read has failed.
+    bool happened() const;
+};
+
+} // namespace support
+
+#endif

@@ -1,0 +1,103 @@
+#include "FailingRead.h"
+
+#include "../support/Context.h"
+#include "../support/TemporaryFolder.h"
+
+#include <libKel/FileSystem.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <iterator>
+#include <string>
+
+// What is leaked on the way is for the address sanitizer to say, but for open files.
+
+namespace support {
+namespace {
+
+using kel::Buffer;
+using kel::FileSystem;
+
+std::ptrdiff_t openFiles() {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::distance(begin(files), end(files));
+}
+
+/// Longer than several reads give.
+const std::string content = "{{ name }}" + std::string(5 * FailingRead::step, 't');
+
+class FailingReadTest : public testing::Test {
+  protected:
+    FailingReadTest() { folder_.writeFile("part", content); }
+
+    ~FailingReadTest() override { EXPECT_EQ(openFiles(), openBefore_); }
+
+    /// Calls `action` with each read failing in turn, until none is left to fail.
+    template <typename Action>
+    void failEachRead(int error, Action action) {
+        int count = 0;
+        for (bool failed = true; failed; ++count) {
+            SCOPED_TRACE(count);
+            const FailingRead failure(count, error);
+            action(failure);
+            failed = failure.happened();
+        }
+        EXPECT_GT(count, 5) << "the file was read in fewer pieces than it has";
+    }
+
+    std::ptrdiff_t openBefore_ = openFiles();
+    const TemporaryFolder folder_;
+    const WorkingFolder working_{folder_.path()};
+};
+
+TEST_F(FailingReadTest, LeavesTheBufferEmpty) {
+    failEachRead(EIO, [](const FailingRead& failure) {
+        Buffer<unsigned char> buffer;
+        unsigned long length = 1;
+        const bool loaded = FileSystem::loadFile("part", buffer, &length);
+        EXPECT_EQ(loaded, !failure.happened());
+        EXPECT_EQ(buffer.size, loaded ? content.size() : 0u);
+        EXPECT_EQ(length, buffer.size);
+        EXPECT_EQ(buffer.data == nullptr, !loaded);
+        EXPECT_EQ(buffer.capacity == 0, !loaded);
+    });
+}
+
+TEST_F(FailingReadTest, IsRepeatedWhereItWasInterrupted) {
+    failEachRead(EINTR, [](const FailingRead&) {
+        Buffer<unsigned char> buffer;
+        ASSERT_TRUE(FileSystem::loadFile("part", buffer, nullptr));
+        EXPECT_EQ(std::string(buffer.data, buffer.data + buffer.size), content);
+    });
+}
+
+TEST_F(FailingReadTest, EndsWhereTheFileHasBecomeShorter) {
+    std::size_t expected = 0;
+    failEachRead(0, [&expected](const FailingRead& failure) {
+        Buffer<unsigned char> buffer;
+        ASSERT_TRUE(FileSystem::loadFile("part", buffer, nullptr));
+        if (failure.happened()) {
+            EXPECT_EQ(buffer.size, expected);
+            expected += FailingRead::step;
+        }
+        EXPECT_EQ(std::string(buffer.data, buffer.data + buffer.size),
+                  content.substr(0, buffer.size));
+    });
+}
+
+TEST_F(FailingReadTest, IsReportedAsAFileThatCannotBeLoaded) {
+    const Root root({{"name", text("root")}});
+    failEachRead(EIO, [&root](const FailingRead& failure) {
+        const Rendered rendered = render("a{% include \"part\" %}b", root);
+        if (failure.happened()) {
+            EXPECT_EQ(rendered, (Rendered{"ab", "Could not load file \"part\""}));
+        } else {
+            EXPECT_EQ(rendered, (Rendered{"aroot" + content.substr(content.find('t')) + "b", ""}));
+        }
+    });
+}
+
+} // namespace
+} // namespace support

@@ -1,0 +1,169 @@
+#include "../support/Build.h"
+#include "../support/Context.h"
+#include "../support/Environment.h"
+#include "../support/Memory.h"
+#include "../support/SmallStackThread.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <iomanip>
+#include <iostream>
+#include <string>
+
+// Everything here is done in a thread with a stack of 256 KiB. STENCILOR_SIZE is the size of all in
+// percent; the preset "exhaustive" has 100.
+
+namespace support {
+namespace {
+
+std::string repeated(const std::string& piece, std::size_t count) {
+    std::string result;
+    result.reserve(piece.size() * count);
+    for (std::size_t number = 0; number < count; ++number) {
+        result += piece;
+    }
+    return result;
+}
+
+struct Cost {
+    double seconds = 0;
+    double megabytes = 0;
+};
+
+/// What `work` costs, and that it needs no more stack than there is.
+Cost costOf(const std::function<void()>& work) {
+    resetPeakMemory();
+    const std::uint64_t before = peakMemory();
+    const auto start = std::chrono::steady_clock::now();
+    runWithStack(256 * 1024, work);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    return {time.count(), static_cast<double>(peakMemory() - before) / (1024 * 1024)};
+}
+
+class Size : public testing::Test {
+  protected:
+    /// Calls `work` with a quarter of `largest`, with the half and with all of it, and prints what
+    /// each takes.
+    std::array<Cost, 3> costsOf(const char* what, std::size_t largest,
+                                const std::function<void(std::size_t)>& work) const {
+        const std::size_t full = largest * percent_ / 100;
+        std::array<Cost, 3> costs;
+        for (std::size_t step = 0; step < costs.size(); ++step) {
+            const std::size_t size = (full / 4) << step;
+            costs[step] = costOf([&] { work(size); });
+            std::cout << std::fixed << std::setprecision(2) << std::setw(11) << size << ' ' << what
+                      << ": " << costs[step].seconds << " s, " << std::setprecision(0)
+                      << costs[step].megabytes << " MiB\n";
+        }
+        return costs;
+    }
+
+    /// Four times the size may take four times as much, and half of that more, since blocks of
+    /// memory double and machines are busy. What grows with the square takes sixteen times as much.
+    void expectLinearGrowth(const char* what, std::size_t largest,
+                            const std::function<void(std::size_t)>& work) const {
+        const std::array<Cost, 3> costs = costsOf(what, largest, work);
+        EXPECT_LE(costs[2].seconds, costs[0].seconds * 10 + 0.2);
+        EXPECT_LE(costs[2].megabytes, costs[0].megabytes * 6 + 4);
+    }
+
+  private:
+    std::size_t percent_ = numberFromEnvironment("STENCILOR_SIZE", slow ? 2 : 10);
+};
+
+const Rendered rejected = {"",
+                           "Could not build formatted output: Failed to parse input correctly."};
+
+TEST_F(Size, OfNestedBlocks) {
+    const Root root({{"yes", truth(true)}, {"one", listOf(1)}});
+    expectLinearGrowth("nested blocks", 1000000, [&root](std::size_t size) {
+        const std::string input = repeated("{% if yes %}{% for x in one %}", size / 2) + "deep" +
+                                  repeated("{% endfor %}{% endif %}", size / 2);
+        EXPECT_EQ(render(input, root), (Rendered{"deep", ""}));
+    });
+}
+
+TEST_F(Size, OfNestedElseParts) {
+    const Root root({{"no", truth(false)}});
+    expectLinearGrowth("nested else parts", 1000000, [&root](std::size_t size) {
+        const std::string input =
+            repeated("{% if no %}a{% else %}", size) + "deep" + repeated("{% endif %}", size);
+        EXPECT_EQ(render(input, root), (Rendered{"deep", ""}));
+    });
+}
+
+TEST_F(Size, OfBlocksThatAreNeverClosed) {
+    const Root root;
+    expectLinearGrowth("blocks never closed", 1000000, [&root](std::size_t size) {
+        EXPECT_EQ(render(repeated("{% if yes %}{% for x in one %}", size / 2), root), rejected);
+    });
+}
+
+TEST_F(Size, OfBlocksThatAreClosedWrongly) {
+    const Root root;
+    expectLinearGrowth("blocks closed wrongly", 1000000, [&root](std::size_t size) {
+        const std::string input = repeated("{% if yes %}", size - 1) + "{% for x in one %}" +
+                                  repeated("{% endif %}", size);
+        EXPECT_EQ(render(input, root), rejected);
+    });
+}
+
+TEST_F(Size, OfOneLine) {
+    const Root root;
+    expectLinearGrowth("bytes in a line", 256 << 20, [&root](std::size_t size) {
+        const std::string line(size, 'x');
+        EXPECT_TRUE(render(line, root) == (Rendered{line, ""})); // too long to be printed
+    });
+}
+
+TEST_F(Size, OfManyTags) {
+    const Root root({{"name", text("value")}});
+    expectLinearGrowth("tags", 1000000, [&root](std::size_t size) {
+        EXPECT_TRUE(render(repeated("{{ name }} ", size), root) ==
+                    (Rendered{repeated("value ", size), ""}));
+    });
+}
+
+TEST_F(Size, OfALongLoop) {
+    expectLinearGrowth("null elements", 10000000, [](std::size_t size) {
+        const Root root({{"nulls", listOf(size)}});
+        EXPECT_TRUE(render("{% for x in nulls %}x{% endfor %}", root) ==
+                    (Rendered{std::string(size, 'x'), ""}));
+    });
+}
+
+TEST_F(Size, OfManyMessages) {
+    const Root root;
+    const std::string message = "Could not find expected replacement named \"x\"\n";
+    expectLinearGrowth("messages", 100000, [&](std::size_t size) {
+        const Rendered rendered = render(repeated("{{ x }}", size), root);
+        EXPECT_EQ(rendered.output, "");
+        EXPECT_TRUE(rendered.errors == repeated(message, size));
+    });
+}
+
+// Each name is looked for in all of the scopes and without each of the variables: the time grows
+// with the square of the depth, but no faster.
+TEST_F(Size, OfNestedLoopsWithNamesOfTheirOwn) {
+    const auto work = [](std::size_t size) {
+        Root root({{"name", text("root")}});
+        std::string input;
+        for (std::size_t level = 0; level < size; ++level) {
+            const std::string number = std::to_string(level);
+            root.insert("list" + number, list({dictionary({{"own", text(number)}})}));
+            input += "{% for x" + number + " in list" + number + " %}{{ name }}";
+        }
+        EXPECT_TRUE(render(input + repeated("{% endfor %}", size), root) ==
+                    (Rendered{repeated("root", size), ""}));
+    };
+    const std::array<Cost, 3> costs = costsOf("nested loops, all names different", 4000, work);
+    EXPECT_LE(costs[2].seconds, costs[0].seconds * 40 + 0.2);
+    EXPECT_LE(costs[2].megabytes, costs[0].megabytes * 6 + 4);
+}
+
+} // namespace
+} // namespace support
