@@ -54,4 +54,17 @@ renderer stencilorRenderer(const std::string& templateText, const object& data) 
             [shared] { return shared->output.str(); }};
 }
 
+std::function<std::size_t()> stencilorForThreads(const std::string& templateText,
+                                                 const object& data) {
+    struct state {
+        kel::String text;
+        std::unique_ptr<ContextDictionary> context;
+    };
+    const auto shared = std::make_shared<const state>(state{templateText, toDictionary(data)});
+    return [shared] {
+        kel::String errors;
+        return std::size_t{buildOutput(shared->text, *shared->context, errors).size()};
+    };
+}
+
 } // namespace bench

@@ -19,6 +19,10 @@ struct renderer {
 /// This engine: text in, `kel::String` out, parsing in every call.
 renderer stencilorRenderer(const std::string& templateText, const object& data);
 
+/// The same with one context for many threads at once: a call drops what it rendered.
+std::function<std::size_t()> stencilorForThreads(const std::string& templateText,
+                                                 const object& data);
+
 /// Whether a peer's template is parsed in every call, or once beforehand.
 enum class parsing { everyCall, beforehand };
 
