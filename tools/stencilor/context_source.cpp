@@ -1,6 +1,9 @@
+#include <libStencilorJson/JsonValue.h>
 #include <tools/stencilor/context_source.h>
 #include <tools/stencilor/failure.h>
+#include <tools/stencilor/files.h>
 
+#include <string_view>
 #include <utility>
 
 namespace stencilor {
@@ -9,6 +12,7 @@ namespace {
 
 using kel::Stencilor::jsonBooleanMember;
 using kel::Stencilor::JsonRoot;
+using kel::Stencilor::JsonValue;
 
 JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
     try {
@@ -18,12 +22,8 @@ JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
     }
 }
 
-} // namespace
-
-JsonValue readContext(const std::string& name, std::string_view text) {
-    return parse(name, text, JsonRoot::Object);
-}
-
+/// Carries out one `-D` option: `NAME=VALUE` makes the member NAME of `context` a string,
+/// `NAME:=JSON` any value. What stood under that name is replaced.
 void applyDefinition(JsonValue& context, std::string_view definition) {
     const std::size_t equals = definition.find('=');
     const bool isJson =
@@ -41,6 +41,23 @@ void applyDefinition(JsonValue& context, std::string_view definition) {
         throw Failure(option + ": expected true or false");
     }
     context.set(name, std::move(value));
+}
+
+JsonValue loadContext(const ContextOptions& options) {
+    JsonValue context{.kind = JsonValue::Kind::Object};
+    if (options.file) {
+        context = parse(inputName(*options.file), readInput(*options.file), JsonRoot::Object);
+    }
+    for (const std::string& definition : options.definitions) {
+        applyDefinition(context, definition);
+    }
+    return context;
+}
+
+} // namespace
+
+std::unique_ptr<kel::Stencilor::ContextBase> makeContext(const ContextOptions& options) {
+    return kel::Stencilor::contextFromJsonValue(loadContext(options));
 }
 
 } // namespace stencilor

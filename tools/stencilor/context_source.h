@@ -1,23 +1,26 @@
 #ifndef TOOLS_STENCILOR_CONTEXT_SOURCE_H
 #define TOOLS_STENCILOR_CONTEXT_SOURCE_H
 
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilor/Stencilor.h>
 
+#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace stencilor {
 
-using kel::Stencilor::JsonValue;
+/// Where the values of a context come from. No file is an empty object.
+struct ContextOptions {
+    std::optional<std::string> file;
+    std::vector<std::string> definitions;
 
-/// Reads the JSON text of a context. `name` is what messages call it.
-/// Errors: throws `Failure`, with the line and column.
-JsonValue readContext(const std::string& name, std::string_view text);
+    bool isGiven() const { return file || !definitions.empty(); }
+};
 
-/// Carries out one `-D` option: `NAME=VALUE` makes the member NAME of `context` a string,
-/// `NAME:=JSON` any value. What stood under that name is replaced.
-/// Errors: throws `Failure`.
-void applyDefinition(JsonValue& context, std::string_view definition);
+/// Makes the context.
+/// Errors: throws `Failure`; for a JSON text with the line and column.
+std::unique_ptr<kel::Stencilor::ContextBase> makeContext(const ContextOptions& options);
 
 } // namespace stencilor
 

@@ -14,7 +14,7 @@ class Failure : public std::runtime_error {
 
 /// How the program ends, as scripts see it.
 enum ExitStatus : int {
-    exitRendered = 0,
+    exitClean = 0,
     exitMessages = 1,
     exitFailure = 2,
     exitRejected = 3,

@@ -24,6 +24,9 @@ void writeStandardError(std::string_view text) noexcept;
 /// The folder that `path` stands in; `.` where it names none.
 std::string folderOf(const std::string& path);
 
+/// A path that is the same for all paths that lead to the same file.
+std::string identityOf(const std::string& path);
+
 /// Makes `content` the content of the file, wholly or not at all: it is written to a temporary file
 /// in the same folder, which then takes the file's place. Through a symbolic link the file that it
 /// leads to is replaced. A file that may not be written is not replaced; on POSIX systems one that

@@ -232,6 +232,12 @@ std::string folderOf(const std::string& path) {
     return folder.empty() ? "." : folder.string();
 }
 
+std::string identityOf(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path canonical = std::filesystem::canonical(path, failure);
+    return failure ? path : canonical.string();
+}
+
 void writeFile(const std::string& path, std::string_view content) {
     const std::optional<struct stat> former = statusOf(path);
     if (former && isStandardOutput(*former)) {

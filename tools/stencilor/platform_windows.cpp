@@ -240,6 +240,12 @@ std::string folderOf(const std::string& path) {
     return folder.empty() ? "." : kel::String::fromWide(folder.native()).str();
 }
 
+std::string identityOf(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path canonical = std::filesystem::canonical(widePath(path), failure);
+    return failure ? path : kel::String::fromWide(canonical.native()).str();
+}
+
 void writeFile(const std::string& path, std::string_view content) {
     const std::filesystem::path wide = widePath(path);
     if (writeToDevice(wide, content)) {

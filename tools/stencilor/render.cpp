@@ -1,45 +1,21 @@
-#include <libKel/FileSystem.h>
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
 
-#include <libStencilorJson/JsonValue.h>
-#include <tools/stencilor/context_source.h>
+#include <tools/stencilor/context_findings.h>
 #include <tools/stencilor/engine_messages.h>
 #include <tools/stencilor/files.h>
 #include <tools/stencilor/platform.h>
 #include <tools/stencilor/render.h>
+#include <tools/stencilor/template_survey.h>
 #include <tools/stencilor/trace.h>
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace stencilor {
 
 namespace {
-
-JsonValue loadContext(const RenderOptions& options) {
-    JsonValue context{.kind = JsonValue::Kind::Object};
-    if (options.contextFile) {
-        context = readContext(inputName(*options.contextFile), readInput(*options.contextFile));
-    }
-    for (const std::string& definition : options.definitions) {
-        applyDefinition(context, definition);
-    }
-    return context;
-}
-
-std::string includeRoot(const RenderOptions& options) {
-    if (options.root) {
-        return *options.root;
-    }
-    return options.templateFile == standardStream ? "." : platform::folderOf(options.templateFile);
-}
-
-void confineIncludes(const RenderOptions& options) {
-    const std::string root = includeRoot(options);
-    if (!kel::FileSystem::setRoot(root)) {
-        throw Failure(root + ": not a folder that included files can be read from");
-    }
-}
 
 void printMessages(const std::string& templateFile, std::string_view errors) {
     for (const std::string_view message : splitMessages(errors)) {
@@ -48,27 +24,42 @@ void printMessages(const std::string& templateFile, std::string_view errors) {
     }
 }
 
+/// In place of the messages: what causes them, and where. To be called before anything is traced.
+void explain(const RenderOptions& options, const std::string& text,
+             const kel::Stencilor::ContextBase& context) {
+    TemplateFiles files;
+    const TemplateFile& file = files.add(options.templateFile, text, options.root);
+    printFindings(file.fault().isPresent()
+                      ? std::vector{describeFault(file)}
+                      : findContextFaults(files, file, context, ContextWalk::Extent::Rendered));
+}
+
 } // namespace
 
 ExitStatus render(const RenderOptions& options) {
     // Everything is read first: the root holds for whatever is read after it is set.
-    const kel::String text(readInput(options.templateFile));
-    const auto context = kel::Stencilor::contextFromJsonValue(loadContext(options));
-    confineIncludes(options);
+    const std::string text = readInput(options.templateFile);
+    const auto context = makeContext(options.context);
+    confineIncludes(includeRoot(options.templateFile, options.root));
+    if (options.explain) {
+        explain(options, text, *context);
+    }
     if (options.trace) {
         startTrace();
     }
 
     kel::String errors;
     const kel::String output = kel::Stencilor::buildOutput(text, *context, errors);
-    printMessages(options.templateFile, errors.view());
+    if (!options.explain) {
+        printMessages(options.templateFile, errors.view());
+    }
     if (isRejection(errors.view())) {
         return exitRejected;
     }
     if (errors.empty() || !options.strict) {
         writeOutput(options.outputFile, output.view());
     }
-    return errors.empty() ? exitRendered : exitMessages;
+    return errors.empty() ? exitClean : exitMessages;
 }
 
 } // namespace stencilor

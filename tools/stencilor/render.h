@@ -1,23 +1,23 @@
 #ifndef TOOLS_STENCILOR_RENDER_H
 #define TOOLS_STENCILOR_RENDER_H
 
+#include <tools/stencilor/context_source.h>
 #include <tools/stencilor/failure.h>
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace stencilor {
 
-/// What `stencilor render` was asked for. In place of a file, `-` is a standard stream. No context
-/// is an empty one, and no root the template's folder.
+/// What `stencilor render` was asked for. In place of a file, `-` is a standard stream. No root is
+/// the template's folder.
 struct RenderOptions {
     std::string templateFile;
-    std::optional<std::string> contextFile;
-    std::vector<std::string> definitions;
+    ContextOptions context;
     std::string outputFile = "-";
     std::optional<std::string> root;
     bool strict = false;
+    bool explain = false;
     bool trace = false;
 };
 

@@ -1,0 +1,79 @@
+#include "../support/Environment.h"
+#include "../support/RandomTemplate.h"
+#include "ProgramTest.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace program {
+namespace {
+
+/// Has the program check templates, all of them in one call, and expects an error of the syntax in
+/// those that the engine rejects and in no other.
+class CheckCorpusTest : public ProgramTest {
+  protected:
+    void add(const std::string& text) {
+        const std::string name = "t" + std::to_string(names_.size());
+        folder.writeFile(name, text);
+        names_.push_back(name);
+        if (isRejected(text)) {
+            rejected_.insert(name);
+        }
+    }
+
+    void expectTheSame() {
+        std::vector<std::string> arguments = {"check"};
+        arguments.insert(arguments.end(), names_.begin(), names_.end());
+        const Outcome outcome = runStencilor(arguments);
+        EXPECT_EQ(outcome.errors, "");
+        std::set<std::string> found;
+        std::size_t begin = 0;
+        for (std::size_t error = outcome.output.find(": error: expected ");
+             error != std::string::npos;
+             error = outcome.output.find(": error: expected ", error + 1)) {
+            begin = outcome.output.rfind('\n', error) + 1; // 0 on the first line
+            found.insert(outcome.output.substr(begin, outcome.output.find(':', begin) - begin));
+        }
+        EXPECT_EQ(found, rejected_);
+        EXPECT_FALSE(rejected_.empty());
+        EXPECT_LT(rejected_.size(), names_.size());
+    }
+
+  private:
+    static bool isRejected(const std::string& text) {
+        kel::String errors;
+        buildOutput(kel::String(text), kel::Stencilor::ContextDictionary(), errors);
+        return errors.view() ==
+               "Could not build formatted output: Failed to parse input correctly.";
+    }
+
+    std::vector<std::string> names_;
+    std::set<std::string> rejected_;
+};
+
+TEST_F(CheckCorpusTest, AgreesWithTheEngineOnEveryInputOfTheFuzzers) {
+    for (const char* const corpus : {"seeds", "past"}) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(
+                 std::string(STENCILOR_FUZZ_FOLDER) + "/" + corpus)) {
+            if (entry.is_regular_file()) {
+                add(support::readFile(entry.path().string()));
+            }
+        }
+    }
+    expectTheSame();
+}
+
+TEST_F(CheckCorpusTest, AgreesWithTheEngineOnRandomTemplates) {
+    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+        support::Random random(seed);
+        add(support::randomTemplate(random, 24, {}));
+    }
+    expectTheSame();
+}
+
+} // namespace
+} // namespace program

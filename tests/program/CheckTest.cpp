@@ -1,0 +1,266 @@
+#include "ProgramTest.h"
+
+namespace program {
+namespace {
+
+using CheckTest = ProgramTest;
+
+TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string findings;
+    } cases[] = {
+        {"two names", "Dear {{ title name }},\n",
+         "page.txt:1:15: error: expected \"}}\" after the name\n"
+         "Dear {{ title name }},\n"
+         "              ^\n"},
+        {"a block that is open", "a\n {% if b %}\nc {% endfor %}\n",
+         "page.txt:3:6: error: expected \"if\", \"for\", \"include\", \"else\" or \"endif\"\n"
+         "c {% endfor %}\n"
+         "     ^\n"
+         "page.txt:2:2: note: opened here\n"
+         " {% if b %}\n"
+         " ^~~~~~~~~~\n"},
+        {"a block without an end", "{% for a in b %}\n",
+         "page.txt:2:1: error: expected \"{% endfor %}\" before the end\n"
+         "\n"
+         "^\n"
+         "page.txt:1:1: note: opened here\n"
+         "{% for a in b %}\n"
+         "^~~~~~~~~~~~~~~~\n"},
+        {"letters of several bytes", "\u00E9\u65E5\U0001F600{{ 1",
+         "page.txt:1:7: error: expected a name after \"{{\"\n"
+         "\u00E9\u65E5\U0001F600{{ 1\n"
+         "      ^\n"},
+        {"bytes that are no letters", "\xFF\xE2\x82{{ 1",
+         "page.txt:1:6: error: expected a name after \"{{\"\n"
+         "\uFFFD\uFFFD{{ 1\n"
+         "     ^\n"},
+        {"tabs", "\t\u00E9\t{{ 1",
+         "page.txt:1:7: error: expected a name after \"{{\"\n"
+         "\t\u00E9\t{{ 1\n"
+         "\t \t   ^\n"},
+        {"a byte-order mark", "\xEF\xBB\xBF{{ 1",
+         "page.txt:1:4: error: expected a name after \"{{\"\n"
+         "{{ 1\n"
+         "   ^\n"},
+        {"line ends of CR LF", "a\r\n{{ b\r\n}}\r\n",
+         "page.txt:2:5: error: expected \"}}\" after the name\n"
+         "{{ b\n"
+         "    ^\n"},
+        {"a CR alone", "a\r{{ b }\r",
+         "page.txt:1:8: error: expected \"}}\" after the name\n"
+         "a?{{ b }?\n"
+         "       ^\n"},
+        {"the end of the text", "{{ b",
+         "page.txt:1:5: error: expected \"}}\" after the name\n"
+         "{{ b\n"
+         "    ^\n"},
+        {"a NUL byte", std::string("a{{ b \0}}", 9),
+         "page.txt:1:7: error: expected \"}}\" after the name\n"
+         "a{{ b ?}}\n"
+         "      ^\n"},
+        {"a long line", std::string(300, 'a') + "{{ 1" + std::string(300, 'b'),
+         "page.txt:1:304: error: expected a name after \"{{\"\n"
+         "..." +
+             std::string(76, 'a') + "{{ 1" + std::string(80, 'b') + "...\n" + "   " +
+             std::string(79, ' ') + "^\n"},
+    };
+    for (const auto& [name, text, findings] : cases) {
+        SCOPED_TRACE(name);
+        folder.writeFile("page.txt", text);
+        expectOutcome(runStencilor({"check", "page.txt"}), 1, findings, "");
+    }
+}
+
+TEST_F(CheckTest, FindsNothingInATemplate) {
+    folder.writeFile("page.txt", R"({% if a %}{{ b }}{% endif %}{% include "part.txt" %})");
+    folder.writeFile("part.txt", std::string("{{ c }}\0{{", 10));
+    expectOutcome(runStencilor({"check", "page.txt"}), 0, "", "");
+    expectOutcome(runStencilor({"check", "-"}, {.input = "{{ a }}"}), 0, "", "");
+}
+
+TEST_F(CheckTest, FollowsInclusions) {
+    folder.makeFolder("pages/parts");
+    folder.makeFolder("other");
+    folder.writeFile("pages/bad.txt", "{{");
+    folder.writeFile("pages/parts/bad.txt", "{%");
+    folder.writeFile("other/bad.txt", "{% if");
+    const std::string missing = "error: included file \"none.txt\" does not exist\n";
+    const struct {
+        const char* name;
+        std::string text;
+        std::vector<std::string> arguments;
+        int status;
+        std::string findings;
+    } cases[] = {
+        {"a file that is rejected",
+         R"(a{% include "bad.txt" %})",
+         {},
+         1,
+         "pages/bad.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n"},
+        {"each file once",
+         R"({% include "bad.txt" %}{% include "bad.txt" %}{% include "parts/../bad.txt" %})",
+         {},
+         1,
+         "pages/bad.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n"},
+        {"a file in a folder",
+         R"({% include "parts/bad.txt" %})",
+         {},
+         1,
+         "pages/parts/bad.txt:1:3: error: expected \"if\", \"for\" or \"include\"\n{%\n  ^\n"},
+        {"a file below another root",
+         R"({% include "bad.txt" %})",
+         {"--root", "other"},
+         1,
+         "other/bad.txt:1:6: error: expected a name after \"if\"\n{% if\n     ^\n"},
+        {"a file that is missing",
+         "{% include \"none.txt\" %}",
+         {},
+         1,
+         "pages/page.txt:1:13: " + missing + "{% include \"none.txt\" %}\n            ^~~~~~~~\n"},
+        {"a file outside of the root",
+         "{% include \"parts/../../none.txt\" %}",
+         {},
+         1,
+         "pages/page.txt:1:13: error: included file \"parts/../../none.txt\" does not exist\n"
+         "{% include \"parts/../../none.txt\" %}\n            ^~~~~~~~~~~~~~~~~~~~\n"},
+        {"the files before a fault",
+         "{% include \"none.txt\" %}{{",
+         {},
+         1,
+         "pages/page.txt:1:13: " + missing +
+             "{% include \"none.txt\" %}{{\n            ^~~~~~~~\n"
+             "pages/page.txt:1:27: error: expected a name after \"{{\"\n"
+             "{% include \"none.txt\" %}{{\n                          ^\n"},
+        {"a file that includes itself",
+         "{% include \"page.txt\" %}",
+         {},
+         0,
+         "pages/page.txt:1:13: note: the file includes itself: pages/page.txt -> pages/page.txt\n"
+         "{% include \"page.txt\" %}\n            ^~~~~~~~\n"},
+    };
+    for (const auto& [name, text, arguments, status, findings] : cases) {
+        SCOPED_TRACE(name);
+        folder.writeFile("none.txt", "above the root");
+        folder.writeFile("pages/page.txt", text);
+        std::vector<std::string> all = {"check", "pages/page.txt"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        expectOutcome(runStencilor(all), status, findings, "");
+    }
+}
+
+TEST_F(CheckTest, NamesTheFilesOfACycle) {
+    folder.writeFile("page.txt", R"({% include "a.txt" %}{% include "b.txt" %})");
+    folder.writeFile("a.txt", R"({% include "b.txt" %})");
+    folder.writeFile("b.txt", R"({% include "a.txt" %})");
+    expectOutcome(runStencilor({"check", "page.txt"}), 0,
+                  "b.txt:1:13: note: the file includes itself: a.txt -> b.txt -> a.txt\n"
+                  "{% include \"a.txt\" %}\n            ^~~~~\n",
+                  "");
+}
+
+TEST_F(CheckTest, GoesOnBehindWhatIsWrong) {
+    folder.writeFile("a.txt", "{{");
+    folder.writeFile("b.txt", "text");
+    folder.writeFile("c.txt", "{%");
+    const std::string a = "a.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n";
+    const std::string c = "c.txt:1:3: error: expected \"if\", \"for\" or \"include\"\n{%\n  ^\n";
+    expectOutcome(runStencilor({"check", "a.txt", "b.txt", "c.txt", "a.txt"}), 1, a + c, "");
+#ifdef _WIN32
+    const std::string reason = "File not found";
+#else
+    const std::string reason = "No such file or directory";
+#endif
+    expectOutcome(runStencilor({"check", "none.txt", "c.txt"}), 2, c,
+                  "stencilor: none.txt: " + reason + "\n");
+}
+
+TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
+    folder.writeFile("values.json", R"({"s":"x","b":true,"no":false,"o":{"m":"y"},"items":[
+        {"name":"one","price":"1"},{"name":"two","sub":[{"x":1}]},{"sub":[{}]}],"empty":[]})");
+    folder.writeFile("part.txt", "{{ name }}{{ item.name }}");
+    const struct {
+        const char* name;
+        std::string text;
+        std::vector<std::string> warnings; // without the lines of the source
+    } cases[] = {
+        {"names that it has", "{{ s }}{{ o.m }}{% if b %}{% endif %}", {}},
+        {"a name that is missing",
+         "{{ x }}{{ x }}",
+         {"1:4: warning: no string is named \"x\"", "1:11: warning: no string is named \"x\""}},
+        {"values of other kinds",
+         "{{ b }}{{ items }}{{ o }}{% if s %}{% endif %}{% for a in b %}{% endfor %}",
+         {"1:4: warning: \"b\" is a boolean, not a string",
+          "1:11: warning: \"items\" is a list, not a string",
+          "1:22: warning: \"o\" is a dictionary, not a string",
+          "1:32: warning: \"s\" is a string, not a boolean",
+          "1:59: warning: \"b\" is a boolean, not a list"}},
+        {"conditions and lists that are missing",
+         "{% if x %}{{ y }}{% endif %}{% for a in z %}{{ a.y }}{% endfor %}",
+         {"1:7: warning: no boolean is named \"x\"", "1:41: warning: no list is named \"z\""}},
+        {"both parts of a condition",
+         "{% if no %}{{ x }}{% else %}{{ y }}{% endif %}",
+         {"1:15: warning: no string is named \"x\"", "1:32: warning: no string is named \"y\""}},
+        {"an element that lacks a member, once",
+         "{% for item in items %}{{ item.name }}{{ item.price }}{% endfor %}",
+         {"1:27: warning: no string is named \"item.name\" in element 3 of \"items\"",
+          "1:42: warning: no string is named \"item.price\" in element 2 of \"items\""}},
+        {"loops in each other",
+         "{% for i in items %}{% for j in i.sub %}{{ j.x }}{{ i.price }}{% endfor %}{% endfor %}",
+         {"1:33: warning: no list is named \"i.sub\" in element 1 of \"items\"",
+          "1:44: warning: no string is named \"j.x\" in element 1 of \"i.sub\"",
+          "1:53: warning: no string is named \"i.price\" in element 1 of \"i.sub\""}},
+        {"nothing inside an empty list", "{% for i in empty %}{{ i.x }}{% endfor %}", {}},
+        {"an included file, where variables do not reach",
+         R"({% for item in items %}{% include "part.txt" %}{% endfor %})",
+         {"part.txt:1:4: warning: no string is named \"name\" in element 3 of \"items\"",
+          "part.txt:1:14: warning: no string is named \"item.name\" in element 1 of \"items\""}},
+    };
+    for (const auto& [name, text, warnings] : cases) {
+        SCOPED_TRACE(name);
+        folder.writeFile("page.txt", text);
+        const Outcome outcome = runStencilor({"check", "page.txt", "--context", "values.json"});
+        EXPECT_EQ(outcome.status, warnings.empty() ? 0 : 1);
+        EXPECT_EQ(outcome.errors, "");
+        std::string found;
+        for (std::size_t at = outcome.output.find(".txt:"); at != std::string::npos;
+             at = outcome.output.find(".txt:", at + 1)) {
+            const std::size_t begin = outcome.output.rfind('\n', at) + 1; // 0 at the beginning
+            found += outcome.output.substr(begin, outcome.output.find('\n', at) + 1 - begin);
+        }
+        std::string expected;
+        for (const std::string& warning : warnings) {
+            expected += (warning.starts_with("part") ? "" : "page.txt:") + warning + "\n";
+        }
+        EXPECT_EQ(found, expected);
+    }
+}
+
+TEST_F(CheckTest, TakesDefinitionsForAContext) {
+    folder.writeFile("page.txt", "{{ a }}");
+    expectOutcome(runStencilor({"check", "page.txt", "-D", "a=x"}), 0, "", "");
+    EXPECT_EQ(runStencilor({"check", "page.txt", "-D", "b=x"}).status, 1);
+    EXPECT_EQ(runStencilor({"check", "page.txt"}).status, 0);
+}
+
+TEST_F(CheckTest, EndsWithRecursionOverAContext) {
+    folder.writeFile("values.json",
+                     R"({"all":[{"n":"a","all":[{"n":"b","all":[]},{"all":[]}]}],"more":true})");
+    folder.writeFile("page.txt", R"({% for x in all %}{{ n }}{% include "page.txt" %}{% endfor %})"
+                                 R"({% if more %}{% include "page.txt" %}{% endif %})");
+    const Outcome outcome = runStencilor({"check", "page.txt", "--context", "values.json"});
+    EXPECT_EQ(outcome.status, 0); // names are found in the elements around, too
+    EXPECT_NE(outcome.output.find("note: the file includes itself"), std::string::npos);
+}
+
+TEST_F(CheckTest, WritesTheOutputToAFile) {
+    folder.writeFile("page.txt", "{{");
+    expectOutcome(runStencilor({"check", "page.txt", "-o", "findings.txt"}), 1, "", "");
+    EXPECT_EQ(support::readFile("findings.txt"),
+              "page.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n");
+}
+
+} // namespace
+} // namespace program

@@ -1,0 +1,117 @@
+#include "../support/Environment.h"
+#include "../support/RandomContext.h"
+#include "../support/RandomTemplate.h"
+#include "../support/TemporaryFolder.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <gtest/gtest.h>
+#include <tools/stencilor/context_walk.h>
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace stencilor {
+namespace {
+
+/// The engine's message for what was found.
+std::string messageOf(const Occurrence& found) {
+    const std::string name(found.file->textOf(found.part->name));
+    const std::string list(found.file->textOf(found.part->list));
+    switch (found.problem) {
+    case Problem::NoString:
+        return "Could not find expected replacement named \"" + name + "\"\n";
+    case Problem::NotString:
+        return "The replacement is not of type String for \"" + name + "\"";
+    case Problem::NoBoolean:
+        return "Could not find expected boolean named \"" + name + "\n";
+    case Problem::NotBoolean:
+        return "Expected named \"" + name + "\" to be of type ContextBoolean\n";
+    case Problem::NoList:
+        return "Could not find expected for-expression named \"" + list + "\"\n";
+    case Problem::NotList:
+        return "Expected named \"" + list + "\" to be of type ContextIterable\n";
+    case Problem::NoFile:
+        return "Could not include file \"" + name + "\", file doesn't exist";
+    case Problem::UnreadableFile:
+        return "Could not load file \"" + name + "\"";
+    case Problem::RejectedFile:
+        break;
+    }
+    return "";
+}
+
+const std::vector<std::string> paths = {"f0", "f1", "f2", "parts/f3", "missing", "parts"};
+
+// Each file includes only those behind it, so that none includes itself.
+void writeFiles(support::TemporaryFolder& folder, std::uint64_t seed) {
+    support::Random random(seed);
+    for (std::size_t file = 0; file < 4; ++file) {
+        const std::vector<std::string> behind(paths.begin() + static_cast<std::ptrdiff_t>(file) + 1,
+                                              paths.end());
+        folder.writeFile(paths[file], support::randomTemplate(random, 8, behind));
+    }
+}
+
+// In included files the engine drops its messages; those of each are compared where it is rendered
+// by itself.
+TEST(ContextWalk, TellsWhatTheEngineTells) {
+    support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    folder.makeFolder("parts");
+    const std::uint64_t first = support::numberFromEnvironment("STENCILOR_SEED", 0);
+    const std::uint64_t last = first + support::numberFromEnvironment("STENCILOR_CASES", 2000);
+    std::uint64_t withMessages = 0;
+    for (std::uint64_t seed = first; seed < last && !HasFailure(); ++seed) {
+        SCOPED_TRACE("STENCILOR_SEED=" + std::to_string(seed) + " STENCILOR_CASES=1");
+        if (seed == first || seed % 64 == 0) {
+            writeFiles(folder, seed / 64);
+        }
+        support::Random random(seed);
+        const auto context = support::randomContext(
+            random, [](support::Random&, const std::string& text) { return kel::String(text); });
+        const std::string text = support::randomTemplate(random, 24, paths);
+
+        TemplateFiles files;
+        const TemplateFile& file = files.add("-", text, ".");
+        kel::String errors;
+        buildOutput(kel::String(text), *context, errors);
+        if (file.fault().isPresent()) {
+            EXPECT_EQ(errors.str(),
+                      "Could not build formatted output: Failed to parse input correctly.");
+            continue;
+        }
+        std::string told;
+        ContextWalk walk(files, ContextWalk::Extent::Rendered, [&](const Occurrence& found) {
+            told += found.file == &file ? messageOf(found) : "";
+        });
+        walk.walk(file, *context);
+        EXPECT_EQ(told, errors.str()) << text;
+        withMessages += errors.empty() ? 0u : 1u;
+    }
+    std::cout << "compared " << last - first << " renderings, " << withMessages
+              << " with messages\n";
+}
+
+TEST(ContextWalk, TakesNoCallStackForBlocks) {
+    std::string text;
+    constexpr int depth = 100000;
+    for (int i = 0; i < depth; ++i) {
+        text += "{% if b %}";
+    }
+    text += "{{ x }}";
+    for (int i = 0; i < depth; ++i) {
+        text += "{% endif %}";
+    }
+    kel::Stencilor::ContextDictionary context;
+    context.insert("b", kel::Stencilor::ContextFactory::buildBoolean(true));
+    TemplateFiles files;
+    int found = 0;
+    ContextWalk walk(files, ContextWalk::Extent::Whole, [&found](const Occurrence&) { ++found; });
+    walk.walk(files.add("-", text, "."), context);
+    EXPECT_EQ(found, 1);
+}
+
+} // namespace
+} // namespace stencilor
