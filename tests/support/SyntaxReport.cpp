@@ -87,18 +87,8 @@ const Completion completions[] = {
     {Expected::Keyword, "if x%}{%endif%}"},
     {Expected::Keyword, "for x in y%}{%endfor%}"},
     {Expected::Keyword, "include\"x\"%}"},
-    {Expected::KeywordInIf, "if x%}{%endif%}"},
-    {Expected::KeywordInIf, "for x in y%}{%endfor%}"},
-    {Expected::KeywordInIf, "include\"x\"%}"},
     {Expected::KeywordInIf, "else%}"},
-    {Expected::KeywordInIf, "endif%}", true},
-    {Expected::KeywordInElse, "if x%}{%endif%}"},
-    {Expected::KeywordInElse, "for x in y%}{%endfor%}"},
-    {Expected::KeywordInElse, "include\"x\"%}"},
     {Expected::KeywordInElse, "endif%}", true},
-    {Expected::KeywordInFor, "if x%}{%endif%}"},
-    {Expected::KeywordInFor, "for x in y%}{%endfor%}"},
-    {Expected::KeywordInFor, "include\"x\"%}"},
     {Expected::KeywordInFor, "endfor%}", true},
     {Expected::SubstitutionName, "x}}"},
     {Expected::SubstitutionEnd, "}}"},
@@ -107,7 +97,7 @@ const Completion completions[] = {
     {Expected::ElseEnd, "%}"},
     {Expected::EndIfEnd, "%}", true},
     {Expected::ForVariable, "x in y%}{%endfor%}"},
-    {Expected::ForIn, " in y%}{%endfor%}"}, // behind a name a blank is needed,
+    {Expected::ForIn, " in y%}{%endfor%}"}, // behind a name a blank is needed
     {Expected::ForList, "y%}{%endfor%}"},
     {Expected::ForEnd, "%}{%endfor%}"},
     {Expected::EndForEnd, "%}", true},
@@ -116,10 +106,24 @@ const Completion completions[] = {
     {Expected::IncludeClosingQuote, "\"%}"},
     {Expected::IncludeEnd, "%}"},
     {Expected::MissingElseOrEndIf, "{%else%}"},
-    {Expected::MissingElseOrEndIf, "{%endif%}", true},
     {Expected::MissingEndIf, "{%endif%}", true},
     {Expected::MissingEndFor, "{%endfor%}", true},
 };
+
+/// What may stand in one part of a block may stand in another, too.
+bool isAmong(Expected one, Expected expected) {
+    switch (expected) {
+    case Expected::KeywordInIf:
+        return one == Expected::Keyword || one == expected || one == Expected::KeywordInElse;
+    case Expected::KeywordInElse:
+    case Expected::KeywordInFor:
+        return one == Expected::Keyword || one == expected;
+    case Expected::MissingElseOrEndIf:
+        return one == expected || one == Expected::MissingEndIf;
+    default:
+        return one == expected;
+    }
+}
 
 struct OpenBlock {
     Kind kind; // of the tag that the innermost part of the block begins with
@@ -188,7 +192,7 @@ std::string findMistakeInFault(const std::string& text, const std::vector<OpenBl
     const std::string read = text.substr(fault.tag, fault.offset - fault.tag);
     const std::string more = text.substr(fault.tag, read.size() + longestToken);
     for (const Completion& completion : completions) {
-        if (completion.expected == fault.expected && !completes(read, completion, block)) {
+        if (isAmong(completion.expected, fault.expected) && !completes(read, completion, block)) {
             return std::string("this does not belong there: ") + completion.text;
         }
         if (endsBehind && completes(more, completion, block)) {
