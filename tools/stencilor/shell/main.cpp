@@ -1,0 +1,42 @@
+#include <CLI/App.hpp>
+#include <tools/stencilor/command_line.h>
+#include <tools/stencilor/shell/command_table.h>
+
+#include <fstream>
+#include <iostream>
+#include <string>
+
+// Writes what shells and the manual know of the program: stencilor_shell_files KIND FILE.
+
+namespace {
+
+using Writer = std::string (*)(const stencilor::CommandTable&);
+
+Writer findWriter(const std::string& kind) {
+    return kind == "bash"   ? stencilor::bashCompletion
+           : kind == "zsh"  ? stencilor::zshCompletion
+           : kind == "fish" ? stencilor::fishCompletion
+           : kind == "man"  ? stencilor::manualPage
+                            : nullptr;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Writer write = argc == 3 ? findWriter(argv[1]) : nullptr;
+    if (write == nullptr) {
+        std::cerr << "usage: stencilor_shell_files bash|zsh|fish|man FILE\n";
+        return 2;
+    }
+    CLI::App program;
+    stencilor::Request request;
+    stencilor::defineCommandLine(program, request);
+    std::ofstream file(argv[2], std::ios::binary);
+    file << write(stencilor::makeCommandTable(program));
+    file.close();
+    if (!file) {
+        std::cerr << "stencilor_shell_files: cannot write " << argv[2] << '\n';
+        return 1;
+    }
+    return 0;
+}
