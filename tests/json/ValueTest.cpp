@@ -140,6 +140,7 @@ TEST(NlohmannValues, AreRefusedWithTheirPlace) {
          {{"$boolean", Json::array()}},
          "expected true or false as the value of \"$boolean\""},
         {"512 levels", nested(512), "none"},
+        {"a thousand lists side by side", std::vector<Json>(1000, Json::array()), "none"},
         {"many members at the top", {{"a", std::vector<int>(200'000)}}, "none"},
         {"a long list at the bottom", objects(511, std::vector<int>(200'000)),
          "the context is too large: the dotted names of its nested objects would take over 512 "
