@@ -1,17 +1,20 @@
 #!/usr/bin/env python3
 """Tests the files of the extension for VS Code.
 
-    extension.py EXTENSION_FOLDER VERSION
+    extension.py EXTENSION_FOLDER VERSION STENCILOR
 """
 
 import json
 import pathlib
 import re
+import subprocess
 import sys
+import tempfile
 import unittest
 
-FOLDER = pathlib.Path(sys.argv[1])
+FOLDER = pathlib.Path(sys.argv[1]).resolve()
 VERSION = sys.argv[2]
+PROGRAM = sys.argv[3]
 
 
 def read(path):
@@ -90,6 +93,38 @@ class LanguageConfiguration(unittest.TestCase):
         self.assertEqual(CONFIGURATION["brackets"], pairs)
         closing = [[pair["open"], pair["close"]] for pair in CONFIGURATION["autoClosingPairs"]]
         self.assertEqual(closing, [*pairs, ['"', '"']])
+
+
+class ProblemMatcher(unittest.TestCase):
+    def found_in(self, text):
+        """What the matcher finds in what `stencilor check` prints of a template."""
+        pattern = CONTRIBUTED["problemMatchers"][0]["pattern"]
+        with tempfile.TemporaryDirectory() as folder:
+            template = pathlib.Path(folder) / "page.stencilor"
+            template.write_text(text, "utf-8")
+            checked = subprocess.run(
+                [PROGRAM, "check", template.name],
+                cwd=folder,
+                stdout=subprocess.PIPE,
+                stderr=subprocess.STDOUT,
+                text=True,
+            )
+        matches = [re.search(pattern["regexp"], line) for line in checked.stdout.splitlines()]
+        keys = ("file", "line", "column", "severity")
+        return [tuple(match.group(pattern[key]) for key in keys) for match in matches if match]
+
+    def test_it_finds_the_place_of_a_mistake(self):
+        self.assertEqual(
+            self.found_in("text\n  {{ a-b }}\n"), [("page.stencilor", "2", "7", "error")]
+        )
+
+    def test_it_finds_notes_as_well(self):
+        found = self.found_in("{% if x %}\n{% if y %}{% endif %}\n")
+        self.assertEqual([severity for *_, severity in found], ["error", "note"])
+        self.assertEqual(found[1], ("page.stencilor", "1", "1", "note"))
+
+    def test_it_finds_nothing_where_nothing_is_wrong(self):
+        self.assertEqual(self.found_in("{{ x }}\n"), [])
 
 
 if __name__ == "__main__":
