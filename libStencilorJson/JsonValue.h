@@ -134,7 +134,7 @@ enum class JsonRoot {
 JsonValue parseJson(std::string_view text, JsonRoot root = JsonRoot::Object);
 
 /// Makes a context of a value.
-/// @param value the value, which is only read
+/// @param value the value, which is only read; nested at most `deepestJson` levels deep
 /// @return the context; null where the value is JSON's null
 std::unique_ptr<ContextBase> contextFromJsonValue(const JsonValue& value);
 
