@@ -37,6 +37,7 @@ std::string messageOf(const Occurrence& found) {
     case Problem::UnreadableFile:
         return "Could not load file \"" + name + "\"";
     case Problem::RejectedFile:
+    case Problem::TooDeep:
         break;
     }
     return "";
@@ -92,6 +93,27 @@ TEST(ContextWalk, TellsWhatTheEngineTells) {
     }
     std::cout << "compared " << last - first << " renderings, " << withMessages
               << " with messages\n";
+}
+
+TEST(ContextWalk, EndsWhereInclusionsDoNot) {
+    support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    const std::string text = "{% for a in l %}{% include \"page\" %}{{ x }}{% endfor %}";
+    folder.writeFile("page", text);
+    kel::Stencilor::ContextDictionary context;
+    kel::Stencilor::ContextIterable* const list = kel::Stencilor::ContextFactory::buildIterable();
+    context.insert("l", list);
+    for (int i = 0; i < 3; ++i) {
+        auto* const element = kel::Stencilor::ContextFactory::buildDictionary();
+        element->insert("y", nullptr);
+        list->add(element);
+    }
+    TemplateFiles files;
+    std::vector<Problem> found;
+    ContextWalk walk(files, ContextWalk::Extent::Rendered,
+                     [&found](const Occurrence& one) { found.push_back(one.problem); });
+    walk.walk(files.add("-", text, "."), context);
+    EXPECT_EQ(found, std::vector{Problem::TooDeep});
 }
 
 TEST(ContextWalk, TakesNoCallStackForBlocks) {

@@ -58,6 +58,10 @@ Finding describe(const Occurrence& found) {
         return describeInclusion(Rule::MissingInclude, *found.file, *found.part);
     case Problem::UnreadableFile:
         return describeInclusion(Rule::UnreadableInclude, *found.file, *found.part);
+    case Problem::TooDeep:
+        return {.rule = Rule::IncludeCycle,
+                .place = {found.file, name},
+                .message = "the inclusions around this one seem to have no end"};
     case Problem::RejectedFile:
         break;
     }

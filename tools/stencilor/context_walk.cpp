@@ -14,8 +14,8 @@ using kel::Stencilor::ContextIterable;
 using kel::Stencilor::ContextString;
 using Kind = SyntaxElement::Kind;
 
-/// How often inclusions may stand in each other. What goes on beyond that has no end.
-constexpr std::size_t deepestInclusion = 200;
+/// Contexts are not nested as deeply. The engine has a limit, too: the size of the stack.
+constexpr std::size_t deepestInclusion = 600;
 
 bool opens(Kind kind) {
     return kind == Kind::If || kind == Kind::For;
@@ -98,7 +98,7 @@ void ContextWalk::walkFile(const TemplateFile& file) {
     active_.push_back(&file);
     const std::size_t size = file.parts().size();
     Activation current{file, findEnds(file.parts()), {{0, size, 0}}, {}};
-    while (!current.blocks.empty()) {
+    while (!current.blocks.empty() && !ended_) {
         Block& block = current.blocks.back();
         if (!block.entered) {
             enter(current);
@@ -183,6 +183,9 @@ void ContextWalk::include(Activation& current, std::size_t index) {
         report(current, exists ? Problem::UnreadableFile : Problem::NoFile, index);
     } else if (file->fault().isPresent()) {
         report(current, Problem::RejectedFile, index, nullptr, file);
+    } else if (active_.size() > deepestInclusion) {
+        report(current, Problem::TooDeep, index);
+        ended_ = true;
     } else if (mayEnter(*file)) {
         const std::string around = std::exchange(where_, placeIn(current));
         walkFile(*file);
@@ -191,9 +194,6 @@ void ContextWalk::include(Activation& current, std::size_t index) {
 }
 
 bool ContextWalk::mayEnter(const TemplateFile& file) {
-    if (active_.size() >= deepestInclusion) {
-        return false;
-    }
     if (extent_ == Extent::Rendered) {
         return true;
     }

@@ -25,6 +25,7 @@ enum class Problem {
     NoFile,
     UnreadableFile,
     RejectedFile, // an included one
+    TooDeep,      // an inclusion inside of so many others that there may be no end
 };
 
 /// One problem each time it occurs.
@@ -41,7 +42,9 @@ struct Occurrence {
 /// found, and tells what goes wrong on the way, in included files, too.
 ///
 /// Ownership: borrows the files and the context, which is only read.
-/// Nesting: blocks take no call stack, as in the engine; inclusions do, up to a limit.
+/// Nesting: blocks take no call stack, as in the engine. Inclusions do, and where they stand in
+/// each
+///   other too deeply, the walk ends.
 class ContextWalk {
   public:
     /// Which parts of a template are gone through.
@@ -86,6 +89,7 @@ class ContextWalk {
         active_; // the files that are gone through, the outermost first
     std::set<std::pair<const TemplateFile*, Scopes>> walked_;
     std::string where_; // the innermost loop around the file
+    bool ended_ = false;
 };
 
 } // namespace stencilor
