@@ -43,21 +43,21 @@ std::string actionOf(const OptionInfo& option) {
 }
 
 /// One that may be given once excludes its other name.
-std::string specOf(const OptionInfo& option) {
+std::string optionArgument(const OptionInfo& option) {
     std::string names;
     for (const std::string& name : option.names) {
         names += (names.empty() ? "" : " ") + name;
     }
     const std::string exclusion = option.repeated ? "*" : "(" + names + ")";
-    std::string specs;
+    std::string words;
     for (const std::string& name : option.names) {
-        specs += " \\\n                '" + exclusion + name + "[" + escape(option.description) +
+        words += " \\\n                '" + exclusion + name + "[" + escape(option.description) +
                  "]" + actionOf(option) + "'";
     }
-    return specs;
+    return words;
 }
 
-std::string positionalSpec(const OptionInfo& positional, std::size_t number) {
+std::string positionalArgument(const OptionInfo& positional, std::size_t number) {
     const std::string place = positional.repeated   ? "*"
                               : positional.required ? std::to_string(number)
                                                     : std::to_string(number) + ":";
@@ -73,16 +73,16 @@ std::string zshCompletion(const CommandTable& table) {
         descriptions += "            '" + command.name + ":" + escape(command.description) + "'\n";
         arguments += "        " + command.name + ")\n            _arguments -s -S";
         for (const OptionInfo& option : command.options) {
-            arguments += specOf(option);
+            arguments += optionArgument(option);
         }
         for (std::size_t i = 0; i < command.positionals.size(); ++i) {
-            arguments += positionalSpec(command.positionals[i], i + 1);
+            arguments += positionalArgument(command.positionals[i], i + 1);
         }
         arguments += "\n            ;;\n";
     }
     std::string own;
     for (const OptionInfo& option : table.options) {
-        own += specOf(option);
+        own += optionArgument(option);
     }
     return R"(#compdef stencilor
 
