@@ -200,7 +200,7 @@ class String {
 
   private:
     friend class CString;
-    static constexpr unsigned int inlineCapacity = 23;
+    static constexpr unsigned int inlineCapacity = 15;
 
     bool isInline() const noexcept {
         return data_ == inline_;

@@ -13,10 +13,10 @@
 namespace kel {
 namespace {
 
-// What is special about a length: 8 bytes are compared at once, 23 are held without a block of
-// their own.
-constexpr std::array<std::size_t, 14> lengths = {0,  1,  6,  7,  8,  9,   15,
-                                                 22, 23, 24, 46, 47, 111, 1000};
+// What is special about a length: 8 bytes are compared at once, 15 are held without a block of
+// their own, 111 are read without one, and a block that is appended to holds 255 at least.
+constexpr std::array<std::size_t, 16> lengths = {0,  1,  6,  7,   8,   9,   14,  15,
+                                                 16, 30, 31, 110, 111, 112, 255, 1000};
 
 std::string patternOf(std::size_t length, char first = 'a') {
     std::string pattern(length, '\0');
