@@ -63,8 +63,12 @@ const ContextBase* name_lookup::findInScopes(const scope_stack& scopes, const st
         const String key(name.c_str());
         return findFirst(scopes, std::span(&key, 1));
     }
-    const auto& keys = keep(name, prefixes).keys;
-    return findFirst(scopes, std::span(keys.data(), keys.size()));
+    // Nearly always a name has the slot where it belongs.
+    const kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
+    if (kept == nullptr || kept->name != &name) {
+        kept = &keep(name, prefixes);
+    }
+    return findFirst(scopes, std::span(kept->keys.data(), kept->keys.size()));
 }
 
 const name_lookup::kept_name& name_lookup::keep(const std::string& name,
@@ -72,18 +76,34 @@ const name_lookup::kept_name& name_lookup::keep(const std::string& name,
     if (slots_ == nullptr) {
         slots_ = std::make_unique<slot_table>();
     }
-    // Names are members of records on the heap, which spreads their addresses well enough.
-    const std::size_t address = std::hash<const std::string*>()(&name) / alignof(std::max_align_t);
-    std::unique_ptr<kept_name>& slot = (*slots_)[address % slots_->size()];
-    if (slot == nullptr) {
-        slot = std::make_unique<kept_name>();
+    slot& kept = slotOf(name);
+    if (kept == nullptr) {
+        kept = std::make_unique<kept_name>();
     }
-    if (slot->name != &name) {
-        slot->name = nullptr; // it belongs to no name while its keys change
-        collectKeys(name, prefixes, slot->keys);
-        slot->name = &name;
+    if (kept->name != &name) {
+        kept->name = nullptr; // it belongs to no name while its keys change
+        collectKeys(name, prefixes, kept->keys);
+        kept->name = &name;
     }
-    return *slot;
+    return *kept;
+}
+
+/// The slot that `name` has, else a free one near where it belongs, else one that another loses.
+name_lookup::slot& name_lookup::slotOf(const std::string& name) const {
+    constexpr std::size_t neighbours = 4;
+    const std::size_t home = homeOf(name);
+    for (std::size_t next = home; next < home + neighbours; ++next) {
+        slot& candidate = (*slots_)[next % slotCount];
+        if (candidate == nullptr || candidate->name == &name) {
+            return candidate;
+        }
+    }
+    return (*slots_)[home];
+}
+
+/// Names are members of records on the heap, which spreads their addresses well enough.
+std::size_t name_lookup::homeOf(const std::string& name) noexcept {
+    return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
 }
 
 } // namespace kel::Stencilor::internal

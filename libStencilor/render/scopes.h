@@ -71,9 +71,13 @@ class name_lookup {
         boost::container::small_vector<String, 2> keys; // in their order, each once
     };
 
-    const kept_name& keep(const std::string& name, const prefix_stack& prefixes);
+    using slot = std::unique_ptr<kept_name>;
+    static constexpr std::size_t slotCount = 64;
+    using slot_table = std::array<slot, slotCount>;
 
-    using slot_table = std::array<std::unique_ptr<kept_name>, 64>;
+    const kept_name& keep(const std::string& name, const prefix_stack& prefixes);
+    slot& slotOf(const std::string& name) const;
+    static std::size_t homeOf(const std::string& name) noexcept;
 
     std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
 };

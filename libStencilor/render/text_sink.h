@@ -43,7 +43,8 @@ class text_sink {
             }
             end_[count] = text[count];
         }
-        append(text);
+        end_ += few;
+        append(text + few);
     }
 
     /// What is longer is given back early: no more than twice an output shall be held at a time.
