@@ -209,13 +209,19 @@ TEST(StandardErrorDeathTest, ReceivesTheRecordsWhereNoSinkIsSet) {
                 logText(logger, PRIORITY_INFO, "a message with {} in it");
             }
             logText(logger, PRIORITY_ALL, "too much detail");
+            logText(logger, PRIORITY_WARNING, "a warning");
+            logText(logger, PRIORITY_FAILURE, "a failure");
+            LogFactory::setPriority(PRIORITY_ALL);
+            logText(logger, PRIORITY_ALL, "all detail");
             std::exit(0);
         },
         testing::ExitedWithCode(0),
-        AllOf(HasSubstr("stderr"), HasSubstr("> outer (some/file.cpp:10)"),
-              HasSubstr("  > inner (some/file.cpp:20)"), HasSubstr("a message with {} in it"),
-              HasSubstr("< outer (some/file.cpp:10)"), testing::Not(HasSubstr("to the sink")),
-              testing::Not(HasSubstr("too much detail"))));
+        AllOf(HasSubstr("[stderr] [debug] > outer (some/file.cpp:10)"),
+              HasSubstr("  > inner (some/file.cpp:20)"),
+              HasSubstr("[stderr] [info] a message with {} in it"),
+              HasSubstr("< outer (some/file.cpp:10)"), HasSubstr("[warning] a warning"),
+              HasSubstr("[error] a failure"), HasSubstr("[trace] all detail"),
+              testing::Not(HasSubstr("to the sink")), testing::Not(HasSubstr("too much detail"))));
 }
 
 } // namespace

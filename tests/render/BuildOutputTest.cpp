@@ -82,6 +82,19 @@ TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
     }
 }
 
+TEST(BuildOutput, HoldsLongTextsBesideShortOnes) {
+    const Root root({{"short", text("s")}, {"long", text(std::string(100000, 'l'))}});
+    for (const std::size_t length : {300u, 65535u, 65536u, 65537u, 100000u}) {
+        SCOPED_TRACE(length);
+        const std::string plain(length, 'p');
+        const std::string value(100000, 'l');
+        EXPECT_TRUE(render("{{ short }}" + plain + "{{ short }}{{ long }}" + plain + "{{ short }}",
+                           root) == (Rendered{"s" + plain + "s" + value + plain + "s", ""}));
+        EXPECT_TRUE(render("{{ long }}{{ short }}{{ long }}" + plain, root) ==
+                    (Rendered{value + "s" + value + plain, ""}));
+    }
+}
+
 TEST(BuildOutput, TakesAnyValueAsItsRoot) {
     ContextString string("its own text is no name");
     string.insert("x", text("child of a string"));

@@ -1,0 +1,43 @@
+#include "../support/TemporaryFolder.h"
+
+#include <libKel/FileSystem.h>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace support {
+namespace {
+
+/// Closes the standard input for a while, so that the next file that is opened has its number.
+class ClosedInput {
+  public:
+    ClosedInput() : former_(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)) { ::close(STDIN_FILENO); }
+    ClosedInput(const ClosedInput&) = delete;
+    ClosedInput& operator=(const ClosedInput&) = delete;
+    ~ClosedInput() {
+        if (former_ >= 0) {
+            ::dup2(former_, STDIN_FILENO);
+            ::close(former_);
+        }
+    }
+
+    /// True where nothing has the number of the standard input.
+    bool isFree() const { return ::fcntl(STDIN_FILENO, F_GETFD) < 0; }
+
+  private:
+    int former_;
+};
+
+TEST(Descriptor, OfAFileMayBeZero) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", "content");
+    const ClosedInput input;
+    kel::Buffer<unsigned char> buffer;
+    EXPECT_TRUE(kel::FileSystem::loadFile(folder.path("file"), buffer, nullptr));
+    EXPECT_EQ(buffer.size, 7u);
+    EXPECT_TRUE(input.isFree()) << "the file was not closed";
+}
+
+} // namespace
+} // namespace support
