@@ -5,9 +5,12 @@
 #include "../allocations.h"
 #include "series.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <limits>
 
 namespace {
 
@@ -56,6 +59,11 @@ void measure(const series& each, std::size_t size) {
 } // namespace
 
 int main() {
+    // What the allocator returns to the system between calls, and is given anew page by page,
+    // depends on what else the process does: here it keeps what it has.
+    mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+
     constexpr int decades = 3;
     std::printf("series,size,microseconds,allocations,peak bytes\n");
     for (const series& each : allSeries()) {
