@@ -7,5 +7,6 @@ using namespace kel::Stencilor;
 int main() {
     ContextDictionary context;
     context.insert("name", ContextFactory::buildString("world"));
-    std::cout << buildOutput("Hello, {{ name }}!\n", context);
+    // Written so that it compiles with each base library, also one whose strings are no bytes.
+    std::cout << buildOutput("Hello, {{ name }}!\n", context).getUTF8String().c_str();
 }
