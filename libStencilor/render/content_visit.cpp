@@ -68,12 +68,11 @@ void content_visit::operator()(const for_expr& node) {
         leaveBlock();
         return;
     }
-    const auto& elements = context_access::elements(*iterable);
     opened.loop = &node;
-    opened.element = &elements.front();
-    opened.lastElement = &elements.back();
+    opened.elements = iterable;
+    opened.turn = 0;
     opened.prefix = prefixes_.enter(node.variable);
-    enterList(opened, node.body, *opened.element);
+    enterTurn(opened);
 }
 
 void content_visit::operator()(const include_expr& node) {
@@ -121,6 +120,11 @@ void content_visit::enterList(block& current, const content_list& list, const Co
     current.end = current.next + list.size();
 }
 
+/// The elements are asked for anew each time: the sink of a host may have added one.
+void content_visit::enterTurn(block& loop) {
+    enterList(loop, loop.loop->body, context_access::elements(*loop.elements)[loop.turn]);
+}
+
 void content_visit::leaveList(block& current) {
     scopes_.leave(current.scope);
     current.apply.reset();
@@ -148,8 +152,8 @@ void content_visit::renderOpenBlocks() {
         leaveList(current);
         if (current.loop == nullptr) {
             leaveBlock();
-        } else if (current.element != current.lastElement) {
-            enterList(current, current.loop->body, *++current.element);
+        } else if (++current.turn < context_access::elements(*current.elements).size()) {
+            enterTurn(current);
         } else {
             prefixes_.leave(current.prefix);
             leaveBlock();

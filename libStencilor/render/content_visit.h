@@ -53,8 +53,8 @@ class content_visit : public boost::static_visitor<> {
         const content* end = nullptr;
 
         const for_expr* loop = nullptr; // null for a conditional, which has one turn
-        ContextBase* const* element = nullptr;
-        ContextBase* const* lastElement = nullptr;
+        const ContextIterable* elements = nullptr;
+        unsigned int turn = 0;
         prefix_stack::position prefix = 0;
     };
 
@@ -63,6 +63,7 @@ class content_visit : public boost::static_visitor<> {
     block& enterBlock(const trace_point& point);
     void leaveBlock();
     void enterList(block& current, const content_list& list, const ContextBase* scope);
+    void enterTurn(block& loop);
     void leaveList(block& current);
     bool renderToNextBlock(block& current);
     void renderOpenBlocks();

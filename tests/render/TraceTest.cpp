@@ -153,5 +153,19 @@ TEST(Traces, ChangeNothingOfWhatIsRendered) {
     EXPECT_EQ(render(input, root), untraced);
 }
 
+TEST(Traces, MayMakeAHostAddToTheListThatIsRendered) {
+    ContextIterable* const elements = list({dictionary(), dictionary()});
+    const Root root({{"xs", elements}});
+    const LogRecorder recorder(PRIORITY_TRACE); // for what it puts back at its end
+    bool added = false;
+    kel::LogFactory::setSink([&](const kel::LogRecord& record) {
+        if (!added && record.text == "content_visit::string") {
+            added = true;
+            elements->add(dictionary());
+        }
+    });
+    EXPECT_EQ(render("{% for x in xs %}.{% endfor %}", root), (Rendered{"...", ""}));
+}
+
 } // namespace
 } // namespace support
