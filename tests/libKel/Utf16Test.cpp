@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace kel {
 namespace {
@@ -34,6 +35,11 @@ TEST(FromUtf16, PairsSurrogatesAndReplacesLoneOnes) {
         SCOPED_TRACE(name);
         EXPECT_EQ(String::fromUTF16(utf16).view(), expected);
     }
+}
+
+TEST(FromUtf16, LooksAtNothingBehindTheText) {
+    const std::u16string_view text = u"a\U0001F600";
+    EXPECT_EQ(String::fromUTF16(text.substr(0, 2)).view(), "a" FFFD);
 }
 
 TEST(ToUtf16, MakesPairsAndReplacesWhatIsMalformed) {

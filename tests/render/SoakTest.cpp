@@ -17,20 +17,22 @@ namespace support {
 namespace {
 
 /// Everything that a rendering can meet. The first is rendered most often, since it opens no file.
-const std::array<std::string, 3> templates = {
+const std::array<std::string, 4> templates = {
     "{{ title }}: {% for user in users %}{% if user.active %}{{ user.name }}, a name of more bytes "
     "than fit into a string itself{% else %}{{ missing }}{% endif %}{% endfor %}",
     "{% include \"part\" %}{% include \"no/such/file\" %}",
     "{% if title %}{{ title }}{% for user in users %} never closed",
+    std::string(100000, 't') + "{{ title }}", // more than is kept from one text to the next
 };
 
 /// Renders that many times. Returns how many results were other than the first of their template.
 std::uint64_t renderOften(std::uint64_t count, const Root& root) {
     const std::array<Rendered, templates.size()> expected = {
-        render(templates[0], root), render(templates[1], root), render(templates[2], root)};
+        render(templates[0], root), render(templates[1], root), render(templates[2], root),
+        render(templates[3], root)};
     std::uint64_t wrong = 0;
     for (std::uint64_t number = 0; number < count; ++number) {
-        const std::size_t which = number % 50 == 0 ? 1 + number / 50 % 2 : 0;
+        const std::size_t which = number % 50 == 0 ? 1 + number / 50 % (templates.size() - 1) : 0;
         wrong += render(templates[which], root) == expected[which] ? 0u : 1u;
     }
     return wrong;
