@@ -3,7 +3,6 @@
 #include <utf8.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -17,10 +16,10 @@ constexpr char32_t replacement = 0xFFFD;
 /// True if none of `Count` bytes, a multiple of eight, is over 127.
 template <std::size_t Count>
 bool areAscii(const char* bytes) noexcept {
-    std::array<std::uint64_t, Count / 8> words;
-    std::memcpy(words.data(), bytes, Count);
     std::uint64_t all = 0;
-    for (const std::uint64_t word : words) {
+    for (std::size_t at = 0; at < Count; at += sizeof(all)) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes + at, sizeof(word));
         all |= word;
     }
     return (all & 0x8080808080808080u) == 0;
