@@ -16,7 +16,7 @@ using Kind = SyntaxElement::Kind;
 class template_grammar::reporter {
   public:
     explicit reporter(const template_grammar& grammar)
-        : grammar_(grammar), next_block_(grammar.blocks_.begin()) {}
+        : grammar_(grammar), text_(grammar.begin_), next_block_(grammar.blocks_.begin()) {}
 
     /// To be called once, before `fault`.
     void visitParts(SyntaxVisitor& visitor) {
@@ -33,7 +33,7 @@ class template_grammar::reporter {
         SyntaxFault found;
         found.block = open_.empty() ? SyntaxRange() : open_.back().whole;
         found.tag = position_;
-        if (grammar_.position_ == grammar_.end_) {
+        if (*grammar_.position_ == '\0') {
             found.expected = missingTag();
             found.offset = position_;
         } else if (grammar_.missing_.expected != SyntaxExpectation::Nothing) {
@@ -76,7 +76,7 @@ class template_grammar::reporter {
     SyntaxElement tag(Kind kind, std::string_view closer, span name = {}, span list = {}) const {
         const SyntaxRange last = rangeOf(list.size != 0 ? list : name);
         const auto behind = last.isEmpty() ? position_ : last.end;
-        const std::size_t closed = text().find(closer, behind);
+        const std::size_t closed = text_.find(closer, behind);
         return {kind,
                 {position_, static_cast<unsigned int>(closed + closer.size())},
                 rangeOf(name),
@@ -102,8 +102,8 @@ class template_grammar::reporter {
     }
 
     unsigned int behindOpener() const {
-        const std::size_t keyword = text().find_first_not_of(" \t", position_ + 2);
-        return static_cast<unsigned int>(std::min(keyword, text().size()));
+        const std::size_t keyword = text_.find_first_not_of(" \t", position_ + 2);
+        return static_cast<unsigned int>(std::min(keyword, text_.size()));
     }
 
     SyntaxExpectation missingKeyword() const {
@@ -121,13 +121,10 @@ class template_grammar::reporter {
                                                  : SyntaxExpectation::MissingElseOrEndIf;
     }
 
-    std::string_view text() const {
-        return {grammar_.begin_, static_cast<std::size_t>(grammar_.end_ - grammar_.begin_)};
-    }
-
     static SyntaxRange rangeOf(span part) { return {part.begin, part.begin + part.size}; }
 
     const template_grammar& grammar_;
+    std::string_view text_;
     block_list::const_iterator next_block_;
     std::vector<open_tag> open_;
     unsigned int position_ = 0; // where the next part begins

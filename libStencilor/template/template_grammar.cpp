@@ -49,8 +49,7 @@ bool beginsTag(const char* at) {
 
 } // namespace
 
-template_grammar::template_grammar(const char* text)
-    : begin_(text), end_(text + std::strlen(text)), position_(text) {}
+template_grammar::template_grammar(const char* text) : begin_(text), position_(text) {}
 
 bool template_grammar::parse(content_list& list) {
     const bool matched = start();
@@ -66,7 +65,7 @@ bool template_grammar::parse(content_list& list) {
 bool template_grammar::start() {
     while (content_rule() || closing_tag()) {
     }
-    return position_ == end_ && open_.empty();
+    return *position_ == '\0' && open_.empty();
 }
 
 // content_rule = text_rule | expr_rule
@@ -77,10 +76,9 @@ bool template_grammar::content_rule() {
 // text_rule = { byte that begins neither "{%" nor "{{" }, one or more
 bool template_grammar::text_rule() {
     const char* const begin = position_;
-    while (position_ != end_ && !beginsTag(position_)) {
-        const auto left = static_cast<std::size_t>(end_ - position_ - 1);
-        const void* brace = std::memchr(position_ + 1, '{', left);
-        position_ = brace == nullptr ? end_ : static_cast<const char*>(brace);
+    while (*position_ != '\0' && !beginsTag(position_)) {
+        const char* brace = std::strchr(position_ + 1, '{');
+        position_ = brace == nullptr ? position_ + std::strlen(position_) : brace;
     }
     if (position_ == begin) {
         return false;

@@ -20,7 +20,7 @@ namespace kel::Stencilor::internal {
 ///   that moves would have to be allocated again.
 /// Ownership: borrows the text, which must outlive the object. Lengths fit in 32 bits, as those of
 ///   `kel::String` do. The text ends at its NUL, which nothing in a tag matches, so that only text
-///   looks for the end.
+///   looks for it.
 /// Copying: not possible, the rules share one position.
 ///
 /// Rules, where a quoted literal or an identifier skips blanks (space and tab) before it:
@@ -113,7 +113,6 @@ class template_grammar {
     std::string_view textOf(span part) const { return {begin_ + part.begin, part.size}; }
 
     const char* begin_;
-    const char* end_;
     const char* position_;
     // A small template is parsed without asking for memory but for its nodes.
     boost::container::small_vector<step, 16> steps_;
