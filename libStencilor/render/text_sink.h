@@ -1,7 +1,6 @@
 #ifndef LIBSTENCILOR_RENDER_TEXT_SINK_H
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
-#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -25,9 +24,9 @@ class text_sink {
     }
 
     void append(std::string_view text) {
-        makeRoom(text.size());
-        copy(end_, text.data(), text.size());
-        end_ += text.size();
+        char* const to = roomFor(text.size());
+        copy(to, text.data(), text.size());
+        end_ = to + text.size();
     }
 
     /// Appends the bytes up to the first NUL. Values are short, and were written just now: reading
@@ -35,15 +34,15 @@ class text_sink {
     /// all of the narrower stores have reached the cache.
     void appendUpToNul(const char* text) {
         constexpr std::size_t few = 16;
-        makeRoom(few);
+        char* const to = roomFor(few);
         for (std::size_t count = 0; count < few; ++count) {
             if (text[count] == '\0') {
-                end_ += count;
+                end_ = to + count;
                 return;
             }
-            end_[count] = text[count];
+            to[count] = text[count];
         }
-        end_ += few;
+        end_ = to + few;
         append(text + few);
     }
 
@@ -73,16 +72,18 @@ class text_sink {
 
     /// The text with a NUL behind it, until the next change.
     const char* c_str() {
-        makeRoom(1);
-        *end_ = '\0';
+        *roomFor(1) = '\0';
         return begin_;
     }
 
   private:
-    void makeRoom(std::size_t added) {
+    /// Where so many bytes can be written. A local copy of `end_`: what is written could be any
+    /// member as far as the compiler knows, which would be read again after each byte.
+    char* roomFor(std::size_t added) {
         if (added > static_cast<std::size_t>(limit_ - end_)) {
             grow(added);
         }
+        return end_;
     }
 
     /// Most pieces are short. Two overlapping moves of a fixed size are much cheaper than a call.
@@ -108,12 +109,8 @@ class text_sink {
     /// as much.
     template <std::size_t Count>
     static void copyEnds(char* to, const char* from, std::size_t size) {
-        std::array<char, Count> first;
-        std::array<char, Count> last;
-        std::memcpy(first.data(), from, Count);
-        std::memcpy(last.data(), from + size - Count, Count);
-        std::memcpy(to, first.data(), Count);
-        std::memcpy(to + size - Count, last.data(), Count);
+        std::memcpy(to, from, Count);
+        std::memcpy(to + size - Count, from + size - Count, Count);
     }
 
     std::size_t room() const noexcept { return static_cast<std::size_t>(limit_ - begin_); }
