@@ -5,10 +5,13 @@
 #include "../support/LogRecorder.h"
 #include "../support/TemporaryFolder.h"
 
+#include <libKel/FileSystem.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -101,6 +104,97 @@ TEST_F(ExhaustedMemory, LeavesTheTargetOfAnAssignmentAsItWas) {
         });
     source = ContextIterable();
 }
+
+// On Windows the base library has allocation functions of its own; `BorderTest` has them fail.
+#ifndef _WIN32
+
+TEST_F(ExhaustedMemory, LeavesAStringAsItWas) {
+    const kel::String other(std::string(1000, 'o'));
+    const std::string malformed = other.str() + '\xFF';
+    const std::string former(200, 'f');
+    const struct {
+        const char* name;
+        std::string former;
+        std::function<void(kel::String&)> action;
+    } cases[] = {
+        {"assigned", former, [&](kel::String& string) { string = other; }},
+        {"assigned to a short one", "short", [&](kel::String& string) { string = other; }},
+        {"appended", former, [&](kel::String& string) { string += other; }},
+        {"appended to a short one", "short", [&](kel::String& string) { string += other; }},
+        {"appended to itself", former, [](kel::String& string) { string += string; }},
+        {"decoded", former,
+         [&](kel::String& string) { string.UTF8Decode(other.view().data(), other.size(), false); }},
+        {"repaired", former,
+         [&](kel::String& string) {
+             string.UTF8Decode(malformed.data(), static_cast<unsigned int>(malformed.size()),
+                               false);
+         }},
+    };
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.name);
+        failEachAllocation([&] { return std::make_unique<kel::String>(entry.former); },
+                           entry.action,
+                           [&](kel::String& string) { EXPECT_EQ(string.view(), entry.former); });
+    }
+}
+
+TEST_F(ExhaustedMemory, LeavesAStringValueAsItWas) {
+    ContextBase shared;
+    ContextString source(std::string(1000, 's'));
+    source.insert("a", &shared);
+    const std::string former(200, 'f');
+    failEachAllocation(
+        [&former] {
+            auto target = std::make_unique<ContextString>(former);
+            target->insert("former", nullptr);
+            return target;
+        },
+        [&source](ContextString& target) {
+            target = source;
+            target["a"] = nullptr;
+        },
+        [&former](ContextString& target) {
+            EXPECT_EQ(textOf(target), former);
+            EXPECT_TRUE(target.containsKey("former"));
+            EXPECT_FALSE(target.containsKey("a"));
+        });
+    source["a"] = nullptr;
+}
+
+TEST_F(ExhaustedMemory, LeavesTheRootOfFilesAsItWas) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", "");
+    folder.makeFolder("below");
+    const kel::String path = folder.path();
+    const kel::String below = folder.path("below");
+    failEachAllocation(
+        [&path] {
+            EXPECT_TRUE(kel::FileSystem::setRoot(path));
+            return std::make_unique<int>();
+        },
+        [&below](int&) { EXPECT_TRUE(kel::FileSystem::setRoot(below)); },
+        [](int&) { EXPECT_TRUE(kel::FileSystem::exists("file")); });
+    kel::FileSystem::clearRoot();
+}
+
+TEST_F(ExhaustedMemory, IsNoReasonForAFileToBeMissing) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", "content");
+    ASSERT_TRUE(kel::FileSystem::setRoot(folder.path()));
+    failEachAllocation([] { return std::make_unique<int>(); },
+                       [](int&) { EXPECT_TRUE(kel::FileSystem::exists("file")); }, [](int&) {});
+    failEachAllocation([] { return std::make_unique<kel::Buffer<unsigned char>>(); },
+                       [](kel::Buffer<unsigned char>& buffer) {
+                           EXPECT_TRUE(kel::FileSystem::loadFile("file", buffer, nullptr));
+                       },
+                       [](kel::Buffer<unsigned char>& buffer) {
+                           EXPECT_EQ(buffer.data, nullptr);
+                           EXPECT_EQ(buffer.size, 0u);
+                       });
+    kel::FileSystem::clearRoot();
+}
+
+#endif
 
 /// A copy that fails half way must not delete what it shares with its source.
 template <typename Value>

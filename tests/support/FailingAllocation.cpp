@@ -2,26 +2,36 @@
 
 #include "Build.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <new>
+
+#if !defined(_WIN32) && !defined(TESTS_THREAD_SANITIZER)
+#define TESTS_REPLACE_FUNCTIONS_OF_C
+#include <dlfcn.h>
+#endif
 
 namespace support {
 
 namespace {
 
-constexpr int never = -1;
+constexpr int never = -1; // what counting down ends with
 
 thread_local int remaining = never;
 thread_local bool failed = false;
 
-[[maybe_unused]] void* allocate(std::size_t size) {
-    if (remaining == 0) {
-        remaining = never;
-        failed = true;
-        throw std::bad_alloc();
+/// True for the allocation that is to fail.
+[[maybe_unused]] bool isItsTurn() {
+    if (remaining == never || remaining-- > 0) {
+        return false;
     }
-    if (remaining > 0) {
-        --remaining;
+    failed = true;
+    return true;
+}
+
+[[maybe_unused]] void* allocate(std::size_t size) {
+    if (isItsTurn()) {
+        throw std::bad_alloc();
     }
     void* const block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr) {
@@ -60,6 +70,40 @@ void operator delete(void* block) noexcept {
 
 void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
+}
+
+#endif
+
+// The libraries find these first, since they stand in the program.
+#ifdef TESTS_REPLACE_FUNCTIONS_OF_C
+
+namespace support {
+
+namespace {
+
+/// The function of the system, or of the sanitizer, that the one here stands in front of.
+template <typename Function>
+Function* behind(Function*, const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+} // namespace support
+
+extern "C" __attribute__((visibility("default"))) void* realloc(void* block,
+                                                                std::size_t size) noexcept {
+    static auto* const next = support::behind(realloc, "realloc");
+    return support::isItsTurn() ? nullptr : next(block, size);
+}
+
+extern "C" __attribute__((visibility("default"))) char* realpath(const char* path,
+                                                                 char* resolved) noexcept {
+    static auto* const next = support::behind(realpath, "realpath");
+    if (support::isItsTurn()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return next(path, resolved);
 }
 
 #endif

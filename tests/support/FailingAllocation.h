@@ -3,9 +3,9 @@
 
 namespace support {
 
-/// While it lives, the allocation after the next `count` ones of this thread throws
-/// `std::bad_alloc`; the ones behind it succeed again. It needs `FailingAllocation.cpp` in the
-/// program, which replaces the global operator new.
+/// While it lives, the allocation after the next `count` ones of this thread fails; the ones behind
+/// it succeed again. It needs `FailingAllocation.cpp` in the program, which replaces the global
+/// operator new, and but for Windows `realloc` and `realpath`.
 class FailingAllocation {
   public:
     explicit FailingAllocation(int count);

@@ -185,9 +185,9 @@ TEST(Border, ExhaustedMemoryPassesFromTheEngineToThisProgram) {
         "{{ name }}{% if yes %}{{ name }}{{ name }}{{ missing }}{% endif %}" + longText;
     const Rendered expected = render(input, root);
     const auto exhaust = [&] {
-        // Where texts grow beyond a line or two it asks for memory itself, elsewhere the C++
-        // run-time asks for it.
-        for (const wchar_t* const dll : {L"libStencilor.dll", L"libstdc++-6.dll"}) {
+        // Where texts grow beyond a line or two it asks for memory itself; for strings the base
+        // library asks for it, elsewhere the C++ run-time.
+        for (const wchar_t* const dll : {L"libStencilor.dll", L"libKel.dll", L"libstdc++-6.dll"}) {
             exhaustMemory(dll, [&] { render(input, root); });
             EXPECT_EQ(render(input, root), expected);
         }
@@ -205,6 +205,15 @@ TEST(Border, ExhaustedMemoryPassesFromTheBaseLibraryToThisProgram) {
     kel::Buffer<unsigned char> buffer;
     exhaustMemory(L"libstdc++-6.dll", [&] { kel::FileSystem::loadFile(path, buffer, nullptr); });
     EXPECT_EQ(buffer.size, longText.size());
+
+    const kel::String other(longText);
+    kel::String string("former");
+    exhaustMemory(L"libKel.dll", [&] {
+        EXPECT_EQ(string, "former");
+        string += other;
+    });
+    EXPECT_EQ(string.view(), "former" + longText);
+    exhaustMemory(L"libKel.dll", [&] { kel::String(other.view()); });
 }
 
 TEST(Border, TextsThatAreTooLongAreRefusedByAnExceptionThatThisProgramCatches) {
