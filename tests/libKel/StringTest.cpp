@@ -6,7 +6,9 @@
 #include <array>
 #include <functional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -51,6 +53,16 @@ TEST(StringConstruction, GivesTheBytesThatWereHandedIn) {
         EXPECT_EQ(made.str(), expected);
         EXPECT_EQ(made.size(), expected.size());
         EXPECT_EQ(made.empty(), expected.empty());
+    }
+}
+
+TEST(StringConstruction, RefusesWhatIsTooLongWithoutReadingIt) {
+    const std::string_view tooLong("never looked at", std::size_t{1} << 32);
+    try {
+        const String string(tooLong);
+        FAIL() << "made a string of " << string.size() << " bytes";
+    } catch (const std::length_error& error) {
+        EXPECT_STREQ(error.what(), "kel::String: longer than 4 GiB - 1 byte");
     }
 }
 

@@ -1,10 +1,13 @@
 #include "../support/TemporaryFolder.h"
+#include "FailingRead.h"
 
 #include <libKel/FileSystem.h>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace support {
 namespace {
@@ -37,6 +40,16 @@ TEST(Descriptor, OfAFileMayBeZero) {
     EXPECT_TRUE(kel::FileSystem::loadFile(folder.path("file"), buffer, nullptr));
     EXPECT_EQ(buffer.size, 7u);
     EXPECT_TRUE(input.isFree()) << "the file was not closed";
+}
+
+TEST(Descriptor, OfAFileIsNotHandedToProgramsThatAreStarted) {
+    const TemporaryFolder folder;
+    folder.writeFile("file", "content");
+    const FailingRead read(0, EIO);
+    kel::Buffer<unsigned char> buffer;
+    EXPECT_FALSE(kel::FileSystem::loadFile(folder.path("file"), buffer, nullptr));
+    ASSERT_TRUE(read.happened());
+    EXPECT_FALSE(read.wasInheritable());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "FailingRead.h"
 
+#include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@ namespace {
 
 thread_local bool active = false;
 thread_local bool failed = false;
+thread_local bool inheritable = false;
 thread_local int remaining = 0;
 thread_local int errorNumber = 0;
 
@@ -20,6 +22,7 @@ thread_local int errorNumber = 0;
 FailingRead::FailingRead(int count, int error) {
     active = true;
     failed = false;
+    inheritable = false;
     remaining = count;
     errorNumber = error;
 }
@@ -32,12 +35,17 @@ bool FailingRead::happened() const {
     return failed;
 }
 
+bool FailingRead::wasInheritable() const {
+    return inheritable;
+}
+
 } // namespace support
 
 // The libraries find this one first, since it stands in the program.
 extern "C" __attribute__((visibility("default"))) ssize_t read(int file, void* to, size_t count) {
     using namespace support;
     if (active) {
+        inheritable = inheritable || (::fcntl(file, F_GETFD) & FD_CLOEXEC) == 0;
         if (!failed && remaining-- == 0) {
             failed = true;
             errno = errorNumber;

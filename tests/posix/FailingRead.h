@@ -21,6 +21,10 @@ class FailingRead {
 
     /// True once the read has failed.
     bool happened() const;
+
+    /// True if a program that was started during one of the reads would have had the file open,
+    /// too.
+    bool wasInheritable() const;
 };
 
 } // namespace support
