@@ -160,6 +160,30 @@ TEST(Utf8Decode, AgreesWithTheObviousOneOnInputsOfFourBytesAtTheBorders) {
     }
 }
 
+// Long texts are looked at in large steps. What stands around them is the other kind of byte.
+TEST(Utf8Decode, FindsAMalformedByteWhereverItStandsInALongText) {
+    Comparison comparison;
+    std::string memory(600, 'a');
+    char* const text = memory.data() + 200;
+    for (unsigned int length = 1; length <= 200; ++length) {
+        for (unsigned int at = 0; at < length; ++at) {
+            text[at] = '\xFF';
+            comparison.check(text, length);
+            text[at] = 'a';
+        }
+    }
+}
+
+TEST(Utf8Decode, LooksAtNothingAroundALongText) {
+    Comparison comparison;
+    std::string memory(600, '\xFF');
+    char* const text = memory.data() + 200;
+    for (unsigned int length = 1; length <= 200; ++length) {
+        text[length - 1] = 'a';
+        comparison.check(text, length);
+    }
+}
+
 TEST(Utf8Decode, AgreesWithTheObviousOneOnLongRandomInputs) {
     Comparison comparison;
     std::mt19937 random(3);

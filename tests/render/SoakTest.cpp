@@ -22,7 +22,8 @@ const std::array<std::string, 4> templates = {
     "than fit into a string itself{% else %}{{ missing }}{% endif %}{% endfor %}",
     "{% include \"part\" %}{% include \"no/such/file\" %}",
     "{% if title %}{{ title }}{% for user in users %} never closed",
-    std::string(100000, 't') + "{{ title }}", // more than is kept from one text to the next
+    // More than is kept from one text to the next, and more than is kept without memory of its own.
+    std::string(100000, 't') + "{{ title }}" + std::string(1000, 't'),
 };
 
 /// Renders that many times. Returns how many results were other than the first of their template.
