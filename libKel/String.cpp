@@ -2,7 +2,9 @@
 #include <libKel/Utf8.h>
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -16,14 +18,47 @@ namespace {
 
 constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
 
-/// A block for `size` characters and the NUL, made from `block` (which may be null) by moving what
-/// it holds. The blocks come from malloc because realloc moves large ones without copying.
-char* resizeBlock(char* block, std::size_t size) {
-    void* resized = std::realloc(block, size + 1);
+/// Long blocks can be held by several strings and conversions, which then only read them: a copy of
+/// a long text costs no more than counting. It is two atomic operations, so that what is shorter is
+/// copied as quickly. The count stands before the characters, and is aligned as malloc aligns them.
+constexpr std::size_t leastShared = 4096;
+constexpr std::size_t roomForHolders = alignof(std::max_align_t);
+
+constexpr std::size_t roomBefore(std::size_t capacity) {
+    return capacity < leastShared ? 0 : roomForHolders;
+}
+
+std::atomic_ref<std::size_t> holdersOf(char* block) noexcept {
+    return std::atomic_ref(*reinterpret_cast<std::size_t*>(block - roomForHolders));
+}
+
+/// A block for `capacity` characters and the NUL, made from one for `former` by moving what it
+/// holds, or from none. The blocks come from malloc because realloc moves large ones without
+/// copying.
+char* resizeBlock(char* block, std::size_t former, std::size_t capacity) {
+    const std::size_t before = roomBefore(capacity);
+    void* const start = block == nullptr ? nullptr : block - roomBefore(former);
+    auto* const resized = static_cast<char*>(std::realloc(start, before + capacity + 1));
     if (resized == nullptr) {
         throw std::bad_alloc();
     }
-    return static_cast<char*>(resized);
+    return resized + before;
+}
+
+/// A block for `capacity` characters and the NUL, held once.
+char* newBlock(std::size_t capacity) {
+    char* const block = resizeBlock(nullptr, 0, capacity);
+    if (capacity >= leastShared) {
+        new (block - roomForHolders) std::size_t(1);
+    }
+    return block;
+}
+
+/// Gives up one hold of a block for `capacity` characters.
+void dropBlock(char* block, std::size_t capacity) noexcept {
+    if (capacity < leastShared || holdersOf(block).fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        std::free(block - roomBefore(capacity));
+    }
 }
 
 /// Fewer than eight bytes, in the order of the memory, with zeros behind them.
@@ -38,35 +73,52 @@ std::uint64_t fewBytes(const char* bytes, unsigned int count) {
 
 } // namespace
 
-/// Copies `size_` bytes, and the NUL behind them.
-void CString::copy(const char* bytes) {
+/// Holds `size_` bytes and the NUL behind them: those of a long string, or a copy.
+void CString::hold(char* bytes) {
+    if (size_ >= leastShared) {
+        holdersOf(bytes).fetch_add(1, std::memory_order_relaxed);
+        data_ = bytes;
+        return;
+    }
     if (size_ > inlineCapacity) {
-        data_ = resizeBlock(nullptr, size_);
+        data_ = newBlock(size_);
     }
     std::memcpy(data_, bytes, std::size_t{size_} + 1);
 }
 
 void CString::release() noexcept {
-    std::free(data_);
+    dropBlock(data_, size_);
 }
 
 String::String(const char* bytes, unsigned int length)
     : data_(inline_), size_(length), capacity_(inlineCapacity) {
     if (length > inlineCapacity) {
-        data_ = resizeBlock(nullptr, length);
+        data_ = newBlock(length);
         capacity_ = length;
     }
     store(bytes);
 }
 
-String::String(const String& other) : String(other.data_, other.size_) {}
+String::String(const String& other) : String() {
+    *this = other;
+}
 
 String::String(String&& other) noexcept : String() {
     take(other);
 }
 
 String& String::operator=(const String& other) {
-    if (this != &other) {
+    if (this == &other) {
+        return *this;
+    }
+    if (other.size_ >= leastShared) {
+        holdersOf(other.data_).fetch_add(1, std::memory_order_relaxed);
+        release(); // of what may be the same block
+        data_ = other.data_;
+        size_ = other.size_;
+        capacity_ = other.capacity_;
+        std::memcpy(inline_, data_, sizeof(std::uint64_t));
+    } else {
         assign(other.data_, other.size_);
     }
     return *this;
@@ -86,7 +138,7 @@ String& String::operator+=(const String& other) {
         return *this;
     }
     const std::size_t size = std::size_t{size_} + added;
-    if (size > capacity_) {
+    if (size > capacity_ || isShared()) {
         grow(size);
     }
     // Read after growing, since `other` may be this string. Its NUL is not copied along: it would
@@ -147,13 +199,16 @@ unsigned int String::checkedSize(std::size_t size) {
     return static_cast<unsigned int>(size);
 }
 
+/// True if another string or conversion reads the same block.
+bool String::isShared() const noexcept {
+    return capacity_ >= leastShared && holdersOf(data_).load(std::memory_order_acquire) > 1;
+}
+
 /// Replaces the content; the bytes may be this string's own.
 void String::assign(const char* bytes, unsigned int length) {
-    if (length > capacity_) {
-        char* block = resizeBlock(nullptr, length);
-        release();
-        data_ = block;
-        capacity_ = length;
+    if (length > capacity_ || isShared()) {
+        *this = String(bytes, length);
+        return;
     }
     size_ = length;
     store(bytes);
@@ -186,19 +241,23 @@ void String::take(String& other) noexcept {
     other.release();
 }
 
-/// Makes room for `size` characters, and for as many again so that appending stays linear. What is
-/// appended to once is likely to be appended to again, so small blocks are not worth their moving.
+/// Makes room for `size` characters in a block of this string alone, and for as many again so that
+/// appending stays linear. What is appended to once is likely to be appended to again, so small
+/// blocks are not worth their moving.
 void String::grow(std::size_t size) {
     constexpr std::size_t least = 255;
     checkedSize(size);
     const std::size_t capacity =
         std::min(std::max({size, capacity_ * std::size_t{2}, least}), longest);
-    if (isInline()) {
-        char* block = resizeBlock(nullptr, capacity);
-        std::memcpy(block, data_, size_ + 1);
+    if (isInline() || isShared() || roomBefore(capacity) != roomBefore(capacity_)) {
+        char* const block = newBlock(capacity);
+        std::memcpy(block, data_, std::size_t{size_} + 1);
+        if (!isInline()) {
+            dropBlock(data_, capacity_);
+        }
         data_ = block;
     } else {
-        data_ = resizeBlock(data_, capacity);
+        data_ = resizeBlock(data_, capacity_, capacity);
     }
     capacity_ = static_cast<unsigned int>(capacity);
 }
@@ -206,7 +265,7 @@ void String::grow(std::size_t size) {
 /// Frees the block, if there is one, and leaves the string empty.
 void String::release() noexcept {
     if (!isInline()) {
-        std::free(data_);
+        dropBlock(data_, capacity_);
     }
     data_ = inline_;
     size_ = 0;

@@ -23,7 +23,9 @@ class String;
 
 /// The narrow bytes of a `String`, as its conversions return them.
 ///
-/// Ownership: holds its own copy; `c_str()` stays valid until the object is destroyed.
+/// Ownership: holds the bytes; `c_str()` stays valid until the object is destroyed, whatever
+/// becomes
+///   of the string.
 /// Copying: neither copied nor moved, it is read where it was made.
 /// Threads: may be read by many threads.
 class CString {
@@ -48,7 +50,7 @@ class CString {
   private:
     friend class String;
     explicit CString(const String& string);
-    KEL_EXPORT void copy(const char* bytes);
+    KEL_EXPORT void hold(char* bytes);
     KEL_EXPORT void release() noexcept;
 
     // Long enough for most values of a template, so that reading one allocates nothing.
@@ -65,6 +67,9 @@ class CString {
 ///   `UTF8Decode` is the one that repairs. NUL bytes are characters like all others.
 /// Order: by unsigned byte, then by length. For UTF-8 this is the order of the code points.
 /// Hash: there is a `std::hash` of it, for `std::unordered_map` and the like.
+/// Copying: a copy is a value of its own. Long texts are copied when one of the strings changes,
+/// and
+///   held in common until then.
 /// Units: lengths and positions count bytes, in 32 bits. What would be longer than 4 GiB - 1 byte
 ///   throws `std::length_error`.
 /// Errors: `std::bad_alloc` and `std::length_error`; the string is then unchanged.
@@ -207,6 +212,7 @@ class String {
     }
     std::uint64_t leadingBytes() const noexcept;
     bool isLessBehindLeading(const String& other) const noexcept;
+    bool isShared() const noexcept;
     KEL_EXPORT static unsigned int checkedSize(std::size_t size);
     KEL_EXPORT void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
@@ -230,7 +236,7 @@ inline CString::CString(const String& string) : data_(inline_), size_(string.siz
     if (string.isInline()) {
         std::memcpy(inline_, string.inline_, sizeof(string.inline_));
     } else {
-        copy(string.data_);
+        hold(string.data_);
     }
 }
 

@@ -1,0 +1,171 @@
+#include <libKel/String.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace kel {
+namespace {
+
+// From 4096 bytes on, a copy holds the same bytes until one of the two changes.
+constexpr std::array<std::size_t, 5> lengths = {4095, 4096, 4097, 8191, 100000};
+
+std::string patternOf(std::size_t length) {
+    std::string pattern(length, '\0');
+    for (std::size_t at = 0; at < length; ++at) {
+        pattern[at] = static_cast<char>('a' + at % 23);
+    }
+    return pattern;
+}
+
+/// A string with room for more behind its content, so that it can be appended to in place.
+String withRoom(const std::string& content) {
+    String made(content.substr(0, content.size() - 1));
+    made += String(content.substr(content.size() - 1));
+    return made;
+}
+
+struct Change {
+    const char* what;
+    std::function<void(String&)> apply;
+    std::function<std::string(const std::string&)> expected;
+};
+
+const std::array<Change, 13> changes = {{
+    {"a byte is appended", [](String& string) { string += String("x"); },
+     [](const std::string& before) { return before + "x"; }},
+    {"a long text is appended", [](String& string) { string += String(std::string(9000, 'x')); },
+     [](const std::string& before) { return before + std::string(9000, 'x'); }},
+    {"the string is appended to itself", [](String& string) { string += string; },
+     [](const std::string& before) { return before + before; }},
+    {"its copy is appended",
+     [](String& string) {
+         const String copy(string);
+         string += copy;
+     },
+     [](const std::string& before) { return before + before; }},
+    {"a few bytes are decoded", [](String& string) { string.UTF8Decode("few", 3, false); },
+     [](const std::string&) { return "few"; }},
+    {"as many bytes are decoded",
+     [](String& string) {
+         const std::string bytes(string.size(), 'y');
+         string.UTF8Decode(bytes.data(), string.size(), false);
+     },
+     [](const std::string& before) { return std::string(before.size(), 'y'); }},
+    {"a part of its own bytes is decoded",
+     [](String& string) { string.UTF8Decode(string.view().data() + 7, 4090 - 7, false); },
+     [](const std::string& before) { return before.substr(7, 4090 - 7); }},
+    {"a short string is assigned", [](String& string) { string = String("short"); },
+     [](const std::string&) { return "short"; }},
+    {"another long string is assigned",
+     [](String& string) {
+         const String other(std::string(5000, 'z'));
+         string = other;
+     },
+     [](const std::string&) { return std::string(5000, 'z'); }},
+    {"its copy is assigned",
+     [](String& string) {
+         const String copy(string);
+         string = copy;
+     },
+     [](const std::string& before) { return before; }},
+    {"it is assigned to itself",
+     [](String& string) {
+         const String& same = string;
+         string = same;
+     },
+     [](const std::string& before) { return before; }},
+    {"its content is moved away", [](String& string) { const String taken(std::move(string)); },
+     [](const std::string&) { return ""; }},
+    {"its part is assigned to it", [](String& string) { string = string.subString(1, 4095); },
+     [](const std::string& before) { return before.substr(1, 4095); }},
+}};
+
+TEST(StringSharing, LeavesACopyAsItIsWhenTheStringChanges) {
+    for (const Change& change : changes) {
+        for (const std::size_t length : lengths) {
+            SCOPED_TRACE(std::string(change.what) + ", of " + std::to_string(length));
+            const std::string pattern = patternOf(length);
+            String string = withRoom(pattern);
+            const String copy(string);
+            String assigned("before");
+            assigned = copy;
+            const CString bytes = string.getUTF8String();
+            change.apply(string);
+            EXPECT_EQ(string.view(), change.expected(pattern));
+            EXPECT_EQ(copy.view(), pattern);
+            EXPECT_EQ(assigned.view(), pattern);
+            for (const String* const each : {&copy, static_cast<const String*>(&assigned)}) {
+                EXPECT_FALSE(*each < String(pattern) || String(pattern) < *each);
+            }
+            EXPECT_EQ(std::string(bytes.c_str(), bytes.size()), pattern);
+        }
+    }
+}
+
+TEST(StringSharing, LeavesTheStringAsItIsWhenACopyChanges) {
+    for (const Change& change : changes) {
+        for (const std::size_t length : lengths) {
+            SCOPED_TRACE(std::string(change.what) + ", of " + std::to_string(length));
+            const std::string pattern = patternOf(length);
+            const String string = withRoom(pattern);
+            String copy(string);
+            change.apply(copy);
+            EXPECT_EQ(copy.view(), change.expected(pattern));
+            EXPECT_EQ(string.view(), pattern);
+        }
+    }
+}
+
+TEST(StringSharing, EndsWithTheLastThatHoldsTheBytes) {
+    for (const std::size_t length : lengths) {
+        SCOPED_TRACE(length);
+        const std::string pattern = patternOf(length);
+        auto string = std::make_unique<String>(pattern);
+        auto copy = std::make_unique<String>(*string);
+        const CString lower = copy->getLowerByteString();
+        string.reset();
+        EXPECT_EQ(copy->view(), pattern);
+        copy.reset();
+        EXPECT_EQ(std::string(lower.c_str(), lower.size()), pattern);
+    }
+}
+
+TEST(StringSharing, CostsNoMemoryForTheBytes) {
+    const String string(patternOf(100000));
+    const String copy(string);
+    EXPECT_EQ(string.view().data(), copy.view().data());
+    EXPECT_EQ(string.getUTF8String().c_str(), string.view().data());
+}
+
+// The string is gone before the threads begin: which of them holds the bytes last is open, and the
+// last may change them in place.
+TEST(StringSharing, IsPossibleAmongThreads) {
+    const std::string pattern = patternOf(5000);
+    for (int turn = 0; turn < 200; ++turn) {
+        auto string = std::make_unique<String>(withRoom(pattern));
+        std::vector<String> copies(4, *string);
+        string.reset();
+        std::vector<std::thread> threads;
+        for (String& copy : copies) {
+            threads.emplace_back([&copy, &pattern] {
+                EXPECT_EQ(copy.view(), pattern);
+                copy += String("changed");
+                EXPECT_EQ(copy.view(), pattern + "changed");
+                copy = String();
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+}
+
+} // namespace
+} // namespace kel
