@@ -40,6 +40,8 @@ TEST(PortableRelativePath, IsOneThatMeansTheSameFileOnEverySystem) {
         "CONOUT",
         "txt.CON",
         "COM\u2074",
+        "COM!",
+        "C~N",
     };
     for (const char* const path : paths) {
         EXPECT_TRUE(isPortableRelativePath(path)) << path;

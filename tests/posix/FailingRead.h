@@ -27,6 +27,19 @@ class FailingRead {
     bool wasInheritable() const;
 };
 
+/// While it lives, reads of this thread give all that is asked for, as long as it is no more than
+/// the system gives at a time, and write none of it.
+class EndlessRead {
+  public:
+    /// The most that one read gives.
+    static constexpr std::size_t step = 0x7FFFF000;
+
+    EndlessRead();
+    EndlessRead(const EndlessRead&) = delete;
+    EndlessRead& operator=(const EndlessRead&) = delete;
+    ~EndlessRead();
+};
+
 } // namespace support
 
 #endif

@@ -1,6 +1,7 @@
 #include "FailingRead.h"
 
 #include "../support/Context.h"
+#include "../support/Memory.h"
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
@@ -8,8 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
+#include <limits>
 #include <string>
 
 // What is leaked on the way is for the address sanitizer to say, but for open files.
@@ -85,6 +88,18 @@ TEST_F(FailingReadTest, EndsWhereTheFileHasBecomeShorter) {
         EXPECT_EQ(std::string(buffer.data, buffer.data + buffer.size),
                   content.substr(0, buffer.size));
     });
+}
+
+TEST_F(FailingReadTest, IsThatOfAFileThatHasBecomeTooLong) {
+    if (!hasMemory(5)) {
+        GTEST_SKIP() << "allocates four gigabytes of memory";
+    }
+    folder_.writeSparseFile("longest", std::numeric_limits<std::uint32_t>::max());
+    const EndlessRead read;
+    Buffer<unsigned char> buffer;
+    EXPECT_FALSE(FileSystem::loadFile("longest", buffer, nullptr));
+    EXPECT_EQ(buffer.data, nullptr);
+    EXPECT_EQ(buffer.size, 0u);
 }
 
 TEST_F(FailingReadTest, IsReportedAsAFileThatCannotBeLoaded) {

@@ -176,6 +176,19 @@ TEST(Syntax, FindsNothingWrongInATemplate) {
     EXPECT_STREQ(describe(fault.expected), "");
 }
 
+TEST(Syntax, IsReadByCopiesOfAVisitor) {
+    const std::string input = "a{{ b }}";
+    const Notes visitor(input);
+    Notes copy(visitor);
+    Notes assigned("");
+    assigned = visitor;
+    readSyntax(input, copy);
+    readSyntax(input, assigned);
+    EXPECT_EQ(visitor.notes(), "");
+    EXPECT_EQ(copy.notes(), "text[a]substitution[{{ b }}|b]");
+    EXPECT_EQ(assigned.notes(), copy.notes());
+}
+
 TEST(Syntax, LetsThroughWhatTheVisitorThrows) {
     struct Thrower : SyntaxVisitor {
         void visit(const SyntaxElement&) override { throw std::runtime_error("enough"); }
