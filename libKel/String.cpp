@@ -19,10 +19,13 @@ namespace {
 constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
 
 /// Long blocks can be held by several strings and conversions, which then only read them: a copy of
-/// a long text costs no more than counting. It is two atomic operations, so that what is shorter is
-/// copied as quickly. The count stands before the characters, and is aligned as malloc aligns them.
+/// a long text is no more than counting, which takes two atomic operations. Shorter texts are
+/// copied as quickly. The count stands before the characters, and leaves them aligned as malloc
+/// aligns.
 constexpr std::size_t leastShared = 4096;
 constexpr std::size_t roomForHolders = alignof(std::max_align_t);
+static_assert(std::atomic_ref<std::size_t>::required_alignment <= roomForHolders);
+static_assert(std::atomic_ref<std::size_t>::is_always_lock_free);
 
 constexpr std::size_t roomBefore(std::size_t capacity) {
     return capacity < leastShared ? 0 : roomForHolders;
@@ -111,9 +114,10 @@ String& String::operator=(const String& other) {
     if (this == &other) {
         return *this;
     }
-    if (other.size_ >= leastShared) {
+    // A copy does not keep a block alive of which it would need only a part.
+    if (other.size_ >= leastShared && other.size_ >= other.capacity_ / 2) {
         holdersOf(other.data_).fetch_add(1, std::memory_order_relaxed);
-        release(); // of what may be the same block
+        release();
         data_ = other.data_;
         size_ = other.size_;
         capacity_ = other.capacity_;
@@ -241,14 +245,13 @@ void String::take(String& other) noexcept {
     other.release();
 }
 
-/// Makes room for `size` characters in a block of this string alone, and for as many again so that
-/// appending stays linear. What is appended to once is likely to be appended to again, so small
-/// blocks are not worth their moving.
+/// Makes room for `size` characters in a block of this string alone, and for twice as many as there
+/// are, so that appending stays linear. What is appended to once is likely to be appended to again,
+/// so small blocks are not worth their moving.
 void String::grow(std::size_t size) {
     constexpr std::size_t least = 255;
     checkedSize(size);
-    const std::size_t capacity =
-        std::min(std::max({size, capacity_ * std::size_t{2}, least}), longest);
+    const std::size_t capacity = std::min(std::max({size, size_ * std::size_t{2}, least}), longest);
     if (isInline() || isShared() || roomBefore(capacity) != roomBefore(capacity_)) {
         char* const block = newBlock(capacity);
         std::memcpy(block, data_, std::size_t{size_} + 1);

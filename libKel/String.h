@@ -24,8 +24,7 @@ class String;
 /// The narrow bytes of a `String`, as its conversions return them.
 ///
 /// Ownership: holds the bytes; `c_str()` stays valid until the object is destroyed, whatever
-/// becomes
-///   of the string.
+///   becomes of the string.
 /// Copying: neither copied nor moved, it is read where it was made.
 /// Threads: may be read by many threads.
 class CString {
@@ -67,9 +66,8 @@ class CString {
 ///   `UTF8Decode` is the one that repairs. NUL bytes are characters like all others.
 /// Order: by unsigned byte, then by length. For UTF-8 this is the order of the code points.
 /// Hash: there is a `std::hash` of it, for `std::unordered_map` and the like.
-/// Copying: a copy is a value of its own. Long texts are copied when one of the strings changes,
-/// and
-///   held in common until then.
+/// Copying: a copy is a value of its own. Long texts are held in common until one of the strings
+///   changes.
 /// Units: lengths and positions count bytes, in 32 bits. What would be longer than 4 GiB - 1 byte
 ///   throws `std::length_error`.
 /// Errors: `std::bad_alloc` and `std::length_error`; the string is then unchanged.

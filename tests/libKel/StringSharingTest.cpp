@@ -1,8 +1,11 @@
+#include "../support/Memory.h"
+
 #include <libKel/String.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -87,39 +90,64 @@ const std::array<Change, 13> changes = {{
      [](const std::string& before) { return before.substr(1, 4095); }},
 }};
 
-TEST(StringSharing, LeavesACopyAsItIsWhenTheStringChanges) {
+/// The content, and what hosts rely on: the NUL behind it, and the order.
+void expectContent(const String& string, const std::string& content) {
+    EXPECT_EQ(string.view(), content);
+    EXPECT_EQ(string.view().data()[content.size()], '\0');
+    EXPECT_FALSE(string < String(content) || String(content) < string);
+}
+
+void expectContent(const CString& bytes, const std::string& content) {
+    EXPECT_EQ(std::string(bytes.c_str(), bytes.size()), content);
+    EXPECT_EQ(bytes.c_str()[content.size()], '\0');
+}
+
+/// Calls `test` with each change and a string of each length, with and without room behind it.
+template <typename Test>
+void forEachChange(Test test) {
     for (const Change& change : changes) {
         for (const std::size_t length : lengths) {
             SCOPED_TRACE(std::string(change.what) + ", of " + std::to_string(length));
             const std::string pattern = patternOf(length);
-            String string = withRoom(pattern);
-            const String copy(string);
-            String assigned("before");
-            assigned = copy;
-            const CString bytes = string.getUTF8String();
-            change.apply(string);
-            EXPECT_EQ(string.view(), change.expected(pattern));
-            EXPECT_EQ(copy.view(), pattern);
-            EXPECT_EQ(assigned.view(), pattern);
-            for (const String* const each : {&copy, static_cast<const String*>(&assigned)}) {
-                EXPECT_FALSE(*each < String(pattern) || String(pattern) < *each);
-            }
-            EXPECT_EQ(std::string(bytes.c_str(), bytes.size()), pattern);
+            test(change, String(pattern), pattern);
+            test(change, withRoom(pattern), pattern);
         }
     }
 }
 
+TEST(StringSharing, LeavesACopyAsItIsWhenTheStringChanges) {
+    forEachChange([](const Change& change, String string, const std::string& pattern) {
+        const String copy(string);
+        String assigned(std::string(6000, 'b'));
+        assigned = copy;
+        const CString bytes = string.getUTF8String();
+        change.apply(string);
+        expectContent(string, change.expected(pattern));
+        expectContent(copy, pattern);
+        expectContent(assigned, pattern);
+        expectContent(bytes, pattern);
+    });
+}
+
 TEST(StringSharing, LeavesTheStringAsItIsWhenACopyChanges) {
-    for (const Change& change : changes) {
-        for (const std::size_t length : lengths) {
-            SCOPED_TRACE(std::string(change.what) + ", of " + std::to_string(length));
-            const std::string pattern = patternOf(length);
-            const String string = withRoom(pattern);
-            String copy(string);
-            change.apply(copy);
-            EXPECT_EQ(copy.view(), change.expected(pattern));
-            EXPECT_EQ(string.view(), pattern);
-        }
+    forEachChange([](const Change& change, const String& string, const std::string& pattern) {
+        String copy(string);
+        change.apply(copy);
+        expectContent(copy, change.expected(pattern));
+        expectContent(string, pattern);
+    });
+}
+
+TEST(StringSharing, LetsEachBeAppendedToByItself) {
+    for (const std::size_t length : lengths) {
+        SCOPED_TRACE(length);
+        const std::string pattern = patternOf(length);
+        String string = withRoom(pattern);
+        String copy(string);
+        string += String("one");
+        copy += String("other");
+        expectContent(string, pattern + "one");
+        expectContent(copy, pattern + "other");
     }
 }
 
@@ -144,6 +172,44 @@ TEST(StringSharing, CostsNoMemoryForTheBytes) {
     EXPECT_EQ(string.getUTF8String().c_str(), string.view().data());
 }
 
+TEST(StringSharing, LetsAStringBeChangedInPlaceWhenTheOthersAreGone) {
+    String string = withRoom(patternOf(5000));
+    const char* const place = string.view().data();
+    {
+        const String copy(string);
+        String assigned(std::string(6000, 'b'));
+        assigned = string;
+        assigned = copy;
+        const CString bytes = string.getUTF8String();
+    }
+    string += String("x");
+    EXPECT_EQ(string.view().data(), place);
+}
+
+// Each state of a text that grows, as of the messages of several calls, is kept.
+TEST(StringSharing, TakesMemoryInProportionToWhatIsHeldAndGivesItBack) {
+    const std::uint64_t before = support::memoryInUse();
+    {
+        String string(patternOf(5000));
+        std::vector<String> kept;
+        for (int turn = 0; turn < 40; ++turn) {
+            kept.push_back(string);
+            string += String("x");
+        }
+        EXPECT_LT(support::memoryInUse(), before + (std::uint64_t{4} << 20));
+        expectContent(string, patternOf(5000) + std::string(40, 'x'));
+    }
+    EXPECT_LT(support::memoryInUse(), before + 4096);
+}
+
+TEST(StringSharing, DoesNotKeepALargeBlockForASmallPart) {
+    String string(std::string(1000000, 'x'));
+    string.UTF8Decode(patternOf(5000).c_str(), 5000, false);
+    const String copy(string);
+    EXPECT_NE(copy.view().data(), string.view().data());
+    expectContent(copy, patternOf(5000));
+}
+
 // The string is gone before the threads begin: which of them holds the bytes last is open, and the
 // last may change them in place.
 TEST(StringSharing, IsPossibleAmongThreads) {
@@ -154,10 +220,10 @@ TEST(StringSharing, IsPossibleAmongThreads) {
         string.reset();
         std::vector<std::thread> threads;
         for (String& copy : copies) {
-            threads.emplace_back([&copy, &pattern] {
+            threads.emplace_back([&copy, &pattern, own = std::to_string(threads.size())] {
                 EXPECT_EQ(copy.view(), pattern);
-                copy += String("changed");
-                EXPECT_EQ(copy.view(), pattern + "changed");
+                copy += String(own);
+                EXPECT_EQ(copy.view(), pattern + own);
                 copy = String();
             });
         }
