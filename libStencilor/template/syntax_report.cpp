@@ -15,13 +15,12 @@ using Kind = SyntaxElement::Kind;
 /// Ownership: borrows the grammar.
 class template_grammar::reporter {
   public:
-    explicit reporter(const template_grammar& grammar)
-        : grammar_(grammar), text_(grammar.begin_), next_block_(grammar.blocks_.begin()) {}
+    explicit reporter(template_grammar& grammar) : grammar_(grammar), text_(grammar.begin_) {}
 
     /// To be called once, before `fault`.
     void visitParts(SyntaxVisitor& visitor) {
-        for (const step& found : grammar_.steps_) {
-            const SyntaxElement part = nextPart(found);
+        while (grammar_.steps_.size() > 0) {
+            const SyntaxElement part = nextPart(grammar_.steps_.take());
             position_ = part.whole.end;
             followBlocks(part);
             visitor.visit(part);
@@ -61,10 +60,10 @@ class template_grammar::reporter {
         case step_kind::include:
             return tag(Kind::Include, "%}", found.text);
         case step_kind::open_if:
-            ++next_block_;
+            grammar_.blocks_.take();
             return tag(Kind::If, "%}", found.text);
         case step_kind::open_for:
-            return tag(Kind::For, "%}", found.text, (next_block_++)->list_name);
+            return tag(Kind::For, "%}", found.text, grammar_.blocks_.take().list_name);
         case step_kind::other:
             return tag(Kind::Else, "%}");
         case step_kind::close:
@@ -123,9 +122,8 @@ class template_grammar::reporter {
 
     static SyntaxRange rangeOf(span part) { return {part.begin, part.begin + part.size}; }
 
-    const template_grammar& grammar_;
+    template_grammar& grammar_;
     std::string_view text_;
-    block_list::const_iterator next_block_;
     std::vector<open_tag> open_;
     unsigned int position_ = 0; // where the next part begins
 };

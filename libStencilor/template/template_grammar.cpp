@@ -53,11 +53,12 @@ template_grammar::template_grammar(const char* text) : begin_(text), position_(t
 
 bool template_grammar::parse(content_list& list) {
     const bool matched = start();
+    std::size_t complete = steps_.size();
     if (!open_.empty()) {
-        steps_.resize(open_.front().step); // what stands in an open block is not complete
+        complete = open_.front().step; // what stands in an open block is not
         --top_level_count_;
     }
-    build(list);
+    build(list, complete);
     return matched;
 }
 
@@ -109,7 +110,7 @@ bool template_grammar::expr_rule() {
 // if_rule = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif" "%}"
 // The rest of the opening tag; the other tags are matched by closing_tag() behind the content.
 bool template_grammar::if_rule() {
-    span name;
+    span name{};
     if (!identifier_rule(name)) {
         return missing(SyntaxExpectation::IfName);
     }
@@ -123,8 +124,8 @@ bool template_grammar::if_rule() {
 // for_rule = "{%" "for" identifier "in" identifier "%}" content "{%" "endfor" "%}"
 // The rest of the opening tag, as in if_rule().
 bool template_grammar::for_rule() {
-    span variable;
-    span list_name;
+    span variable{};
+    span list_name{};
     if (!identifier_rule(variable)) {
         return missing(SyntaxExpectation::ForVariable);
     }
@@ -143,7 +144,7 @@ bool template_grammar::for_rule() {
 
 // replace_rule = "{{" identifier "}}"
 bool template_grammar::replace_rule() {
-    span name;
+    span name{};
     if (!identifier_rule(name)) {
         return missing(SyntaxExpectation::SubstitutionName);
     }
@@ -156,7 +157,7 @@ bool template_grammar::replace_rule() {
 
 // include_rule = "{%" "include" '"' identifier '"' "%}"
 bool template_grammar::include_rule() {
-    span path;
+    span path{};
     if (!literal("\"")) {
         return missing(SyntaxExpectation::IncludeOpeningQuote);
     }
@@ -200,8 +201,7 @@ bool template_grammar::closing_tag() {
 bool template_grammar::else_tag() {
     open_block& innermost = open_.back();
     const char* const begin = position_;
-    if (steps_[innermost.step].kind != step_kind::open_if || innermost.in_else ||
-        !literal("else")) {
+    if (innermost.kind != step_kind::open_if || innermost.in_else || !literal("else")) {
         return false;
     }
     if (!literal("%}")) {
@@ -215,7 +215,7 @@ bool template_grammar::else_tag() {
 }
 
 bool template_grammar::end_tag() {
-    const bool closes_loop = steps_[open_.back().step].kind == step_kind::open_for;
+    const bool closes_loop = open_.back().kind == step_kind::open_for;
     if (!(closes_loop ? literal("endfor") : literal("endif"))) {
         return false;
     }
@@ -251,15 +251,14 @@ void template_grammar::add(step_kind kind, span text) {
     if (open_.empty()) {
         ++top_level_count_;
     } else {
-        block& parent = blocks_[open_.back().block];
-        ++(open_.back().in_else ? parent.else_count : parent.count);
+        const open_block& parent = open_.back();
+        ++(parent.in_else ? parent.counts->else_count : parent.counts->count);
     }
 }
 
 void template_grammar::open(step_kind kind, span text, span list_name) {
     add(kind, text);
-    blocks_.push_back({list_name});
-    open_.push_back({steps_.size() - 1, blocks_.size() - 1});
+    open_.push_back({kind, steps_.size() - 1, &blocks_.push_back({list_name, 0, 0})});
 }
 
 /// Notes what should stand behind the blanks here. False, for the rule to return.
@@ -268,8 +267,8 @@ bool template_grammar::missing(SyntaxExpectation expected) {
     return false;
 }
 
-/// Appends the nodes that the steps describe to `list`.
-void template_grammar::build(content_list& list) const {
+/// Appends the nodes that the first `count` steps describe to `list`, and forgets the steps.
+void template_grammar::build(content_list& list, std::size_t count) {
     struct level {
         content_list* nodes;
         if_expr* conditional = nullptr; // where an `else` belongs
@@ -278,8 +277,8 @@ void template_grammar::build(content_list& list) const {
     boost::container::small_vector<level, 4> enclosing;
     level current = {&list};
     list.reserve(list.size() + top_level_count_);
-    auto nextBlock = blocks_.begin();
-    for (const step& next : steps_) {
+    for (; count > 0; --count) {
+        const step next = steps_.take();
         const std::string_view text = textOf(next.text);
         switch (next.kind) {
         case step_kind::text:
@@ -292,22 +291,22 @@ void template_grammar::build(content_list& list) const {
             current.nodes->emplace_back(include_expr{std::string(text)});
             break;
         case step_kind::open_if: {
+            const block opens = blocks_.take();
             current.nodes->emplace_back(if_expr{{}, {}, std::string(text)});
             auto* opened = boost::get<if_expr>(&current.nodes->back());
-            opened->then_list.reserve(nextBlock->count);
+            opened->then_list.reserve(opens.count);
             enclosing.push_back(current);
-            current = {&opened->then_list, opened, nextBlock->else_count};
-            ++nextBlock;
+            current = {&opened->then_list, opened, opens.else_count};
             break;
         }
         case step_kind::open_for: {
+            const block opens = blocks_.take();
             current.nodes->emplace_back(
-                for_expr{{}, std::string(text), std::string(textOf(nextBlock->list_name))});
+                for_expr{{}, std::string(text), std::string(textOf(opens.list_name))});
             auto* opened = boost::get<for_expr>(&current.nodes->back());
-            opened->body.reserve(nextBlock->count);
+            opened->body.reserve(opens.count);
             enclosing.push_back(current);
             current = {&opened->body};
-            ++nextBlock;
             break;
         }
         case step_kind::other:

@@ -2,6 +2,7 @@
 #define LIBSTENCILOR_TEMPLATE_TEMPLATE_GRAMMAR_H
 
 #include <libStencilor/Syntax.h>
+#include <libStencilor/template/piecewise_queue.h>
 #include <libStencilor/template/syntax_tree.h>
 
 #include <boost/container/small_vector.hpp>
@@ -14,7 +15,7 @@ namespace kel::Stencilor::internal {
 
 /// The language, one function per rule, for one parse.
 ///
-/// How it works: a first pass recognises the template and notes what it found as a flat list of
+/// How it works: a first pass recognises the template and notes what it found as a flat queue of
 ///   steps, with the open blocks on a stack of its own; a second one builds the tree from the
 ///   steps. The number of nodes in each list is known by then, so that no list ever grows: a node
 ///   that moves would have to be allocated again.
@@ -56,8 +57,8 @@ class template_grammar {
     enum class step_kind : std::uint8_t { text, replace, include, open_if, open_for, other, close };
 
     struct span {
-        std::uint32_t begin = 0;
-        std::uint32_t size = 0;
+        std::uint32_t begin;
+        std::uint32_t size;
     };
 
     struct step {
@@ -67,16 +68,15 @@ class template_grammar {
 
     /// What there is to know of a block beyond its step; in the order of the opening tags.
     struct block {
-        span list_name;               // of a loop
-        std::uint32_t count = 0;      // nodes in the body
-        std::uint32_t else_count = 0; // nodes in the `else` part
+        span list_name;           // of a loop
+        std::uint32_t count;      // nodes in the body
+        std::uint32_t else_count; // nodes in the `else` part
     };
 
-    using block_list = boost::container::small_vector<block, 4>;
-
     struct open_block {
-        std::size_t step; // its opening tag
-        std::size_t block;
+        step_kind kind;
+        std::size_t step; // how many steps there are before its opening tag
+        block* counts;
         bool in_else = false;
     };
 
@@ -107,7 +107,7 @@ class template_grammar {
     void add(step_kind kind, span text);
     void open(step_kind kind, span text, span list_name);
     bool missing(SyntaxExpectation expected);
-    void build(content_list& list) const;
+    void build(content_list& list, std::size_t count);
 
     class reporter;
     std::string_view textOf(span part) const { return {begin_ + part.begin, part.size}; }
@@ -115,8 +115,8 @@ class template_grammar {
     const char* begin_;
     const char* position_;
     // A small template is parsed without asking for memory but for its nodes.
-    boost::container::small_vector<step, 16> steps_;
-    block_list blocks_;
+    piecewise_queue<step, 16> steps_;
+    piecewise_queue<block, 4> blocks_;
     boost::container::small_vector<open_block, 4> open_;
     std::uint32_t top_level_count_ = 0;
     missing_part missing_;

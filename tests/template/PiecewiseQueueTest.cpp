@@ -1,0 +1,79 @@
+#include "../support/Memory.h"
+
+#include <libStencilor/template/piecewise_queue.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+namespace {
+
+using Queue = piecewise_queue<std::size_t, 16>;
+
+TEST(PiecewiseQueue, GivesEveryEntryInItsOrder) {
+    // 16 are held in the object, and 256 in each piece behind it.
+    for (const std::size_t count : {0u, 1u, 15u, 16u, 17u, 271u, 272u, 273u, 528u, 529u, 5000u}) {
+        SCOPED_TRACE(count);
+        Queue queue;
+        for (std::size_t number = 0; number < count; ++number) {
+            queue.push_back(number);
+        }
+        EXPECT_EQ(queue.size(), count);
+        for (std::size_t number = 0; number < count; ++number) {
+            ASSERT_EQ(queue.take(), number);
+        }
+        EXPECT_EQ(queue.size(), 0u);
+    }
+}
+
+TEST(PiecewiseQueue, LetsEntriesComeAndGoByTurns) {
+    Queue queue;
+    std::size_t taken = 0;
+    for (std::size_t number = 0; number < 2000; ++number) {
+        queue.push_back(number);
+        if (number % 3 != 0) {
+            ASSERT_EQ(queue.take(), taken++);
+        }
+    }
+    EXPECT_EQ(queue.size(), 2000 - taken);
+    while (queue.size() > 0) {
+        ASSERT_EQ(queue.take(), taken++);
+    }
+    queue.push_back(7); // empty again, wherever in a piece that is
+    EXPECT_EQ(queue.take(), 7u);
+}
+
+TEST(PiecewiseQueue, LeavesEntriesWhereTheyAre) {
+    Queue queue;
+    std::vector<std::size_t*> places;
+    for (std::size_t number = 0; number < 1000; ++number) {
+        places.push_back(&queue.push_back(number));
+    }
+    for (std::size_t* const place : places) {
+        *place += 1;
+    }
+    for (std::size_t number = 0; number < 1000; ++number) {
+        ASSERT_EQ(queue.take(), number + 1);
+    }
+}
+
+TEST(PiecewiseQueue, GivesBackWhatWasTaken) {
+    constexpr std::size_t count = 1000000;
+    Queue queue;
+    for (std::size_t number = 0; number < count; ++number) {
+        queue.push_back(number);
+    }
+    const std::uint64_t filled = support::memoryInUse();
+    for (std::size_t number = 0; number < count / 2; ++number) {
+        queue.take();
+    }
+    if (filled > 0) { // a sanitizer does not tell
+        EXPECT_LT(support::memoryInUse(), filled - count / 2 * sizeof(std::size_t) * 9 / 10);
+    }
+}
+
+} // namespace
+} // namespace kel::Stencilor::internal
