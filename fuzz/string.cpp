@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -20,11 +21,19 @@ struct Pair {
 
 using Pairs = std::array<Pair, 3>;
 
-constexpr std::size_t longest = 4096; // strings double when they are appended to themselves
+/// A conversion that outlives what becomes of its string.
+struct Held {
+    std::unique_ptr<kel::CString> ours;
+    std::string standard;
+};
+
+// Strings double when they are appended to themselves. From 4096 bytes on they share their bytes.
+constexpr std::size_t longest = 20000;
 
 /// One step; `count` is what it may take for a length or a position.
-void step(std::uint8_t what, Pair& pair, Pair& other, std::size_t count, std::string_view rest) {
-    switch (what % 7) {
+void step(std::uint8_t what, Pair& pair, Pair& other, Held& held, std::size_t count,
+          std::string_view rest) {
+    switch (what % 8) {
     case 0:
         pair = {kel::String(rest.substr(0, count)), std::string(rest.substr(0, count))};
         break;
@@ -52,6 +61,10 @@ void step(std::uint8_t what, Pair& pair, Pair& other, std::size_t count, std::st
         pair.ours = kel::String(other.ours.getUTF8String().c_str());
         pair.standard = std::string(other.standard.c_str());
         break;
+    case 6:
+        held.ours.reset(new kel::CString(other.ours.getUTF8String()));
+        held.standard = other.standard;
+        break;
     default:
         std::swap(pair.ours, other.ours);
         std::swap(pair.standard, other.standard);
@@ -66,20 +79,30 @@ void compare(const Pair& a, const Pair& b) {
     fuzz::require((a.ours == b.ours) == (a.standard == b.standard), "equality is the same");
 }
 
+void compare(const Held& held) {
+    const std::string_view bytes(held.ours->c_str(), held.ours->size());
+    fuzz::require(bytes == held.standard, "a conversion stays as it was");
+    fuzz::require(bytes.data()[bytes.size()] == '\0', "a NUL stands behind it");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Pairs pairs;
+    Held held;
     std::string_view rest = fuzz::textOf(data, size);
     for (; size >= 2; data += 2, size -= 2) {
         rest.remove_prefix(2);
-        Pair& pair = pairs[data[0] / 7u % pairs.size()];
-        Pair& other = pairs[data[0] / 21u % pairs.size()];
-        step(data[0], pair, other, data[1], rest);
+        Pair& pair = pairs[data[0] / 8u % pairs.size()];
+        Pair& other = pairs[data[0] / 24u % pairs.size()];
+        step(data[0], pair, other, held, data[1], rest);
         for (const Pair& a : pairs) {
             for (const Pair& b : pairs) {
                 compare(a, b);
             }
+        }
+        if (held.ours != nullptr) {
+            compare(held);
         }
     }
     return 0;
