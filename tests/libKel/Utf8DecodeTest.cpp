@@ -174,13 +174,22 @@ TEST(Utf8Decode, FindsAMalformedByteWhereverItStandsInALongText) {
     }
 }
 
-TEST(Utf8Decode, LooksAtNothingAroundALongText) {
+// The text ends within a sequence, which what stands behind the text would make whole.
+TEST(Utf8Decode, LooksAtNothingBehindALongText) {
     Comparison comparison;
-    std::string memory(600, '\xFF');
-    char* const text = memory.data() + 200;
+    for (unsigned int length = 3; length <= 200; ++length) {
+        const std::string text = std::string(length - 3, 'a') + "\u20AC";
+        comparison.check(text.data(), length - 1);
+        comparison.check(text.data(), length - 2);
+    }
+}
+
+// A block of just that size, so that the address sanitizer sees what is read around it.
+TEST(Utf8Decode, ReadsNothingAroundALongText) {
+    Comparison comparison;
     for (unsigned int length = 1; length <= 200; ++length) {
-        text[length - 1] = 'a';
-        comparison.check(text, length);
+        const std::vector<char> text(length, 'a');
+        comparison.check(text.data(), length);
     }
 }
 
