@@ -180,6 +180,7 @@ TEST_F(FileSystemTest, LoadsFilesWhoseSizeIsNotKnownBeforehand) {
     const std::string maps = loaded(path);
     EXPECT_NE(maps.find("[stack]"), std::string::npos);
     EXPECT_EQ(maps.back(), '\n');
+    EXPECT_EQ(loaded("/proc/version"), support::readFile("/proc/version"));
 }
 
 TEST_F(FileSystemTest, DoesNotLoadWhatFailsWhileItIsRead) {
