@@ -296,8 +296,12 @@ TEST_F(ExhaustedMemory, PassesThroughTheRenderingOfALongText) {
 
 TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
     const Root root;
-    const std::string input = "a text that is longer than a few bytes {% if a %}{% for b in c %}x"
-                              "{% endfor %}{% else %}y{% endif %}{{ d }}{% if e %}{{ f }}";
+    std::string input = "a text that is longer than a few bytes {% if a %}{% for b in c %}x"
+                        "{% endfor %}{% else %}y{% endif %}{{ d }}";
+    for (int more = 0; more < 17; ++more) { // than what the parser notes without memory
+        input += "{{ g }}{% if a %}{% endif %}";
+    }
+    input += "{% if e %}{{ f }}";
     const Rendered expected = render(input, root);
     failEachAllocation(
         [] { return std::make_unique<Rendered>(); },

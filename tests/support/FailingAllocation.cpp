@@ -81,6 +81,15 @@ namespace support {
 
 namespace {
 
+/// The same for a function of C, which says so by `errno`.
+bool isItsTurnInC() {
+    if (isItsTurn()) {
+        errno = ENOMEM;
+        return true;
+    }
+    return false;
+}
+
 /// The function of the system, or of the sanitizer, that the one here stands in front of.
 template <typename Function>
 Function* behind(Function*, const char* name) {
@@ -90,20 +99,25 @@ Function* behind(Function*, const char* name) {
 } // namespace
 } // namespace support
 
+// Where `realloc` is to make a block, the compiler may call `malloc` at once. The address sanitizer
+// needs the one of its own from the first moment of the program, and is built with less of that.
+#ifndef TESTS_ADDRESS_SANITIZER
+extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {
+    static auto* const next = support::behind(malloc, "malloc");
+    return support::isItsTurnInC() ? nullptr : next(size);
+}
+#endif
+
 extern "C" __attribute__((visibility("default"))) void* realloc(void* block,
                                                                 std::size_t size) noexcept {
     static auto* const next = support::behind(realloc, "realloc");
-    return support::isItsTurn() ? nullptr : next(block, size);
+    return support::isItsTurnInC() ? nullptr : next(block, size);
 }
 
 extern "C" __attribute__((visibility("default"))) char* realpath(const char* path,
                                                                  char* resolved) noexcept {
     static auto* const next = support::behind(realpath, "realpath");
-    if (support::isItsTurn()) {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    return next(path, resolved);
+    return support::isItsTurnInC() ? nullptr : next(path, resolved);
 }
 
 #endif

@@ -5,7 +5,7 @@ namespace support {
 
 /// While it lives, the allocation after the next `count` ones of this thread fails; the ones behind
 /// it succeed again. It needs `FailingAllocation.cpp` in the program, which replaces the global
-/// operator new, and but for Windows `realloc` and `realpath`.
+/// operator new, and but for Windows `malloc`, `realloc` and `realpath`.
 class FailingAllocation {
   public:
     explicit FailingAllocation(int count);
