@@ -114,7 +114,7 @@ String& String::operator=(const String& other) {
     if (this == &other) {
         return *this;
     }
-    // A copy does not keep a block alive of which it would need only a part.
+    // A copy does not keep a block alive of which it would need less than half.
     if (other.size_ >= leastShared && other.size_ >= other.capacity_ / 2) {
         holdersOf(other.data_).fetch_add(1, std::memory_order_relaxed);
         release();

@@ -8,11 +8,11 @@
 
 namespace kel::Stencilor::internal {
 
-/// A queue that grows by pieces, and gives each back when its entries were taken.
+/// A queue that grows by pieces, and gives each back when the next is begun to take from.
 ///
-/// A vector would move all entries to a block of twice the size again and again, and keep it to the
-/// end: for a large template more memory than the tree that is made of the entries. The first `Few`
-/// entries are held in the object, so that a small template takes no memory for them.
+/// A vector would move all entries to a block of twice the size again and again, and keep that to
+/// the end, beside the tree that is made of them. The first `Few` entries are held in the object,
+/// so that a small template takes no memory for them.
 /// Copying: not possible, nothing needs two.
 template <typename Entry, std::size_t Few>
 class piecewise_queue {

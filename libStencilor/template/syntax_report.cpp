@@ -12,7 +12,7 @@ using Kind = SyntaxElement::Kind;
 ///
 /// How it works: the parts follow each other without a gap, so that each begins where the one
 ///   before it ends. Of a tag the steps hold the names; behind those, the next pair closes it.
-/// Ownership: borrows the grammar.
+/// Ownership: borrows the grammar, and takes its steps.
 class template_grammar::reporter {
   public:
     explicit reporter(template_grammar& grammar) : grammar_(grammar), text_(grammar.begin_) {}
