@@ -1,0 +1,1 @@
+// Nothing: what the tests share is compiled with the headers that are precompiled for them.
