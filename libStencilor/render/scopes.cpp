@@ -10,25 +10,6 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-/// The value that `scope` itself holds under `key`; null if there is none, or a null one.
-const ContextBase* childOf(const ContextBase& scope, const String& key) {
-    const auto& children = context_access::children(scope);
-    const auto found = children.find(key);
-    return found == children.end() ? nullptr : found->second;
-}
-
-/// The first value that one of `keys` stands for, in the innermost scope that has one.
-const ContextBase* findFirst(const scope_stack& scopes, std::span<const String> keys) {
-    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
-        for (const String& key : keys) {
-            if (const ContextBase* found = childOf(**scope, key)) {
-                return found;
-            }
-        }
-    }
-    return nullptr;
-}
-
 /// The keys that `name` is tried as. Trying a key twice in one scope finds nothing new, so each is
 /// kept once; they differ in their length.
 template <typename Keys>
@@ -57,18 +38,10 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
     return prefixed ? variable.size() + 1 : 0;
 }
 
-const ContextBase* name_lookup::findInScopes(const scope_stack& scopes, const std::string& name,
-                                             const prefix_stack& prefixes) {
-    if (prefixes.empty()) {
-        const String key(name.c_str());
-        return findFirst(scopes, std::span(&key, 1));
-    }
-    // Nearly always a name has the slot where it belongs.
-    const kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
-    if (kept == nullptr || kept->name != &name) {
-        kept = &keep(name, prefixes);
-    }
-    return findFirst(scopes, std::span(kept->keys.data(), kept->keys.size()));
+const ContextBase* name_lookup::findOutsideLoops(const scope_stack& scopes,
+                                                 const std::string& name) {
+    const String key(name.c_str());
+    return findFirst(scopes, std::span(&key, 1));
 }
 
 const name_lookup::kept_name& name_lookup::keep(const std::string& name,
@@ -99,11 +72,6 @@ name_lookup::slot& name_lookup::slotOf(const std::string& name) const {
         }
     }
     return (*slots_)[home];
-}
-
-/// Names are members of records on the heap, which spreads their addresses well enough.
-std::size_t name_lookup::homeOf(const std::string& name) noexcept {
-    return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
 }
 
 } // namespace kel::Stencilor::internal

@@ -10,8 +10,10 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -65,6 +67,9 @@ class name_lookup {
                                     const prefix_stack& prefixes);
 
   private:
+    static const ContextBase* findFirst(const scope_stack& scopes, std::span<const String> keys);
+    const ContextBase* findOutsideLoops(const scope_stack& scopes, const std::string& name);
+
     /// What a name is tried as.
     struct kept_name {
         const std::string* name = nullptr;
@@ -81,6 +86,40 @@ class name_lookup {
 
     std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
 };
+
+/// The first value that one of `keys` stands for, in the innermost scope that has one.
+inline const ContextBase* name_lookup::findFirst(const scope_stack& scopes,
+                                                 std::span<const String> keys) {
+    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
+        const auto& children = context_access::children(**scope);
+        for (const String& key : keys) {
+            const auto found = children.find(key);
+            if (found != children.end() && found->second != nullptr) {
+                return found->second;
+            }
+        }
+    }
+    return nullptr;
+}
+
+/// Names are members of records on the heap, which spreads their addresses well enough.
+inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
+    return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
+}
+
+inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
+                                                    const std::string& name,
+                                                    const prefix_stack& prefixes) {
+    if (prefixes.empty()) {
+        return findOutsideLoops(scopes, name);
+    }
+    // Nearly always a name has the slot where it belongs.
+    const kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
+    if (kept == nullptr || kept->name != &name) {
+        kept = &keep(name, prefixes);
+    }
+    return findFirst(scopes, std::span(kept->keys.data(), kept->keys.size()));
+}
 
 } // namespace kel::Stencilor::internal
 
