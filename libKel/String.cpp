@@ -64,15 +64,35 @@ void dropBlock(char* block, std::size_t capacity) noexcept {
     }
 }
 
-/// Fewer than eight bytes, in the order of the memory, with zeros behind them.
-std::uint64_t fewBytes(const char* bytes, unsigned int count) {
-    constexpr bool little = std::endian::native == std::endian::little;
-    std::uint64_t all = 0;
-    for (unsigned int at = 0; at < count; ++at) {
-        all |= std::uint64_t{static_cast<unsigned char>(bytes[at])} << 8 * (little ? at : 7 - at);
-    }
-    return all;
+/// As many bytes as `Number` has, in the order of the memory.
+template <typename Number>
+std::uint64_t load(const char* bytes) {
+    Number number;
+    std::memcpy(&number, bytes, sizeof(number));
+    return number;
 }
+
+/// Fewer than eight bytes, in the order of the memory, with zeros behind them. They are put
+/// together in a register, some of them twice: what is written in parts takes long to read back as
+/// a whole.
+std::uint64_t fewBytes(const char* bytes, unsigned int count) {
+    const auto place = [](std::uint64_t number, unsigned int size, unsigned int at) {
+        constexpr bool little = std::endian::native == std::endian::little;
+        return number << 8 * (little ? at : 8 - size - at);
+    };
+    if (count >= 4) {
+        return place(load<std::uint32_t>(bytes), 4, 0) |
+               place(load<std::uint32_t>(bytes + count - 4), 4, count - 4);
+    }
+    if (count == 0) {
+        return 0;
+    }
+    return place(load<unsigned char>(bytes), 1, 0) |
+           place(load<unsigned char>(bytes + count / 2), 1, count / 2) |
+           place(load<unsigned char>(bytes + count - 1), 1, count - 1);
+}
+
+constexpr std::uint64_t highBits = 0x8080808080808080u;
 
 } // namespace
 
@@ -136,11 +156,8 @@ String& String::operator=(String&& other) noexcept {
     return *this;
 }
 
-String& String::operator+=(const String& other) {
+String& String::append(const String& other) {
     const unsigned int added = other.size_;
-    if (added == 0) {
-        return *this;
-    }
     const std::size_t size = std::size_t{size_} + added;
     if (size > capacity_ || isShared()) {
         grow(size);
@@ -165,6 +182,9 @@ String String::subString(unsigned int start, unsigned int count) const {
 }
 
 void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
+    if (length <= inlineCapacity && decodeShort(bytes, length)) {
+        return;
+    }
     const std::string_view encoded(bytes, length);
     const std::size_t valid = validUtf8Prefix(encoded);
     if (valid == length) {
@@ -172,6 +192,26 @@ void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
     } else {
         *this = String(repairedUtf8(encoded, valid));
     }
+}
+
+/// Decodes what fits inline, where all of it is ASCII: most texts between two tags are so. False
+/// where it is not, with nothing changed.
+bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
+    constexpr unsigned int half = sizeof(std::uint64_t);
+    const bool few = length < half;
+    const std::uint64_t first = few ? fewBytes(bytes, length) : load<std::uint64_t>(bytes);
+    const std::uint64_t last = few ? 0 : load<std::uint64_t>(bytes + length - half);
+    if (((first | last) & highBits) != 0 || isShared()) {
+        return false;
+    }
+    size_ = length;
+    std::memcpy(data_, &first, half);
+    std::memcpy(inline_, &first, half);
+    if (!few) {
+        std::memcpy(data_ + length - half, &last, half);
+        data_[length] = '\0';
+    }
+    return true;
 }
 
 String String::fromUTF16(std::u16string_view text) {

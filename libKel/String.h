@@ -126,7 +126,7 @@ class String {
     /// Appends characters.
     /// @param other the string that is appended, which may be this one
     /// @return this string
-    KEL_EXPORT String& operator+=(const String& other);
+    String& operator+=(const String& other) { return other.empty() ? *this : append(other); }
 
     /// Compares byte by byte.
     /// @param bytes ends at its first NUL, and is not null
@@ -211,6 +211,8 @@ class String {
     std::uint64_t leadingBytes() const noexcept;
     bool isLessBehindLeading(const String& other) const noexcept;
     bool isShared() const noexcept;
+    KEL_EXPORT String& append(const String& other);
+    bool decodeShort(const char* bytes, unsigned int length) noexcept;
     KEL_EXPORT static unsigned int checkedSize(std::size_t size);
     KEL_EXPORT void assign(const char* bytes, unsigned int length);
     void take(String& other) noexcept;
