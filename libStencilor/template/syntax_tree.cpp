@@ -1,5 +1,6 @@
 #include <libStencilor/template/syntax_tree.h>
 
+#include <boost/container/small_vector.hpp>
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
 
@@ -11,13 +12,15 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
+using waiting_lists = boost::container::small_vector<content_list, 4>;
+
 bool isBlock(const content& node) {
     return node.which() <= 1; // if_expr or for_expr
 }
 
 /// Moves the lists of a block that hold blocks themselves to where they wait for their turn.
 struct child_lists : boost::static_visitor<> {
-    explicit child_lists(std::vector<content_list>& lists) : waiting(lists) {}
+    explicit child_lists(waiting_lists& lists) : waiting(lists) {}
 
     void operator()(if_expr& block) const {
         detach(block.then_list);
@@ -33,13 +36,13 @@ struct child_lists : boost::static_visitor<> {
         }
     }
 
-    std::vector<content_list>& waiting;
+    waiting_lists& waiting;
 };
 
 } // namespace
 
 void takeApart(content_list& list) noexcept {
-    std::vector<content_list> waiting;
+    waiting_lists waiting;
     const child_lists detachChildren(waiting);
     try {
         while (true) {

@@ -115,7 +115,7 @@ class template_grammar {
     const char* begin_;
     const char* position_;
     // A small template is parsed without asking for memory but for its nodes.
-    piecewise_queue<step, 16> steps_;
+    piecewise_queue<step, 32> steps_;
     piecewise_queue<block, 4> blocks_;
     boost::container::small_vector<open_block, 4> open_;
     std::uint32_t top_level_count_ = 0;
