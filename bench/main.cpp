@@ -1,4 +1,5 @@
 #include "allocations.h"
+#include "bound.h"
 #include "workloads.h"
 
 #include <benchmark/benchmark.h>
@@ -7,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +38,7 @@ struct contest {
 };
 
 constexpr const char* ours = "stencilor";
+constexpr const char* bound = "bound"; // what no change of this engine can fall below
 constexpr const char* limit = "hand";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
 const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
@@ -52,6 +55,9 @@ contest prepare(workload work) {
             made.contenders.push_back(
                 {"mustache" + suffix, mustacheRenderer(each.mustache, each.data, when)});
         }
+    }
+    if (std::optional<renderer> call = boundRenderer(each)) {
+        made.contenders.push_back({bound, std::move(*call)});
     }
     made.contenders.push_back({limit, each.hand});
     return made;

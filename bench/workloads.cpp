@@ -294,6 +294,7 @@ workload includedRows() {
             .ctemplate = "",
             .mustache = "",
             .data = pageData(rows),
+            .included = path,
             .hand = {[rows, path, text] {
                          for (std::size_t count = rows.size(); count > 0; --count) {
                              readBare(path);

@@ -17,6 +17,7 @@ struct workload {
     std::string ctemplate; // empty where the peers have nothing that compares
     std::string mustache;
     object data;
+    std::string included = {}; // the path of the file that the template includes
 
     /// The limit: code that appends the same bytes to a string, from a struct.
     renderer hand;

@@ -1,0 +1,17 @@
+#ifndef BENCH_CONTEXT_H
+#define BENCH_CONTEXT_H
+
+#include "model.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <memory>
+
+namespace bench {
+
+/// The data of a workload as a context of this engine.
+std::unique_ptr<kel::Stencilor::ContextDictionary> toContext(const object& from);
+
+} // namespace bench
+
+#endif
