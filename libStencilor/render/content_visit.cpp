@@ -59,8 +59,14 @@ void content_visit::operator()(const if_expr& node) {
         leaveBlock();
         return;
     }
+    const content_list& list = context_access::truth(*boolean) ? node.then_list : node.else_list;
+    if (list.empty()) {
+        opened.apply.emplace(trace_points::applyVisitor);
+        leaveBlock();
+        return;
+    }
     opened.loop = nullptr;
-    enterList(opened, context_access::truth(*boolean) ? node.then_list : node.else_list, boolean);
+    enterList(opened, list, boolean);
 }
 
 void content_visit::operator()(const for_expr& node) {
