@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 // The input is a program: what it does to a few strings is done to standard ones, too. All of them
@@ -30,12 +31,23 @@ struct Held {
 // Strings double when they are appended to themselves. From 4096 bytes on they share their bytes.
 constexpr std::size_t longest = 20000;
 
+bool isAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
 /// One step; `count` is what it may take for a length or a position.
 void step(std::uint8_t what, Pair& pair, Pair& other, Held& held, std::size_t count,
           std::string_view rest) {
     switch (what % 8) {
     case 0:
-        pair = {kel::String(rest.substr(0, count)), std::string(rest.substr(0, count))};
+        pair.standard = rest.substr(0, count);
+        if (count % 2 == 1 && isAscii(pair.standard)) {
+            pair.ours.UTF8Decode(pair.standard.data(),
+                                 static_cast<unsigned int>(pair.standard.size()), false);
+        } else {
+            pair.ours = kel::String(pair.standard);
+        }
         break;
     case 1:
         pair.ours = other.ours;

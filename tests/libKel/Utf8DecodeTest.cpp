@@ -97,6 +97,8 @@ class Comparison {
         ASSERT_EQ(string_.view(), expected)
             << testing::PrintToString(std::string(bytes, length)) << " was taken for "
             << testing::PrintToString(string_.str());
+        ASSERT_EQ(string_.getUTF8String().c_str()[string_.size()], '\0')
+            << testing::PrintToString(std::string(bytes, length)) << " does not end";
     }
 
   private:
