@@ -267,10 +267,13 @@ TEST_F(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
         {"users", list({dictionary({{"name", text(std::string(200, 'n'))}}), nullptr})},
         {"name", text("root")},
     });
-    const std::string input =
+    std::string input =
         "a text that is longer than a few bytes {{ name }}{{ missing }}"
         "{% for user in users %}{{ user.name }}{% if yes %}{% include \"part\" %}{% else %}x"
         "{% endif %}{% endfor %}{% if missing %}{% endif %}";
+    for (int blocks = 0; blocks < 5; ++blocks) { // more than are taken apart without memory
+        input += "{% if yes %}{% if yes %}{% endif %}{% endif %}";
+    }
     const Rendered expected = render(input, root);
     ASSERT_NE(expected.output.find("included"), std::string::npos);
     failEachAllocation([] { return std::make_unique<Rendered>(); },
