@@ -37,12 +37,12 @@ void content_visit::dispatch(const content& node) {
     renderOpenBlocks();
 }
 
-inline void content_visit::operator()(const std::string& text) {
+void content_visit::operator()(const std::string& text) {
     const trace_scope trace(trace_points::visitString);
     result_.output.append(text);
 }
 
-inline void content_visit::operator()(const replace_expr& node) {
+void content_visit::operator()(const replace_expr& node) {
     const trace_scope trace(trace_points::visitReplace);
     const auto* string = find<ContextString>(node.name, messages::replacementNotFound,
                                              messages::replacementNotString);
@@ -105,7 +105,7 @@ const Kind* content_visit::find(const std::string& name, const message& notFound
     return value;
 }
 
-inline content_visit::block& content_visit::enterBlock(const trace_point& point) {
+content_visit::block& content_visit::enterBlock(const trace_point& point) {
     if (depth_ == blocks_.size()) {
         blocks_.push_back(std::make_unique<block>());
     }
@@ -115,15 +115,14 @@ inline content_visit::block& content_visit::enterBlock(const trace_point& point)
 }
 
 /// Closes the traced scopes of the innermost block.
-inline void content_visit::leaveBlock() {
+void content_visit::leaveBlock() {
     block& closed = *blocks_[--depth_];
     closed.apply.reset();
     closed.visit.reset();
 }
 
 /// What `applyVisitor` does at its beginning, for a list of an open block.
-inline void content_visit::enterList(block& current, const content_list& list,
-                                     const ContextBase* scope) {
+void content_visit::enterList(block& current, const content_list& list, const ContextBase* scope) {
     current.apply.emplace(trace_points::applyVisitor);
     current.scope = scopes_.enter(scope);
     current.next = list.data();
@@ -131,11 +130,11 @@ inline void content_visit::enterList(block& current, const content_list& list,
 }
 
 /// The elements are asked for anew each time: the sink of a host may have added one.
-inline void content_visit::enterTurn(block& loop) {
+void content_visit::enterTurn(block& loop) {
     enterList(loop, loop.loop->body, context_access::elements(*loop.elements)[loop.turn]);
 }
 
-inline void content_visit::leaveList(block& current) {
+void content_visit::leaveList(block& current) {
     scopes_.leave(current.scope);
     current.apply.reset();
 }

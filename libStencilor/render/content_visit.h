@@ -39,9 +39,9 @@ class content_visit : public boost::static_visitor<> {
 
     void operator()(const if_expr& node);
     void operator()(const for_expr& node);
-    void operator()(const replace_expr& node);
+    inline void operator()(const replace_expr& node);
     void operator()(const include_expr& node);
-    void operator()(const std::string& text);
+    inline void operator()(const std::string& text);
 
   private:
     /// A block that is being rendered: how far, and for a loop also which turn.
@@ -60,11 +60,11 @@ class content_visit : public boost::static_visitor<> {
 
     template <typename Kind>
     const Kind* find(const std::string& name, const message& notFound, const message& wrongKind);
-    block& enterBlock(const trace_point& point);
-    void leaveBlock();
-    void enterList(block& current, const content_list& list, const ContextBase* scope);
-    void enterTurn(block& loop);
-    void leaveList(block& current);
+    inline block& enterBlock(const trace_point& point);
+    inline void leaveBlock();
+    inline void enterList(block& current, const content_list& list, const ContextBase* scope);
+    inline void enterTurn(block& loop);
+    inline void leaveList(block& current);
     bool renderToNextBlock(block& current);
     void renderOpenBlocks();
 

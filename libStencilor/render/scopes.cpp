@@ -1,8 +1,6 @@
-#include <libStencilor/context/context_access.h>
 #include <libStencilor/render/scopes.h>
 
 #include <algorithm>
-#include <functional>
 #include <span>
 #include <utility>
 

@@ -70,12 +70,12 @@ bool template_grammar::start() {
 }
 
 // content_rule = text_rule | expr_rule
-inline bool template_grammar::content_rule() {
+bool template_grammar::content_rule() {
     return text_rule() || expr_rule();
 }
 
 // text_rule = { byte that begins neither "{%" nor "{{" }, one or more
-inline bool template_grammar::text_rule() {
+bool template_grammar::text_rule() {
     const char* const begin = position_;
     while (*position_ != '\0' && !beginsTag(position_)) {
         const char* brace = std::strchr(position_ + 1, '{');
@@ -91,7 +91,7 @@ inline bool template_grammar::text_rule() {
 // expr_rule = if_rule | for_rule | replace_rule | include_rule
 // What the rules begin with decides between them: only one of them can match the whole tag. A rule
 // that fails consumes nothing.
-inline bool template_grammar::expr_rule() {
+bool template_grammar::expr_rule() {
     const char* const begin = position_;
     bool matched = false;
     if (literal("{{")) {
@@ -109,7 +109,7 @@ inline bool template_grammar::expr_rule() {
 
 // if_rule = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif" "%}"
 // The rest of the opening tag; the other tags are matched by closing_tag() behind the content.
-inline bool template_grammar::if_rule() {
+bool template_grammar::if_rule() {
     span name{};
     if (!identifier_rule(name)) {
         return missing(SyntaxExpectation::IfName);
@@ -143,7 +143,7 @@ bool template_grammar::for_rule() {
 }
 
 // replace_rule = "{{" identifier "}}"
-inline bool template_grammar::replace_rule() {
+bool template_grammar::replace_rule() {
     span name{};
     if (!identifier_rule(name)) {
         return missing(SyntaxExpectation::SubstitutionName);
@@ -175,7 +175,7 @@ bool template_grammar::include_rule() {
 }
 
 // identifier_rule = [a-zA-Z_] { [a-zA-Z_0-9./] }
-inline bool template_grammar::identifier_rule(span& found) {
+bool template_grammar::identifier_rule(span& found) {
     const char* const begin = behindBlanks(position_);
     if (!isOf(*begin, firstOfIdentifier)) {
         return false;
@@ -189,7 +189,7 @@ inline bool template_grammar::identifier_rule(span& found) {
 }
 
 /// The tags that may follow the content of the innermost open block.
-inline bool template_grammar::closing_tag() {
+bool template_grammar::closing_tag() {
     const char* const begin = position_;
     const bool matched = !open_.empty() && literal("{%") && (else_tag() || end_tag());
     if (!matched) {
@@ -198,7 +198,7 @@ inline bool template_grammar::closing_tag() {
     return matched;
 }
 
-inline bool template_grammar::else_tag() {
+bool template_grammar::else_tag() {
     open_block& innermost = open_.back();
     const char* const begin = position_;
     if (innermost.kind != step_kind::open_if || innermost.in_else || !literal("else")) {
@@ -214,7 +214,7 @@ inline bool template_grammar::else_tag() {
     return true;
 }
 
-inline bool template_grammar::end_tag() {
+bool template_grammar::end_tag() {
     const bool closes_loop = open_.back().kind == step_kind::open_for;
     if (!(closes_loop ? literal("endfor") : literal("endif"))) {
         return false;
@@ -229,7 +229,7 @@ inline bool template_grammar::end_tag() {
 
 /// Matches `expected` behind any blanks.
 template <std::size_t Size>
-inline bool template_grammar::literal(const char (&expected)[Size]) {
+bool template_grammar::literal(const char (&expected)[Size]) {
     const char* at = behindBlanks(position_);
     for (std::size_t index = 0; index + 1 < Size; ++index, ++at) {
         if (*at != expected[index]) {
@@ -240,13 +240,13 @@ inline bool template_grammar::literal(const char (&expected)[Size]) {
     return true;
 }
 
-inline template_grammar::span template_grammar::spanFrom(const char* begin) const {
+template_grammar::span template_grammar::spanFrom(const char* begin) const {
     return {static_cast<std::uint32_t>(begin - begin_),
             static_cast<std::uint32_t>(position_ - begin)};
 }
 
 /// Notes a node, and counts it in the list that it belongs to.
-inline void template_grammar::add(step_kind kind, span text) {
+void template_grammar::add(step_kind kind, span text) {
     steps_.push_back({kind, text});
     if (open_.empty()) {
         ++top_level_count_;
@@ -256,7 +256,7 @@ inline void template_grammar::add(step_kind kind, span text) {
     }
 }
 
-inline void template_grammar::open(step_kind kind, span text, span list_name) {
+void template_grammar::open(step_kind kind, span text, span list_name) {
     add(kind, text);
     open_.push_back({kind, steps_.size() - 1, &blocks_.push_back({list_name, 0, 0})});
 }

@@ -88,24 +88,24 @@ class template_grammar {
     };
 
     bool start();
-    bool content_rule();
-    bool text_rule();
-    bool expr_rule();
-    bool if_rule();
+    inline bool content_rule();
+    inline bool text_rule();
+    inline bool expr_rule();
+    inline bool if_rule();
     bool for_rule();
-    bool replace_rule();
+    inline bool replace_rule();
     bool include_rule();
-    bool identifier_rule(span& found);
+    inline bool identifier_rule(span& found);
 
-    bool closing_tag();
-    bool else_tag();
-    bool end_tag();
+    inline bool closing_tag();
+    inline bool else_tag();
+    inline bool end_tag();
 
     template <std::size_t Size>
-    bool literal(const char (&expected)[Size]);
-    span spanFrom(const char* begin) const;
-    void add(step_kind kind, span text);
-    void open(step_kind kind, span text, span list_name);
+    inline bool literal(const char (&expected)[Size]);
+    inline span spanFrom(const char* begin) const;
+    inline void add(step_kind kind, span text);
+    inline void open(step_kind kind, span text, span list_name);
     bool missing(SyntaxExpectation expected);
     void build(content_list& list, std::size_t count);
 
