@@ -72,9 +72,7 @@ std::uint64_t load(const char* bytes) {
     return number;
 }
 
-/// Fewer than eight bytes, in the order of the memory, with zeros behind them. They are put
-/// together in a register, some of them twice: what is written in parts takes long to read back as
-/// a whole.
+/// Fewer than eight bytes, in the order of the memory, with zeros behind them. Some are read twice.
 std::uint64_t fewBytes(const char* bytes, unsigned int count) {
     const auto place = [](std::uint64_t number, unsigned int size, unsigned int at) {
         constexpr bool little = std::endian::native == std::endian::little;
@@ -194,8 +192,8 @@ void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
     }
 }
 
-/// Decodes what fits inline, where all of it is ASCII: most texts between two tags are so. False
-/// where it is not, with nothing changed.
+/// Decodes what fits inline, where all of it is ASCII: most texts between two tags are so. False,
+/// with nothing changed, where it is not, or where another string reads the same block.
 bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
     constexpr unsigned int half = sizeof(std::uint64_t);
     const bool few = length < half;
