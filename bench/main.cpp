@@ -38,7 +38,7 @@ struct contest {
 };
 
 constexpr const char* ours = "stencilor";
-constexpr const char* bound = "bound"; // what no change of this engine can fall below
+constexpr const char* bound = "bound"; // the steps that every rendering of this engine takes
 constexpr const char* limit = "hand";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
 const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
