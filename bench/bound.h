@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// The limit of this engine: code that knows the template and the context, and takes those steps
+/// A limit for parser and renderer: code that knows the template and the context, and takes those steps
 /// only that every rendering takes. The tree is copied from one that was parsed beforehand and
 /// taken apart; each node that is rendered is traced, its name is looked up, its value converted
 /// and appended; each node of the top level is decoded and appended to the result. Nothing is
