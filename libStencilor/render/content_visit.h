@@ -6,13 +6,13 @@
 #include <libStencilor/render/scopes.h>
 #include <libStencilor/template/syntax_tree.h>
 
+#include <boost/container/small_vector.hpp>
 #include <boost/variant/static_visitor.hpp>
 
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 
@@ -75,7 +75,7 @@ class content_visit : public boost::static_visitor<> {
 
     // The first depth_ of them are open. Those that were left are used again. Each stands apart,
     // since traced scopes cannot move.
-    std::vector<std::unique_ptr<block>> blocks_;
+    boost::container::small_vector<std::unique_ptr<block>, 4> blocks_;
     std::size_t depth_ = 0;
 };
 
