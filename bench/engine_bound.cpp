@@ -10,6 +10,8 @@
 #include <libStencilor/template/parse_template.h>
 #include <libStencilor/template/syntax_tree.h>
 
+#include <boost/variant/get.hpp>
+
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -221,7 +223,19 @@ void tags(const ContextBase& root, steps& made, std::size_t lines) {
     }
 }
 
-using walk = std::function<void(const ContextBase&, steps&)>;
+/// Texts and a name by turns. The texts are those of the tree, from where they are rendered.
+void prose(const ContextBase& root, steps& made, const content_list& nodes) {
+    for (const content& node : nodes) {
+        if (const auto* text = boost::get<std::string>(&node)) {
+            made.text(*text);
+        } else {
+            made.replace(root, "name");
+        }
+        made.node();
+    }
+}
+
+using walk = std::function<void(const ContextBase&, steps&, const content_list&)>;
 
 std::string readFile(const std::string& path) {
     kel::Buffer<unsigned char> file;
@@ -233,23 +247,30 @@ std::string readFile(const std::string& path) {
 
 walk walkOf(const workload& work) {
     if (work.name == "W1") {
-        return greeting;
+        return
+            [](const ContextBase& root, steps& made, const content_list&) { greeting(root, made); };
     }
     if (work.name.starts_with("W2")) {
-        return [](const ContextBase& root, steps& made) { page(root, made, row()); };
+        return [](const ContextBase& root, steps& made, const content_list&) {
+            page(root, made, row());
+        };
     }
     if (work.name == "W3") {
-        return table;
+        return [](const ContextBase& root, steps& made, const content_list&) { table(root, made); };
+    }
+    if (work.name == "W4") {
+        return prose;
     }
     if (work.name == "W5") {
         const auto lines = std::count(work.stencilor.begin(), work.stencilor.end(), '\n');
-        return [lines](const ContextBase& root, steps& made) {
+        return [lines](const ContextBase& root, steps& made, const content_list&) {
             tags(root, made, static_cast<std::size_t>(lines));
         };
     }
     if (work.name == "W6") {
         const std::string& path = work.included;
-        return [path, tree = parsed(readFile(path))](const ContextBase& root, steps& made) {
+        return [path, tree = parsed(readFile(path))](const ContextBase& root, steps& made,
+                                                     const content_list&) {
             page(root, made, [&](steps& outer, const ContextBase& item) {
                 outer.include(path, *tree, [&item](steps& inner) { row()(inner, item); });
             });
@@ -277,7 +298,7 @@ std::optional<renderer> boundRenderer(const workload& work) {
                         const trace_scope trace(trace_points::buildOutput);
                         const tree_of_call tree(*shared->tree);
                         steps made;
-                        shared->render(*shared->context, made);
+                        shared->render(*shared->context, made, tree.tree.nodes);
                         shared->output = made.take();
                         return std::size_t{shared->output.size()};
                     },
