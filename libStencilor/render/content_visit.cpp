@@ -148,7 +148,7 @@ bool content_visit::renderToNextBlock(block& current) {
     const std::size_t depth = depth_;
     while (current.next != current.end) {
         const content& node = *current.next++;
-        if (const auto* text = boost::get<std::string>(&node)) {
+        if (const auto* text = boost::relaxed_get<std::string>(&node)) {
             (*this)(*text); // half of all nodes: a test is quicker than choosing between five
             continue;
         }
