@@ -1,5 +1,5 @@
-#include <nlohmann/json.hpp>
 #include <tools/stencilor/files.h>
+#include <tools/stencilor/json_output.h>
 #include <tools/stencilor/template_survey.h>
 #include <tools/stencilor/tree.h>
 
@@ -11,16 +11,11 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
-/// In one line, as a string of JSON.
-std::string asJson(std::string_view text) {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 std::string describeNode(const TemplateFile& file, const SyntaxElement& part) {
     const std::string name(file.textOf(part.name));
     switch (part.kind) {
     case Kind::Text:
-        return "text " + asJson(file.textOf(part.whole));
+        return "text " + printJsonString(file.textOf(part.whole));
     case Kind::Substitution:
         return "substitution " + name;
     case Kind::If:
@@ -30,7 +25,7 @@ std::string describeNode(const TemplateFile& file, const SyntaxElement& part) {
     case Kind::For:
         return "for " + name + " in " + std::string(file.textOf(part.list));
     case Kind::Include:
-        return "include " + asJson(name);
+        return "include " + printJsonString(name);
     case Kind::EndIf:
     case Kind::EndFor:
         break;

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <tools/stencilor/command_line.h>
 #include <tools/stencilor/shell/command_table.h>
 
 #include <sstream>
@@ -55,7 +56,10 @@ OptionInfo describeOption(const CLI::Option& option) {
 
 } // namespace
 
-CommandTable makeCommandTable(const CLI::App& program) {
+CommandTable makeCommandTable() {
+    CLI::App program;
+    Request request;
+    defineCommandLine(program, request);
     CommandTable table;
     for (const CLI::Option* option : program.get_options()) {
         table.options.push_back(describeOption(*option));

@@ -1,8 +1,6 @@
 #ifndef TOOLS_STENCILOR_SHELL_COMMAND_TABLE_H
 #define TOOLS_STENCILOR_SHELL_COMMAND_TABLE_H
 
-#include <CLI/App.hpp>
-
 #include <string>
 #include <vector>
 
@@ -35,7 +33,7 @@ struct CommandTable {
     std::vector<CommandInfo> commands;
 };
 
-CommandTable makeCommandTable(const CLI::App& program);
+CommandTable makeCommandTable();
 
 std::string bashCompletion(const CommandTable& table);
 std::string zshCompletion(const CommandTable& table);

@@ -1,5 +1,3 @@
-#include <CLI/App.hpp>
-#include <tools/stencilor/command_line.h>
 #include <tools/stencilor/shell/command_table.h>
 
 #include <fstream>
@@ -28,11 +26,8 @@ int main(int argc, char** argv) {
         std::cerr << "usage: stencilor_shell_files bash|zsh|fish|man FILE\n";
         return 2;
     }
-    CLI::App program;
-    stencilor::Request request;
-    stencilor::defineCommandLine(program, request);
     std::ofstream file(argv[2], std::ios::binary);
-    file << write(stencilor::makeCommandTable(program));
+    file << write(stencilor::makeCommandTable());
     file.close();
     if (!file) {
         std::cerr << "stencilor_shell_files: cannot write " << argv[2] << '\n';
