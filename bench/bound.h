@@ -11,8 +11,8 @@ namespace bench {
 /// steps only that every rendering takes. The tree is copied from one that was parsed beforehand
 /// and taken apart; each node that is rendered is traced, its name is looked up, its value
 /// converted and appended; each node of the top level is decoded and appended to the result.
-/// Nothing is parsed, no kind of node is found out, no scope is entered, and no key is made of a
-/// name in a loop.
+/// Nothing is parsed, no kind of node is found out (but in prose, texts and names), no scope is
+/// entered, and no key is made of a name in a loop.
 /// @return nothing for a workload that no such code was written for
 std::optional<renderer> boundRenderer(const workload& work);
 

@@ -223,7 +223,8 @@ void tags(const ContextBase& root, steps& made, std::size_t lines) {
     }
 }
 
-/// Texts and a name by turns. The texts are those of the tree, from where they are rendered.
+/// Texts and names by turns. The texts come from the tree of this call, so that they are read from
+/// where the engine reads them.
 void prose(const ContextBase& root, steps& made, const content_list& nodes) {
     for (const content& node : nodes) {
         if (const auto* text = boost::get<std::string>(&node)) {

@@ -8,12 +8,10 @@
 
 namespace stencilor {
 
-// Malformed UTF-8, which paths may have, becomes U+FFFD.
-
-/// A JSON document with a line break at its end.
+/// A JSON document with a line break at its end. Malformed UTF-8 becomes U+FFFD.
 std::string printJson(const nlohmann::ordered_json& document);
 
-/// A string of JSON, in one line.
+/// `text` as a string of JSON, in one line. Malformed UTF-8 becomes U+FFFD.
 std::string printJsonString(std::string_view text);
 
 } // namespace stencilor

@@ -3,6 +3,7 @@
 #include <tools/stencilor/shell/command_table.h>
 
 #include <sstream>
+#include <utility>
 
 namespace stencilor {
 
