@@ -76,7 +76,7 @@ class Console {
                                    EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
                                    &startup.StartupInfo, &child),
                   0);
-        EXPECT_EQ(::WaitForSingleObject(child.hProcess, 60'000), WAIT_OBJECT_0);
+        EXPECT_EQ(::WaitForSingleObject(child.hProcess, 180'000), WAIT_OBJECT_0);
         ::CloseHandle(child.hThread);
         ::CloseHandle(child.hProcess);
         ::DeleteProcThreadAttributeList(startup.lpAttributeList);
