@@ -10,6 +10,7 @@
 #else
 #include <malloc.h>
 
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <string>
@@ -74,8 +75,19 @@ std::uint64_t kilobytesOf(const char* file, const std::string& wanted) {
     return 0;
 }
 
+/// What is left of the memory that a container may have; the most there can be where it has no
+/// limit.
+std::uint64_t kilobytesOfContainer() {
+    std::uint64_t limit = 0;
+    std::uint64_t used = 0;
+    const bool limited = std::ifstream("/sys/fs/cgroup/memory.max") >> limit &&
+                         std::ifstream("/sys/fs/cgroup/memory.current") >> used;
+    return limited ? (limit - std::min(limit, used)) / 1024
+                   : std::numeric_limits<std::uint64_t>::max();
+}
+
 std::uint64_t availableKilobytes() {
-    return kilobytesOf("/proc/meminfo", "MemAvailable:");
+    return std::min(kilobytesOf("/proc/meminfo", "MemAvailable:"), kilobytesOfContainer());
 }
 
 } // namespace
