@@ -155,6 +155,27 @@ class FileActions {
     posix_spawn_file_actions_t actions_;
 };
 
+/// A child that ends where nobody reads what it writes, though this program may ignore that.
+class Attributes {
+  public:
+    Attributes() {
+        check(::posix_spawnattr_init(&attributes_));
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::sigaddset(&signals, SIGPIPE);
+        check(::posix_spawnattr_setsigdefault(&attributes_, &signals));
+        check(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF));
+    }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    ~Attributes() { ::posix_spawnattr_destroy(&attributes_); }
+
+    const posix_spawnattr_t* get() const { return &attributes_; }
+
+  private:
+    posix_spawnattr_t attributes_;
+};
+
 int waitFor(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0) {
@@ -178,7 +199,8 @@ Outcome spawn(const std::string& program, std::vector<std::string> arguments,
     }
     pointers.push_back(nullptr);
     pid_t child = 0;
-    check(::posix_spawn(&child, program.c_str(), actions.get(), nullptr, pointers.data(), environ));
+    check(::posix_spawn(&child, program.c_str(), actions.get(), Attributes().get(), pointers.data(),
+                        environ));
     return files.outcome(waitFor(child));
 }
 
