@@ -44,7 +44,11 @@ def leads_nowhere(link, document):
 
 def main():
     root = pathlib.Path(sys.argv[1])
-    folders = [entry for entry in root.iterdir() if entry.is_dir() and entry.name != "build"]
+    folders = [
+        entry
+        for entry in root.iterdir()
+        if entry.is_dir() and entry.name != "build" and not (entry / "CMakeCache.txt").exists()
+    ]
     documents = sorted(root.glob("*.md"))
     documents += [path for folder in sorted(folders) for path in sorted(folder.rglob("*.md"))]
     links = failures = 0
