@@ -56,7 +56,7 @@ std::uint64_t tryLength(std::uint64_t length, const Budget& budget, std::uint64_
     return total;
 }
 
-// Blocks have seven tokens at least. All sequences of that length take an hour or so:
+// Blocks have seven tokens at least. All sequences of that length take a quarter of an hour:
 // STENCILOR_SECONDS=0 lifts the limit of time, STENCILOR_TOKENS=7 the one of length.
 TEST(EverySequence, OfAFewTokensIsReadTheSame) {
     const std::uint64_t greatestLength = numberFromEnvironment("STENCILOR_TOKENS", 6);
