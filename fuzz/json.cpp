@@ -1,4 +1,4 @@
-#include "../tests/support/ObviousUtf8.h"
+#include "../tests/support/oracles/ObviousUtf8.h"
 #include "target.h"
 
 #include <libStencilorJson/Json.h>

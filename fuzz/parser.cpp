@@ -1,6 +1,6 @@
-#include "../tests/support/SecondReading.h"
-#include "../tests/support/SyntaxReport.h"
-#include "../tests/support/SyntaxTree.h"
+#include "../tests/support/oracles/SecondReading.h"
+#include "../tests/support/oracles/SyntaxReport.h"
+#include "../tests/support/oracles/SyntaxTree.h"
 #include "target.h"
 
 #include <libStencilor/template/parse_template.h>

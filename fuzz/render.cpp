@@ -1,6 +1,6 @@
 #include "../tests/support/Context.h"
-#include "../tests/support/ObviousUtf8.h"
-#include "../tests/support/SecondRenderer.h"
+#include "../tests/support/oracles/ObviousUtf8.h"
+#include "../tests/support/oracles/SecondRenderer.h"
 #include "context_reader.h"
 #include "target.h"
 

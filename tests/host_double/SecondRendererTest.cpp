@@ -1,5 +1,5 @@
 #include "../support/Build.h"
-#include "../support/RenderingComparison.h"
+#include "../support/oracles/RenderingComparison.h"
 #include "HostDouble.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "../support/Build.h"
-#include "../support/ObviousUtf8.h"
+#include "../support/oracles/ObviousUtf8.h"
 
 #include <libKel/String.h>
 

@@ -1,5 +1,5 @@
 #include "../support/Environment.h"
-#include "../support/RandomTemplate.h"
+#include "../support/oracles/RandomTemplate.h"
 #include "ProgramTest.h"
 
 #include <libStencilor/Stencilor.h>

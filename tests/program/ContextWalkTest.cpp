@@ -1,7 +1,7 @@
 #include "../support/Environment.h"
-#include "../support/RandomContext.h"
-#include "../support/RandomTemplate.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/oracles/RandomContext.h"
+#include "../support/oracles/RandomTemplate.h"
 
 #include <libStencilor/Stencilor.h>
 

@@ -1,7 +1,7 @@
 #include "../support/Build.h"
 #include "../support/LogRecorder.h"
-#include "../support/RenderingComparison.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/oracles/RenderingComparison.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>

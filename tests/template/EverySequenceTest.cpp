@@ -1,6 +1,6 @@
 #include "../support/Build.h"
 #include "../support/Environment.h"
-#include "../support/ReadingComparison.h"
+#include "../support/oracles/ReadingComparison.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "../support/Build.h"
 #include "../support/Environment.h"
-#include "../support/RandomTemplate.h"
-#include "../support/ReadingComparison.h"
+#include "../support/oracles/RandomTemplate.h"
+#include "../support/oracles/ReadingComparison.h"
 
 #include <gtest/gtest.h>
 

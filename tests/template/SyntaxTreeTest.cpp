@@ -1,4 +1,4 @@
-#include "../support/SyntaxTree.h"
+#include "../support/oracles/SyntaxTree.h"
 
 #include <libStencilor/template/parse_template.h>
 #include <libStencilor/template/syntax_tree.h>

@@ -1,5 +1,5 @@
-#ifndef TESTS_SUPPORT_RANDOM_H
-#define TESTS_SUPPORT_RANDOM_H
+#ifndef TESTS_SUPPORT_ORACLES_RANDOM_H
+#define TESTS_SUPPORT_ORACLES_RANDOM_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "RenderingComparison.h"
 
-#include "Environment.h"
+#include "../Environment.h"
 #include "RandomContext.h"
 #include "RandomTemplate.h"
 #include "SecondRenderer.h"

@@ -1,5 +1,5 @@
-#ifndef TESTS_SUPPORT_SYNTAXTREE_H
-#define TESTS_SUPPORT_SYNTAXTREE_H
+#ifndef TESTS_SUPPORT_ORACLES_SYNTAXTREE_H
+#define TESTS_SUPPORT_ORACLES_SYNTAXTREE_H
 
 #include <libStencilor/template/syntax_tree.h>
 
