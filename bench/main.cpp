@@ -1,5 +1,4 @@
 #include "allocations.h"
-#include "bound.h"
 #include "workloads.h"
 
 #include <benchmark/benchmark.h>
@@ -8,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,7 +36,6 @@ struct contest {
 };
 
 constexpr const char* ours = "stencilor";
-constexpr const char* bound = "bound"; // the steps that every rendering of this engine takes
 constexpr const char* limit = "hand";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
 const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
@@ -55,9 +52,6 @@ contest prepare(workload work) {
             made.contenders.push_back(
                 {"mustache" + suffix, mustacheRenderer(each.mustache, each.data, when)});
         }
-    }
-    if (std::optional<renderer> call = boundRenderer(each)) {
-        made.contenders.push_back({bound, std::move(*call)});
     }
     made.contenders.push_back({limit, each.hand});
     return made;
