@@ -28,11 +28,6 @@ namespace kel::Stencilor {
 /// @cond
 namespace internal {
 
-bool isValidUtf8(std::string_view text);
-
-/// `text` as a part of a JSON pointer.
-std::string pointerPart(std::string_view text);
-
 /// Reads a value of nlohmann-json, and knows on the way where it is.
 class JsonReader {
   public:

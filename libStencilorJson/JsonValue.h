@@ -35,16 +35,18 @@
 /// the original; a dictionary there is empty, for no template can look into it. The tree is
 /// therefore to be rendered or read, not to be changed below its root.
 ///
-/// Refused, beside what JSON itself forbids: the same name twice in an object, `$boolean` with a
-/// value other than true and false, malformed UTF-8, more than `deepestJson` levels, and objects
-/// whose dotted names would take more than `jsonNamesLimit`.
+/// Texts are JSON as RFC 8259 defines it, in UTF-8, of any size, with or without a byte-order mark.
+/// Also errors: the same name twice in an object, `$boolean` with a value other than true and
+/// false, more than `deepestJson` levels, and objects whose dotted names would take more than
+/// `jsonNamesLimit`.
 ///
 /// `libStencilorJson/Json.h` makes contexts of the values of nlohmann-json.
 ///
 /// Ownership: results own all that they hold; arguments are only read.
 /// Threads: may be called from any thread.
-/// Errors: `JsonError`; `std::bad_alloc`, and `std::length_error` where a text outgrows
-///   `kel::String`.
+/// Errors: `JsonError`; `std::bad_alloc`; `std::length_error` where a string, number or name of
+/// more
+///   than 4 GiB - 1 byte is to become part of a context.
 
 #include <libStencilor/Stencilor.h>
 
@@ -144,6 +146,19 @@ std::unique_ptr<ContextBase> contextFromJsonValue(const JsonValue& value);
 /// @return the context; null where `root` is `Any` and the text JSON's null
 std::unique_ptr<ContextBase> contextFromJsonText(std::string_view text,
                                                  JsonRoot root = JsonRoot::Object);
+
+/// @cond
+namespace internal {
+
+// For what makes values of other kinds of JSON, such as `libStencilorJson/Json.h`.
+
+bool isValidUtf8(std::string_view text);
+
+/// `text` as a part of a JSON pointer.
+std::string pointerPart(std::string_view text);
+
+} // namespace internal
+/// @endcond
 
 } // namespace kel::Stencilor
 

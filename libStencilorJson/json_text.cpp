@@ -1,37 +1,126 @@
-#include <libKel/String.h>
-
 #include <libStencilorJson/json_text.h>
 
 #include <algorithm>
-#include <limits>
 
 namespace kel::Stencilor::internal {
 
 namespace {
 
+constexpr std::size_t longestQuote = 40; // in characters
+
+struct Range {
+    std::uint32_t first;
+    std::uint32_t last;
+};
+
+/// The characters that are not shown as they are: those that control a terminal or the direction of
+/// writing, that break lines, or that no one can see.
+constexpr Range unshown[] = {
+    {0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C}, {0x200B, 0x200F},
+    {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
+};
+
+unsigned int byteAt(std::string_view text, std::size_t index) {
+    return static_cast<unsigned char>(text[index]);
+}
+
 bool continuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
 }
 
-} // namespace
-
-std::size_t findMalformedUtf8(std::string_view text) {
-    kel::String repaired;
-    repaired.UTF8Decode(text.data(), static_cast<unsigned int>(text.size()), false);
-    const std::string_view valid = repaired.view();
-    const auto difference = std::mismatch(text.begin(), text.end(), valid.begin(), valid.end());
-    if (difference.second == valid.end()) {
-        return text.size();
-    }
-    // A part that was cut short may share its first bytes with the U+FFFD that replaces it.
-    auto offset = static_cast<std::size_t>(difference.second - valid.begin());
-    while (continuesCharacter(valid[offset])) {
-        --offset;
-    }
-    return offset;
+/// The size that the first byte of a character announces; 0 where no character begins with it.
+std::size_t announcedSize(unsigned int first) {
+    return first < 0x80   ? 1
+           : first < 0xC2 ? 0
+           : first < 0xE0 ? 2
+           : first < 0xF0 ? 3
+           : first < 0xF5 ? 4
+                          : 0;
 }
 
-JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason) {
+/// Whether `second` makes the code point too small for its size, a surrogate, or too large.
+bool isOutsideUnicode(unsigned int first, unsigned int second) {
+    return (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
+           (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+}
+
+/// The code point of a well-formed character.
+std::uint32_t codePointOf(std::string_view character) {
+    std::uint32_t result = byteAt(character, 0);
+    if (character.size() > 1) {
+        result &= 0x7Fu >> character.size();
+    }
+    for (const char byte : character.substr(1)) {
+        result = result << 6 | (static_cast<unsigned char>(byte) & 0x3Fu);
+    }
+    return result;
+}
+
+std::string escaped(std::uint32_t codePoint) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string result = "\\u";
+    for (const unsigned int shift : {12u, 8u, 4u, 0u}) {
+        result += digits[codePoint >> shift & 0xFu];
+    }
+    return result;
+}
+
+bool isShown(std::uint32_t codePoint) {
+    return std::none_of(std::begin(unshown), std::end(unshown), [codePoint](const Range& range) {
+        return range.first <= codePoint && codePoint <= range.last;
+    });
+}
+
+} // namespace
+
+std::size_t characterSize(std::string_view text) {
+    const unsigned int first = byteAt(text, 0);
+    const std::size_t size = announcedSize(first);
+    if (size < 2) {
+        return size;
+    }
+    const std::string_view rest = text.substr(1, size - 1);
+    const bool isComplete =
+        rest.size() == size - 1 && std::all_of(rest.begin(), rest.end(), continuesCharacter);
+    return isComplete && !isOutsideUnicode(first, byteAt(rest, 0)) ? size : 0;
+}
+
+void appendCharacter(std::string& text, std::uint32_t codePoint) {
+    const auto add = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+    const auto addRest = [&](unsigned int shift) { add(0x80u | (codePoint >> shift & 0x3Fu)); };
+    if (codePoint < 0x80) {
+        add(codePoint);
+        return;
+    }
+    if (codePoint < 0x800) {
+        add(0xC0u | codePoint >> 6);
+    } else {
+        if (codePoint < 0x10000) {
+            add(0xE0u | codePoint >> 12);
+        } else {
+            add(0xF0u | codePoint >> 18);
+            addRest(12);
+        }
+        addRest(6);
+    }
+    addRest(0);
+}
+
+std::string quotable(std::string_view text) {
+    std::string result;
+    for (std::size_t characters = 0; !text.empty(); ++characters) {
+        if (characters == longestQuote) {
+            return result + "...";
+        }
+        const std::string_view character = text.substr(0, characterSize(text));
+        const std::uint32_t codePoint = codePointOf(character);
+        result += isShown(codePoint) ? std::string(character) : escaped(codePoint);
+        text.remove_prefix(character.size());
+    }
+    return result;
+}
+
+JsonPosition positionAt(std::string_view text, std::size_t offset) {
     const std::string_view before = text.substr(0, offset);
     const std::size_t lineBreak = before.rfind('\n');
     std::string_view line = before.substr(lineBreak == std::string_view::npos ? 0 : lineBreak + 1);
@@ -39,79 +128,37 @@ JsonError errorAt(std::string_view text, std::size_t offset, const std::string& 
         line.remove_prefix(byteOrderMark.size());
     }
     const auto lines = std::count(before.begin(), before.end(), '\n');
-    const auto columns =
-        line.size() -
-        static_cast<std::size_t>(std::count_if(line.begin(), line.end(), continuesCharacter));
-    return {static_cast<std::size_t>(lines) + 1, columns + 1, reason};
+    const auto columns = std::count_if(line.begin(), line.end(),
+                                       [](char byte) { return !continuesCharacter(byte); });
+    return {static_cast<std::size_t>(lines) + 1, static_cast<std::size_t>(columns) + 1};
 }
 
-std::optional<JsonError> findEncodingError(std::string_view text) {
-    if (text.size() > std::numeric_limits<unsigned int>::max()) {
-        return errorAt(text, 0, "the text is longer than 4 GiB - 1 byte");
-    }
-    const std::size_t malformed = findMalformedUtf8(text);
-    const std::size_t nul = text.find('\0');
-    if (nul < malformed) {
-        return errorAt(text, nul, "a NUL character must be written as \\u0000");
-    }
-    if (malformed < text.size()) {
-        return errorAt(text, malformed, "malformed UTF-8");
-    }
-    return std::nullopt;
+JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason) {
+    const JsonPosition position = positionAt(text, offset);
+    return {position.line, position.column, reason};
 }
 
-std::size_t skipJsonBlanks(std::string_view text, std::size_t offset) {
-    return std::min(text.find_first_not_of(" \t\r\n", offset), text.size());
-}
-
-TokenCursor::TokenCursor(std::string_view text)
-    : text_(text), end_(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0) {}
-
-void TokenCursor::next() {
-    start_ = text_.find_first_not_of(" \t\r\n,:", end_);
-    end_ = findTokenEnd();
-}
-
-std::size_t TokenCursor::findTokenEnd() const {
-    switch (text_[start_]) {
-    case '{':
-    case '}':
-    case '[':
-    case ']':
-        return start_ + 1;
-    case '"': {
-        std::size_t end = start_ + 1;
-        while (text_[end] != '"') {
-            end += text_[end] == '\\' ? 2u : 1u;
+bool isValidUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = characterSize(text);
+        if (size == 0) {
+            return false;
         }
-        return end + 1;
+        text.remove_prefix(size);
     }
-    case 'n':
-    case 't':
-        return start_ + 4;
-    case 'f':
-        return start_ + 5;
-    default:
-        return findNumberEnd();
-    }
+    return true;
 }
 
-std::size_t TokenCursor::findNumberEnd() const {
-    const auto skipDigits = [this](std::size_t offset) {
-        return std::min(text_.find_first_not_of("0123456789", offset), text_.size());
-    };
-    const auto isOneOf = [this](std::string_view characters, std::size_t offset) {
-        return offset < text_.size() && characters.find(text_[offset]) != std::string_view::npos;
-    };
-    std::size_t end = isOneOf("-", start_) ? start_ + 1 : start_;
-    end = isOneOf("0", end) ? end + 1 : skipDigits(end);
-    if (isOneOf(".", end)) {
-        end = skipDigits(end + 1);
+std::string pointerPart(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        if (character == '~' || character == '/') {
+            result += character == '~' ? "~0" : "~1";
+        } else {
+            result += character;
+        }
     }
-    if (isOneOf("eE", end)) {
-        end = skipDigits(isOneOf("+-", end + 1) ? end + 2 : end + 1);
-    }
-    return end;
+    return result;
 }
 
 } // namespace kel::Stencilor::internal

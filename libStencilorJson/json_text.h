@@ -4,51 +4,39 @@
 #include <libStencilorJson/JsonValue.h>
 
 #include <cstddef>
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
-// Where things stand in a JSON text.
+// Characters and positions of a JSON text.
 
 namespace kel::Stencilor::internal {
 
 /// The byte-order mark that a text may begin with.
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// Where the first malformed part of `text` begins, or its size where there is none.
-std::size_t findMalformedUtf8(std::string_view text);
+/// How many bytes the character at the start of `text` takes; 0 where it is malformed UTF-8. `text`
+/// must not be empty.
+std::size_t characterSize(std::string_view text);
 
-/// An error at a byte offset of `text`, which must be valid UTF-8 up to there.
-JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason);
+void appendCharacter(std::string& text, std::uint32_t codePoint);
 
-/// What makes `text` unreadable before it is looked at as JSON: malformed UTF-8, NUL characters,
-/// too many bytes.
-std::optional<JsonError> findEncodingError(std::string_view text);
+/// `text`, which must be valid UTF-8, for a message: without the characters that control a terminal
+/// or the direction of writing, and no longer than a message should quote.
+std::string quotable(std::string_view text);
 
-/// Skips blanks and line breaks from `offset` on.
-std::size_t skipJsonBlanks(std::string_view text, std::size_t offset);
-
-/// Walks from token to token along with a parser that tells of each value and name, but not where
-/// it stands. So it may rely on the tokens being well-formed, up to the one it is moved to.
-class TokenCursor {
-  public:
-    explicit TokenCursor(std::string_view text);
-
-    /// Moves to the next token; commas and colons are passed over.
-    void next();
-
-    std::size_t start() const { return start_; }
-    std::size_t end() const { return end_; }
-    std::string_view token() const { return text_.substr(start_, end_ - start_); }
-
-  private:
-    std::size_t findTokenEnd() const;
-    std::size_t findNumberEnd() const;
-
-    std::string_view text_;
-    std::size_t start_ = 0;
-    std::size_t end_ = 0;
+/// Where a message points to; both are counted from 1.
+struct JsonPosition {
+    std::size_t line;
+    std::size_t column; ///< in code points
 };
+
+/// The position at a byte offset of `text`, which must be valid UTF-8 up to there. Takes time in
+/// proportion to the offset.
+JsonPosition positionAt(std::string_view text, std::size_t offset);
+
+/// An error at a byte offset, as above.
+JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason);
 
 } // namespace kel::Stencilor::internal
 

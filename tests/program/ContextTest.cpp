@@ -96,8 +96,9 @@ TEST_F(ContextTest, NamesFileLineAndColumnOfWhatIsWrong) {
         std::string message;
     } cases[] = {
         {"an empty file", "", "1:1: expected an object, found the end of the text"},
-        {"a root that is no object", "\n [1]", "2:2: expected an object"},
-        {"malformed JSON", "{\n  \"a\": 1,\n}", "3:1: expected a name in quotation marks"},
+        {"a root that is no object", "\n [1]", "2:2: expected an object, found '['"},
+        {"malformed JSON", "{\n  \"a\": 1,\n}",
+         "3:1: expected a name in quotation marks after ',', found '}'"},
         {"malformed UTF-8", "{\"\u00E9\": \"\xFF\"}", "1:8: malformed UTF-8"},
         {"a duplicate key", "{\"a\":1,\n\"a\":2}", "2:1: duplicate name \"a\""},
         {"nesting", "{\"a\":" + std::string(512, '['), "1:517: nested more than 512 levels deep"},
@@ -124,9 +125,10 @@ TEST_F(ContextTest, NamesTheDefinitionThatIsWrong) {
         {"no value", "a", "-D a: expected NAME=VALUE or NAME:=JSON"},
         {"no name", "=x", "-D =x: expected NAME=VALUE or NAME:=JSON"},
         {"no name before JSON", ":=1", "-D :=1: expected NAME=VALUE or NAME:=JSON"},
-        {"malformed JSON", "a:=[1,", "-D a:1:4: expected a value, found the end of the text"},
+        {"malformed JSON", "a:=[1,",
+         "-D a:1:4: expected a value after ',', found the end of the text"},
         {"no JSON", "a:=", "-D a:1:1: expected a value, found the end of the text"},
-        {"bare text as JSON", "a:=text", "-D a:1:1: expected a value"},
+        {"bare text as JSON", "a:=text", "-D a:1:1: expected a value, found 'text'"},
         {"a string for the root's boolean", "$boolean=true", "-D $boolean: expected true or false"},
         {"a number for the root's boolean", "$boolean:=1", "-D $boolean: expected true or false"},
     };

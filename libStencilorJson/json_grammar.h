@@ -1,0 +1,98 @@
+#ifndef LIBSTENCILORJSON_JSON_GRAMMAR_H
+#define LIBSTENCILORJSON_JSON_GRAMMAR_H
+
+#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/json_receiver.h>
+#include <libStencilorJson/name_set.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+/// The JSON of RFC 8259, one function per rule, for one reading of one text.
+///
+/// How it works: the open arrays and objects are on a stack of its own, so that nesting takes no
+///   call stack. Nothing but names and the text of strings with escapes is copied.
+/// Ownership: borrows the text and the receiver.
+/// Copying: not possible, the rules share one position.
+/// Errors: `JsonError` at the first fault of the text; what the receiver throws; `std::bad_alloc`.
+///   The receiver has received all that comes before.
+///
+/// Rules, where whitespace (space, tab, line feed, carriage return) is skipped before each part of
+/// those above the line:
+///
+///     text       = [ byte-order mark ] value end
+///     value      = object | array | string | number | "true" | "false" | "null"
+///     array      = "[" [ value { "," value } ] "]"
+///     object     = "{" [ member { "," member } ] "}"
+///     member     = string ":" value
+///     ---
+///     string     = '"' { characters | escape } '"'
+///     characters = any, in UTF-8, but '"', "\" and those below U+0020
+///     escape     = "\" ( '"' | "\" | "/" | "b" | "f" | "n" | "r" | "t" | "u" unit )
+///     unit       = 4 hexadecimal digits; a leading surrogate is followed by "\u" and a trailing
+///     one number     = [ "-" ] ( "0" | digits ) [ "." digits ] [ ( "e" | "E" ) [ "+" | "-" ]
+///     digits ] digits     = "0" to "9", one or more
+///
+/// Beyond these, arrays and objects nest at most `deepestJson` levels, and each name occurs once in
+/// its object.
+class JsonGrammar {
+  public:
+    JsonGrammar(std::string_view text, JsonRoot root, JsonReceiver& receiver)
+        : text_(text), root_(root), receiver_(receiver) {}
+    JsonGrammar(const JsonGrammar&) = delete;
+    JsonGrammar& operator=(const JsonGrammar&) = delete;
+
+    /// Reads the text. To be called once.
+    void read() { textRule(); }
+
+  private:
+    enum class Kind { Array, Object };
+
+    /// An array or object whose end has not been read.
+    struct Open {
+        Kind kind;
+        std::size_t begin;
+        bool isEmpty = true;
+        NameSet<> names{};
+    };
+
+    void textRule();
+    void valueRule(const char* expectation);
+    void elementRule();
+    void memberRule();
+    void nameRule(const char* expectation);
+    std::string_view stringRule();
+    std::string_view charactersRule();
+    void escapeRule();
+    void surrogateRule(std::size_t begin, std::uint32_t unit);
+    std::uint32_t unitRule();
+    std::string_view numberRule();
+    void digitsRule(const char* expectation);
+
+    void open(Kind kind);
+    void close();
+    void skipWhitespace();
+    bool literal(std::string_view expected);
+    std::size_t nextSize() const;
+    bool isAtOneOf(std::string_view characters) const;
+    JsonRange rangeFrom(std::size_t begin) const { return {begin, position_}; }
+    [[noreturn]] void failExpecting(const std::string& expectation) const;
+    [[noreturn]] void failAt(std::size_t offset, const std::string& reason) const;
+    std::string found() const;
+
+    std::string_view text_;
+    JsonRoot root_;
+    JsonReceiver& receiver_;
+    std::size_t position_ = 0;
+    std::vector<Open> open_;
+    std::string decoded_; // the last string that had escapes
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif
