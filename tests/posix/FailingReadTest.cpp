@@ -5,6 +5,7 @@
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
+#include <libKel/Folder.h>
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,9 @@ namespace support {
 namespace {
 
 using kel::Buffer;
+using kel::FileState;
 using kel::FileSystem;
+using kel::Folder;
 
 std::ptrdiff_t openFiles() {
     const std::filesystem::directory_iterator files("/proc/self/fd");
@@ -100,6 +103,40 @@ TEST_F(FailingReadTest, IsThatOfAFileThatHasBecomeTooLong) {
     EXPECT_FALSE(FileSystem::loadFile("longest", buffer, nullptr));
     EXPECT_EQ(buffer.data, nullptr);
     EXPECT_EQ(buffer.size, 0u);
+}
+
+TEST_F(FailingReadTest, IsReportedByAFolderAsAFileThatIsUnreadable) {
+    const Folder folder = Folder::open(folder_.path()).value();
+    failEachRead(EIO, [&folder](const FailingRead& failure) {
+        Buffer<unsigned char> buffer;
+        FileState state;
+        const Folder::Answer answer = folder.load("part", content.size(), buffer, state);
+        EXPECT_EQ(answer, failure.happened() ? Folder::Answer::Unreadable : Folder::Answer::Found);
+        EXPECT_EQ(buffer.size, failure.happened() ? 0u : content.size());
+        EXPECT_EQ(state.size, content.size());
+    });
+}
+
+TEST_F(FailingReadTest, LeavesTheSizeOfTheStateWhereAFileHasBecomeShorter) {
+    const FailingRead failure(2, 0);
+    Buffer<unsigned char> buffer;
+    FileState state;
+    ASSERT_EQ(Folder::open(folder_.path())->load("part", content.size(), buffer, state),
+              Folder::Answer::Found);
+    EXPECT_EQ(buffer.size, 2 * FailingRead::step);
+    EXPECT_EQ(state.size, content.size());
+}
+
+TEST_F(FailingReadTest, IsThatOfAFileThatGrowsPastWhatIsAllowed) {
+    const EndlessRead read;
+    for (const std::size_t allowed : {content.size(), content.size() + 1, std::size_t{100'000}}) {
+        Buffer<unsigned char> buffer;
+        FileState state;
+        EXPECT_EQ(Folder::open(folder_.path())->load("part", allowed, buffer, state),
+                  Folder::Answer::TooLarge);
+        EXPECT_EQ(buffer.data, nullptr);
+        EXPECT_EQ(state.size, content.size());
+    }
 }
 
 TEST_F(FailingReadTest, IsReportedAsAFileThatCannotBeLoaded) {

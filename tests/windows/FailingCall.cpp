@@ -61,10 +61,6 @@ DWORD WINAPI getFullPath(const wchar_t* path, DWORD size, wchar_t* to, wchar_t**
     return isItsTurn("GetFullPathNameW") ? 0 : ::GetFullPathNameW(path, size, to, name);
 }
 
-BOOL WINAPI getFileSize(HANDLE file, LARGE_INTEGER* size) {
-    return isItsTurn("GetFileSizeEx") ? FALSE : ::GetFileSizeEx(file, size);
-}
-
 BOOL WINAPI readFile(HANDLE file, void* to, DWORD count, DWORD* read, OVERLAPPED* overlapped) {
     if (isItsTurn("ReadFile")) {
         return FALSE;
@@ -91,7 +87,6 @@ FailingCall::FailingCall(std::string_view function, int count) {
     replace("GetFileInformationByHandle", getInformation);
     replace("GetFinalPathNameByHandleW", getFinalPath);
     replace("GetFullPathNameW", getFullPath);
-    replace("GetFileSizeEx", getFileSize);
     replace("ReadFile", readFile);
     failing = function;
     remaining = count;

@@ -4,6 +4,7 @@
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
+#include <libKel/Folder.h>
 
 #include <gtest/gtest.h>
 
@@ -16,13 +17,16 @@ namespace support {
 namespace {
 
 using kel::Buffer;
+using kel::FileState;
 using kel::FileSystem;
+using kel::Folder;
+using Answer = Folder::Answer;
 
 /// What is asked for a path, in that order; the last one only below a root.
 constexpr std::string_view callsForAFile[] = {"GetFullPathNameW", "CreateFileW", "GetFileType",
                                               "GetFileInformationByHandle",
                                               "GetFinalPathNameByHandleW"};
-constexpr std::string_view callsForContent[] = {"GetFileSizeEx", "ReadFile"};
+constexpr std::string_view callForContent = "ReadFile";
 constexpr std::string_view callsForARoot[] = {
     "GetFullPathNameW", "CreateFileW", "GetFileInformationByHandle", "GetFinalPathNameByHandleW"};
 
@@ -73,9 +77,7 @@ TEST_F(FailingCallTest, LeavesTheBufferEmpty) {
     for (const std::string_view function : callsForAFile) {
         failEach(function, expectLoadedUnless);
     }
-    for (const std::string_view function : callsForContent) {
-        failEach(function, expectLoadedUnless);
-    }
+    failEach(callForContent, expectLoadedUnless);
 }
 
 TEST_F(FailingCallTest, MayBeAnyOfTheReadsOfAFile) {
@@ -105,6 +107,28 @@ TEST_F(FailingCallTest, HidesTheFile) {
     }
 }
 
+TEST_F(FailingCallTest, IsReportedByAFolder) {
+    const Folder folder = Folder::open(folder_.path()).value();
+    const auto load = [&folder](Buffer<unsigned char>& buffer) {
+        FileState state;
+        return folder.load("part", content.size(), buffer, state);
+    };
+    failEach(callForContent, [&load](const FailingCall& failure) {
+        Buffer<unsigned char> buffer;
+        const Answer answer = load(buffer);
+        EXPECT_EQ(answer, failure.happened() ? Answer::Unreadable : Answer::Found);
+        EXPECT_EQ(buffer.data == nullptr, failure.happened());
+    });
+    // A second look finds the file that could not be opened.
+    for (const std::string_view function : callsForAFile) {
+        failEach(function, [&load](const FailingCall& failure) {
+            Buffer<unsigned char> buffer;
+            const Answer answer = load(buffer);
+            EXPECT_EQ(answer, failure.happened() ? Answer::Unreadable : Answer::Found);
+        });
+    }
+}
+
 TEST_F(FailingCallTest, LeavesTheRootAsItIs) {
     for (const std::string_view function : callsForARoot) {
         failEach(function, [this](const FailingCall& failure) {
@@ -118,14 +142,11 @@ TEST_F(FailingCallTest, LeavesTheRootAsItIs) {
 
 TEST_F(FailingCallTest, IsReportedAsAFileThatIsMissingOrCannotBeLoaded) {
     const Root root({{"name", text("root")}});
-    for (const std::string_view function : callsForContent) {
-        failEach(function, [&root](const FailingCall& failure) {
-            const Rendered rendered = render("a{% include \"part\" %}b", root);
-            EXPECT_EQ(rendered, failure.happened()
-                                    ? (Rendered{"ab", "Could not load file \"part\""})
-                                    : (Rendered{"a" + contentRendered + "b", ""}));
-        });
-    }
+    failEach(callForContent, [&root](const FailingCall& failure) {
+        const Rendered rendered = render("a{% include \"part\" %}b", root);
+        EXPECT_EQ(rendered, failure.happened() ? (Rendered{"ab", "Could not load file \"part\""})
+                                               : (Rendered{"a" + contentRendered + "b", ""}));
+    });
     for (const std::string_view function : callsForAFile) {
         int count = 0;
         failEach(function, [&root, &count](const FailingCall& failure) {

@@ -1,0 +1,93 @@
+#include <libKel/Folder.h>
+#include <libKel/SystemFiles.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+/// Gives `buffer` room for `capacity` bytes and keeps what it holds.
+void resize(Buffer<unsigned char>& buffer, std::uint64_t capacity) {
+    auto* block = static_cast<unsigned char*>(::operator new(capacity));
+    const std::uint64_t size = buffer.size;
+    if (size > 0) {
+        std::memcpy(block, buffer.data, size);
+    }
+    buffer.release();
+    buffer.data = block;
+    buffer.size = size;
+    buffer.capacity = capacity;
+}
+
+/// Reads up to the end of the file, but no more than one byte past `maxBytes`. False on failure.
+///
+/// One byte more than the expected size is asked for, so that a single read finds the end; files
+/// that the system makes up as they are read (below /proc) have a size of 0 and are read until
+/// nothing more comes.
+bool readToEnd(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out) {
+    const std::uint64_t expected = file.state()->size;
+    resize(out, expected + 1);
+    while (out.size <= maxBytes) {
+        if (out.size == out.capacity) {
+            resize(out, out.capacity * 2);
+        }
+        const std::uint64_t room = out.capacity - out.size;
+        const std::optional<std::uint64_t> count = file.read(out.data + out.size, room);
+        if (!count) {
+            return false;
+        }
+        out.size += *count;
+        if (*count == 0 || (*count < room && out.size == expected)) {
+            return true;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+Folder::Answer readWhole(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out) {
+    assert(file.state() && out.data == nullptr);
+    if (file.state()->size > maxBytes) {
+        return Folder::Answer::TooLarge;
+    }
+    const bool isRead = readToEnd(file, maxBytes, out);
+    if (isRead && out.size <= maxBytes) {
+        return Folder::Answer::Found;
+    }
+    out.release();
+    return isRead ? Folder::Answer::TooLarge : Folder::Answer::Unreadable;
+}
+
+Folder::Folder(std::shared_ptr<const Directory> directory) noexcept
+    : directory_(std::move(directory)) {}
+
+std::optional<Folder> Folder::open(const String& directory) {
+    std::optional<SystemPath> path = resolveDirectory(directory);
+    if (!path) {
+        return std::nullopt;
+    }
+    return Folder(std::make_shared<const Directory>(Directory{std::move(*path)}));
+}
+
+std::optional<FileState> Folder::find(const String& path) const {
+    return findFile(&directory_->path, path);
+}
+
+Folder::Answer Folder::load(const String& path, std::uint64_t maxBytes, Buffer<unsigned char>& out,
+                            FileState& state) const {
+    out.release();
+    const OpenFile file(&directory_->path, path);
+    if (!file.state()) {
+        return find(path) ? Answer::Unreadable : Answer::Missing;
+    }
+    state = *file.state();
+    return readWhole(file, maxBytes, out);
+}
+
+} // namespace kel
