@@ -1,15 +1,16 @@
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
 
-#include <algorithm>
-
 namespace kel::Stencilor::internal {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
 constexpr std::string_view escapeLetters = "\"\\/bfnrt";
 constexpr std::string_view escapedCharacters = "\"\\/\b\f\n\r\t";
+
+bool isDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
 
 bool isControl(char byte) {
     return static_cast<unsigned char>(byte) < 0x20;
@@ -21,20 +22,10 @@ bool isPlain(char byte) {
     return value >= 0x20 && value < 0x80 && value != '"' && value != '\\';
 }
 
-std::size_t countPlain(std::string_view text) {
-    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) -
-                                    text.begin());
-}
-
 std::string escapeOf(std::string_view control) {
     const std::size_t index = escapedCharacters.find(control);
     return index == std::string_view::npos ? quotable(control)
                                            : std::string("\\") + escapeLetters[index];
-}
-
-bool isInWord(char byte) {
-    const char lower = static_cast<char>(byte | 0x20);
-    return (lower >= 'a' && lower <= 'z') || digits.find(byte) != std::string_view::npos;
 }
 
 bool isLeadingSurrogate(std::uint32_t unit) {
@@ -47,7 +38,7 @@ bool isTrailingSurrogate(std::uint32_t unit) {
 
 /// -1 for what is not a hexadecimal digit.
 int hexadecimalValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
+    if (isDigit(digit)) {
         return digit - '0';
     }
     const char lower = static_cast<char>(digit | 0x20);
@@ -60,7 +51,7 @@ int hexadecimalValue(char digit) {
 void JsonGrammar::textRule() {
     literal(byteOrderMark);
     skipWhitespace();
-    if (root_ == JsonRoot::Object && !isAtOneOf("{")) {
+    if (root_ == JsonRoot::Object && !isAt('{')) {
         failExpecting("an object");
     }
     valueRule("a value");
@@ -72,7 +63,7 @@ void JsonGrammar::textRule() {
         }
     }
     skipWhitespace();
-    if (position_ < text_.size()) {
+    if (!isAtEnd()) {
         failExpecting("the end of the text");
     }
 }
@@ -82,15 +73,15 @@ void JsonGrammar::textRule() {
 // memberRule().
 void JsonGrammar::valueRule(const char* expectation) {
     skipWhitespace();
-    const std::size_t begin = position_;
-    if (isAtOneOf("{")) {
+    const std::size_t begin = position();
+    if (isAt('{')) {
         open(Kind::Object);
-    } else if (isAtOneOf("[")) {
+    } else if (isAt('[')) {
         open(Kind::Array);
-    } else if (isAtOneOf("\"")) {
+    } else if (isAt('"')) {
         const std::string_view text = stringRule();
         receiver_.string(text, rangeFrom(begin));
-    } else if (isAtOneOf("-") || isAtOneOf(digits)) {
+    } else if (isAt('-') || isAtDigit()) {
         const std::string_view written = numberRule();
         receiver_.number(written, rangeFrom(begin));
     } else if (literal("true")) {
@@ -108,12 +99,12 @@ void JsonGrammar::valueRule(const char* expectation) {
 // One element with what separates it from the last one, or the closing bracket.
 void JsonGrammar::elementRule() {
     skipWhitespace();
-    if (isAtOneOf("]")) {
+    if (isAt(']')) {
         close();
     } else if (open_.back().isEmpty) {
         open_.back().isEmpty = false;
         valueRule("a value or ']'");
-    } else if (literal(",")) {
+    } else if (literal(',')) {
         valueRule("a value after ','");
     } else {
         failExpecting("',' or ']' after an array element");
@@ -125,20 +116,20 @@ void JsonGrammar::elementRule() {
 // One member with what separates it from the last one, or the closing bracket.
 void JsonGrammar::memberRule() {
     skipWhitespace();
-    if (isAtOneOf("}")) {
+    if (isAt('}')) {
         close();
         return;
     }
     if (open_.back().isEmpty) {
         open_.back().isEmpty = false;
         nameRule("a name in quotation marks or '}'");
-    } else if (literal(",")) {
+    } else if (literal(',')) {
         nameRule("a name in quotation marks after ','");
     } else {
         failExpecting("',' or '}' after an object member");
     }
     skipWhitespace();
-    if (!literal(":")) {
+    if (!literal(':')) {
         failExpecting("':' after a name");
     }
     valueRule("a value after ':'");
@@ -147,14 +138,14 @@ void JsonGrammar::memberRule() {
 // The string of a member.
 void JsonGrammar::nameRule(const char* expectation) {
     skipWhitespace();
-    if (!isAtOneOf("\"")) {
+    if (!isAt('"')) {
         failExpecting(expectation);
     }
-    const std::size_t begin = position_;
+    const std::size_t begin = position();
     const std::string_view name = stringRule();
     if (!open_.back().names.insert(name)) {
-        const std::string_view written = text_.substr(begin + 1, position_ - begin - 2);
-        failAt(begin, "duplicate name \"" + quotable(written) + "\"");
+        const std::string_view written = textFrom(begin + 1);
+        failAt(begin, "duplicate name \"" + quotable(written.substr(0, written.size() - 1)) + "\"");
     }
     receiver_.name(name, rangeFrom(begin));
 }
@@ -162,13 +153,13 @@ void JsonGrammar::nameRule(const char* expectation) {
 // string = '"' { characters | escape } '"'
 // Without escapes, the text is the one that is written.
 std::string_view JsonGrammar::stringRule() {
-    literal("\"");
+    literal('"');
     const std::string_view written = charactersRule();
-    if (literal("\"")) {
+    if (literal('"')) {
         return written;
     }
     decoded_ = written;
-    while (!literal("\"")) {
+    while (!literal('"')) {
         escapeRule();
         decoded_ += charactersRule();
     }
@@ -177,41 +168,44 @@ std::string_view JsonGrammar::stringRule() {
 
 // characters = any, in UTF-8, but '"', "\" and those below U+0020
 std::string_view JsonGrammar::charactersRule() {
-    const std::size_t begin = position_;
+    const std::size_t begin = position();
     while (!isAtOneOf("\"\\")) {
-        if (position_ < text_.size() && isControl(text_[position_])) {
-            failAt(position_, "a control character in a string must be written as " +
-                                  escapeOf(text_.substr(position_, 1)));
+        if (!isAtEnd() && isControl(rest().front())) {
+            failAt(position(), "a control character in a string must be written as " +
+                                   escapeOf(rest().substr(0, 1)));
         }
-        if (nextSize() == 0) {
+        if (characterSizeHere() == 0) {
             failExpecting("'\"' at the end of a string");
         }
-        position_ += nextSize();
-        position_ += countPlain(text_.substr(position_));
+        skip(characterSizeHere());
+        skipWhile(isPlain);
     }
-    return text_.substr(begin, position_ - begin);
+    return textFrom(begin);
 }
 
 // escape = "\" ( '"' | "\" | "/" | "b" | "f" | "n" | "r" | "t" | "u" unit )
 void JsonGrammar::escapeRule() {
-    const std::size_t begin = position_;
-    literal("\\");
-    if (literal("u")) {
-        surrogateRule(begin, unitRule());
+    const std::size_t begin = position();
+    literal('\\');
+    if (literal('u')) {
+        unitRule(begin);
     } else if (isAtOneOf(escapeLetters)) {
-        decoded_ += escapedCharacters[escapeLetters.find(text_[position_++])];
+        decoded_ += escapedCharacters[escapeLetters.find(rest().front())];
+        skip(1);
     } else {
         failExpecting("one of \" \\ / b f n r t u after '\\'");
     }
 }
 
-// A leading surrogate is followed by "\u" and a trailing one; together they are one character.
-void JsonGrammar::surrogateRule(std::size_t begin, std::uint32_t unit) {
+// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ]
+// Two surrogates, a leading and a trailing one, are one character.
+void JsonGrammar::unitRule(std::size_t begin) {
+    std::uint32_t unit = hexadecimalRule();
     if (isTrailingSurrogate(unit)) {
         failAt(begin, "expected a leading surrogate, \\uD800 to \\uDBFF, before a trailing one");
     }
     if (isLeadingSurrogate(unit)) {
-        const std::uint32_t trailing = literal("\\u") ? unitRule() : 0;
+        const std::uint32_t trailing = literal("\\u") ? hexadecimalRule() : 0;
         if (!isTrailingSurrogate(trailing)) {
             failAt(begin, "expected a trailing surrogate, \\uDC00 to \\uDFFF, after a leading one");
         }
@@ -220,63 +214,66 @@ void JsonGrammar::surrogateRule(std::size_t begin, std::uint32_t unit) {
     appendCharacter(decoded_, unit);
 }
 
-// unit = 4 hexadecimal digits
-std::uint32_t JsonGrammar::unitRule() {
+std::uint32_t JsonGrammar::hexadecimalRule() {
     std::uint32_t unit = 0;
     for (int i = 0; i < 4; ++i) {
-        const int value = position_ < text_.size() ? hexadecimalValue(text_[position_]) : -1;
+        const int value = isAtEnd() ? -1 : hexadecimalValue(rest().front());
         if (value < 0) {
             failExpecting("4 hexadecimal digits after '\\u'");
         }
         unit = unit << 4 | static_cast<std::uint32_t>(value);
-        ++position_;
+        skip(1);
     }
     return unit;
 }
 
-// number = [ "-" ] ( "0" | digits ) [ "." digits ] [ ( "e" | "E" ) [ "+" | "-" ] digits ]
+// number = [ "-" ] integer [ "." digits ] [ ( "e" | "E" ) [ "+" | "-" ] digits ]
 std::string_view JsonGrammar::numberRule() {
-    const std::size_t begin = position_;
-    literal("-");
-    if (!literal("0")) {
+    const std::size_t begin = position();
+    literal('-');
+    if (!literal('0')) {
         digitsRule("a digit after '-'");
-    } else if (isAtOneOf(digits)) {
+    } else if (isAtDigit()) {
         failAt(begin, "a number must not have leading zeros");
     }
-    if (literal(".")) {
+    if (literal('.')) {
         digitsRule("a digit after '.'");
     }
     if (isAtOneOf("eE")) {
-        ++position_;
-        position_ += isAtOneOf("+-") ? 1u : 0u;
+        skip(1);
+        skip(isAtOneOf("+-") ? 1 : 0);
         digitsRule("a digit in the exponent");
     }
-    return text_.substr(begin, position_ - begin);
+    return textFrom(begin);
 }
 
-// digits = "0" to "9", one or more
+// digits = one or more of "0" to "9"
 void JsonGrammar::digitsRule(const char* expectation) {
-    if (!isAtOneOf(digits)) {
+    if (!isAtDigit()) {
         failExpecting(expectation);
     }
-    position_ = std::min(text_.find_first_not_of(digits, position_), text_.size());
+    skipWhile(isDigit);
+}
+
+bool JsonGrammar::isAtDigit() const {
+    return !isAtEnd() && isDigit(rest().front());
 }
 
 void JsonGrammar::open(Kind kind) {
     if (open_.size() == deepestJson) {
-        failAt(position_, "nested more than " + std::to_string(deepestJson) + " levels deep");
+        failAt(position(), "nested more than " + std::to_string(deepestJson) + " levels deep");
     }
-    open_.push_back({kind, position_});
+    open_.push_back({kind, position()});
     if (kind == Kind::Array) {
-        receiver_.beginArray(position_);
+        receiver_.beginArray(position());
     } else {
-        receiver_.beginObject(position_);
+        receiver_.beginObject(position());
     }
-    ++position_;
+    skip(1);
 }
 
 void JsonGrammar::close() {
-    ++position_;
+    skip(1);
     const JsonRange range = rangeFrom(open_.back().begin);
     const Kind kind = open_.back().kind;
     open_.pop_back();
@@ -285,49 +282,6 @@ void JsonGrammar::close() {
     } else {
         receiver_.endObject(range);
     }
-}
-
-void JsonGrammar::skipWhitespace() {
-    position_ = std::min(text_.find_first_not_of(" \t\n\r", position_), text_.size());
-}
-
-/// How many bytes the next character takes; 0 for malformed UTF-8 and at the end.
-std::size_t JsonGrammar::nextSize() const {
-    return position_ < text_.size() ? characterSize(text_.substr(position_)) : 0;
-}
-
-/// Moves past `expected` if it is next.
-bool JsonGrammar::literal(std::string_view expected) {
-    const bool isNext = text_.substr(position_).starts_with(expected);
-    position_ += isNext ? expected.size() : 0;
-    return isNext;
-}
-
-bool JsonGrammar::isAtOneOf(std::string_view characters) const {
-    return position_ < text_.size() && characters.find(text_[position_]) != std::string_view::npos;
-}
-
-void JsonGrammar::failExpecting(const std::string& expectation) const {
-    if (position_ < text_.size() && nextSize() == 0) {
-        failAt(position_, "malformed UTF-8");
-    }
-    failAt(position_, "expected " + expectation + ", found " + found());
-}
-
-void JsonGrammar::failAt(std::size_t offset, const std::string& reason) const {
-    throw errorAt(text_, offset, reason);
-}
-
-/// What is next: a word as a whole, otherwise one character.
-std::string JsonGrammar::found() const {
-    if (position_ == text_.size()) {
-        return "the end of the text";
-    }
-    const std::string_view rest = text_.substr(position_);
-    const auto word = std::find_if_not(rest.begin(), rest.end(), isInWord) - rest.begin();
-    const std::size_t size = std::max(static_cast<std::size_t>(word), nextSize());
-    const std::string quoted = quotable(rest.substr(0, size));
-    return quoted == "'" ? "\"'\"" : "'" + quoted + "'";
 }
 
 } // namespace kel::Stencilor::internal

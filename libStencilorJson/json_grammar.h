@@ -2,6 +2,7 @@
 #define LIBSTENCILORJSON_JSON_GRAMMAR_H
 
 #include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/json_cursor.h>
 #include <libStencilorJson/json_receiver.h>
 #include <libStencilorJson/name_set.h>
 
@@ -34,16 +35,19 @@ namespace kel::Stencilor::internal {
 ///     string     = '"' { characters | escape } '"'
 ///     characters = any, in UTF-8, but '"', "\" and those below U+0020
 ///     escape     = "\" ( '"' | "\" | "/" | "b" | "f" | "n" | "r" | "t" | "u" unit )
-///     unit       = 4 hexadecimal digits; a leading surrogate is followed by "\u" and a trailing
-///     one number     = [ "-" ] ( "0" | digits ) [ "." digits ] [ ( "e" | "E" ) [ "+" | "-" ]
-///     digits ] digits     = "0" to "9", one or more
+///     unit       = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ]
+///     number     = [ "-" ] integer [ "." digits ] [ ( "e" | "E" ) [ "+" | "-" ] digits ]
+///     integer    = "0" | digits, the first of which is not "0"
+///     digits     = one or more of "0" to "9"
+///
+/// The second part of a unit is a trailing surrogate, and follows leading ones only.
 ///
 /// Beyond these, arrays and objects nest at most `deepestJson` levels, and each name occurs once in
 /// its object.
-class JsonGrammar {
+class JsonGrammar : private JsonCursor {
   public:
     JsonGrammar(std::string_view text, JsonRoot root, JsonReceiver& receiver)
-        : text_(text), root_(root), receiver_(receiver) {}
+        : JsonCursor(text), root_(root), receiver_(receiver) {}
     JsonGrammar(const JsonGrammar&) = delete;
     JsonGrammar& operator=(const JsonGrammar&) = delete;
 
@@ -69,26 +73,17 @@ class JsonGrammar {
     std::string_view stringRule();
     std::string_view charactersRule();
     void escapeRule();
-    void surrogateRule(std::size_t begin, std::uint32_t unit);
-    std::uint32_t unitRule();
+    void unitRule(std::size_t begin);
+    std::uint32_t hexadecimalRule();
     std::string_view numberRule();
     void digitsRule(const char* expectation);
 
+    bool isAtDigit() const;
     void open(Kind kind);
     void close();
-    void skipWhitespace();
-    bool literal(std::string_view expected);
-    std::size_t nextSize() const;
-    bool isAtOneOf(std::string_view characters) const;
-    JsonRange rangeFrom(std::size_t begin) const { return {begin, position_}; }
-    [[noreturn]] void failExpecting(const std::string& expectation) const;
-    [[noreturn]] void failAt(std::size_t offset, const std::string& reason) const;
-    std::string found() const;
 
-    std::string_view text_;
     JsonRoot root_;
     JsonReceiver& receiver_;
-    std::size_t position_ = 0;
     std::vector<Open> open_;
     std::string decoded_; // the last string that had escapes
 };
