@@ -13,9 +13,7 @@ mark_as_advanced(STENCILOR_HEADERS)
 
 # Gives the targets of the libraries named to the calling folder and to those below it.
 #
-# boost: Boost::headers                     cli11: CLI11::CLI11
-# fmt: fmt::fmt-header-only                 json: nlohmann_json::nlohmann_json
-# spdlog: spdlog::spdlog_header_only        utf8cpp: utf8cpp::utf8cpp
+# boost: Boost::headers    cli11: CLI11::CLI11    json: nlohmann_json::nlohmann_json
 function(stencilor_require)
     foreach(library IN LISTS ARGN)
         cmake_language(CALL stencilor_require_${library})
@@ -30,50 +28,15 @@ function(stencilor_require_cli11)
     stencilor_find(CLI11 CLI11::CLI11 CLI)
 endfunction()
 
-function(stencilor_require_fmt)
-    stencilor_find(fmt fmt::fmt-header-only fmt DEFINITIONS FMT_HEADER_ONLY=1)
-endfunction()
-
 function(stencilor_require_json)
     stencilor_find(nlohmann_json nlohmann_json::nlohmann_json nlohmann)
 endfunction()
 
-function(stencilor_require_spdlog)
-    if(TARGET spdlog::spdlog_header_only)
-        return()
-    endif()
-    stencilor_require_fmt()
-    find_package(Threads REQUIRED)
-    stencilor_find(
-        spdlog
-        spdlog::spdlog_header_only
-        spdlog
-        DEFINITIONS SPDLOG_FMT_EXTERNAL
-    )
-    # Its package has the shared library of fmt linked even so.
-    set_target_properties(
-        spdlog::spdlog_header_only
-        PROPERTIES INTERFACE_LINK_LIBRARIES "Threads::Threads;fmt::fmt-header-only"
-    )
-endfunction()
-
-function(stencilor_require_utf8cpp)
-    if(TARGET utf8cpp::utf8cpp)
-        return()
-    endif()
-    stencilor_find(utf8cpp utf8cpp utf8.h utf8)
-    # Older packages know only the name without a namespace.
-    if(NOT TARGET utf8cpp::utf8cpp)
-        add_library(utf8cpp::utf8cpp ALIAS utf8cpp)
-    endif()
-endfunction()
-
-# stencilor_find(PACKAGE TARGET HEADERS... [DEFINITIONS ...])
+# stencilor_find(PACKAGE TARGET HEADERS...)
 #
 # Gives the target of one header-only library: from its package, or, when building for a system that
 # has no packages, made of its headers on this one. HEADERS are its folders and files.
 function(stencilor_find package target)
-    cmake_parse_arguments(PARSE_ARGV 2 library "" "" "DEFINITIONS")
     if(TARGET ${target})
         return()
     endif()
@@ -89,17 +52,12 @@ function(stencilor_find package target)
     # A folder of links, since the folder of all headers holds this system's C library, too.
     set(staged "${PROJECT_BINARY_DIR}/headers/${package}")
     file(MAKE_DIRECTORY "${staged}")
-    foreach(header IN LISTS library_UNPARSED_ARGUMENTS)
+    foreach(header IN LISTS ARGN)
         if(NOT EXISTS "${STENCILOR_HEADERS}/${header}")
             message(FATAL_ERROR "${package}: there is no '${header}' in ${STENCILOR_HEADERS}.")
         endif()
         file(CREATE_LINK "${STENCILOR_HEADERS}/${header}" "${staged}/${header}" SYMBOLIC)
     endforeach()
     add_library(${target} INTERFACE IMPORTED)
-    set_target_properties(
-        ${target}
-        PROPERTIES
-            INTERFACE_INCLUDE_DIRECTORIES "${staged}"
-            INTERFACE_COMPILE_DEFINITIONS "${library_DEFINITIONS}"
-    )
+    set_target_properties(${target} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${staged}")
 endfunction()

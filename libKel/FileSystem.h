@@ -23,7 +23,10 @@ namespace kel {
 ///   Windows alone forgives is upper and lower case, and a missing directory before a `..`.
 ///   The root guards against paths, not against somebody who exchanges directories for links
 ///   while a file is being opened.
-/// Threads: all functions may be called from any thread. The root is one for the whole process.
+///   It is in force until the process ends, also for static objects that are destroyed and threads
+///   that run while it exits.
+/// Threads: all functions may be called from any thread. The root is one for the whole process, and
+///   for processes made by `fork`.
 /// Errors: nothing is thrown but `std::bad_alloc`.
 class KEL_EXPORT FileSystem {
   public:

@@ -1,69 +1,32 @@
 #include <libKel/Logging.h>
-
-#include <spdlog/logger.h>
-#include <spdlog/sinks/stdout_sinks.h>
+#include <libKel/ProcessState.h>
+#include <libKel/StandardError.h>
 
 #include <algorithm>
-#include <map>
+#include <chrono>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 namespace kel {
 
 namespace {
 
-/// What all loggers have in common. It is never destroyed, since a host may log while its static
-/// objects go.
-struct Registry {
-    std::mutex mutex;
-    std::map<std::string, std::unique_ptr<Logger>, std::less<>> loggers;
-    std::shared_ptr<const LogSink> sink;
-    spdlog::sink_ptr standardError = std::make_shared<spdlog::sinks::stderr_sink_mt>();
-};
-
-Registry& registry() {
-    static auto* const instance = new Registry;
-    return *instance;
-}
+constinit Immortal<std::shared_ptr<const LogSink>> sharedSink;
 
 thread_local unsigned int traceDepth = 0;
 
-spdlog::level::level_enum levelOf(LoggerPriority::LOGGER_PRIORITY priority) {
-    switch (priority) {
-    case LoggerPriority::PRIORITY_ALL:
-        return spdlog::level::trace;
-    case LoggerPriority::PRIORITY_TRACE:
-        return spdlog::level::debug;
-    case LoggerPriority::PRIORITY_INFO:
-        return spdlog::level::info;
-    case LoggerPriority::PRIORITY_WARNING:
-        return spdlog::level::warn;
-    default:
-        return spdlog::level::err;
-    }
+std::shared_ptr<const LogSink> currentSink() {
+    const ProcessLock lock;
+    return sharedSink.value;
 }
 
-std::string lineOf(const LogRecord& record) {
-    std::string line(std::size_t{record.depth} * 2, ' ');
-    switch (record.kind) {
-    case LogRecord::Kind::Message:
-        return std::string(record.text);
-    case LogRecord::Kind::ScopeEntered:
-        line += "> ";
-        break;
-    case LogRecord::Kind::ScopeLeft:
-        line += "< ";
-        break;
-    }
-    line += record.text;
-    return line + " (" + record.file + ":" + std::to_string(record.line) + ")";
-}
-
-void writeToStandardError(const LogRecord& record, const spdlog::sink_ptr& standardError) {
-    spdlog::logger logger(record.category, standardError);
-    logger.set_level(spdlog::level::trace);
-    logger.log(levelOf(record.priority), lineOf(record));
+/// Stores a pointer that other threads may store and read at the same time.
+void publish(Logger*& to, Logger* logger) noexcept {
+#ifdef __cpp_lib_atomic_ref
+    std::atomic_ref(to).store(logger, std::memory_order_release);
+#else // libc++ before 19
+    __atomic_store_n(&to, logger, __ATOMIC_RELEASE);
+#endif
 }
 
 } // namespace
@@ -104,15 +67,11 @@ bool Logger::log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& m
 
 bool Logger::write(const LogRecord& record) noexcept {
     try {
-        Registry& shared = registry();
-        std::unique_lock lock(shared.mutex);
-        const std::shared_ptr<const LogSink> sink = shared.sink;
-        lock.unlock();
-        if (sink != nullptr) {
-            (*sink)(record);
-        } else {
-            writeToStandardError(record, shared.standardError);
+        const std::shared_ptr<const LogSink> sink = currentSink();
+        if (sink == nullptr) {
+            return writeToStandardError(lineOf(record, std::chrono::system_clock::now()));
         }
+        (*sink)(record);
         return true;
     } catch (...) { // whatever the sink threw: logging changes nothing of what is logged about
         return false;
@@ -125,22 +84,40 @@ void LogFactory::setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept 
     priority_.store(priority, std::memory_order_relaxed);
 }
 
-void LogFactory::createLogger(const char* category, Logger*& logger) {
-    Registry& shared = registry();
-    const std::lock_guard lock(shared.mutex);
-    auto found = shared.loggers.find(category);
-    if (found == shared.loggers.end()) {
-        std::unique_ptr<Logger> created(new Logger(category));
-        found = shared.loggers.emplace(category, std::move(created)).first;
+// Loggers are added to the front of a list without a lock, and never removed.
+constinit std::atomic<Logger*> LogFactory::newest_ = nullptr;
+
+/// The logger of a category among `newest` and the ones before it, or null.
+Logger* LogFactory::find(Logger* newest, std::string_view category) noexcept {
+    while (newest != nullptr && newest->category_ != category) {
+        newest = newest->older_;
     }
-    std::atomic_ref(logger).store(found->second.get(), std::memory_order_release);
+    return newest;
+}
+
+void LogFactory::createLogger(const char* category, Logger*& logger) {
+    std::unique_ptr<Logger> created;
+    Logger* newest = newest_.load(std::memory_order_acquire);
+    Logger* found = find(newest, category);
+    while (found == nullptr) {
+        if (created == nullptr) {
+            created.reset(new Logger(category));
+        }
+        created->older_ = newest;
+        if (newest_.compare_exchange_weak(newest, created.get(), std::memory_order_acq_rel)) {
+            found = created.release();
+        } else { // another thread was quicker, maybe with this category
+            found = find(newest, category);
+        }
+    }
+    publish(logger, found);
 }
 
 void LogFactory::setSink(LogSink sink) {
-    std::shared_ptr<const LogSink> shared =
+    std::shared_ptr<const LogSink> exchanged =
         sink ? std::make_shared<const LogSink>(std::move(sink)) : nullptr;
-    const std::lock_guard lock(registry().mutex);
-    registry().sink.swap(shared);
+    const ProcessLock lock; // released first: what the former sink holds is code of the host
+    sharedSink.value.swap(exchanged);
 }
 
 void TraceLogger::enter(const char* function, const char* file, int line) noexcept {

@@ -120,11 +120,15 @@ class Logger {
     bool write(const LogRecord& record) noexcept;
 
     std::string category_;
+    Logger* older_ = nullptr;
 };
 
 /// Hands out the loggers and holds what they have in common.
 ///
-/// Threads: all functions may be called from any thread.
+/// Lifetime: loggers, sink and priority are there from before the first static object is made until
+///   the process ends, for static objects and for threads that outlast `main`.
+/// Threads: all functions may be called from any thread. A process made by `fork` can use the
+///   library in any state that the threads of its parent left it in.
 class LogFactory {
   public:
     LogFactory() = delete;
@@ -147,13 +151,19 @@ class LogFactory {
     KEL_EXPORT static void createLogger(const char* category, Logger*& logger);
 
     /// Sets where records go.
-    /// @param sink is called for each record; an empty one stands for the standard error stream,
-    ///   where they go at first. What it throws is dropped. It must stay usable until a later
-    ///   `setSink` has returned and the calls that were under way have ended.
+    /// @param sink is called for each record, and may itself log and call the library; what it
+    ///   throws is dropped. It must stay usable until a later `setSink` has returned and the calls
+    ///   that were under way have ended, or else until the process ends. An empty one stands for
+    ///   the standard error stream, where records go at first, each as one line of UTF-8:
+    ///   `2026-11-22T01:37:34.123Z libStencilor info: text`, with the time in UTC. Control
+    ///   characters within are written as `\n` or `\u001B`.
     KEL_EXPORT static void setSink(LogSink sink);
 
   private:
+    static Logger* find(Logger* newest, std::string_view category) noexcept;
+
     KEL_EXPORT static std::atomic<std::int32_t> priority_;
+    static std::atomic<Logger*> newest_;
 };
 
 /// Records that a scope is entered, and when it is destroyed that it is left.

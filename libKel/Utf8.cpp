@@ -1,17 +1,14 @@
 #include <libKel/Utf8.h>
 
-#include <utf8.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 
 namespace kel {
 
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
+constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD
 
 /// True if none of `Count` bytes, a multiple of eight, is over 127.
 template <std::size_t Count>
@@ -76,9 +73,9 @@ std::size_t sequenceLength(unsigned char lead) {
     return lead >= 0xF0 && lead <= 0xF4 ? 4 : 1;
 }
 
-/// The length of the maximal malformed part that begins at `text`, which is not valid there: the
-/// longest start of a sequence that could still have become valid, or else a single byte.
-std::size_t malformedLength(std::string_view text) {
+/// How many bytes at the start of `text`, which is not empty, belong together: a character, or the
+/// longest start of one that could still have become valid, or else a single byte.
+std::size_t matchedLength(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const std::size_t most = std::min(sequenceLength(byte(0)), text.size());
     SecondByte allowed = secondByteAfter(byte(0));
@@ -90,14 +87,51 @@ std::size_t malformedLength(std::string_view text) {
     return length;
 }
 
+void appendUtf8(std::string& text, char32_t character) {
+    const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
+    if (character < 0x80) {
+        append(character);
+        return;
+    }
+    if (character < 0x800) {
+        append(0xC0 | character >> 6);
+    } else {
+        if (character < 0x10000) {
+            append(0xE0 | character >> 12);
+        } else {
+            append(0xF0 | character >> 18);
+            append(0x80 | (character >> 12 & 0x3F));
+        }
+        append(0x80 | (character >> 6 & 0x3F));
+    }
+    append(0x80 | (character & 0x3F));
+}
+
+bool isLeadSurrogate(char32_t unit) {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+
+bool isTrailSurrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
 } // namespace
+
+Utf8Character firstCharacter(std::string_view text) noexcept {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    const std::size_t length = sequenceLength(lead);
+    char32_t character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
+    for (std::size_t at = 1; at < length; ++at) {
+        character = character << 6 | (static_cast<unsigned char>(text[at]) & 0x3F);
+    }
+    return {character, length};
+}
 
 std::size_t validUtf8Prefix(std::string_view text) noexcept {
     std::size_t at = asciiPrefix(text);
     while (at < text.size()) {
         const std::size_t length = sequenceLength(static_cast<unsigned char>(text[at]));
-        const std::string_view sequence = text.substr(at, length);
-        if (length == 1 || sequence.size() < length || !utf8::is_valid(sequence)) {
+        if (length == 1 || matchedLength(text.substr(at)) < length) {
             return at;
         }
         at += length;
@@ -115,8 +149,8 @@ std::string repairedUtf8(std::string_view text, std::size_t valid) {
         if (text.empty()) {
             return repaired;
         }
-        utf8::append(replacement, std::back_inserter(repaired));
-        text.remove_prefix(malformedLength(text));
+        repaired += replacement;
+        text.remove_prefix(matchedLength(text));
         valid = validUtf8Prefix(text);
     }
 }
@@ -125,15 +159,15 @@ std::string utf8FromUtf16(std::u16string_view text) {
     std::string converted;
     converted.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
-        char32_t character = text[at];
-        const bool paired = utf8::internal::is_lead_surrogate(text[at]) && at + 1 < text.size() &&
-                            utf8::internal::is_trail_surrogate(text[at + 1]);
-        if (paired) {
-            character = 0x10000 + ((character - 0xD800) << 10) + (text[++at] - 0xDC00u);
-        } else if (utf8::internal::is_surrogate(text[at])) {
-            character = replacement;
+        const char32_t unit = text[at];
+        if (!isLeadSurrogate(unit) && !isTrailSurrogate(unit)) {
+            appendUtf8(converted, unit);
+        } else if (isLeadSurrogate(unit) && at + 1 < text.size() &&
+                   isTrailSurrogate(text[at + 1])) {
+            appendUtf8(converted, 0x10000 + ((unit - 0xD800) << 10) + (text[++at] - 0xDC00u));
+        } else {
+            converted += replacement;
         }
-        utf8::append(character, std::back_inserter(converted));
     }
     return converted;
 }
@@ -142,7 +176,17 @@ std::u16string utf16FromUtf8(std::string_view text) {
     const std::string valid = repairedUtf8(text, validUtf8Prefix(text));
     std::u16string converted;
     converted.reserve(valid.size());
-    utf8::utf8to16(valid.begin(), valid.end(), std::back_inserter(converted));
+    for (std::string_view rest = valid; !rest.empty();) {
+        const Utf8Character next = firstCharacter(rest);
+        if (next.character < 0x10000) {
+            converted += static_cast<char16_t>(next.character);
+        } else {
+            const char32_t beyond = next.character - 0x10000;
+            converted += static_cast<char16_t>(0xD800 + (beyond >> 10));
+            converted += static_cast<char16_t>(0xDC00 + (beyond & 0x3FF));
+        }
+        rest.remove_prefix(next.length);
+    }
     return converted;
 }
 

@@ -9,6 +9,15 @@
 
 namespace kel {
 
+/// One character and how many bytes it takes.
+struct Utf8Character {
+    char32_t character;
+    std::size_t length;
+};
+
+/// The first character of valid UTF-8 that is not empty.
+Utf8Character firstCharacter(std::string_view text) noexcept;
+
 /// How many bytes at the start of `text` are valid UTF-8.
 std::size_t validUtf8Prefix(std::string_view text) noexcept;
 

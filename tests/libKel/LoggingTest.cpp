@@ -216,11 +216,12 @@ TEST(StandardErrorDeathTest, ReceivesTheRecordsWhereNoSinkIsSet) {
             std::exit(0);
         },
         testing::ExitedWithCode(0),
-        AllOf(HasSubstr("[stderr] [debug] > outer (some/file.cpp:10)"),
-              HasSubstr("  > inner (some/file.cpp:20)"),
-              HasSubstr("[stderr] [info] a message with {} in it"),
-              HasSubstr("< outer (some/file.cpp:10)"), HasSubstr("[warning] a warning"),
-              HasSubstr("[error] a failure"), HasSubstr("[trace] all detail"),
+        AllOf(HasSubstr("Z stderr trace: > outer (some/file.cpp:10)\n"),
+              HasSubstr("Z stderr trace:   > inner (some/file.cpp:20)\n"),
+              HasSubstr("Z stderr info: a message with {} in it\n"),
+              HasSubstr("Z stderr trace: < outer (some/file.cpp:10)\n"),
+              HasSubstr("Z stderr warning: a warning\n"),
+              HasSubstr("Z stderr failure: a failure\n"), HasSubstr("Z stderr trace: all detail\n"),
               testing::Not(HasSubstr("to the sink")), testing::Not(HasSubstr("too much detail"))));
 }
 

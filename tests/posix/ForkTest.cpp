@@ -1,0 +1,104 @@
+#include "../support/TemporaryFolder.h"
+
+#include <libKel/FileSystem.h>
+#include <libKel/Logging.h>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace kel {
+namespace {
+
+/// Threads that do the same again and again as long as it lives.
+class Busy {
+  public:
+    explicit Busy(const std::vector<std::function<void()>>& actions) {
+        for (const auto& action : actions) {
+            threads_.emplace_back([this, action] {
+                while (!done_) {
+                    action();
+                }
+            });
+        }
+    }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+    ~Busy() {
+        done_ = true;
+        for (std::thread& thread : threads_) {
+            thread.join();
+        }
+    }
+
+  private:
+    std::atomic<bool> done_ = false;
+    std::vector<std::thread> threads_;
+};
+
+bool logs(Logger& logger) {
+    LoggerStream message;
+    return logger.log(LoggerPriority::PRIORITY_FAILURE, message + "text");
+}
+
+/// What a process made by fork() does with the library; it is killed if it has to wait.
+bool works() {
+    ::alarm(20);
+    Logger* logger = nullptr;
+    LogFactory::createLogger("child", logger);
+    return logs(*logger) && FileSystem::exists("file") && !FileSystem::exists("../file");
+}
+
+TEST(Fork, LeavesTheLibraryUsableWhateverOtherThreadsDoMeanwhile) {
+    const support::TemporaryFolder folder;
+    folder.writeFile("file", "text");
+    ASSERT_TRUE(FileSystem::setRoot(folder.path()));
+    LogFactory::setSink([](const LogRecord&) {});
+    Logger* logger = nullptr;
+    LogFactory::createLogger("parent", logger);
+    {
+        const Busy busy({[logger] { logs(*logger); }, [logger] { logs(*logger); },
+                         [] { FileSystem::exists("file"); },
+                         [] { LogFactory::setSink([](const LogRecord&) {}); }});
+        for (int turn = 0; turn < 100 && !HasFailure(); ++turn) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                std::_Exit(works() ? EXIT_SUCCESS : EXIT_FAILURE);
+            }
+            int status = -1;
+            ASSERT_EQ(::waitpid(child, &status, 0), child);
+            EXPECT_EQ(status, 0) << "in turn " << turn;
+        }
+    }
+    LogFactory::setSink({});
+    FileSystem::clearRoot();
+}
+
+// A sink is called without any lock, so that it may use the library itself.
+TEST(Fork, MayBeCalledByASink) {
+    LogFactory::setSink([](const LogRecord& record) {
+        LogFactory::setSink({}); // this one is kept until it returns
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(20);
+            Logger* logger = nullptr;
+            LogFactory::createLogger(record.category, logger);
+            std::_Exit(logger != nullptr ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
+        int status = -1;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    });
+    Logger* logger = nullptr;
+    LogFactory::createLogger("forking", logger);
+    EXPECT_TRUE(logs(*logger));
+}
+
+} // namespace
+} // namespace kel
