@@ -139,6 +139,10 @@ class STENCILOR_EXPORT ContextBoolean : public ContextBase {
     /// @param truth what a conditional block finds
     ContextBoolean(bool truth);
 
+    /// A pointer is not a boolean: `ContextBoolean("false")` would be true.
+    template <typename T>
+    ContextBoolean(T*) = delete;
+
     /// Copies the truth and shares the children.
     /// @param other the value that is copied
     ContextBoolean(const ContextBoolean& other);
@@ -290,6 +294,14 @@ class STENCILOR_EXPORT ContextFactory {
     /// @param children the children by their names; the new value owns them from now on
     /// @return a new value, the caller's
     static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
+
+    /// A pointer is not a boolean: `buildBoolean("false")` would be true.
+    template <typename T>
+    static ContextBoolean* buildBoolean(T*) = delete;
+
+    /// A pointer is not a boolean.
+    template <typename T>
+    static ContextBoolean* buildBoolean(T*, const std::map<String, ContextBase*>&) = delete;
 
     /// Makes a dictionary without entries.
     /// @return a new value, the caller's

@@ -27,6 +27,37 @@ using testing::UnorderedElementsAre;
 
 static_assert(std::is_empty_v<ContextFactory> && !std::is_polymorphic_v<ContextFactory>);
 
+enum Unscoped { One };
+
+// What may stand for a boolean. A pointer may not: it would always be true.
+template <typename T>
+concept buildsBoolean = requires(T&& source) {
+    ContextFactory::buildBoolean(source);
+};
+template <typename T>
+concept buildsBooleanWithChildren = requires(T&& source, const Entries& children) {
+    ContextFactory::buildBoolean(source, children);
+};
+template <typename... Sources>
+constexpr bool areBooleans = ((std::is_constructible_v<ContextBoolean, Sources> &&
+                               buildsBoolean<Sources> && buildsBooleanWithChildren<Sources>)&&...);
+template <typename... Sources>
+constexpr bool areNoBooleans = ((!std::is_constructible_v<ContextBoolean, Sources> &&
+                                 !buildsBoolean<Sources> &&
+                                 !buildsBooleanWithChildren<Sources>)&&...);
+static_assert(areBooleans<bool, bool&, int, const int&, Unscoped>);
+static_assert(areNoBooleans<const char (&)[6], const char*, char*, const void*, ContextString*,
+                            void (*)(), std::nullptr_t, std::string, String>);
+
+TEST(ContextFactory, BuildsBooleansOfNumbers) {
+    const std::unique_ptr<ContextBoolean> zero(ContextFactory::buildBoolean(0));
+    EXPECT_FALSE(truthOf(*zero));
+    const std::unique_ptr<ContextBoolean> one(ContextFactory::buildBoolean(1, {}));
+    EXPECT_TRUE(truthOf(*one));
+    ContextBoolean made(0);
+    EXPECT_FALSE(truthOf(made));
+}
+
 TEST(ContextFactory, BuildsAStringWithACopyOfTheText) {
     String text("text");
     const std::unique_ptr<ContextString> value(ContextFactory::buildString(text));
