@@ -128,6 +128,37 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
     String value;
 };
 
+/// A text that a render does not escape. Where nothing is escaped it is a text like any other.
+///
+/// Ownership, copying, threads, errors: as in `ContextString`.
+class STENCILOR_EXPORT ContextRawString : public ContextString {
+  public:
+    /// A raw text without children.
+    /// @param text the text
+    ContextRawString(String text);
+
+    /// Copies the text and shares the children.
+    /// @param other the value that is copied
+    ContextRawString(const ContextRawString& other);
+
+    /// Takes the text and shares the children.
+    /// @param other the value whose text is taken; it keeps its children
+    ContextRawString(ContextRawString&& other);
+
+    /// Copies the text, drops the children and shares those of `other`.
+    /// @param other the value that is copied
+    /// @return this value
+    ContextRawString& operator=(const ContextRawString& other);
+
+    /// Takes the text, drops the children and shares those of `other`.
+    /// @param other the value whose text is taken; it keeps its children
+    /// @return this value
+    ContextRawString& operator=(ContextRawString&& other);
+
+    /// Deletes the children.
+    ~ContextRawString() override;
+};
+
 /// A truth, which a conditional block asks for. Its children are the innermost names inside the
 /// block.
 ///

@@ -46,6 +46,10 @@ ContextString make() {
     return ContextString("a text that is longer than a few bytes");
 }
 template <>
+ContextRawString make() {
+    return ContextRawString("a text that is longer than a few bytes");
+}
+template <>
 ContextBoolean make() {
     return ContextBoolean(true);
 }
@@ -61,7 +65,8 @@ ContextIterable make() {
 template <typename Value>
 class ContextKind : public testing::Test {};
 
-using Kinds = testing::Types<ContextString, ContextBoolean, ContextDictionary, ContextIterable>;
+using Kinds = testing::Types<ContextString, ContextRawString, ContextBoolean, ContextDictionary,
+                             ContextIterable>;
 TYPED_TEST_SUITE(ContextKind, Kinds);
 
 TYPED_TEST(ContextKind, SharesItsChildrenWithCopies) {
@@ -125,25 +130,31 @@ TYPED_TEST(ContextKind, StaysTheSameWhenItIsAssignedToItself) {
     EXPECT_EQ(value.find("child"), child);
 }
 
-TEST(ContextString, KeepsACopyOfItsText) {
+template <typename Value>
+class ContextText : public testing::Test {};
+
+using Texts = testing::Types<ContextString, ContextRawString>;
+TYPED_TEST_SUITE(ContextText, Texts);
+
+TYPED_TEST(ContextText, KeepsACopyOfItsText) {
     String text("text");
-    ContextString value(text);
+    TypeParam value(text);
     text += String(" changed");
     EXPECT_EQ(textOf(value), "text");
     EXPECT_FALSE(value.containsKey("text"));
 }
 
-TEST(ContextString, CopiesAndMovesItsText) {
-    ContextString source("a text that is longer than a few bytes");
-    ContextString copy(source);
+TYPED_TEST(ContextText, CopiesAndMovesItsText) {
+    TypeParam source("a text that is longer than a few bytes");
+    TypeParam copy(source);
     EXPECT_EQ(textOf(copy), "a text that is longer than a few bytes");
     EXPECT_EQ(textOf(source), "a text that is longer than a few bytes");
-    ContextString assigned("other");
+    TypeParam assigned("other");
     assigned = source;
     EXPECT_EQ(textOf(assigned), "a text that is longer than a few bytes");
     EXPECT_EQ(textOf(source), "a text that is longer than a few bytes");
 
-    ContextString moved(std::move(source));
+    TypeParam moved(std::move(source));
     EXPECT_EQ(textOf(moved), "a text that is longer than a few bytes");
     EXPECT_EQ(textOf(source), "");
     assigned = std::move(copy);
@@ -151,13 +162,19 @@ TEST(ContextString, CopiesAndMovesItsText) {
     EXPECT_EQ(textOf(copy), "");
 }
 
-TEST(ContextString, KeepsItsTextWhenItIsAssignedToItself) {
-    ContextString value("text");
-    ContextString& same = value;
+TYPED_TEST(ContextText, KeepsItsTextWhenItIsAssignedToItself) {
+    TypeParam value("text");
+    TypeParam& same = value;
     value = same;
     EXPECT_EQ(textOf(value), "text");
     value = std::move(same);
     EXPECT_EQ(textOf(value), "text");
+}
+
+TEST(ContextRawString, IsRenderedAsAString) {
+    support::Root root({{"raw", new ContextRawString("<b>")}});
+    EXPECT_EQ(support::render("{{ raw }}", root).output, "<b>");
+    static_assert(std::is_base_of_v<ContextString, ContextRawString>);
 }
 
 TEST(ContextBoolean, HoldsItsTruthThroughEveryCopyAndMove) {
