@@ -1,7 +1,7 @@
-#include "../support/Build.h"
+#include "../support/ExhaustedMemory.h"
+
 #include "../support/Context.h"
 #include "../support/Deletions.h"
-#include "../support/FailingAllocation.h"
 #include "../support/LogRecorder.h"
 #include "../support/TemporaryFolder.h"
 
@@ -13,49 +13,13 @@
 #include <array>
 #include <functional>
 #include <memory>
-#include <new>
 #include <string>
-
-// What is leaked or deleted twice on the way is for the address sanitizer to say.
 
 namespace support {
 namespace {
 
 using testing::AnyOf;
 using testing::IsEmpty;
-
-/// Calls `action` with each of its allocations failing in turn, each time on a fresh `make()`, and
-/// `check` on what is left where one failed.
-template <typename Make, typename Action, typename Check>
-void failEachAllocation(Make make, Action action, Check check) {
-    bool failed = true;
-    for (int count = 0; failed; ++count) {
-        auto subject = make();
-        {
-            const FailingAllocation failure(count);
-            try {
-                action(*subject);
-            } catch (const std::bad_alloc&) {
-            }
-            failed = failure.happened();
-        }
-        if (failed) {
-            SCOPED_TRACE(count);
-            check(*subject);
-        } else {
-            EXPECT_GT(count, 0) << "nothing was allocated at all";
-        }
-    }
-}
-
-class ExhaustedMemory : public testing::Test {
-  protected:
-    void SetUp() override {
-        if (threadSanitized) {
-            GTEST_SKIP() << "the thread sanitizer does not let allocations fail";
-        }
-    }
-};
 
 const kel::String longKey(std::string(100, 'k'));
 

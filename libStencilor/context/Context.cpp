@@ -1,0 +1,19 @@
+#include <libStencilor/Value.h>
+#include <libStencilor/context/build_context.h>
+
+namespace kel::Stencilor {
+
+Context::Context(const Value& value, ContextOptions options)
+    : root_(internal::buildContext(value, options)) {}
+
+Context::Context(Context&& other) noexcept = default;
+
+Context& Context::operator=(Context&& other) noexcept = default;
+
+Context::~Context() = default;
+
+Context::operator const ContextBase&() const noexcept {
+    return *root_;
+}
+
+} // namespace kel::Stencilor

@@ -1,0 +1,217 @@
+#include <libStencilor/context/build_context.h>
+#include <libStencilor/context/context_access.h>
+#include <libStencilor/context/shared_values.h>
+#include <libStencilor/value/number_text.h>
+#include <libStencilor/value/value_access.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <stdexcept>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+using Kind = Value::Kind;
+using Children = std::map<String, ContextBase*>;
+using Members = std::map<String, Value>;
+
+/// What dotted names may take, in bytes.
+constexpr std::uint64_t dottedNamesLimit = 512u * 1024 * 1024;
+
+// About what an entry takes beside its texts: a map's node, and a value.
+constexpr std::uint64_t perEntry = 192;
+
+/// What a value under a dotted name takes beyond its entry.
+std::uint64_t measureAlias(const ContextBase* original) {
+    if (const auto* string = dynamic_cast<const ContextString*>(original)) {
+        return context_access::text(*string).size();
+    }
+    if (const auto* list = dynamic_cast<const ContextIterable*>(original)) {
+        return list->size() * sizeof(ContextBase*);
+    }
+    std::uint64_t size = 0;
+    if (const auto* boolean = dynamic_cast<const ContextBoolean*>(original)) {
+        for (const auto& [name, child] : context_access::children(*boolean)) {
+            size += perEntry + name.size();
+        }
+    }
+    return size;
+}
+
+/// A value to have under a dotted name beside `original`. A dictionary is empty there: no template
+/// can look into it.
+std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
+    if (original == nullptr) {
+        return nullptr;
+    }
+    if (const auto* string = dynamic_cast<const ContextString*>(original)) {
+        const auto* const raw = dynamic_cast<const ContextRawString*>(string);
+        return raw != nullptr ? std::make_unique<ContextRawString>(*raw)
+                              : std::make_unique<ContextString>(*string);
+    }
+    if (const auto* boolean = dynamic_cast<const ContextBoolean*>(original)) {
+        return std::make_unique<shared_boolean>(*boolean);
+    }
+    if (const auto* list = dynamic_cast<const ContextIterable*>(original)) {
+        return std::make_unique<shared_list>(*list);
+    }
+    return std::make_unique<ContextDictionary>();
+}
+
+/// Builds values from the inside out: when the names of a dictionary are made, those of the
+/// dictionaries in it are complete.
+class context_builder {
+  public:
+    explicit context_builder(const ContextOptions& options) : options_(options) {}
+
+    std::unique_ptr<ContextBase> build(const Value& value);
+
+  private:
+    std::unique_ptr<ContextBase> buildDictionary(const Members& members);
+    std::unique_ptr<ContextBase> buildList(const std::vector<Value>& items);
+    std::unique_ptr<ContextBase> buildElement(const Value& item);
+    void addDottedNames(Children& children, const String& key, const ContextBase& nested);
+    void addPosition(ContextBase& element, std::size_t index, std::size_t count) const;
+    void countDottedName(const String& name, const ContextBase* original);
+
+    const ContextOptions options_;
+    const String booleanKey_ = "$boolean";
+    const String valueKey_ = "value";
+    const String indexKey_ = "index";
+    const String firstKey_ = "first";
+    const String lastKey_ = "last";
+    std::uint64_t dottedNames_ = 0; // bytes
+};
+
+std::unique_ptr<ContextBase> context_builder::build(const Value& value) {
+    switch (value.kind()) {
+    case Kind::Null:
+        break;
+    case Kind::Boolean:
+        return std::make_unique<ContextBoolean>(value.isTrue());
+    case Kind::Text:
+        return std::make_unique<ContextString>(value.text());
+    case Kind::RawText:
+        return std::make_unique<ContextRawString>(value.text());
+    case Kind::List:
+        return buildList(value_access::items(value));
+    case Kind::Dictionary:
+        return buildDictionary(value_access::members(value));
+    }
+    return nullptr;
+}
+
+/// What a dictionary becomes, still without its members.
+std::unique_ptr<ContextBase> buildEmptyDictionary(const Value* truth) {
+    if (truth == nullptr) {
+        return std::make_unique<ContextDictionary>();
+    }
+    if (truth->kind() != Kind::Boolean) {
+        throw std::invalid_argument("the value of \"$boolean\" is neither true nor false");
+    }
+    return std::make_unique<ContextBoolean>(truth->isTrue());
+}
+
+std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& members) {
+    const auto truth = members.find(booleanKey_);
+    std::unique_ptr<ContextBase> result =
+        buildEmptyDictionary(truth == members.end() ? nullptr : &truth->second);
+    Children& children = context_access::children(*result);
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        if (member != truth) {
+            const auto entry = children.emplace_hint(children.end(), member->first, nullptr);
+            entry->second = build(member->second).release();
+        }
+    }
+    // Backwards: where two keys lead to the same dotted name, one begins with the other and is
+    // behind it, and the longer one wins.
+    for (auto member = members.rbegin(); member != members.rend(); ++member) {
+        if (member->second.kind() == Kind::Dictionary) {
+            addDottedNames(children, member->first, *children.find(member->first)->second);
+        }
+    }
+    return result;
+}
+
+/// Adds the names of `nested`, which is the child `key`, behind `key` and a dot.
+void context_builder::addDottedNames(Children& children, const String& key,
+                                     const ContextBase& nested) {
+    String prefix = key;
+    prefix += ".";
+    for (const auto& [name, original] : context_access::children(nested)) {
+        String dotted = prefix;
+        dotted += name;
+        const auto place = children.lower_bound(dotted);
+        if (place == children.end() || dotted < place->first) {
+            countDottedName(dotted, original);
+            const auto entry = children.emplace_hint(place, std::move(dotted), nullptr);
+            entry->second = buildAlias(original).release();
+        }
+    }
+}
+
+void context_builder::countDottedName(const String& name, const ContextBase* original) {
+    dottedNames_ += perEntry + name.size() + measureAlias(original);
+    if (dottedNames_ > dottedNamesLimit) {
+        throw std::length_error("the context is too large: the dotted names of its nested "
+                                "dictionaries would take over 512 MiB");
+    }
+}
+
+std::unique_ptr<ContextBase> context_builder::buildList(const std::vector<Value>& items) {
+    auto result = std::make_unique<ContextIterable>();
+    std::vector<ContextBase*>& elements = context_access::elements(*result);
+    elements.reserve(items.size());
+    for (const Value& item : items) {
+        std::unique_ptr<ContextBase> element = buildElement(item);
+        if (options_.positions) {
+            addPosition(*element, elements.size(), items.size());
+        }
+        elements.push_back(element.release());
+    }
+    return result;
+}
+
+std::unique_ptr<ContextBase> context_builder::buildElement(const Value& item) {
+    if (item.kind() == Kind::Dictionary) {
+        return build(item);
+    }
+    if (item.kind() == Kind::Null && !options_.positions) {
+        return nullptr;
+    }
+    auto element = std::make_unique<ContextDictionary>();
+    if (item.kind() != Kind::Null) {
+        ContextBase*& value = (*element)[valueKey_];
+        value = build(item).release();
+    }
+    return element;
+}
+
+/// Gives `element` a child, unless it has an entry of that name.
+template <typename Child, typename Source>
+void addMissing(ContextBase& element, const String& key, const Source& source) {
+    if (!element.containsKey(key)) {
+        ContextBase*& child = element[key];
+        child = new Child(source);
+    }
+}
+
+void context_builder::addPosition(ContextBase& element, std::size_t index,
+                                  std::size_t count) const {
+    addMissing<ContextString>(element, indexKey_, numberText(std::uint64_t{index} + 1));
+    addMissing<ContextBoolean>(element, firstKey_, index == 0);
+    addMissing<ContextBoolean>(element, lastKey_, index + 1 == count);
+}
+
+} // namespace
+
+std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options) {
+    if (root.kind() != Kind::Dictionary) {
+        throw std::invalid_argument("the root of a context must be a dictionary");
+    }
+    return context_builder(options).build(root);
+}
+
+} // namespace kel::Stencilor::internal
