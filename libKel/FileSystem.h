@@ -14,17 +14,21 @@ namespace kel {
 ///
 /// Paths: UTF-8 on every system, `/` between the parts (on Windows `\` too, while no root is set).
 ///   A relative path is relative to the working directory, or to the root where one is set. A path
-///   that is empty or holds a NUL byte, and on Windows one that is not valid UTF-8, names nothing.
+///   that is empty or holds a NUL byte names nothing.
+/// Windows: neither does a path that is not valid UTF-8, or that has a part which Windows would
+/// take
+///   for something else: one that ends in a dot or a space, or a device name (`CON`, `NUL.txt`,
+///   ...). The other rules of Windows remain: upper and lower case are one; short names and streams
+///   (`file.txt:stream`) exist; `..` leads to the directory before it in the path, even where that
+///   is a link.
 /// Root: once a root is set, only the files inside that directory exist. Paths are then relative
 ///   and are refused where they leave the root by `..` or through a symbolic link. The same paths
 ///   are refused on every system, so that none means something else on another: absolute paths,
-///   and parts that hold `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, end in a
-///   dot or a blank, or are a device name that Windows reserves (`CON`, `NUL.txt`, ...). What
-///   Windows alone forgives is upper and lower case, and a missing directory before a `..`.
+///   and parts that hold `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, or that
+///   Windows would take for something else.
 ///   The root guards against paths, not against somebody who exchanges directories for links
-///   while a file is being opened.
-///   It is in force until the process ends, also for static objects that are destroyed and threads
-///   that run while it exits.
+///   while a file is being opened. It is in force until the process ends, also for static objects
+///   that are destroyed and threads that run while it exits.
 /// Threads: all functions may be called from any thread. The root is one for the whole process, and
 ///   for processes made by `fork`.
 /// Errors: nothing is thrown but `std::bad_alloc`.

@@ -45,33 +45,41 @@ bool isDevice(std::string_view part) noexcept {
                        [name](std::string_view device) { return matchesDevice(name, device); });
 }
 
+bool isNameOnWindows(std::string_view part) noexcept {
+    return part.empty() || part == "." || part == ".." ||
+           (part.back() != '.' && part.back() != ' ' && !isDevice(part));
+}
+
 bool isPortablePart(std::string_view part) noexcept {
-    if (part.empty() || part == "." || part == "..") {
-        return true;
-    }
     const bool plain = std::none_of(part.begin(), part.end(), [](char character) {
         return static_cast<unsigned char>(character) < 0x20 ||
                forbidden.find(character) != std::string_view::npos;
     });
-    return plain && part.back() != '.' && part.back() != ' ' && !isDevice(part);
+    return plain && isNameOnWindows(part);
+}
+
+bool allParts(std::string_view path, std::string_view separators,
+              bool (*accepts)(std::string_view) noexcept) noexcept {
+    while (true) {
+        const std::size_t end = path.find_first_of(separators);
+        if (!accepts(path.substr(0, end))) {
+            return false;
+        }
+        if (end == std::string_view::npos) {
+            return true;
+        }
+        path.remove_prefix(end + 1);
+    }
 }
 
 } // namespace
 
 bool isPortableRelativePath(std::string_view path) noexcept {
-    if (path.empty() || path.front() == '/') {
-        return false;
-    }
-    while (true) {
-        const std::size_t slash = path.find('/');
-        if (!isPortablePart(path.substr(0, slash))) {
-            return false;
-        }
-        if (slash == std::string_view::npos) {
-            return true;
-        }
-        path.remove_prefix(slash + 1);
-    }
+    return !path.empty() && path.front() != '/' && allParts(path, "/", isPortablePart);
+}
+
+bool isAsWrittenOnWindows(std::string_view path) noexcept {
+    return allParts(path, "/\\:", isNameOnWindows);
 }
 
 } // namespace kel

@@ -51,6 +51,25 @@ std::optional<std::wstring> absolutePath(const std::wstring& path) {
     return L"\\\\?\\" + *absolute;
 }
 
+/// True if a directory is before each `..`. Windows drops both without looking.
+bool leadsThroughDirectories(const std::wstring& path) {
+    constexpr const wchar_t* separators = L"/\\";
+    for (std::size_t start = 0; start < path.size();) {
+        const std::size_t end = std::min(path.find_first_of(separators, start), path.size());
+        if (start > 0 && path.compare(start, end - start, L"..") == 0) {
+            const std::optional<std::wstring> before = absolutePath(path.substr(0, start));
+            const DWORD attributes =
+                before ? ::GetFileAttributesW(before->c_str()) : INVALID_FILE_ATTRIBUTES;
+            if (attributes == INVALID_FILE_ATTRIBUTES ||
+                (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+                return false;
+            }
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
 /// The path of an open file as the system names it: without links, in its own case.
 std::optional<std::wstring> finalPath(HANDLE handle) {
     return askForText([handle](wchar_t* to, DWORD size) {
@@ -77,17 +96,17 @@ std::optional<std::wstring> widePath(const String& path) {
 /// The path to hand to the system for `path`, or nothing where it names nothing.
 std::optional<std::wstring> systemPath(const std::wstring* root, const String& path) {
     std::optional<std::wstring> wanted = widePath(path);
-    if (!wanted) {
+    if (!wanted || !isAsWrittenOnWindows(path.view())) {
         return std::nullopt;
     }
-    if (root == nullptr) {
-        return absolutePath(*wanted);
+    if (root != nullptr) {
+        if (!isPortableRelativePath(path.view())) {
+            return std::nullopt;
+        }
+        std::replace(wanted->begin(), wanted->end(), L'/', L'\\');
+        wanted = *root + L'\\' + *wanted;
     }
-    if (!isPortableRelativePath(path.view())) {
-        return std::nullopt;
-    }
-    std::replace(wanted->begin(), wanted->end(), L'/', L'\\');
-    return absolutePath(*root + L'\\' + *wanted);
+    return leadsThroughDirectories(*wanted) ? absolutePath(*wanted) : std::nullopt;
 }
 
 HANDLE openPath(const std::wstring* root, const String& path, DWORD access) {

@@ -106,5 +106,56 @@ TEST(PortableRelativePath, IsNoDeviceInAnySpelling) {
     }
 }
 
+TEST(PathOnWindows, IsAsWrittenWhereNoNameIsTakenForAnother) {
+    for (const char* const path : {"",
+                                   "/",
+                                   "a",
+                                   "a.txt",
+                                   ".",
+                                   "..",
+                                   "./a",
+                                   "../a/../b",
+                                   ".hidden",
+                                   "a b/c.d/e",
+                                   "..a",
+                                   "/a/",
+                                   "C:\\a\\b",
+                                   "C:a",
+                                   "C:",
+                                   "C:..\\a",
+                                   "\\\\server\\share\\a",
+                                   "\\\\?\\C:\\a",
+                                   "a.txt:stream",
+                                   "console",
+                                   "COM10",
+                                   "nul1.txt",
+                                   "a/.nul"}) {
+        EXPECT_TRUE(isAsWrittenOnWindows(path)) << path;
+    }
+    for (const char* const path : {"a.",
+                                   "a..",
+                                   "a ",
+                                   "a. ",
+                                   "a.txt. ",
+                                   "...",
+                                   ". ",
+                                   ".. /a",
+                                   "a./b",
+                                   "a\\b.\\c",
+                                   "C:a.",
+                                   "C:\\a ",
+                                   "\\\\?\\C:\\a.",
+                                   "NUL",
+                                   "nul.txt",
+                                   "a\\CON",
+                                   "C:NUL",
+                                   "C:\\COM1.log",
+                                   "a/LPT\u00B9",
+                                   "NUL:",
+                                   "aux :"}) {
+        EXPECT_FALSE(isAsWrittenOnWindows(path)) << path;
+    }
+}
+
 } // namespace
 } // namespace kel

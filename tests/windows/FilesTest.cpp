@@ -116,15 +116,52 @@ TEST_F(WindowsFiles, AreFoundByBackslashesAndDrives) {
     expectLoaded(path.substr(2), "text");
 }
 
-// A name with a blank or a dot at its end can be made in the unlimited form of a path only; the
-// root must not be the one that finds it.
-TEST_F(WindowsFiles, OfNamesThatOtherProgramsCannotNameAreNotFoundBelowARoot) {
+// Windows drops what is at the end of such names, and what is before `..`.
+TEST_F(WindowsFiles, AreFoundByTheNamesAsTheyAreWritten) {
+    folder_.makeFolder("below");
+    folder_.writeFile("f0", "text");
+    folder_.writeFile("f2.txt", "text");
+    folder_.writeFile("below/f", "text");
+    const WorkingFolder working(folder_.path());
+    for (const bool below : {false, true}) {
+        SCOPED_TRACE(below ? "below a root" : "without a root");
+        for (const char* const path :
+             {"f0", "below/../f0", "./f0", "below/f", "below/.././f2.txt"}) {
+            expectLoaded(path, "text");
+        }
+        for (const char* const path :
+             {"f0.", "f0..", "f0 ", "f0. ", "f2.txt.", "f2.txt. ", "below./f", "below /f",
+              "nodir/../f0", "below/nodir/../../f0", "f0/../f0", "f2.txt/./../f0", "NUL", "nul.txt",
+              "below/CON"}) {
+            expectMissing(path);
+        }
+        ASSERT_TRUE(FileSystem::setRoot("."));
+    }
+    FileSystem::clearRoot();
+    for (const char* const path : {"below\\..\\f0", ".\\below/../f0"}) {
+        expectLoaded(path, "text");
+    }
+    for (const char* const path : {"nodir\\..\\f0", "below.\\f", "f0\\..\\f0"}) {
+        expectMissing(path);
+    }
+    expectMissing(folder_.path("f0."));
+    expectMissing(folder_.path("nodir/../f0"));
+    EXPECT_FALSE(FileSystem::setRoot("below."));
+    EXPECT_FALSE(FileSystem::setRoot("nodir/.."));
+}
+
+// A name with a blank or a dot at its end can be made in the unlimited form of a path only.
+TEST_F(WindowsFiles, OfNamesThatOtherProgramsCannotNameAreNotFound) {
     for (const char* const name : {"file.", "file ", "CON", "NUL.txt"}) {
         const HANDLE file =
             ::CreateFileW(unlimited(folder_.path() + "/" + name).c_str(), GENERIC_WRITE, 0, nullptr,
                           CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         ASSERT_NE(file, INVALID_HANDLE_VALUE) << name << ", error " << ::GetLastError();
         ::CloseHandle(file);
+    }
+    for (const char* const name : {"file.", "file ", "CON", "NUL.txt"}) {
+        expectMissing("\\\\?\\" + folder_.path() + "/" + name);
+        expectMissing(folder_.path(name));
     }
     ASSERT_TRUE(FileSystem::setRoot(folder_.path()));
     for (const char* const name : {"file.", "file ", "CON", "NUL.txt"}) {
