@@ -48,14 +48,19 @@ class Folder {
     /// @return nothing where it is not a directory that can be entered
     KEL_EXPORT static std::optional<Folder> open(const String& directory);
 
+    /// Shares the path.
+    /// @{
     Folder(const Folder&) = default;
     Folder& operator=(const Folder&) = default;
+    /// @}
 
     /// Looks a file up without opening it for reading, so that it may turn out to be unreadable.
+    /// @param path below the directory
     /// @return nothing where no regular file inside the directory has this path
     KEL_EXPORT std::optional<FileState> find(const String& path) const;
 
     /// Reads a whole file, all of it from one open handle.
+    /// @param path below the directory
     /// @param maxBytes the largest size that is loaded
     /// @param out receives the bytes and owns them; its former content is freed first. Empty unless
     ///   the answer is `Found`.
@@ -64,6 +69,7 @@ class Folder {
     ///   `out.size` differs from its size, the file changed meanwhile or is made up by the system,
     ///   and the state says nothing about the bytes. Unchanged if the answer is `Missing`, or
     ///   `Unreadable` because the file could not be opened.
+    /// @return what became of it
     KEL_EXPORT Answer load(const String& path, std::uint64_t maxBytes, Buffer<unsigned char>& out,
                            FileState& state) const;
 
