@@ -128,5 +128,13 @@ TEST_F(CallTest, NamesTheFileThatCannotBeRead) {
     }
 }
 
+TEST_F(CallTest, NamesTheFileThatIsTooLarge) {
+    folder.writeFile("page.txt", "text");
+    folder.writeSparseFile("huge.txt", std::uint64_t{1} << 32);
+    const std::string message = "stencilor: huge.txt: File too large\n";
+    expectOutcome(runStencilor({"render", "huge.txt"}), 2, "", message);
+    expectOutcome(runStencilor({"render", "page.txt", "huge.txt"}), 2, "", message);
+}
+
 } // namespace
 } // namespace program

@@ -1,6 +1,7 @@
 #ifndef TOOLS_STENCILOR_PLATFORM_H
 #define TOOLS_STENCILOR_PLATFORM_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,9 @@
 // of them, and no byte is changed on its way. What fails throws `std::system_error`.
 
 namespace stencilor::platform {
+
+/// The engine's texts are no longer. What has more bytes is not read: "File too large".
+inline constexpr std::uint64_t longestText = 0xFFFF'FFFF;
 
 /// Prepares the process, and returns its arguments without the program's name.
 std::vector<std::string> start(int argc, char** argv);
@@ -30,8 +34,9 @@ std::string identityOf(const std::string& path);
 /// Makes `content` the content of the file, wholly or not at all: it is written to a temporary file
 /// in the same folder, which then takes the file's place. Through a symbolic link the file that it
 /// leads to is replaced. A file that may not be written is not replaced; on POSIX systems one that
-/// is replaced keeps its permissions. What is no regular file is written to directly, and so is
-/// what the standard output is redirected to.
+/// is replaced keeps its permissions, and its owner and group as far as the system allows. What is
+/// not a regular file is written to directly, and so is what the standard output is redirected to.
+/// A signal that ends the program waits until the file is replaced; so does Ctrl+C on Windows.
 void writeFile(const std::string& path, std::string_view content);
 
 } // namespace stencilor::platform

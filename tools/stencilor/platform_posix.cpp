@@ -1,10 +1,13 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <tools/stencilor/platform.h>
+#include <tools/stencilor/temporary_name.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -26,6 +29,21 @@ auto retry(Call call) {
         result = call();
     } while (result < 0 && errno == EINTR);
     return result;
+}
+
+/// Reads or writes. A stream that another program has made non-blocking is waited for.
+template <typename Call>
+std::size_t transfer(int descriptor, short event, Call call) {
+    ssize_t count = retry(call);
+    while (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+        pollfd waiting = {descriptor, event, 0};
+        retry([&waiting] { return ::poll(&waiting, 1, -1); });
+        count = retry(call);
+    }
+    if (count < 0) {
+        fail();
+    }
+    return static_cast<std::size_t>(count);
 }
 
 class Descriptor {
@@ -57,39 +75,47 @@ class Descriptor {
     int descriptor_;
 };
 
+/// The size of a regular file; 0 for others, whose size is known only at their end.
+std::uint64_t sizeOf(int descriptor) {
+    struct stat status;
+    if (::fstat(descriptor, &status) != 0) {
+        fail();
+    }
+    return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
 std::string readAll(int descriptor) {
     std::string content;
     std::string block(std::size_t{256} * 1024, '\0');
-    while (true) {
-        const ssize_t count = retry([&] { return ::read(descriptor, block.data(), block.size()); });
-        if (count < 0) {
-            fail();
-        }
+    bool tooLarge = sizeOf(descriptor) > longestText;
+    while (!tooLarge) {
+        const std::size_t count = transfer(
+            descriptor, POLLIN, [&] { return ::read(descriptor, block.data(), block.size()); });
         if (count == 0) {
             return content;
         }
-        content.append(block, 0, static_cast<std::size_t>(count));
+        content.append(block, 0, count);
+        tooLarge = content.size() > longestText;
     }
+    throw std::system_error(std::make_error_code(std::errc::file_too_large));
 }
 
 void writeAll(int descriptor, std::string_view text) {
     while (!text.empty()) {
-        const ssize_t count = retry([&] { return ::write(descriptor, text.data(), text.size()); });
-        if (count < 0) {
-            fail();
-        }
-        text.remove_prefix(static_cast<std::size_t>(count));
+        text.remove_prefix(transfer(descriptor, POLLOUT,
+                                    [&] { return ::write(descriptor, text.data(), text.size()); }));
     }
 }
 
-/// Keeps the signals that end a program from ending it while a temporary file exists.
+/// Keeps signals from ending the program while a temporary file exists; afterwards they do. Those
+/// of faults in the program itself cannot wait.
 class SignalsHeld {
   public:
     SignalsHeld() {
         sigset_t held;
-        ::sigemptyset(&held);
-        for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-            ::sigaddset(&held, signal);
+        ::sigfillset(&held);
+        for (const int fault : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP}) {
+            ::sigdelset(&held, fault);
         }
         ::sigprocmask(SIG_BLOCK, &held, &before_);
     }
@@ -104,9 +130,7 @@ class SignalsHeld {
 /// A file of a name that nothing else has, which is removed unless it takes another one's place.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(const std::filesystem::path& folder)
-        : path_(freeName(folder)),
-          file_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {}
+    explicit TemporaryFile(const std::filesystem::path& folder) : file_(create(folder, path_)) {}
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
@@ -115,18 +139,31 @@ class TemporaryFile {
         }
     }
 
-    /// Gives the file the owner, as far as that is allowed, and the permissions of another.
+    /// Takes over the owner, the group and the permissions of another file. Where the system does
+    /// not let it have the owner or the group, nobody gets rights by that: the set-id bit goes, and
+    /// another group may do no more than all others.
     void resemble(const struct stat& other) {
-        [[maybe_unused]] const int owned = ::fchown(file_.get(), other.st_uid, other.st_gid);
-        if (::fchmod(file_.get(), other.st_mode & 07777u) != 0) {
-            fail();
+        constexpr auto unchanged = static_cast<uid_t>(-1);
+        const bool hasGroup = ::fchown(file_.get(), unchanged, other.st_gid) == 0;
+        const bool hasOwner = ::fchown(file_.get(), other.st_uid, unchanged) == 0;
+        mode_ = other.st_mode & 07777u;
+        if (!hasOwner) {
+            *mode_ &= ~mode_t{S_ISUID};
         }
+        if (!hasGroup) {
+            *mode_ &= ~mode_t{S_ISGID | S_IRWXG} | ((*mode_ & S_IRWXO) << 3);
+        }
+        setMode(*mode_);
     }
 
     void write(std::string_view content) {
         writeAll(file_.get(), content);
+        if (mode_) {
+            setMode(*mode_); // writing has cleared set-id bits
+        }
         // Some file systems cannot be asked for this.
-        if (::fsync(file_.get()) != 0 && errno != EINVAL && errno != ENOTSUP) {
+        if (retry([this] { return ::fsync(file_.get()); }) != 0 && errno != EINVAL &&
+            errno != ENOTSUP) {
             fail();
         }
         file_.close();
@@ -140,19 +177,34 @@ class TemporaryFile {
     }
 
   private:
-    static std::filesystem::path freeName(const std::filesystem::path& folder) {
-        const std::string start = ".stencilor-" + std::to_string(::getpid()) + "-";
+    /// Sets `path` once the file is there.
+    static int create(const std::filesystem::path& folder, std::filesystem::path& path) {
+        for (int attempt = 1;; ++attempt) {
+            const std::filesystem::path candidate = folder / temporaryName();
+            const int file =
+                ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            if (file >= 0) {
+                path = candidate;
+                return file;
+            }
+            if (errno != EEXIST || attempt == mostTemporaryNames) {
+                fail();
+            }
+        }
+    }
+
+    /// File systems without permissions refuse to set any.
+    void setMode(mode_t mode) {
         struct stat status;
-        std::filesystem::path path;
-        unsigned int attempt = 0;
-        do {
-            path = folder / (start + std::to_string(attempt++));
-        } while (::lstat(path.c_str(), &status) == 0);
-        return path;
+        if (::fstat(file_.get(), &status) != 0 ||
+            ((status.st_mode & 07777u) != mode && ::fchmod(file_.get(), mode) != 0)) {
+            fail();
+        }
     }
 
     std::filesystem::path path_;
     Descriptor file_;
+    std::optional<mode_t> mode_; // that of the file that it resembles
 };
 
 std::optional<struct stat> statusOf(const std::filesystem::path& path) {
@@ -217,7 +269,12 @@ std::string readStandardInput() {
 }
 
 void writeStandardOutput(std::string_view text) {
+    if (text.empty()) {
+        return;
+    }
     writeAll(STDOUT_FILENO, text);
+    // Some file systems tell only when a file is closed that they are full.
+    Descriptor(retry([] { return ::dup(STDOUT_FILENO); })).close();
 }
 
 void writeStandardError(std::string_view text) noexcept {

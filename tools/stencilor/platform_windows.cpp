@@ -1,9 +1,11 @@
 #include <libKel/String.h>
 
 #include <tools/stencilor/platform.h>
+#include <tools/stencilor/temporary_name.h>
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -55,10 +57,20 @@ class Handle {
     HANDLE handle_;
 };
 
+/// The size of a file on a disk; 0 for others, whose size is known only at their end.
+std::uint64_t sizeOf(HANDLE file) {
+    LARGE_INTEGER size = {};
+    if (::GetFileType(file) == FILE_TYPE_DISK && ::GetFileSizeEx(file, &size) == 0) {
+        fail();
+    }
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
 std::string readAll(HANDLE file) {
     std::string content;
     std::string block(std::size_t{256} * 1024, '\0');
-    while (true) {
+    bool tooLarge = sizeOf(file) > longestText;
+    while (!tooLarge) {
         DWORD count = 0;
         if (::ReadFile(file, block.data(), static_cast<DWORD>(block.size()), &count, nullptr) ==
             0) {
@@ -72,7 +84,9 @@ std::string readAll(HANDLE file) {
             return content;
         }
         content.append(block, 0, count);
+        tooLarge = content.size() > longestText;
     }
+    throw std::system_error(std::make_error_code(std::errc::file_too_large));
 }
 
 void writeAll(HANDLE file, std::string_view text) {
@@ -112,13 +126,36 @@ void writeStandard(DWORD which, std::string_view text) {
     }
 }
 
+/// Held while a temporary file exists.
+SRWLOCK replacing = SRWLOCK_INIT;
+
+/// Lets the program end only then. The system calls this in a thread of its own.
+BOOL WINAPI waitForReplacement(DWORD) {
+    ::AcquireSRWLockExclusive(&replacing);
+    ::ReleaseSRWLockExclusive(&replacing);
+    return FALSE;
+}
+
+/// Keeps Ctrl+C, and a console that is closed, from ending the program while a temporary file
+/// exists; afterwards they do.
+class InterruptsHeld {
+  public:
+    InterruptsHeld() {
+        ::AcquireSRWLockExclusive(&replacing);
+        ::SetConsoleCtrlHandler(waitForReplacement, TRUE);
+    }
+    InterruptsHeld(const InterruptsHeld&) = delete;
+    InterruptsHeld& operator=(const InterruptsHeld&) = delete;
+    ~InterruptsHeld() {
+        ::SetConsoleCtrlHandler(waitForReplacement, FALSE);
+        ::ReleaseSRWLockExclusive(&replacing);
+    }
+};
+
 /// A file of a name that nothing else has, which is removed unless it takes another one's place.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(const std::filesystem::path& folder)
-        : path_(freeName(folder)),
-          file_(::CreateFileW(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                              FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    explicit TemporaryFile(const std::filesystem::path& folder) : file_(create(folder, path_)) {}
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
@@ -145,14 +182,20 @@ class TemporaryFile {
     }
 
   private:
-    static std::filesystem::path freeName(const std::filesystem::path& folder) {
-        const std::wstring start = L".stencilor-" + std::to_wstring(::GetCurrentProcessId()) + L"-";
-        std::filesystem::path path;
-        unsigned int attempt = 0;
-        do {
-            path = folder / (start + std::to_wstring(attempt++));
-        } while (::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES);
-        return path;
+    /// Sets `path` once the file is there.
+    static HANDLE create(const std::filesystem::path& folder, std::filesystem::path& path) {
+        for (int attempt = 1;; ++attempt) {
+            const std::filesystem::path candidate = folder / temporaryName();
+            const HANDLE file = ::CreateFileW(candidate.c_str(), GENERIC_WRITE, 0, nullptr,
+                                              CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+            if (file != INVALID_HANDLE_VALUE) {
+                path = candidate;
+                return file;
+            }
+            if (::GetLastError() != ERROR_FILE_EXISTS || attempt == mostTemporaryNames) {
+                fail();
+            }
+        }
     }
 
     std::filesystem::path path_;
@@ -255,6 +298,7 @@ void writeFile(const std::string& path, std::string_view content) {
     if (isReadOnly(target)) {
         fail(ERROR_ACCESS_DENIED); // Replacing it may take no more than rights in its folder.
     }
+    const InterruptsHeld held;
     TemporaryFile temporary(target.parent_path());
     temporary.write(content);
     temporary.replace(target);
