@@ -51,16 +51,20 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "    ^\n"},
         {"a CR alone", "a\r{{ b }\r",
          "page.txt:1:8: error: expected \"}}\" after the name\n"
-         "a?{{ b }?\n"
-         "       ^\n"},
+         "a\\r{{ b }\\r\n"
+         "        ^\n"},
         {"the end of the text", "{{ b",
          "page.txt:1:5: error: expected \"}}\" after the name\n"
          "{{ b\n"
          "    ^\n"},
         {"a NUL byte", std::string("a{{ b \0}}", 9),
          "page.txt:1:7: error: expected \"}}\" after the name\n"
-         "a{{ b ?}}\n"
-         "      ^\n"},
+         "a{{ b \\x00}}\n"
+         "      ^~~~\n"},
+        {"characters that a terminal obeys", "\x1B[1m\u009B\u202E\uFEFF{{ \u2028",
+         "page.txt:1:11: error: expected a name after \"{{\"\n"
+         "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
+         "                            ^~~~~~\n"},
         {"a long line", std::string(300, 'a') + "{{ 1" + std::string(300, 'b'),
          "page.txt:1:304: error: expected a name after \"{{\"\n"
          "..." +

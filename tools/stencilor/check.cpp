@@ -1,7 +1,6 @@
 #include <tools/stencilor/check.h>
 #include <tools/stencilor/context_findings.h>
 #include <tools/stencilor/files.h>
-#include <tools/stencilor/platform.h>
 #include <tools/stencilor/template_files.h>
 
 #include <algorithm>
@@ -104,7 +103,7 @@ ExitStatus check(const CheckOptions& options) {
                 findings.insert(findings.end(), faults.begin(), faults.end());
             }
         } catch (const Failure& failure) {
-            platform::writeStandardError(std::string("stencilor: ") + failure.what() + "\n");
+            printError(failure.what());
             failed = true;
         }
     }

@@ -1,4 +1,5 @@
 #include <tools/stencilor/context_findings.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <set>
 #include <string>
@@ -9,10 +10,6 @@ namespace stencilor {
 namespace {
 
 using namespace kel::Stencilor;
-
-std::string inQuotes(std::string_view name) {
-    return "\"" + std::string(name) + "\"";
-}
 
 const char* kindOf(const ContextBase& value) {
     if (dynamic_cast<const ContextString*>(&value) != nullptr) {
@@ -27,15 +24,15 @@ const char* kindOf(const ContextBase& value) {
 Finding describeMissing(const Occurrence& found, SyntaxRange name, const char* kind) {
     return {.rule = Rule::MissingName,
             .place = {found.file, name},
-            .message = std::string("no ") + kind + " is named " +
-                       inQuotes(found.file->textOf(name)) + found.where};
+            .message = std::string("no ") + kind + " is named " + quote(found.file->textOf(name)) +
+                       found.where};
 }
 
 Finding describeKind(const Occurrence& found, SyntaxRange name, const char* kind) {
     return {.rule = Rule::WrongKind,
             .place = {found.file, name},
-            .message = inQuotes(found.file->textOf(name)) + " is " + kindOf(*found.value) +
-                       ", not " + kind + (found.where.empty() ? "" : "," + found.where)};
+            .message = quote(found.file->textOf(name)) + " is " + kindOf(*found.value) + ", not " +
+                       kind + (found.where.empty() ? "" : "," + found.where)};
 }
 
 Finding describe(const Occurrence& found) {
@@ -75,7 +72,7 @@ Finding describe(const Occurrence& found) {
 Finding describeInclusion(Rule rule, const TemplateFile& file, const SyntaxElement& part) {
     return {.rule = rule,
             .place = {&file, part.name},
-            .message = "included file " + inQuotes(file.textOf(part.name)) +
+            .message = "included file " + quote(file.textOf(part.name)) +
                        (rule == Rule::MissingInclude ? " does not exist" : " cannot be read")};
 }
 

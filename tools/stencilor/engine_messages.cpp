@@ -1,4 +1,5 @@
 #include <tools/stencilor/engine_messages.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <algorithm>
 #include <iterator>
@@ -45,6 +46,18 @@ std::vector<std::string_view> splitMessages(std::string_view text) {
         }
     }
     return messages;
+}
+
+std::string shortenQuotation(std::string_view message) {
+    const std::size_t quotation = message.find('"');
+    if (quotation == message.npos) {
+        return std::string(message);
+    }
+    const std::string_view start = message.substr(0, quotation);
+    const std::string_view quoted = message.substr(quotation + 1);
+    const std::size_t end = quoted.find('"'); // a missing boolean's name ends with the message
+    return std::string(start) + "\"" + shorten(quoted.substr(0, end)) +
+           std::string(end == quoted.npos ? "" : quoted.substr(end));
 }
 
 bool isRejection(std::string_view text) {

@@ -1,6 +1,7 @@
 #include <tools/stencilor/failure.h>
 #include <tools/stencilor/files.h>
 #include <tools/stencilor/platform.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <system_error>
 
@@ -36,6 +37,10 @@ void writeOutput(const std::string& file, std::string_view text) {
     } catch (const std::system_error& error) {
         failAt(file == standardStream ? "<stdout>" : file, error);
     }
+}
+
+void printError(std::string_view text) {
+    platform::writeStandardError("stencilor: " + showText(text) + "\n");
 }
 
 } // namespace stencilor

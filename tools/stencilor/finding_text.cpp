@@ -1,6 +1,6 @@
-#include <libKel/String.h>
-
+#include <tools/stencilor/code_point.h>
 #include <tools/stencilor/finding_format.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <algorithm>
 
@@ -11,46 +11,60 @@ namespace {
 /// What is shown of a line, in code points. One that is longer is cut around what is meant.
 constexpr std::size_t widestLine = 160;
 
-/// The code points of a line, as strings of their own. What would disturb a terminal is replaced.
-std::vector<std::string> splitLine(std::string_view line) {
-    kel::String decoded;
-    decoded.UTF8Decode(line.data(), static_cast<unsigned int>(line.size()), false);
-    std::vector<std::string> points;
-    for (const char byte : decoded.view()) {
-        const auto value = static_cast<unsigned char>(byte);
-        if ((value & 0xC0u) != 0x80u) {
-            points.emplace_back();
-        }
-        points.back() += (value < 0x20 && value != '\t') || value == 0x7F ? '?' : byte;
+/// The most bytes that a code point takes.
+constexpr std::size_t widestPoint = 4;
+
+/// Where the code point begins that is `count` before `offset`, or the line. Linear in `count`.
+std::size_t stepBack(std::string_view line, std::size_t offset, std::size_t count) {
+    std::size_t begin = offset - std::min(offset, (count + 1) * widestPoint);
+    std::size_t points = countCodePoints(line.substr(begin, offset - begin));
+    for (; points > count; --points) {
+        begin += firstCodePoint(line.substr(begin)).size;
     }
-    return points;
+    return begin;
+}
+
+bool isWider(std::string_view line, std::size_t count) {
+    return line.size() > count * widestPoint || countCodePoints(line) > count;
 }
 
 /// The line and below it a caret, and wiggles where more than one column is meant.
-std::string formatLine(std::string_view line, std::size_t column, std::size_t width) {
-    const std::vector<std::string> points = splitLine(line);
-    const std::size_t begin =
-        points.size() <= widestLine ? 0 : column - std::min(column, widestLine / 2);
-    const std::size_t end = std::min(points.size(), begin + widestLine);
-    std::string shown = begin > 0 ? "..." : "";
+std::string formatLine(std::string_view line, SyntaxRange range) {
+    constexpr std::size_t half = widestLine / 2;
+    const bool cut = isWider(line, widestLine);
+    std::size_t at = cut ? stepBack(line, range.begin, half - 1) : 0;
+    std::string shown = at > 0 ? "..." : "";
     std::string marks(shown.size(), ' ');
-    for (std::size_t i = begin; i < end; ++i) {
-        shown += points[i];
-        if (i + 1 < column) {
-            marks += points[i] == "\t" ? "\t" : " ";
+    for (std::size_t count = 0; at < line.size() && (!cut || count < widestLine); ++count) {
+        const ShownPoint point = showFirst(line.substr(at));
+        const bool before = at + point.size <= range.begin;
+        const bool meant = !before && (at <= range.begin || at < range.end);
+        shown += point.text;
+        if (before) {
+            marks += point.text == "\t" ? "\t" : std::string(point.columns, ' ');
+        } else if (meant) {
+            marks += (at <= range.begin ? '^' : '~') + std::string(point.columns - 1, '~');
         }
+        at += point.size;
     }
-    marks += "^" + std::string(std::max<std::size_t>(width, 1) - 1, '~');
-    return shown + (end < points.size() ? "..." : "") + "\n" + marks + "\n";
+    if (range.begin >= line.size()) {
+        marks += '^'; // at the end of the line
+    }
+    return shown + (at < line.size() ? "..." : "") + "\n" + marks + "\n";
+}
+
+/// A range as one of a line.
+SyntaxRange rangeIn(const Line& line, SyntaxRange range) {
+    const auto begin = static_cast<unsigned int>(line.begin);
+    return {range.begin - std::min(range.begin, begin), range.end - std::min(range.end, begin)};
 }
 
 std::string formatPlace(const Place& place, Severity severity, const std::string& message) {
     const Position position = place.file->positionOf(place.range.begin);
-    const std::string_view line = place.file->lineOf(position.line);
-    const std::size_t width = countCodePoints(place.file->textOf(place.range));
-    return place.file->name() + ":" + std::to_string(position.line) + ":" +
-           std::to_string(position.column) + ": " + textOf(severity) + ": " + message + "\n" +
-           formatLine(line, position.column, std::min(width, widestLine / 2));
+    const Line line = place.file->lineAt(place.range.begin);
+    return showText(place.file->name()) + ":" + std::to_string(position.line) + ":" +
+           std::to_string(position.column) + ": " + textOf(severity) + ": " + showText(message) +
+           "\n" + formatLine(line.text, rangeIn(line, place.range));
 }
 
 } // namespace

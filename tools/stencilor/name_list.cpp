@@ -1,6 +1,8 @@
 #include <nlohmann/json.hpp>
+#include <tools/stencilor/code_point.h>
 #include <tools/stencilor/json_output.h>
 #include <tools/stencilor/name_list.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <algorithm>
 #include <iterator>
@@ -23,7 +25,7 @@ bool areSameLoops(const std::vector<Loop>& some, const std::vector<Loop>& others
 std::string describePlaces(const std::vector<Place>& places) {
     std::vector<std::string> lines;
     for (const Place& place : places) {
-        lines.push_back(place.file->name() + ":" +
+        lines.push_back(showText(place.file->name()) + ":" +
                         std::to_string(place.file->positionOf(place.range.begin).line));
     }
     std::string text;

@@ -1,7 +1,6 @@
 #include <tools/stencilor/files.h>
 #include <tools/stencilor/name_list.h>
 #include <tools/stencilor/names.h>
-#include <tools/stencilor/platform.h>
 #include <tools/stencilor/skeleton.h>
 
 namespace stencilor {
@@ -21,7 +20,7 @@ ExitStatus writeSkeleton(const NamesOptions& options, TemplateFiles& files,
     Skeleton skeleton;
     const ExitStatus status = printFindings(survey(files, file, skeleton));
     for (const std::string& conflict : skeleton.conflicts()) {
-        platform::writeStandardError("stencilor: " + file.name() + ": " + conflict + "\n");
+        printError(file.name() + ": " + conflict);
     }
     writeOutput(options.outputFile, skeleton.formatJson());
     return skeleton.conflicts().empty() ? status : exitMessages;

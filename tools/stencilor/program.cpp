@@ -14,10 +14,6 @@ namespace stencilor {
 
 namespace {
 
-void printFailure(const std::string& text) {
-    platform::writeStandardError("stencilor: " + text + "\n");
-}
-
 /// Ends a parse that did not lead to a command: with the help or the version, or with an error.
 int endParse(const CLI::App& program, const CLI::ParseError& end) {
     if (end.get_name() == "CallForHelp" || end.get_name() == "CallForAllHelp") {
@@ -31,7 +27,8 @@ int endParse(const CLI::App& program, const CLI::ParseError& end) {
     // The parser would first name what is missing where something was misspelt.
     const std::vector<std::string> unknown = program.remaining(true);
     const std::string problem = unknown.empty() ? end.what() : CLI::ExtrasError(unknown).what();
-    printFailure(problem + "\nRun 'stencilor --help' for how to call it.");
+    printError(problem);
+    platform::writeStandardError("Run 'stencilor --help' for how to call it.\n");
     return exitFailure;
 }
 
@@ -68,11 +65,11 @@ int runProgram(int argc, char** argv) {
     try {
         return parseAndRun(platform::start(argc, argv));
     } catch (const std::bad_alloc&) {
-        printFailure("out of memory");
+        printError("out of memory");
     } catch (const std::length_error&) {
-        printFailure("a text is longer than 4 GiB - 1 byte");
+        printError("a text is longer than 4 GiB - 1 byte");
     } catch (const std::exception& error) {
-        printFailure(error.what());
+        printError(error.what());
     }
     return exitFailure;
 }

@@ -4,7 +4,6 @@
 #include <tools/stencilor/context_findings.h>
 #include <tools/stencilor/engine_messages.h>
 #include <tools/stencilor/files.h>
-#include <tools/stencilor/platform.h>
 #include <tools/stencilor/render.h>
 #include <tools/stencilor/template_survey.h>
 #include <tools/stencilor/trace.h>
@@ -19,8 +18,7 @@ namespace {
 
 void printMessages(const std::string& templateFile, std::string_view errors) {
     for (const std::string_view message : splitMessages(errors)) {
-        platform::writeStandardError("stencilor: " + inputName(templateFile) + ": " +
-                                     std::string(message) + "\n");
+        printError(inputName(templateFile) + ": " + shortenQuotation(message));
     }
 }
 

@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 #include <tools/stencilor/json_output.h>
+#include <tools/stencilor/shown_text.h>
 #include <tools/stencilor/skeleton.h>
 
 #include <algorithm>
@@ -104,8 +105,8 @@ void Skeleton::visitName(const Use& use) {
     const Owner owner = findOwner(name, use.loops, use.loops.size(), use.inclusions);
     const ValueKind first = owner.object->get(owner.name, kind).kind;
     if (first != kind) {
-        const std::string conflict = "\"" + std::string(name) + "\" is asked for as a " +
-                                     textOf(first) + " and as a " + textOf(kind);
+        const std::string conflict =
+            quote(name) + " is asked for as a " + textOf(first) + " and as a " + textOf(kind);
         if (std::find(conflicts_.begin(), conflicts_.end(), conflict) == conflicts_.end()) {
             conflicts_.push_back(conflict);
         }

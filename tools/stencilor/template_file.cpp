@@ -1,5 +1,6 @@
 #include <libKel/String.h>
 
+#include <tools/stencilor/code_point.h>
 #include <tools/stencilor/template_file.h>
 
 #include <algorithm>
@@ -42,32 +43,21 @@ std::string_view TemplateFile::textOf(SyntaxRange range) const {
 }
 
 Position TemplateFile::positionOf(std::size_t offset) const {
-    const auto behind = std::upper_bound(lines_.begin() + 1, lines_.end(), offset);
-    const std::size_t begin = behind[-1];
-    const std::size_t length = offset < begin ? 0 : offset - begin; // 0 inside the byte-order mark
-    // The line break itself is the column behind the last one, be it one byte or two.
-    const std::string_view line = lineOf(static_cast<std::size_t>(behind - lines_.begin()));
-    return {static_cast<std::size_t>(behind - lines_.begin()),
-            countCodePoints(line.substr(0, length)) + 1};
+    const Line line = lineAt(offset);
+    // The line break itself is the column after the last one, whether it is one byte or two.
+    const std::size_t length = offset - std::min(offset, line.begin); // 0 in a byte-order mark
+    return {line.number, countCodePoints(line.text.substr(0, length)) + 1};
 }
 
-std::string_view TemplateFile::lineOf(std::size_t number) const {
-    const std::size_t begin = lines_[number - 1];
+Line TemplateFile::lineAt(std::size_t offset) const {
+    const auto after = std::upper_bound(lines_.begin() + 1, lines_.end(), offset);
+    const std::size_t begin = after[-1];
     std::string_view line = std::string_view(text_).substr(begin);
     line = line.substr(0, line.find('\n'));
     if (line.ends_with('\r') && begin + line.size() < text_.size()) {
         line.remove_suffix(1);
     }
-    return line;
-}
-
-std::size_t countCodePoints(std::string_view text) {
-    kel::String decoded;
-    decoded.UTF8Decode(text.data(), static_cast<unsigned int>(text.size()), false);
-    const std::string_view bytes = decoded.view();
-    return static_cast<std::size_t>(std::count_if(bytes.begin(), bytes.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u;
-    }));
+    return {static_cast<std::size_t>(after - lines_.begin()), begin, line};
 }
 
 } // namespace stencilor

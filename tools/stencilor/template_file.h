@@ -21,6 +21,13 @@ struct Position {
     std::size_t column;
 };
 
+/// A line without its end and without a byte-order mark.
+struct Line {
+    std::size_t number; ///< from 1
+    std::size_t begin;  ///< the offset of its text in the template
+    std::string_view text;
+};
+
 /// A template with its syntax.
 ///
 /// Ownership: owns its text; what it returns is borrowed from it.
@@ -38,9 +45,7 @@ class TemplateFile {
 
     std::string_view textOf(SyntaxRange range) const;
     Position positionOf(std::size_t offset) const;
-
-    /// A line without its end and without a byte-order mark.
-    std::string_view lineOf(std::size_t number) const;
+    Line lineAt(std::size_t offset) const;
 
   private:
     std::string name_;
@@ -49,9 +54,6 @@ class TemplateFile {
     std::vector<SyntaxElement> parts_;
     SyntaxFault fault_;
 };
-
-/// The number of code points.
-std::size_t countCodePoints(std::string_view text);
 
 } // namespace stencilor
 
