@@ -1,4 +1,7 @@
+#include "../support/Build.h"
+#include "../support/Deletions.h"
 #include "../support/Environment.h"
+#include "../support/FailingAllocation.h"
 #include "../support/TemporaryFolder.h"
 #include "../support/oracles/RandomContext.h"
 #include "../support/oracles/RandomTemplate.h"
@@ -9,6 +12,7 @@
 #include <tools/stencilor/context_walk.h>
 
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -114,6 +118,33 @@ TEST(ContextWalk, EndsWhereInclusionsDoNot) {
                      [&found](const Occurrence& one) { found.push_back(one.problem); });
     walk.walk(files.add("-", text, "."), context);
     EXPECT_EQ(found, std::vector{Problem::TooDeep});
+}
+
+TEST(ContextWalk, DeletesNothingOfTheContextWhereMemoryIsExhausted) {
+    if (support::threadSanitized) {
+        GTEST_SKIP() << "the thread sanitizer does not let allocations fail";
+    }
+    bool failed = true;
+    for (int count = 0; failed; ++count) {
+        SCOPED_TRACE(count);
+        support::Deletions deletions;
+        {
+            kel::Stencilor::ContextDictionary context;
+            context.insert(
+                "b", new support::Logged<kel::Stencilor::ContextBoolean>(deletions, "b", true));
+            TemplateFiles files;
+            const TemplateFile& file = files.add("-", "{% if b %}{{ x }}{% endif %}", ".");
+            ContextWalk walk(files, ContextWalk::Extent::Rendered, [](const Occurrence&) {});
+            const support::FailingAllocation failure(count);
+            try {
+                walk.walk(file, context);
+            } catch (const std::bad_alloc&) {
+            }
+            failed = failure.happened();
+            EXPECT_EQ(deletions, support::Deletions());
+        }
+        EXPECT_EQ(deletions, support::Deletions{"b"});
+    }
 }
 
 TEST(ContextWalk, TakesNoCallStackForBlocks) {

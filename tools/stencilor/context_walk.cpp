@@ -1,4 +1,5 @@
 #include <tools/stencilor/context_walk.h>
+#include <tools/stencilor/shown_text.h>
 
 #include <algorithm>
 #include <string_view>
@@ -42,13 +43,25 @@ std::vector<std::size_t> findEnds(const std::vector<SyntaxElement>& parts) {
     return ends;
 }
 
+/// A context with one value that stays another one's, also where rendering throws.
+class BorrowingContext {
+  public:
+    explicit BorrowingContext(ContextBase& value) : slot_(context_["value"]) { slot_ = &value; }
+    BorrowingContext(const BorrowingContext&) = delete;
+    BorrowingContext& operator=(const BorrowingContext&) = delete;
+    ~BorrowingContext() { slot_ = nullptr; }
+
+    const ContextBase& get() const { return context_; }
+
+  private:
+    ContextDictionary context_;
+    ContextBase*& slot_;
+};
+
 /// The truth of a value is for the engine to tell.
 bool isTrue(ContextBoolean& value) {
-    ContextDictionary context;
-    context.insert("value", &value);
-    const bool result = !kel::Stencilor::buildOutput("{% if value %}x{% endif %}", context).empty();
-    context.insert("value", nullptr); // it is another one's to delete
-    return result;
+    const BorrowingContext context(value);
+    return !kel::Stencilor::buildOutput("{% if value %}x{% endif %}", context.get()).empty();
 }
 
 /// As the engine takes the variable of a loop and a dot from the front of a name.
@@ -71,7 +84,7 @@ struct ContextWalk::Block {
     const ContextBase* scope = nullptr;  // for a loop, of this turn
     const SyntaxElement* loop = nullptr; // its tag; null for other parts
     ContextIterable* list = nullptr;
-    unsigned int turn = 0;
+    std::size_t turn = 0;
     bool entered = false;
     ScopeBefore scopeBefore{};
     VariableBefore variableBefore{};
@@ -209,7 +222,8 @@ void ContextWalk::enter(Activation& current) {
         if (block.turn == 0) {
             block.variableBefore = current.variables.enter(current.file.textOf(block.loop->name));
         }
-        block.scope = (*block.list)[block.turn];
+        // A list is in memory, or a JSON text of at most 4 GiB: it has fewer elements than that.
+        block.scope = (*block.list)[static_cast<unsigned int>(block.turn)];
         block.next = block.begin;
     }
     if (block.scope != nullptr) {
@@ -257,8 +271,8 @@ std::string ContextWalk::placeIn(const Activation& current) const {
     if (loop == current.blocks.rend()) {
         return where_;
     }
-    return " in element " + std::to_string(loop->turn + 1) + " of \"" +
-           std::string(current.file.textOf(loop->loop->list)) + "\"";
+    return " in element " + std::to_string(loop->turn + 1) + " of " +
+           quote(current.file.textOf(loop->loop->list));
 }
 
 void ContextWalk::report(const Activation& current, Problem problem, std::size_t index, Value value,
