@@ -1,4 +1,4 @@
-#include "../support/Random.h"
+#include "../support/oracles/Random.h"
 
 #include <libKel/String.h>
 
