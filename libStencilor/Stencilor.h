@@ -27,6 +27,11 @@
 #include <map>
 #include <vector>
 
+#if !defined(__cpp_rtti) && !defined(STENCILOR_WITHOUT_DERIVED_VALUES)
+#error "Values are told apart by run-time type information, and a class derived from one without it \
+crashes buildOutput. Compile with -frtti, or define STENCILOR_WITHOUT_DERIVED_VALUES and derive none."
+#endif
+
 /// The template engine: the values that a template is rendered with, and `buildOutput`.
 namespace kel::Stencilor {
 
@@ -365,9 +370,10 @@ class STENCILOR_EXPORT ContextFactory {
 ///   it is not empty at the end of a template that parsed, it is logged once, whole.
 /// @return the text, always valid UTF-8
 ///
-/// Ownership: template and context are only read, and nothing of them is kept.
-/// Threads: any number of calls may run at once, while no thread changes a context that another
-///   call reads.
+/// Ownership: template and context are only read, and nothing of them is kept. Nobody may change the
+///   context during the call, a log sink or another thread included; what the call finds then is
+///   undefined.
+/// Threads: any number of calls may run at once, with one context, too.
 /// Errors: only memory exhaustion throws (`std::bad_alloc`, or `std::length_error` where a text
 ///   outgrows `kel::String`).
 STENCILOR_EXPORT String buildOutput(const String& input, const ContextBase& context,
