@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <stdexcept>
@@ -210,6 +211,27 @@ bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
         data_[length] = '\0';
     }
     return true;
+}
+
+bool String::isUtf8(std::string_view bytes) noexcept {
+    return validUtf8Prefix(bytes) == bytes.size();
+}
+
+String String::adopt(char* block, std::size_t length, std::size_t capacity) {
+    static_assert(adoptedOffset == roomForHolders);
+    char* const characters = block + adoptedOffset;
+    if (length < leastShared || capacity > longest) {
+        const std::unique_ptr<char, decltype(&std::free)> owner(block, &std::free);
+        return String(characters, checkedSize(length));
+    }
+    String adopted;
+    new (block) std::size_t(1); // its holders
+    characters[length] = '\0';
+    adopted.data_ = characters;
+    adopted.size_ = static_cast<unsigned int>(length);
+    adopted.capacity_ = static_cast<unsigned int>(capacity);
+    std::memcpy(adopted.inline_, characters, sizeof(std::uint64_t));
+    return adopted;
 }
 
 String String::fromUTF16(std::u16string_view text) {

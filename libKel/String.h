@@ -181,6 +181,22 @@ class String {
     /// @param flag reserved; it changes nothing
     KEL_EXPORT void UTF8Decode(const char* bytes, unsigned int length, bool flag);
 
+    /// Checks text that may come from anywhere.
+    /// @param bytes the text
+    /// @return true if it is valid UTF-8, which `UTF8Decode` keeps as it is
+    KEL_EXPORT static bool isUtf8(std::string_view bytes) noexcept;
+
+    /// Where the characters begin in a block for `adopt`.
+    static constexpr std::size_t adoptedOffset = 16;
+
+    /// Makes a string of a block of memory; a long one is not copied.
+    /// @param block comes from `malloc`, has the characters at `adoptedOffset`, and belongs to the
+    ///   string afterwards, whatever the outcome
+    /// @param length how many characters there are
+    /// @param capacity how many fit, one less than there is room for behind `adoptedOffset`
+    /// @return the string
+    KEL_EXPORT static String adopt(char* block, std::size_t length, std::size_t capacity);
+
     /// Converts from UTF-16 in the machine's byte order. What is malformed becomes U+FFFD.
     /// @param text the text in UTF-16
     /// @return the text in UTF-8

@@ -27,9 +27,9 @@
 #include <map>
 #include <vector>
 
+// Values are told apart by run-time type information; a class derived without it crashes.
 #if !defined(__cpp_rtti) && !defined(STENCILOR_WITHOUT_DERIVED_VALUES)
-#error "Values are told apart by run-time type information, and a class derived from one without it \
-crashes buildOutput. Compile with -frtti, or define STENCILOR_WITHOUT_DERIVED_VALUES and derive none."
+#error "Compile with -frtti, or define STENCILOR_WITHOUT_DERIVED_VALUES and derive no value class."
 #endif
 
 /// The template engine: the values that a template is rendered with, and `buildOutput`.
@@ -370,7 +370,8 @@ class STENCILOR_EXPORT ContextFactory {
 ///   it is not empty at the end of a template that parsed, it is logged once, whole.
 /// @return the text, always valid UTF-8
 ///
-/// Ownership: template and context are only read, and nothing of them is kept. Nobody may change the
+/// Ownership: template and context are only read, and nothing of them is kept. Nobody may change
+/// the
 ///   context during the call, a log sink or another thread included; what the call finds then is
 ///   undefined.
 /// Threads: any number of calls may run at once, with one context, too.

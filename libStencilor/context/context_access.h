@@ -12,7 +12,7 @@ struct context_access {
         return value.children;
     }
     static const String& text(const ContextString& string) noexcept { return string.value; }
-    static bool truth(const ContextBoolean& boolean) noexcept { return boolean.value; }
+    static bool isTrue(const ContextBoolean& boolean) noexcept { return boolean.value; }
     template <typename Iterable>
     static auto& elements(Iterable& iterable) noexcept {
         return iterable.elements;

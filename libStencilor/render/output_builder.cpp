@@ -1,7 +1,10 @@
 #include <libStencilor/Stencilor.h>
 #include <libStencilor/host/trace.h>
+#include <libStencilor/render/classic_call.h>
 #include <libStencilor/render/content_visit.h>
 #include <libStencilor/template/parse_template.h>
+
+#include <optional>
 
 namespace kel::Stencilor {
 
@@ -9,44 +12,55 @@ namespace {
 
 using namespace internal;
 
-/// Renders the top-level nodes. Each is decoded on its own, so that malformed bytes at the end of
-/// one never join those at the start of the next.
-String renderNodes(const content_list& nodes, const ContextBase& context, String& errors) {
-    String rendered;
+/// Appends the messages so far to the caller's text.
+void moveMessages(text_sink& messages, String& errors) {
+    errors += String(messages.c_str());
+    messages.clear();
+}
+
+/// Renders the top-level nodes. Where strings are converted, so are the messages of each node.
+template <typename Text>
+Text renderNodes(const content_list& nodes, bool wellFormed, const ContextBase& context,
+                 Text& errors) {
+    output text(wellFormed);
+    text_sink messages;
+    classic_call call(text, &messages);
     scope_stack scopes;
     scopes.enter(&context);
-    render_result result;
-    content_visit visitor(scopes, result);
-    String decoded;
+    content_visit<classic_call> visitor(call, scopes);
     for (const content& node : nodes) {
         visitor.dispatch(node);
-        result.output.trim();
-        const std::string_view output = result.output.view();
-        decoded.UTF8Decode(output.data(), static_cast<unsigned int>(output.size()), false);
-        result.output.clear();
-        rendered += decoded;
-        if (decoded.size() > text_sink::longText) {
-            decoded = String();
+        text.endNode();
+        if constexpr (!byte_text<Text>) {
+            moveMessages(messages, errors);
         }
-        errors += String(result.errors.c_str());
-        result.errors.clear();
     }
-    return rendered;
+    if (messages.size() > 0) {
+        moveMessages(messages, errors);
+    }
+    return text.take();
+}
+
+/// The rendered text, or nothing where the template is rejected.
+std::optional<String> renderText(const String& input, const ContextBase& context, String& errors) {
+    syntax_tree tree;
+    if (!parseTemplate(input, tree.nodes)) {
+        errors += String(notParsed);
+        return std::nullopt;
+    }
+    return renderNodes(tree.nodes, isWellFormed(input), context, errors);
 }
 
 } // namespace
 
 String buildOutput(const String& input, const ContextBase& context, String& errors) {
     const trace_scope trace(trace_points::buildOutput);
-    syntax_tree tree;
-    if (!parseTemplate(input, tree.nodes)) {
-        errors += String(messages::notParsed);
+    std::optional<String> rendered = renderText(input, context, errors);
+    if (!rendered) {
         return String("");
     }
-    String rendered = renderNodes(tree.nodes, context, errors);
-    takeApart(tree.nodes);
     logErrors(errors);
-    return rendered;
+    return *std::move(rendered);
 }
 
 String buildOutput(const String& input, const ContextBase& context) {

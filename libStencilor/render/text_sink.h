@@ -2,24 +2,42 @@
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 namespace kel::Stencilor::internal {
 
+/// True if no byte of `word` is 0 or above 127.
+constexpr bool arePlain(std::uint64_t word) noexcept {
+    return (((word - 0x0101010101010101u) | word) & 0x8080808080808080u) == 0;
+}
+
+/// As many bytes as `Number` has.
+template <typename Number>
+std::uint64_t loadBytes(const char* from) noexcept {
+    Number number;
+    std::memcpy(&number, from, sizeof(number));
+    return number;
+}
+
 /// The text that rendering appends to. Unlike a `std::string` it keeps no terminator up to date, so
 /// that appending is a test and a copy; short texts need no memory of their own, and long ones grow
 /// by `realloc`, which moves large blocks without copying.
+/// Errors: `std::length_error` where it would hold more than a `kel::String` can.
 /// Copying: not possible, there is one for each rendering.
 class text_sink {
   public:
-    text_sink() noexcept : begin_(inline_), end_(inline_), limit_(inline_ + sizeof(inline_)) {}
+    /// The bytes before the text in a block of `malloc`.
+    static constexpr std::size_t headroom = 16;
+
+    text_sink() noexcept : begin_(inline_), end_(inline_), limit_(inline_ + inlineRoom) {}
     text_sink(const text_sink&) = delete;
     text_sink& operator=(const text_sink&) = delete;
     ~text_sink() {
         if (begin_ != inline_) {
-            std::free(begin_);
+            std::free(begin_ - headroom);
         }
     }
 
@@ -29,54 +47,65 @@ class text_sink {
         end_ = to + text.size();
     }
 
-    /// Appends the bytes up to the first NUL. Values are short, and were written just now: reading
-    /// them back byte by byte is quicker than the wide loads of `strlen`, which have to wait until
-    /// all of the narrower stores have reached the cache.
-    void appendUpToNul(const char* text) {
-        constexpr std::size_t few = 16;
-        char* const to = roomFor(few);
-        for (std::size_t count = 0; count < few; ++count) {
-            if (text[count] == '\0') {
-                end_ = to + count;
-                return;
-            }
-            to[count] = text[count];
+    /// Appends `text` if it is all ASCII and holds no NUL, as most values are. False, with nothing
+    /// appended, if not. What is short is tested and copied by the same loads.
+    bool appendPlain(std::string_view text) {
+        const std::size_t size = text.size();
+        const char* const from = text.data();
+        if (size > 16) {
+            return appendLongPlain(text);
         }
-        end_ = to + few;
-        append(text + few);
-    }
-
-    /// What is longer is given back early: no more than twice an output shall be held at a time.
-    static constexpr std::size_t longText = 65536;
-
-    /// Gives back the room that a long text does not take.
-    void trim() noexcept {
-        if (room() > longText) {
-            shrink();
+        char* const to = roomFor(size);
+        if (size >= 8) {
+            const std::uint64_t first = loadBytes<std::uint64_t>(from);
+            const std::uint64_t last = loadBytes<std::uint64_t>(from + size - 8);
+            std::memcpy(to, &first, 8);
+            std::memcpy(to + size - 8, &last, 8);
+            end_ = to + (arePlain(first) && arePlain(last) ? size : 0);
+            return arePlain(first) && arePlain(last);
         }
+        if (size >= 4) {
+            const auto first = static_cast<std::uint32_t>(loadBytes<std::uint32_t>(from));
+            const auto last = static_cast<std::uint32_t>(loadBytes<std::uint32_t>(from + size - 4));
+            std::memcpy(to, &first, 4);
+            std::memcpy(to + size - 4, &last, 4);
+            const bool plain = arePlain(first | std::uint64_t{last} << 32);
+            end_ = to + (plain ? size : 0);
+            return plain;
+        }
+        bool plain = true;
+        for (std::size_t at = 0; at < size; ++at) {
+            to[at] = from[at];
+            plain = plain && from[at] > 0;
+        }
+        end_ = to + (plain ? size : 0);
+        return plain;
     }
 
     /// Empties it. The room of a short text is kept for the next.
-    void clear() noexcept {
-        end_ = begin_;
-        if (room() > longText) {
-            std::free(begin_);
-            begin_ = end_ = inline_;
-            limit_ = inline_ + sizeof(inline_);
-        }
-    }
+    void clear() noexcept;
 
-    std::string_view view() const noexcept {
-        return {begin_, static_cast<std::size_t>(end_ - begin_)};
-    }
+    /// Drops what was appended after the first `size` bytes.
+    void truncate(std::size_t size) noexcept { end_ = begin_ + size; }
 
-    /// The text with a NUL behind it, until the next change.
-    const char* c_str() {
-        *roomFor(1) = '\0';
+    std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - begin_); }
+    std::string_view view() const noexcept { return {begin_, size()}; }
+
+    /// The text followed by a NUL, until the next change.
+    const char* c_str() noexcept {
+        *end_ = '\0';
         return begin_;
     }
 
+    /// The text as a string. A long one is not copied where strings of this kind can adopt a block.
+    template <typename Text>
+    Text take();
+
   private:
+    // A text with more room than this gives it back early: at most two copies of an output exist
+    // at once.
+    static constexpr std::size_t longText = 65536;
+
     /// Where so many bytes can be written. A local copy of `end_`: what is written could be any
     /// member as far as the compiler knows, which would be read again after each byte.
     char* roomFor(std::size_t added) {
@@ -113,15 +142,36 @@ class text_sink {
         std::memcpy(to + size - Count, from + size - Count, Count);
     }
 
+    // Enough for a line or two, which then cost no allocation.
+    static constexpr std::size_t inlineRoom = 255;
+
     std::size_t room() const noexcept { return static_cast<std::size_t>(limit_ - begin_); }
+    bool appendLongPlain(std::string_view text);
     void grow(std::size_t added);
     void shrink() noexcept;
+    void forgetBlock() noexcept;
 
-    char* begin_; // inline_, or a block of malloc
+    char* begin_; // inline_, or headroom bytes into a block of malloc
     char* end_;
-    char* limit_;
-    char inline_[256]; // enough for a line or two, which then cost no allocation
+    char* limit_; // where the last NUL fits
+    char inline_[inlineRoom + 1];
 };
+
+template <typename Text>
+Text text_sink::take() {
+    if constexpr (requires { Text::adopt(begin_, size(), room()); }) {
+        static_assert(Text::adoptedOffset == headroom);
+        if (begin_ != inline_) {
+            shrink();
+            char* const block = begin_ - headroom;
+            const std::size_t length = size();
+            const std::size_t capacity = room();
+            forgetBlock();
+            return Text::adopt(block, length, capacity);
+        }
+    }
+    return Text(begin_, static_cast<unsigned int>(size()));
+}
 
 } // namespace kel::Stencilor::internal
 

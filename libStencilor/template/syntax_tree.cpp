@@ -1,64 +1,74 @@
 #include <libStencilor/template/syntax_tree.h>
 
-#include <boost/container/small_vector.hpp>
-#include <boost/variant/apply_visitor.hpp>
-#include <boost/variant/static_visitor.hpp>
+#include <boost/variant/get.hpp>
 
 #include <algorithm>
-#include <new>
-#include <utility>
+#include <cassert>
+#include <cstring>
 
 namespace kel::Stencilor::internal {
 
 namespace {
 
-using waiting_lists = boost::container::small_vector<content_list, 4>;
-
 bool isBlock(const content& node) {
     return node.which() <= 1; // if_expr or for_expr
 }
 
-/// Moves the lists of a block that hold blocks themselves to where they wait for their turn.
-struct child_lists : boost::static_visitor<> {
-    explicit child_lists(waiting_lists& lists) : waiting(lists) {}
+bool holdsBlocks(const content_list& list) {
+    return std::any_of(list.begin(), list.end(), isBlock);
+}
 
-    void operator()(if_expr& block) const {
-        detach(block.then_list);
-        detach(block.else_list);
+/// A list of the block `node` that holds blocks itself, or null.
+content_list* nestedList(content& node) {
+    if (auto* const conditional = boost::get<if_expr>(&node)) {
+        return holdsBlocks(conditional->then_list)   ? &conditional->then_list
+               : holdsBlocks(conditional->else_list) ? &conditional->else_list
+                                                     : nullptr;
     }
-    void operator()(for_expr& block) const { detach(block.body); }
-    template <typename Leaf>
-    void operator()(Leaf&) const {}
+    auto* const loop = boost::get<for_expr>(&node);
+    return loop != nullptr && holdsBlocks(loop->body) ? &loop->body : nullptr;
+}
 
-    void detach(content_list& list) const {
-        if (std::any_of(list.begin(), list.end(), isBlock)) {
-            waiting.push_back(std::move(list));
-        }
-    }
+/// A string of the block `node` that is no longer needed.
+std::string& spareString(content& node) {
+    auto* const conditional = boost::get<if_expr>(&node);
+    return conditional != nullptr ? conditional->name : boost::get<for_expr>(&node)->variable;
+}
 
-    waiting_lists& waiting;
-};
+/// Keeps a pointer in the characters of a string, where every string has room for it.
+void keep(content_list* pointer, std::string& string) noexcept {
+    assert(string.capacity() >= sizeof(pointer)); // so that nothing is allocated
+    string.assign(reinterpret_cast<const char*>(&pointer), sizeof(pointer));
+}
+
+content_list* kept(const std::string& string) noexcept {
+    content_list* pointer = nullptr;
+    std::memcpy(&pointer, string.data(), sizeof(pointer));
+    return pointer;
+}
 
 } // namespace
 
-void takeApart(content_list& list) noexcept {
-    waiting_lists waiting;
-    const child_lists detachChildren(waiting);
-    try {
-        while (true) {
-            for (content& node : list) {
-                boost::apply_visitor(detachChildren, node);
+// While a nested list is destroyed, the list around it waits in its place: the two are swapped, and
+// the block between them keeps where the next outer list waits. So the tree itself is the stack.
+void destroyNodes(content_list& list) noexcept {
+    content_list* outer = nullptr; // where the list around this level waits
+    while (true) {
+        while (!list.empty()) {
+            content_list* const nested = nestedList(list.back());
+            if (nested == nullptr) {
+                list.pop_back();
+                continue;
             }
-            list.clear();
-            if (waiting.empty()) {
-                return;
-            }
-            list = std::move(waiting.back());
-            waiting.pop_back();
+            keep(outer, spareString(list.back()));
+            outer = nested;
+            list.swap(*nested);
         }
-    } catch (const std::bad_alloc&) {
-        // No memory to remember lists in: what is left is destroyed level by level.
-        list.clear();
+        if (outer == nullptr) {
+            return;
+        }
+        list.swap(*outer);
+        outer = kept(spareString(list.back()));
     }
 }
 

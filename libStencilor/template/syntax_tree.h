@@ -1,9 +1,12 @@
 #ifndef LIBSTENCILOR_TEMPLATE_SYNTAX_TREE_H
 #define LIBSTENCILOR_TEMPLATE_SYNTAX_TREE_H
 
+#include <libStencilor/template/record_memory.h>
+
 #include <boost/variant/recursive_wrapper.hpp>
 #include <boost/variant/variant.hpp>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -31,6 +34,9 @@ struct if_expr {
     content_list then_list;
     content_list else_list;
     std::string name;
+
+    static void* operator new(std::size_t size) { return record_memory::allocate(size); }
+    static void operator delete(void* record) noexcept { record_memory::release(record); }
 };
 
 /// `{% for variable in list_name %} body {% endfor %}`
@@ -38,30 +44,39 @@ struct for_expr {
     content_list body;
     std::string variable;
     std::string list_name;
+
+    static void* operator new(std::size_t size) { return record_memory::allocate(size); }
+    static void operator delete(void* record) noexcept { record_memory::release(record); }
 };
 
 /// `{{ name }}`
 struct replace_expr {
     std::string name;
+
+    static void* operator new(std::size_t size) { return record_memory::allocate(size); }
+    static void operator delete(void* record) noexcept { record_memory::release(record); }
 };
 
 /// `{% include "path" %}`
 struct include_expr {
     std::string path;
+
+    static void* operator new(std::size_t size) { return record_memory::allocate(size); }
+    static void operator delete(void* record) noexcept { record_memory::release(record); }
 };
 
-/// Empties `list` without recursion, however deep its blocks are nested. Letting a list go out of
-/// scope would take stack for each level.
-void takeApart(content_list& list) noexcept;
+/// Destroys the nodes of `list`. Takes neither memory nor stack, however deeply blocks are nested;
+/// the destructor of a list would take stack for each level.
+void destroyNodes(content_list& list) noexcept;
 
-/// A tree for the time of one call.
-/// Ownership: owns its nodes, and takes them apart at the end.
+/// A tree.
+/// Ownership: owns its nodes, and destroys them without recursion.
 /// Copying: not possible, nothing needs two trees.
 struct syntax_tree {
     syntax_tree() = default;
     syntax_tree(const syntax_tree&) = delete;
     syntax_tree& operator=(const syntax_tree&) = delete;
-    ~syntax_tree() { takeApart(nodes); }
+    ~syntax_tree() { destroyNodes(nodes); }
 
     content_list nodes;
 };

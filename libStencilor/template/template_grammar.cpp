@@ -84,7 +84,7 @@ bool template_grammar::text_rule() {
     if (position_ == begin) {
         return false;
     }
-    add(step_kind::text, spanFrom(begin));
+    add(step_kind::text, spanFrom(begin), 0);
     return true;
 }
 
@@ -117,7 +117,7 @@ bool template_grammar::if_rule() {
     if (!literal("%}")) {
         return missing(SyntaxExpectation::IfEnd);
     }
-    open(step_kind::open_if, name, {});
+    open(step_kind::open_if, name, {}, record_memory::sizeOf<if_expr>());
     return true;
 }
 
@@ -138,7 +138,7 @@ bool template_grammar::for_rule() {
     if (!literal("%}")) {
         return missing(SyntaxExpectation::ForEnd);
     }
-    open(step_kind::open_for, variable, list_name);
+    open(step_kind::open_for, variable, list_name, record_memory::sizeOf<for_expr>());
     return true;
 }
 
@@ -151,7 +151,7 @@ bool template_grammar::replace_rule() {
     if (!literal("}}")) {
         return missing(SyntaxExpectation::SubstitutionEnd);
     }
-    add(step_kind::replace, name);
+    add(step_kind::replace, name, record_memory::sizeOf<replace_expr>());
     return true;
 }
 
@@ -170,7 +170,7 @@ bool template_grammar::include_rule() {
     if (!literal("%}")) {
         return missing(SyntaxExpectation::IncludeEnd);
     }
-    add(step_kind::include, path);
+    add(step_kind::include, path, record_memory::sizeOf<include_expr>());
     return true;
 }
 
@@ -246,8 +246,9 @@ template_grammar::span template_grammar::spanFrom(const char* begin) const {
 }
 
 /// Notes a node, and counts it in the list that it belongs to.
-void template_grammar::add(step_kind kind, span text) {
+void template_grammar::add(step_kind kind, span text, std::size_t record_bytes) {
     steps_.push_back({kind, text});
+    record_bytes_ += record_bytes;
     if (open_.empty()) {
         ++top_level_count_;
     } else {
@@ -256,8 +257,8 @@ void template_grammar::add(step_kind kind, span text) {
     }
 }
 
-void template_grammar::open(step_kind kind, span text, span list_name) {
-    add(kind, text);
+void template_grammar::open(step_kind kind, span text, span list_name, std::size_t record_bytes) {
+    add(kind, text, record_bytes);
     open_.push_back({kind, steps_.size() - 1, &blocks_.push_back({list_name, 0, 0})});
 }
 
@@ -277,6 +278,7 @@ void template_grammar::build(content_list& list, std::size_t count) {
     boost::container::small_vector<level, 4> enclosing;
     level current = {&list};
     list.reserve(list.size() + top_level_count_);
+    const record_memory memory(record_bytes_);
     for (; count > 0; --count) {
         const step next = steps_.take();
         const std::string_view text = textOf(next.text);

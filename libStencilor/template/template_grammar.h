@@ -104,8 +104,8 @@ class template_grammar {
     template <std::size_t Size>
     inline bool literal(const char (&expected)[Size]);
     inline span spanFrom(const char* begin) const;
-    inline void add(step_kind kind, span text);
-    inline void open(step_kind kind, span text, span list_name);
+    inline void add(step_kind kind, span text, std::size_t record_bytes);
+    inline void open(step_kind kind, span text, span list_name, std::size_t record_bytes);
     bool missing(SyntaxExpectation expected);
     void build(content_list& list, std::size_t count);
 
@@ -119,6 +119,7 @@ class template_grammar {
     piecewise_queue<block, 4> blocks_;
     boost::container::small_vector<open_block, 4> open_;
     std::uint32_t top_level_count_ = 0;
+    std::size_t record_bytes_ = 0; // what the records of all steps take
     missing_part missing_;
 };
 

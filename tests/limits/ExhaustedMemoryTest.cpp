@@ -3,9 +3,11 @@
 #include "../support/Context.h"
 #include "../support/Deletions.h"
 #include "../support/LogRecorder.h"
+#include "../support/SmallStackThread.h"
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
+#include <libStencilor/template/parse_template.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -278,6 +280,32 @@ TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
 
 // The recorder itself may be what runs out of memory, and a record is lost then: so the scopes are
 // counted, without memory.
+TEST_F(ExhaustedMemory, IsNoObstacleToDestroyingATree) {
+    using namespace kel::Stencilor::internal;
+    constexpr int chains = 6;
+    constexpr int depth = slow ? 20000 : 200000;
+    std::string chain;
+    for (int level = 0; level < depth; ++level) {
+        chain += level % 3 == 0 ? "{% for x in xs %}" : "{% if y %}a{% else %}";
+    }
+    for (int level = depth; level-- > 0;) {
+        chain += level % 3 == 0 ? "{% endfor %}" : "{% endif %}";
+    }
+    std::string text;
+    for (int count = 0; count < chains; ++count) {
+        text += chain;
+    }
+    runWithStack(256 * 1024, [&text] {
+        content_list nodes;
+        ASSERT_TRUE(parseTemplate(text, nodes));
+        ASSERT_EQ(nodes.size(), std::size_t{chains});
+        const FailingAllocation failure(0);
+        destroyNodes(nodes);
+        EXPECT_FALSE(failure.happened());
+        EXPECT_TRUE(nodes.empty());
+    });
+}
+
 TEST_F(ExhaustedMemory, ClosesEveryTracedScopeInnermostFirst) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());

@@ -76,13 +76,13 @@ TEST(Content, LeavesAnEmptyRecordBehindWhenItIsMoved) {
     EXPECT_EQ(support::describe({source}), "for( in  ?)");
 }
 
-TEST(TakeApart, EmptiesEveryList) {
+TEST(DestroyNodes, EmptiesEveryList) {
     content_list nodes;
-    takeApart(nodes);
+    destroyNodes(nodes);
     EXPECT_TRUE(nodes.empty());
     ASSERT_TRUE(parseTemplate(
         "a{{ b }}{% if c %}d{% else %}{% for e in f %}g{% endfor %}{% endif %}", nodes));
-    takeApart(nodes);
+    destroyNodes(nodes);
     EXPECT_TRUE(nodes.empty());
 }
 

@@ -134,7 +134,7 @@ struct Visit : boost::static_visitor<Result> {
         if (boolean == nullptr) {
             return {"", "Expected named \"" + node.name + "\" to be of type ContextBoolean\n"};
         }
-        const bool chosen = context_access::truth(*boolean);
+        const bool chosen = context_access::isTrue(*boolean);
         return applyVisitor(chosen ? node.then_list : node.else_list, scopes, boolean, prefixes);
     }
 

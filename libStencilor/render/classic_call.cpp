@@ -1,0 +1,74 @@
+#include <libKel/Buffer.h>
+#include <libKel/FileSystem.h>
+#include <libStencilor/render/classic_call.h>
+#include <libStencilor/render/content_visit.h>
+#include <libStencilor/template/parse_template.h>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+/// Parses and renders an included template. A template that is rejected renders as nothing, and
+/// the messages of one that is not are dropped.
+template <typename Text>
+requires byte_text<Text>
+void renderIncluded(const Text& source, scope_stack& scopes, joined_output<Text>& text) {
+    const trace_scope trace(trace_points::renderIncluded);
+    syntax_tree tree;
+    if (!parseTemplate(source, tree.nodes)) {
+        return;
+    }
+    text.beginIncluded(isWellFormed(source));
+    classic_call call(text, nullptr);
+    applyVisitor(tree.nodes, scopes, call);
+}
+
+/// The same by the conversions of another base library, each of which may change the text. The
+/// messages are appended to `errors`.
+template <typename Text>
+Text convertIncluded(const Text& source, scope_stack& scopes, Text& errors) {
+    const trace_scope trace(trace_points::renderIncluded);
+    syntax_tree tree;
+    if (!parseTemplate(source, tree.nodes)) {
+        errors += Text(notParsed);
+        return Text();
+    }
+    converted_output<Text> text(false);
+    text_sink messages;
+    classic_call call(text, &messages);
+    applyVisitor(tree.nodes, scopes, call);
+    errors += Text(messages.c_str());
+    return text.takeIncluded();
+}
+
+template <typename Text>
+void renderIncluded(const Text& source, scope_stack& scopes, converted_output<Text>& text) {
+    Text dropped;
+    text.text(convertIncluded(source, scopes, dropped).getUTF8String().c_str());
+}
+
+} // namespace
+
+void classic_call::include(const include_expr& node, scope_stack& scopes) {
+    if (!FileSystem::exists(String(node.path.c_str()))) {
+        report(fault::fileNotFound, node.path, node);
+        return;
+    }
+    Buffer<unsigned char> file;
+    if (!FileSystem::loadFile(String(node.path.c_str()), file, nullptr)) {
+        report(fault::fileNotLoaded, node.path, node);
+        return;
+    }
+    // The low 32 bits of the size: no base library loads more.
+    const String source(reinterpret_cast<const char*>(file.data),
+                        static_cast<unsigned int>(file.size));
+    renderIncluded(source, scopes, text_);
+}
+
+void classic_call::append(const message& text, const std::string& name) {
+    errors_->append(text.before);
+    errors_->append(name);
+    errors_->append(text.after);
+}
+
+} // namespace kel::Stencilor::internal

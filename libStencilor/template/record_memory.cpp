@@ -1,0 +1,77 @@
+#include <libStencilor/template/record_memory.h>
+
+#include <algorithm>
+#include <cassert>
+#include <new>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+// Large enough that a chunk costs next to nothing, small enough that malloc has it at hand.
+constexpr std::size_t largestChunk = 16384;
+
+} // namespace
+
+constinit thread_local record_memory* record_memory::active_ = nullptr;
+
+record_memory::record_memory(std::size_t bytes) noexcept : expected_(bytes), outer_(active_) {
+    active_ = this;
+}
+
+record_memory::~record_memory() {
+    assert(active_ == this); // they end in the reverse order of their beginning
+    active_ = outer_;
+    if (chunk_ != nullptr) {
+        leave(chunk_);
+    }
+}
+
+void* record_memory::allocate(std::size_t size) {
+    if (active_ != nullptr) {
+        return active_->allocateFromChunk(size);
+    }
+    return new (::operator new(sizeof(header) + size)) header{0, 0} + 1;
+}
+
+void record_memory::release(void* record) noexcept {
+    header* const before = static_cast<header*>(record) - 1;
+    if (before->offset == 0) {
+        ::operator delete(before);
+    } else {
+        leave(reinterpret_cast<chunk*>(reinterpret_cast<char*>(before) - before->offset));
+    }
+}
+
+void* record_memory::allocateFromChunk(std::size_t size) {
+    const std::size_t taken = sizeof(header) + size;
+    if (taken > size_ - used_) {
+        addChunk(taken);
+    }
+    char* const at = reinterpret_cast<char*>(chunk_) + used_;
+    auto* const before = new (at) header{static_cast<std::uint32_t>(used_), count_++};
+    ++chunk_->holders;
+    used_ += taken;
+    expected_ -= std::min(expected_, taken);
+    return before + 1;
+}
+
+/// Begins a chunk that holds what is expected, or a part of it, and at least `size` bytes.
+void record_memory::addChunk(std::size_t size) {
+    const std::size_t wanted = std::max(size, std::min(expected_, largestChunk));
+    auto* const added = new (::operator new(sizeof(chunk) + wanted)) chunk{1};
+    if (chunk_ != nullptr) {
+        leave(chunk_);
+    }
+    chunk_ = added;
+    used_ = sizeof(chunk);
+    size_ = sizeof(chunk) + wanted;
+}
+
+void record_memory::leave(chunk* left) noexcept {
+    if (--left->holders == 0) {
+        ::operator delete(left);
+    }
+}
+
+} // namespace kel::Stencilor::internal

@@ -1,0 +1,67 @@
+#ifndef LIBSTENCILOR_TEMPLATE_RECORD_MEMORY_H
+#define LIBSTENCILOR_TEMPLATE_RECORD_MEMORY_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kel::Stencilor::internal {
+
+/// Where the records of a tree are allocated.
+///
+/// While an object of this class exists, the records that its thread makes come from a few chunks,
+/// and are numbered from 0 in the order they are made. Records made without one, such as copies,
+/// have memory of their own. Each chunk is freed with its last record, so records may outlive the
+/// object.
+/// Threads: the records of one chunk are freed by one thread at a time.
+/// Copying: not possible, a thread has one.
+class record_memory {
+  public:
+    /// Prepares memory for records that take `bytes` in total, `sizeOf` each.
+    explicit record_memory(std::size_t bytes) noexcept;
+    record_memory(const record_memory&) = delete;
+    record_memory& operator=(const record_memory&) = delete;
+    ~record_memory();
+
+    /// What a record takes of a chunk.
+    template <typename Record>
+    static constexpr std::size_t sizeOf() {
+        static_assert(alignof(Record) <= alignof(header) && sizeof(Record) % sizeof(header) == 0);
+        return sizeof(header) + sizeof(Record);
+    }
+
+    /// For the allocation functions of the records.
+    static void* allocate(std::size_t size);
+    static void release(void* record) noexcept;
+
+    /// The number of a record that came from a chunk.
+    static std::uint32_t numberOf(const void* record) noexcept {
+        return static_cast<const header*>(record)[-1].number;
+    }
+
+  private:
+    /// Precedes each record.
+    struct alignas(std::uint64_t) header {
+        std::uint32_t offset; // from the start of the chunk; 0 for a record with memory of its own
+        std::uint32_t number;
+    };
+    struct chunk {
+        std::size_t holders; // its records, and the object that still fills it
+    };
+
+    void* allocateFromChunk(std::size_t size);
+    void addChunk(std::size_t size);
+    static void leave(chunk* left) noexcept;
+
+    static constinit thread_local record_memory* active_;
+
+    std::size_t expected_; // bytes that were not allocated yet
+    chunk* chunk_ = nullptr;
+    std::size_t used_ = 0; // bytes of the chunk
+    std::size_t size_ = 0;
+    std::uint32_t count_ = 0; // records made so far
+    record_memory* const outer_;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif
