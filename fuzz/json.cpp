@@ -1,3 +1,4 @@
+#include "../tests/support/oracles/JsonComparison.h"
 #include "../tests/support/oracles/ObviousUtf8.h"
 #include "target.h"
 
@@ -6,7 +7,8 @@
 
 #include <optional>
 
-// A text is either refused with a reason and a place, or makes a context that can be rendered; and
+// The reader and the parser of nlohmann-json accept the same texts and report the same values. A
+// text is either refused with a reason and a position, or makes a context that can be rendered; and
 // a value of nlohmann-json makes what its text makes.
 
 namespace {
@@ -27,7 +29,7 @@ std::optional<JsonValue> read(std::string_view text) {
         return parseJson(text, JsonRoot::Any);
     } catch (const JsonError& error) {
         fuzz::require(error.line() > 0 && error.column() > 0 && *error.what() != '\0',
-                      "what is refused has a reason and a place");
+                      "what is refused has a reason and a position");
         return std::nullopt;
     }
 }
@@ -73,6 +75,7 @@ void checkNlohmann(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text = fuzz::textOf(data, size);
+    fuzz::require(support::compareJsonReaders(text).difference.empty(), "both readers agree");
     const std::optional<JsonValue> value = read(text);
     if (value && !isTooLarge(*value)) {
         checkContext(*value);

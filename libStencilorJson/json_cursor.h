@@ -30,6 +30,7 @@ class JsonCursor {
 
     void skip(std::size_t bytes) { position_ += bytes; }
     void skipWhitespace();
+    /// `matches` takes a byte. A lambda is inlined, a pointer to a function called for each byte.
     template <typename Predicate>
     void skipWhile(Predicate matches);
 

@@ -169,7 +169,7 @@ std::string_view JsonGrammar::stringRule() {
 // characters = any, in UTF-8, but '"', "\" and those below U+0020
 std::string_view JsonGrammar::charactersRule() {
     const std::size_t begin = position();
-    while (!isAtOneOf("\"\\")) {
+    while (!isAt('"') && !isAt('\\')) {
         if (!isAtEnd() && isControl(rest().front())) {
             failAt(position(), "a control character in a string must be written as " +
                                    escapeOf(rest().substr(0, 1)));
@@ -178,7 +178,7 @@ std::string_view JsonGrammar::charactersRule() {
             failExpecting("'\"' at the end of a string");
         }
         skip(characterSizeHere());
-        skipWhile(isPlain);
+        skipWhile([](char byte) { return isPlain(byte); });
     }
     return textFrom(begin);
 }
@@ -252,7 +252,7 @@ void JsonGrammar::digitsRule(const char* expectation) {
     if (!isAtDigit()) {
         failExpecting(expectation);
     }
-    skipWhile(isDigit);
+    skipWhile([](char byte) { return isDigit(byte); });
 }
 
 bool JsonGrammar::isAtDigit() const {

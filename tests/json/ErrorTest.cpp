@@ -151,6 +151,38 @@ TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
     }
 }
 
+TEST(JsonErrors, QuoteLittleAndNothingThatControlsATerminal) {
+    const std::string longName(1000, 'a');
+    const struct {
+        const char* name;
+        std::string text;
+        std::string expected;
+    } cases[] = {
+        {"a control character", "[\x1B", "1:2: expected a value or ']', found '\\u001B'"},
+        {"a control character beyond ASCII", "[\u009B",
+         "1:2: expected a value or ']', found '\\u009B'"},
+        {"a character that turns the direction of writing", "[\u202E",
+         "1:2: expected a value or ']', found '\\u202E'"},
+        {"a character without a width", "[\u200B", "1:2: expected a value or ']', found '\\u200B'"},
+        {"such characters in a name", "{\"\u009B\u2066\x7F\":1,\"\u009B\u2066\x7F\":1}",
+         "1:10: duplicate name \"\\u009B\\u2066\\u007F\""},
+        {"a letter of another script", "[\u00E9", "1:2: expected a value or ']', found '\u00E9'"},
+        {"a character of four bytes", "[\U0001F600",
+         "1:2: expected a value or ']', found '\U0001F600'"},
+        {"a long word", "[" + longName,
+         "1:2: expected a value or ']', found '" + std::string(40, 'a') + "...'"},
+        {"a long name", "{\"" + longName + "\":1,\"" + longName + "\":1}",
+         "1:1007: duplicate name \"" + std::string(40, 'a') + "...\""},
+        {"malformed UTF-8", "[\xFF", "1:2: malformed UTF-8"},
+        {"a control character in a string without a letter of its own", "\"\x1B\"",
+         "1:2: a control character in a string must be written as \\u001B"},
+    };
+    for (const auto& [name, text, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+    }
+}
+
 TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
     try {
         contextFromJsonText("{\n  \"a\": x}");
