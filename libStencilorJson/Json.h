@@ -2,7 +2,7 @@
 #define LIBSTENCILORJSON_JSON_H
 
 /// @file
-/// Makes contexts of the values of nlohmann-json.
+/// Makes values of those of nlohmann-json.
 ///
 ///     #include <libStencilorJson/Json.h>
 ///     #include <iostream>
@@ -10,106 +10,108 @@
 ///     using namespace kel::Stencilor;
 ///
 ///     int main() {
-///         const nlohmann::json values = {{"user", {{"name", "world"}}}};
-///         std::cout << buildOutput("Hello, {{ user.name }}!\n", *contextFromJson(values));
+///         const nlohmann::json json = {{"user", {{"name", "world"}}}};
+///         std::cout << buildOutput("Hello, {{ user.name }}!\n", Context(valueFromJson(json)));
 ///     }
-///
-/// Values become what `libStencilorJson/JsonValue.h` tells of JSON texts. The context is the one
-/// that the text `value.dump()` makes: numbers are written as `dump` writes them.
 ///
 /// All that knows nlohmann-json is in this header. So the library serves hosts with whatever
 /// version of it they have.
 
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/JsonText.h>
 #include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 
 namespace kel::Stencilor {
 
 /// @cond
 namespace internal {
 
-/// Reads a value of nlohmann-json, and knows on the way where it is.
-class JsonReader {
+/// Converts a value of nlohmann-json, and knows on the way where it is.
+class JsonConverter {
   public:
-    JsonValue read(const nlohmann::json& json);
+    Value convert(const nlohmann::json& json);
 
   private:
-    JsonValue readNumber(const nlohmann::json& json) const;
-    JsonValue readArray(const nlohmann::json& json);
-    JsonValue readObject(const nlohmann::json& json);
-    JsonValue readInside(const nlohmann::json& json, const std::string& part);
-    std::string readText(const std::string& text) const;
+    Value convertNumber(const nlohmann::json& json) const;
+    Value convertArray(const nlohmann::json& json);
+    Value convertObject(const nlohmann::json& json);
+    Value convertInside(const nlohmann::json& json, const std::string& part);
+    const std::string& checked(const std::string& text) const;
     [[noreturn]] void refuse(const std::string& reason) const;
 
     std::string pointer_;
-    std::size_t depth_ = 0;
+    unsigned int depth_ = 0;
 };
 
-inline void JsonReader::refuse(const std::string& reason) const {
+inline void JsonConverter::refuse(const std::string& reason) const {
     throw JsonError(pointer_.empty() ? reason : pointer_ + ": " + reason);
 }
 
-inline std::string JsonReader::readText(const std::string& text) const {
+inline const std::string& JsonConverter::checked(const std::string& text) const {
     if (!isValidUtf8(text)) {
         refuse("malformed UTF-8");
     }
     return text;
 }
 
-inline JsonValue JsonReader::readNumber(const nlohmann::json& json) const {
-    std::string text = json.dump();
-    if (text == "null") {
+inline Value JsonConverter::convertNumber(const nlohmann::json& json) const {
+    if (json.is_number_unsigned()) {
+        return json.get<std::uint64_t>();
+    }
+    if (json.is_number_integer()) {
+        return json.get<std::int64_t>();
+    }
+    const auto number = json.get<double>();
+    if (!std::isfinite(number)) {
         refuse("not a finite number");
     }
-    return {.kind = JsonValue::Kind::Number, .text = std::move(text)};
+    return number;
 }
 
-inline JsonValue JsonReader::readInside(const nlohmann::json& json, const std::string& part) {
+inline Value JsonConverter::convertInside(const nlohmann::json& json, const std::string& part) {
     const std::size_t size = pointer_.size();
     pointer_ += "/" + part;
-    JsonValue result = read(json);
+    Value result = convert(json);
     pointer_.resize(size);
     return result;
 }
 
-inline JsonValue JsonReader::readArray(const nlohmann::json& json) {
-    JsonValue result{.kind = JsonValue::Kind::Array};
-    result.items.reserve(json.size());
+inline Value JsonConverter::convertArray(const nlohmann::json& json) {
+    Value result = Value::list();
     for (const nlohmann::json& item : json) {
-        result.items.push_back(readInside(item, std::to_string(result.items.size())));
+        result.add(convertInside(item, std::to_string(result.size())));
     }
     return result;
 }
 
-inline JsonValue JsonReader::readObject(const nlohmann::json& json) {
-    JsonValue result{.kind = JsonValue::Kind::Object};
+inline Value JsonConverter::convertObject(const nlohmann::json& json) {
+    Value result;
     for (const auto& [name, member] : json.items()) {
-        result.names.push_back(readText(name));
-        result.items.push_back(readInside(member, pointerPart(name)));
-        if (name == jsonBooleanMember && !member.is_boolean()) {
-            refuse("expected true or false as the value of \"$boolean\"");
-        }
+        result.set(String(checked(name)), convertInside(member, pointerPart(name)));
     }
     return result;
 }
 
-inline JsonValue JsonReader::read(const nlohmann::json& json) {
-    if (json.is_structured() && depth_ == deepestJson) {
-        refuse("nested more than " + std::to_string(deepestJson) + " levels deep");
+inline Value JsonConverter::convert(const nlohmann::json& json) {
+    if (json.is_structured() && depth_ == Value::deepest) {
+        refuse("nested more than " + std::to_string(Value::deepest) + " levels deep");
     }
     ++depth_;
-    JsonValue result;
+    Value result = nullptr;
     if (json.is_string()) {
-        result = {.kind = JsonValue::Kind::String,
-                  .text = readText(json.get_ref<const std::string&>())};
+        result = checked(json.get_ref<const std::string&>());
     } else if (json.is_boolean()) {
-        result = {.kind = JsonValue::Kind::Boolean, .truth = json.get<bool>()};
+        result = json.get<bool>();
     } else if (json.is_number()) {
-        result = readNumber(json);
+        result = convertNumber(json);
     } else if (json.is_array()) {
-        result = readArray(json);
+        result = convertArray(json);
     } else if (json.is_object()) {
-        result = readObject(json);
+        result = convertObject(json);
     } else if (!json.is_null()) {
         refuse(json.is_binary() ? "binary data, which JSON does not have" : "a discarded value");
     }
@@ -120,16 +122,17 @@ inline JsonValue JsonReader::read(const nlohmann::json& json) {
 } // namespace internal
 /// @endcond
 
-/// Makes a context of a value.
+/// Converts a value of nlohmann-json, numbers as `Value` converts them.
 ///
-/// Refused are, beside what is refused in a text, numbers that are not finite, binary data, and
-/// values that their parser has discarded. The error has no line, but the pointer of the value
-/// (`/users/0/name: malformed UTF-8`).
-///
-/// @param value the value, which is only read
-/// @return the context; null where the value is JSON's null
-inline std::unique_ptr<ContextBase> contextFromJson(const nlohmann::json& value) {
-    return contextFromJsonValue(internal::JsonReader().read(value));
+/// Threads: may be called from any thread, while none changes `json`.
+/// Errors: `JsonError` for malformed UTF-8, numbers that are not finite, binary data, what a parser
+///   has discarded, and more than `Value::deepest` levels. It has no line, but the pointer of the
+///   value: `/users/0/name: malformed UTF-8`. `std::length_error` for a text of more than 4 GiB - 1
+///   byte; `std::bad_alloc`.
+/// @param json the value, which is only read
+/// @return the value
+inline Value valueFromJson(const nlohmann::json& json) {
+    return internal::JsonConverter().convert(json);
 }
 
 } // namespace kel::Stencilor

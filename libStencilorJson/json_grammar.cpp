@@ -1,3 +1,5 @@
+#include <libStencilor/Value.h>
+
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
 
@@ -50,10 +52,6 @@ int hexadecimalValue(char digit) {
 // text = [ byte-order mark ] value end
 void JsonGrammar::textRule() {
     literal(byteOrderMark);
-    skipWhitespace();
-    if (root_ == JsonRoot::Object && !isAt('{')) {
-        failExpecting("an object");
-    }
     valueRule("a value");
     while (!open_.empty()) {
         if (open_.back().kind == Kind::Array) {
@@ -260,8 +258,8 @@ bool JsonGrammar::isAtDigit() const {
 }
 
 void JsonGrammar::open(Kind kind) {
-    if (open_.size() == deepestJson) {
-        failAt(position(), "nested more than " + std::to_string(deepestJson) + " levels deep");
+    if (open_.size() == Value::deepest) {
+        failAt(position(), "nested more than " + std::to_string(Value::deepest) + " levels deep");
     }
     open_.push_back({kind, position()});
     if (kind == Kind::Array) {

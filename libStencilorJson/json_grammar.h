@@ -1,7 +1,6 @@
 #ifndef LIBSTENCILORJSON_JSON_GRAMMAR_H
 #define LIBSTENCILORJSON_JSON_GRAMMAR_H
 
-#include <libStencilorJson/JsonValue.h>
 #include <libStencilorJson/json_cursor.h>
 #include <libStencilorJson/json_receiver.h>
 #include <libStencilorJson/name_set.h>
@@ -42,12 +41,12 @@ namespace kel::Stencilor::internal {
 ///
 /// The second part of a unit is a trailing surrogate, and follows leading ones only.
 ///
-/// Beyond these, arrays and objects nest at most `deepestJson` levels, and each name occurs once in
-/// its object.
+/// Beyond these, arrays and objects nest at most `Value::deepest` levels, and each name occurs once
+/// in its object.
 class JsonGrammar : private JsonCursor {
   public:
-    JsonGrammar(std::string_view text, JsonRoot root, JsonReceiver& receiver)
-        : JsonCursor(text), root_(root), receiver_(receiver) {}
+    JsonGrammar(std::string_view text, JsonReceiver& receiver)
+        : JsonCursor(text), receiver_(receiver) {}
     JsonGrammar(const JsonGrammar&) = delete;
     JsonGrammar& operator=(const JsonGrammar&) = delete;
 
@@ -82,7 +81,6 @@ class JsonGrammar : private JsonCursor {
     void open(Kind kind);
     void close();
 
-    JsonRoot root_;
     JsonReceiver& receiver_;
     std::vector<Open> open_;
     std::string decoded_; // the last string that had escapes

@@ -1,7 +1,7 @@
 #ifndef LIBSTENCILORJSON_JSON_TEXT_H
 #define LIBSTENCILORJSON_JSON_TEXT_H
 
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/JsonText.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,11 +1,10 @@
 #include <libKel/FileSystem.h>
 
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/JsonText.h>
 
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -26,9 +25,9 @@ std::string readFile(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-std::unique_ptr<ContextBase> readContext(const std::string& path) {
+Value readValues(const std::string& path) {
     try {
-        return contextFromJsonText(readFile(path));
+        return valueFromJsonText(readFile(path));
     } catch (const JsonError& error) {
         throw std::runtime_error(path + ":" + error.what());
     }
@@ -39,9 +38,9 @@ void render(const std::string& folder) {
     if (!kel::FileSystem::setRoot(folder)) {
         throw std::runtime_error(folder + " is no folder");
     }
-    const auto context = readContext(folder + "/context.json");
+    const Context context(readValues(folder + "/context.json"));
     kel::String messages;
-    const kel::String page = buildOutput(readFile(folder + "/report.html"), *context, messages);
+    const kel::String page = buildOutput(readFile(folder + "/report.html"), context, messages);
     if (!messages.empty()) {
         throw std::runtime_error(messages.str());
     }

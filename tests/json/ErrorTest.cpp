@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/JsonText.h>
 
 #include <string>
 
@@ -7,9 +7,9 @@ namespace kel::Stencilor {
 namespace {
 
 /// The error as `LINE:COLUMN: REASON`.
-std::string errorIn(const std::string& text, JsonRoot root) {
+std::string errorIn(const std::string& text) {
     try {
-        contextFromJsonText(text, root);
+        valueFromJsonText(text);
     } catch (const JsonError& error) {
         return error.what();
     }
@@ -84,7 +84,7 @@ TEST(JsonErrors, TellWhatWasExpectedAndWhere) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
@@ -122,7 +122,7 @@ TEST(JsonErrors, PointIntoStringsAndNumbers) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
@@ -147,7 +147,7 @@ TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
@@ -179,13 +179,13 @@ TEST(JsonErrors, QuoteLittleAndNothingThatControlsATerminal) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
 TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
     try {
-        contextFromJsonText("{\n  \"a\": x}");
+        valueFromJsonText("{\n  \"a\": x}");
         FAIL() << "this is no JSON";
     } catch (const JsonError& error) {
         EXPECT_EQ(error.line(), 2u);
@@ -223,7 +223,7 @@ TEST(JsonErrors, TellOfMalformedUtf8) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
@@ -248,7 +248,7 @@ TEST(JsonErrors, TellOfNamesThatOccurTwice) {
     };
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Any), expected);
+        EXPECT_EQ(errorIn(text), expected);
     }
 }
 
@@ -265,43 +265,15 @@ TEST(JsonErrors, TellOfBooleansThatAreNone) {
     };
     for (const auto& [name, value] : cases) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn("[{\"x\":1,\n \"$boolean\": " + value + "}]", JsonRoot::Any),
+        EXPECT_EQ(errorIn("[{\"x\":1,\n \"$boolean\": " + value + "}]"),
                   "2:14: expected true or false as the value of \"$boolean\"");
     }
 }
 
 TEST(JsonErrors, TellWhereItIsNestedTooDeep) {
-    EXPECT_EQ(errorIn("[\n" + std::string(512, '['), JsonRoot::Any),
-              "2:512: nested more than 512 levels deep");
-    EXPECT_EQ(errorIn(std::string(511, '[') + "{\"a\": {", JsonRoot::Any),
+    EXPECT_EQ(errorIn("[\n" + std::string(512, '[')), "2:512: nested more than 512 levels deep");
+    EXPECT_EQ(errorIn(std::string(511, '[') + "{\"a\": {"),
               "1:518: nested more than 512 levels deep");
-}
-
-TEST(JsonErrors, TellOfARootThatIsNoObject) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
-        {"an array", " [{}]", "1:2: expected an object, found '['"},
-        {"a string", "\n\"{}\"", "2:1: expected an object, found '\"'"},
-        {"a number", "7", "1:1: expected an object, found '7'"},
-        {"a literal", "null", "1:1: expected an object, found 'null'"},
-        {"nothing", "", "1:1: expected an object, found the end of the text"},
-        {"what is no JSON", "hello", "1:1: expected an object, found 'hello'"},
-        {"an object", "{}", "none"},
-        {"an object that holds others", R"({"a":[1],"b":"c"})", "none"},
-    };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text, JsonRoot::Object), expected);
-        try {
-            contextFromJsonText(text); // what it takes where nothing else is asked for
-            EXPECT_EQ(expected, "none");
-        } catch (const JsonError& error) {
-            EXPECT_EQ(error.what(), expected);
-        }
-    }
 }
 
 } // namespace

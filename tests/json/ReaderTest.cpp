@@ -2,6 +2,7 @@
 #include "../support/oracles/ObviousUtf8.h"
 
 #include <gtest/gtest.h>
+#include <libStencilorJson/JsonText.h>
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
 
@@ -42,7 +43,7 @@ class Recorder : public JsonReceiver {
 };
 
 void read(std::string_view text, JsonReceiver& receiver) {
-    JsonGrammar(text, JsonRoot::Any, receiver).read();
+    JsonGrammar(text, receiver).read();
 }
 
 TEST(JsonReceiver, ReceivesEachValueAndNameWithItsRange) {
@@ -137,11 +138,12 @@ bool readsOnASmallStack(const std::string& text) {
 
 TEST(JsonNesting, TakesNoStack) {
     std::string objects = "1";
-    for (std::size_t i = 0; i < deepestJson; ++i) {
+    for (std::size_t i = 0; i < Value::deepest; ++i) {
         objects = "{\"a\":" + objects + "}";
     }
     const std::string open(10'000'000, '[');
-    EXPECT_TRUE(readsOnASmallStack(std::string(deepestJson, '[') + std::string(deepestJson, ']')));
+    EXPECT_TRUE(
+        readsOnASmallStack(std::string(Value::deepest, '[') + std::string(Value::deepest, ']')));
     EXPECT_TRUE(readsOnASmallStack(objects));
     EXPECT_FALSE(readsOnASmallStack(open));
     EXPECT_FALSE(readsOnASmallStack(open + std::string(open.size(), ']')));

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <map>
-#include <memory>
+#include <optional>
 #include <tuple>
 
 namespace stencilor {
@@ -88,7 +88,8 @@ void sort(std::vector<Finding>& findings, const std::vector<const TemplateFile*>
 } // namespace
 
 ExitStatus check(const CheckOptions& options) {
-    const auto context = options.context.isGiven() ? makeContext(options.context) : nullptr;
+    const auto context =
+        options.context.isGiven() ? std::optional(makeContext(options.context)) : std::nullopt;
     TemplateFiles files;
     std::vector<Finding> findings;
     SyntaxCheck syntax(files, findings);
@@ -97,7 +98,7 @@ ExitStatus check(const CheckOptions& options) {
         try {
             const TemplateFile& file = files.open(name, options.root);
             syntax.check(file);
-            if (context != nullptr && !file.fault().isPresent()) {
+            if (context && !file.fault().isPresent()) {
                 const auto faults =
                     findContextFaults(files, file, *context, ContextWalk::Extent::Whole);
                 findings.insert(findings.end(), faults.begin(), faults.end());

@@ -1,8 +1,9 @@
-#include <libStencilorJson/JsonValue.h>
+#include <libStencilorJson/JsonText.h>
 #include <tools/stencilor/context_source.h>
 #include <tools/stencilor/failure.h>
 #include <tools/stencilor/files.h>
 
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -10,13 +11,11 @@ namespace stencilor {
 
 namespace {
 
-using kel::Stencilor::jsonBooleanMember;
-using kel::Stencilor::JsonRoot;
-using kel::Stencilor::JsonValue;
+using kel::Stencilor::Value;
 
-JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
+Value parse(const std::string& name, std::string_view text) {
     try {
-        return kel::Stencilor::parseJson(text, root);
+        return kel::Stencilor::valueFromJsonText(text);
     } catch (const kel::Stencilor::JsonError& error) {
         throw Failure(name + ":" + error.what());
     }
@@ -24,7 +23,7 @@ JsonValue parse(const std::string& name, std::string_view text, JsonRoot root) {
 
 /// Carries out one `-D` option: `NAME=VALUE` makes the member NAME of `context` a string,
 /// `NAME:=JSON` any value. What stood under that name is replaced.
-void applyDefinition(JsonValue& context, std::string_view definition) {
+void applyDefinition(Value& context, std::string_view definition) {
     const std::size_t equals = definition.find('=');
     const bool isJson =
         equals != std::string_view::npos && equals > 0 && definition[equals - 1] == ':';
@@ -34,19 +33,21 @@ void applyDefinition(JsonValue& context, std::string_view definition) {
     }
     const std::string_view text = definition.substr(equals + 1);
     const std::string option = "-D " + std::string(name);
-    JsonValue value = isJson
-                          ? parse(option, text, JsonRoot::Any)
-                          : JsonValue{.kind = JsonValue::Kind::String, .text = std::string(text)};
-    if (name == jsonBooleanMember && value.kind != JsonValue::Kind::Boolean) {
+    Value value = isJson ? parse(option, text) : Value(text);
+    if (name == "$boolean" && value.kind() != Value::Kind::Boolean) {
         throw Failure(option + ": expected true or false");
     }
     context.set(name, std::move(value));
 }
 
-JsonValue loadContext(const ContextOptions& options) {
-    JsonValue context{.kind = JsonValue::Kind::Object};
+Value loadContext(const ContextOptions& options) {
+    Value context;
     if (options.file) {
-        context = parse(inputName(*options.file), readInput(*options.file), JsonRoot::Object);
+        const std::string name = inputName(*options.file);
+        context = parse(name, readInput(*options.file));
+        if (context.kind() != Value::Kind::Dictionary) {
+            throw Failure(name + ": expected an object, whose members the template can name");
+        }
     }
     for (const std::string& definition : options.definitions) {
         applyDefinition(context, definition);
@@ -56,8 +57,13 @@ JsonValue loadContext(const ContextOptions& options) {
 
 } // namespace
 
-std::unique_ptr<kel::Stencilor::ContextBase> makeContext(const ContextOptions& options) {
-    return kel::Stencilor::contextFromJsonValue(loadContext(options));
+kel::Stencilor::Context makeContext(const ContextOptions& options) {
+    const Value values = loadContext(options);
+    try {
+        return kel::Stencilor::Context(values);
+    } catch (const std::length_error& error) { // of the dotted names, not of a text
+        throw Failure(error.what());
+    }
 }
 
 } // namespace stencilor

@@ -1,9 +1,8 @@
 #ifndef TOOLS_STENCILOR_CONTEXT_SOURCE_H
 #define TOOLS_STENCILOR_CONTEXT_SOURCE_H
 
-#include <libStencilor/Stencilor.h>
+#include <libStencilor/Value.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +19,7 @@ struct ContextOptions {
 
 /// Makes the context.
 /// Errors: throws `Failure`; for a JSON text with the line and column.
-std::unique_ptr<kel::Stencilor::ContextBase> makeContext(const ContextOptions& options);
+kel::Stencilor::Context makeContext(const ContextOptions& options);
 
 } // namespace stencilor
 

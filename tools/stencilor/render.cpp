@@ -40,14 +40,14 @@ ExitStatus render(const RenderOptions& options) {
     const auto context = makeContext(options.context);
     confineIncludes(includeRoot(options.templateFile, options.root));
     if (options.explain) {
-        explain(options, text, *context);
+        explain(options, text, context);
     }
     if (options.trace) {
         startTrace();
     }
 
     kel::String errors;
-    const kel::String output = kel::Stencilor::buildOutput(text, *context, errors);
+    const kel::String output = kel::Stencilor::buildOutput(text, context, errors);
     if (!options.explain) {
         printMessages(options.templateFile, errors.view());
     }

@@ -5,10 +5,10 @@
 using namespace kel::Stencilor;
 
 int main() {
-    const nlohmann::json values = {{"user", {{"name", "world"}}}};
-    std::cout << buildOutput("Hello, {{ user.name }}", *contextFromJson(values));
+    const nlohmann::json json = {{"user", {{"name", "world"}}}};
+    std::cout << buildOutput("Hello, {{ user.name }}", Context(valueFromJson(json)));
     try {
-        contextFromJsonText("{\"user\":\n}");
+        valueFromJsonText("{\"user\":\n}");
     } catch (const JsonError& error) {
         std::cout << "! " << error.what() << '\n';
     }

@@ -1,5 +1,6 @@
 #include "JsonComparison.h"
 
+#include <libStencilorJson/JsonText.h>
 #include <libStencilorJson/json_grammar.h>
 #include <nlohmann/json.hpp>
 
@@ -12,7 +13,6 @@ namespace {
 
 using Json = nlohmann::json;
 using kel::Stencilor::JsonError;
-using kel::Stencilor::JsonRoot;
 using kel::Stencilor::internal::JsonGrammar;
 using kel::Stencilor::internal::JsonRange;
 using kel::Stencilor::internal::JsonReceiver;
@@ -125,7 +125,7 @@ class Peer final : public nlohmann::json_sax<Json> {
     }
     bool addNumber(std::string_view number) { return add("number", number); }
     bool open(std::string_view bracket) {
-        refused = names_.size() == kel::Stencilor::deepestJson;
+        refused = names_.size() == kel::Stencilor::Value::deepest;
         names_.emplace_back();
         return !refused && add(bracket);
     }
@@ -139,7 +139,7 @@ class Peer final : public nlohmann::json_sax<Json> {
 
 bool reads(std::string_view text, Reader& reader) {
     try {
-        JsonGrammar(text, JsonRoot::Any, reader).read();
+        JsonGrammar(text, reader).read();
         return true;
     } catch (const JsonError&) {
         return false;

@@ -73,10 +73,10 @@ void catchException() {
 }
 
 void readJson() {
-    const nlohmann::json values = {{"guest", {{"name", "Ada"}}}};
-    print(buildOutput("{{ guest.name }}", *contextFromJson(values)));
+    const nlohmann::json json = {{"guest", {{"name", "Ada"}}}};
+    print(buildOutput("{{ guest.name }}", Context(valueFromJson(json))));
     try {
-        contextFromJsonText("{\"guest\":\n}");
+        valueFromJsonText("{\"guest\":\n}");
     } catch (const JsonError& error) {
         std::puts(error.what());
     }
