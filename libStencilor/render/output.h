@@ -45,10 +45,16 @@ class joined_output {
     void text(std::string_view text) { sink_.append(text); }
 
     /// Appends the text of a value up to its first NUL.
-    void value(const Text& value) {
-        if (!sink_.appendPlain(value.view())) {
-            bytes(upToNul(value.view()));
+    void value(const Text& value) { valueBytes(value.view()); }
+
+    /// Appends bytes that may be malformed, up to their first NUL. Returns how many they are.
+    std::size_t valueBytes(std::string_view value) {
+        if (sink_.appendPlain(value)) {
+            return value.size();
         }
+        const std::string_view appended = upToNul(value);
+        bytes(appended);
+        return appended.size();
     }
 
     /// Appends bytes that may be malformed.
@@ -71,13 +77,49 @@ class joined_output {
 
     Text take() { return sink_.take<Text>(); }
 
+    std::size_t size() const noexcept { return sink_.size(); }
+
+    /// Hands over all but a character at the end whose last bytes may follow.
+    template <typename Write>
+    void drain(Write write) {
+        const std::string_view all = sink_.view();
+        if (!doubtful_) {
+            write(all);
+            sink_.clear();
+            begin_ = 0;
+            return;
+        }
+        const std::string unfinished(all.substr(all.size() - unfinishedSize(all.substr(begin_))));
+        write(all.substr(0, begin_));
+        write(decode(all.substr(begin_, all.size() - begin_ - unfinished.size())).view());
+        sink_.clear();
+        sink_.append(unfinished);
+        begin_ = 0;
+    }
+
   private:
-    void decodeNode() {
+    static Text decode(std::string_view bytes) {
         Text decoded;
-        const std::string_view node = sink_.view().substr(begin_);
-        decoded.UTF8Decode(node.data(), static_cast<unsigned int>(node.size()), false);
+        decoded.UTF8Decode(bytes.data(), static_cast<unsigned int>(bytes.size()), false);
+        return decoded;
+    }
+
+    void decodeNode() {
+        const Text decoded = decode(sink_.view().substr(begin_));
         sink_.truncate(begin_);
         sink_.append(decoded.view());
+    }
+
+    /// How many bytes at the end begin a character that is longer: at most three.
+    static std::size_t unfinishedSize(std::string_view bytes) {
+        for (std::size_t size = 1; size <= 3 && size <= bytes.size(); ++size) {
+            const auto byte = static_cast<unsigned char>(bytes[bytes.size() - size]);
+            if (byte >= 0xC0) {
+                const std::size_t whole = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+                return whole > size ? size : 0;
+            }
+        }
+        return 0;
     }
 
     text_sink sink_;

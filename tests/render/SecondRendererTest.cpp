@@ -1,22 +1,29 @@
 #include "../support/Build.h"
 #include "../support/LogRecorder.h"
+#include "../support/PrescribedMessages.h"
 #include "../support/TemporaryFolder.h"
 #include "../support/oracles/RenderingComparison.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>
+#include <libStencilor/Template.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace support {
 namespace {
 
 using kel::LoggerPriority::LOGGER_PRIORITY;
+using kel::Stencilor::ContextBase;
+using kel::Stencilor::RenderResult;
+using kel::Stencilor::Template;
 
 /// Our own base library, with files below a root.
 class OwnHost : public ComparedHost {
@@ -54,6 +61,20 @@ class OwnHost : public ComparedHost {
     kel::String toString(Random&, const std::string& bytes) override { return bytes; }
     std::string toBytes(const kel::String& string) override { return string.str(); }
     std::vector<std::string> takeRecords() override { return recorder_.takeLines(); }
+
+    void compareFurther(const kel::String& input, const ContextBase& context,
+                        const std::string& output,
+                        const std::optional<std::string>& errors) override {
+        const Template parsed(input);
+        const RenderResult whole = parsed.render(context);
+        EXPECT_EQ(whole.text.str(), output) << input;
+        if (errors) {
+            EXPECT_EQ(prescribedText(whole), *errors) << input;
+        }
+        std::string joined;
+        parsed.renderTo(context, [&joined](std::string_view piece) { joined += piece; });
+        EXPECT_EQ(joined, output) << input;
+    }
 
   private:
     TemporaryFolder folder_;

@@ -73,6 +73,12 @@ class Comparison {
         EXPECT_EQ(rendered.errors, expected.errors) << text_;
         EXPECT_EQ(rendered.records, expected.records) << text_;
         EXPECT_EQ(rendered.failed, expected.failed) << text_;
+        if (!rendered.failed) {
+            host_.compareFurther(input_, *context_, rendered.output,
+                                 dropped_ ? std::nullopt
+                                          : std::optional(rendered.errors.substr(before_.size())));
+            host_.takeRecords();
+        }
         return !expected.output.empty();
     }
 
@@ -125,6 +131,9 @@ class Comparison {
 };
 
 } // namespace
+
+void ComparedHost::compareFurther(const String&, const ContextBase&, const std::string&,
+                                  const std::optional<std::string>&) {}
 
 void compareRenderings(ComparedHost& host, std::uint64_t count) {
     const std::uint64_t first = numberFromEnvironment("STENCILOR_SEED", 0);

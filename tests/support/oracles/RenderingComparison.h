@@ -4,6 +4,7 @@
 #include "Random.h"
 
 #include <libKel/String.h>
+#include <libStencilor/Stencilor.h>
 
 #include <cstdint>
 #include <map>
@@ -35,6 +36,13 @@ class ComparedHost {
 
     /// What was recorded since the last call, whatever that is: it must be the same for both.
     virtual std::vector<std::string> takeRecords() = 0;
+
+    /// Compares a further way to render with what `buildOutput` gave: its output, and its messages
+    /// if they are known. Does nothing where there is none.
+    virtual void compareFurther(const kel::String& input,
+                                const kel::Stencilor::ContextBase& context,
+                                const std::string& output,
+                                const std::optional<std::string>& errors);
 
     /// Has the call after so many throw `std::bad_alloc`, where the library can; nothing: none.
     virtual void setCallsUntilFailure(std::optional<std::uint64_t>) {}

@@ -1,0 +1,129 @@
+#include <libKel/Folder.h>
+#include <libStencilor/Template.h>
+
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace kel::Stencilor {
+
+namespace {
+
+constexpr std::int64_t unsettledNanoseconds = 2'000'000'000;
+
+std::int64_t nanosecondsNow() {
+    using namespace std::chrono;
+    return duration_cast<nanoseconds>(system_clock::now().time_since_epoch()).count();
+}
+
+Folder openFolder(const String& root) {
+    std::optional<Folder> folder = Folder::open(root);
+    if (!folder) {
+        throw std::invalid_argument("not a directory that can be entered: " + root.str());
+    }
+    return *std::move(folder);
+}
+
+TemplateSource::Answer answerOf(Folder::Answer answer) {
+    switch (answer) {
+    case Folder::Answer::Found:
+        return TemplateSource::Answer::Found;
+    case Folder::Answer::Missing:
+        return TemplateSource::Answer::Missing;
+    case Folder::Answer::Unreadable:
+        break;
+    case Folder::Answer::TooLarge:
+        return TemplateSource::Answer::TooLarge;
+    }
+    return TemplateSource::Answer::Unreadable;
+}
+
+} // namespace
+
+namespace internal {
+
+/// The files below a directory, and what was parsed of them.
+class template_files {
+  public:
+    explicit template_files(const String& root) : folder_(openFolder(root)) {}
+
+    TemplateSource::Answer find(const String& path, std::uint64_t maxBytes,
+                                std::optional<Template>& found);
+
+  private:
+    /// A file as it was parsed, and its state at that time.
+    struct parsed_file {
+        FileState state;
+        Template made;
+    };
+
+    std::optional<Template> findKept(const String& path, const FileState& state);
+    TemplateSource::Answer load(const String& path, std::uint64_t maxBytes,
+                                std::optional<Template>& found);
+
+    const Folder folder_;
+    std::mutex mutex_;
+    std::map<String, parsed_file> parsed_; // guarded by mutex_
+};
+
+TemplateSource::Answer template_files::find(const String& path, std::uint64_t maxBytes,
+                                            std::optional<Template>& found) {
+    const std::optional<FileState> state = folder_.find(path);
+    if (!state) {
+        return TemplateSource::Answer::Missing;
+    }
+    found = findKept(path, *state);
+    if (!found) {
+        return load(path, maxBytes, found);
+    }
+    if (found->text().size() > maxBytes) {
+        found.reset();
+        return TemplateSource::Answer::TooLarge;
+    }
+    return TemplateSource::Answer::Found;
+}
+
+std::optional<Template> template_files::findKept(const String& path, const FileState& state) {
+    const std::lock_guard lock(mutex_);
+    const auto kept = parsed_.find(path);
+    const bool same = kept != parsed_.end() && kept->second.state == state;
+    return same ? std::optional(kept->second.made) : std::nullopt;
+}
+
+/// Reads and parses a file, and keeps it unless it may still change without another state.
+TemplateSource::Answer template_files::load(const String& path, std::uint64_t maxBytes,
+                                            std::optional<Template>& found) {
+    const std::int64_t before = nanosecondsNow();
+    Buffer<unsigned char> bytes;
+    FileState state;
+    const Folder::Answer answer = folder_.load(path, maxBytes, bytes, state);
+    if (answer != Folder::Answer::Found) {
+        return answerOf(answer);
+    }
+    found.emplace(String(reinterpret_cast<const char*>(bytes.data),
+                         static_cast<unsigned int>(bytes.size)), // no longer file is loaded
+                  path);
+    const std::lock_guard lock(mutex_);
+    if (bytes.size == state.size && before - state.modified >= unsettledNanoseconds) {
+        parsed_.insert_or_assign(path, parsed_file{state, *found});
+    } else {
+        parsed_.erase(path);
+    }
+    return TemplateSource::Answer::Found;
+}
+
+} // namespace internal
+
+FileTemplates::FileTemplates(const String& root)
+    : files_(std::make_unique<internal::template_files>(root)) {}
+FileTemplates::~FileTemplates() = default;
+
+TemplateSource::Answer FileTemplates::find(const String& path, std::uint64_t maxBytes,
+                                           std::optional<Template>& found) {
+    return files_->find(path, maxBytes, found);
+}
+
+} // namespace kel::Stencilor

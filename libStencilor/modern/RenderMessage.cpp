@@ -1,0 +1,55 @@
+#include <libStencilor/Template.h>
+
+#include <string>
+
+namespace kel::Stencilor {
+
+namespace {
+
+std::string quoted(const String& name) {
+    return '"' + name.str() + '"';
+}
+
+std::string describe(const RenderMessage& message) {
+    using Kind = RenderMessage::Kind;
+    switch (message.kind) {
+    case Kind::ReplacementNotFound:
+        return "there is no value named " + quoted(message.name);
+    case Kind::ReplacementNotString:
+        return "the value " + quoted(message.name) + " is not a text";
+    case Kind::BooleanNotFound:
+        return "there is no boolean named " + quoted(message.name);
+    case Kind::NotBoolean:
+        return "the value " + quoted(message.name) + " is not a boolean";
+    case Kind::ListNotFound:
+        return "there is no list named " + quoted(message.name);
+    case Kind::NotIterable:
+        return "the value " + quoted(message.name) + " is not a list";
+    case Kind::FileNotFound:
+        return "there is no template " + quoted(message.name);
+    case Kind::FileNotLoaded:
+        return "the template " + quoted(message.name) + " cannot be read";
+    case Kind::TemplateRejected:
+        return std::string("the template is not well formed: expected ") +
+               describe(message.fault.expected);
+    case Kind::StepLimit:
+        return "the limit of steps is reached";
+    case Kind::OutputLimit:
+        return "the limit of output bytes is reached";
+    case Kind::TemplateLimit:
+        return "the limit of template bytes is reached";
+    case Kind::DepthLimit:
+        return "the limit of the include depth is reached";
+    case Kind::Stopped:
+        return "the host stopped the render";
+    }
+    return {};
+}
+
+} // namespace
+
+String RenderMessage::text() const {
+    return describe(*this);
+}
+
+} // namespace kel::Stencilor

@@ -1,0 +1,188 @@
+#include <libStencilor/modern/escaper.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace kel::Stencilor {
+
+namespace {
+
+using internal::escaper;
+
+constexpr std::uint64_t ones = 0x0101010101010101u;
+constexpr std::uint64_t highBits = 0x8080808080808080u;
+
+/// Has the high bit of a byte set where that byte of `word` is `byte`, if not of others, too, that
+/// follow it. Bytes over 127 may be taken for it.
+constexpr std::uint64_t bytesEqual(std::uint64_t word, unsigned char byte) {
+    return (word ^ ones * byte) - ones;
+}
+
+/// False only where none of eight bytes is one that HTML escapes. '"' and '&' differ in one bit,
+/// and so do '<' and '>'.
+constexpr bool mayEscapeHtml(std::uint64_t word) {
+    const std::uint64_t found = bytesEqual(word & ~(ones * 4), '"') | bytesEqual(word, '\'') |
+                                bytesEqual(word & ~(ones * 2), '<');
+    return (found & highBits) != 0;
+}
+
+constexpr std::string_view htmlEscape(char byte) {
+    switch (byte) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        return {};
+    }
+}
+
+constexpr std::size_t escapeCount = 128;
+constexpr std::array<bool, escapeCount> htmlEscapes = [] {
+    std::array<bool, escapeCount> escapes{};
+    for (std::size_t byte = 0; byte < escapeCount; ++byte) {
+        escapes[byte] = !htmlEscape(static_cast<char>(byte)).empty();
+    }
+    return escapes;
+}();
+
+bool isHtmlEscaped(char byte) {
+    const auto index = static_cast<unsigned char>(byte);
+    return index < escapeCount && htmlEscapes[index];
+}
+
+/// How many bytes at the start of `text` HTML does not escape.
+std::size_t plainHtmlPrefix(std::string_view text) {
+    std::size_t at = 0;
+    std::uint64_t word;
+    while (text.size() - at >= sizeof(word)) {
+        std::memcpy(&word, text.data() + at, sizeof(word));
+        if (mayEscapeHtml(word)) {
+            break;
+        }
+        at += sizeof(word);
+    }
+    while (at < text.size() && !isHtmlEscaped(text[at])) {
+        ++at;
+    }
+    return at;
+}
+
+void appendHtml(std::string_view text, std::string& out) {
+    while (true) {
+        const std::size_t plain = plainHtmlPrefix(text);
+        out.append(text.substr(0, plain));
+        if (plain == text.size()) {
+            return;
+        }
+        out.append(htmlEscape(text[plain]));
+        text.remove_prefix(plain + 1);
+    }
+}
+
+void appendUnicodeEscape(unsigned int unit, std::string& out) {
+    constexpr const char* digits = "0123456789abcdef";
+    out += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) {
+        out += digits[unit >> shift & 0xF];
+    }
+}
+
+/// U+2028 and U+2029 end a line in scripts: E2 80 A8 and E2 80 A9.
+bool beginsLineSeparator(std::string_view text) {
+    return text.starts_with("\xE2\x80\xA8") || text.starts_with("\xE2\x80\xA9");
+}
+
+void appendJsonEscape(char byte, std::string& out) {
+    constexpr std::string_view shortForms = "\"\"\\\\\bb\ff\nn\rr\tt";
+    for (std::size_t at = 0; at < shortForms.size(); at += 2) {
+        if (shortForms[at] == byte) {
+            out += '\\';
+            out += shortForms[at + 1];
+            return;
+        }
+    }
+    appendUnicodeEscape(static_cast<unsigned char>(byte), out);
+}
+
+bool isJsonEscaped(char byte) {
+    return static_cast<unsigned char>(byte) < 0x20 || std::strchr("\"\\<>&", byte) != nullptr;
+}
+
+void appendJson(std::string_view text, std::string& out) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (beginsLineSeparator(text.substr(at))) {
+            appendUnicodeEscape(text[at + 2] == '\xA8' ? 0x2028 : 0x2029, out);
+            at += 2;
+        } else if (isJsonEscaped(text[at])) {
+            appendJsonEscape(text[at], out);
+        } else {
+            out += text[at];
+        }
+    }
+}
+
+} // namespace
+
+Escape::Escape(Kind kind) : kind_(kind) {}
+
+Escape::Escape(std::function<void(std::string_view value, std::string& out)> function)
+    : kind_(Kind::Function), function_(std::make_shared<const Function>(std::move(function))) {}
+
+Escape::Escape(const Escape& other) = default;
+Escape::Escape(Escape&& other) noexcept = default;
+Escape& Escape::operator=(const Escape& other) = default;
+Escape& Escape::operator=(Escape&& other) noexcept = default;
+Escape::~Escape() = default;
+
+Escape Escape::none() {
+    return Escape(Kind::None);
+}
+
+Escape Escape::html() {
+    return Escape(Kind::Html);
+}
+
+Escape Escape::json() {
+    return Escape(Kind::Json);
+}
+
+std::string_view escaper::escape(std::string_view value) {
+    const Escape::Kind kind = escape_.kind_;
+    if (kind == Escape::Kind::None ||
+        (kind == Escape::Kind::Html && plainHtmlPrefix(value) == value.size())) {
+        return value;
+    }
+    escaped_.clear();
+    if (kind == Escape::Kind::Html) {
+        appendHtml(value, escaped_);
+    } else if (kind == Escape::Kind::Json) {
+        appendJson(value, escaped_);
+    } else {
+        (*escape_.function_)(value, escaped_);
+    }
+    return std::string_view(escaped_).substr(0, escaped_.find('\0'));
+}
+
+String escapeHtml(std::string_view text) {
+    std::string escaped;
+    appendHtml(text, escaped);
+    return escaped;
+}
+
+String escapeJson(std::string_view text) {
+    std::string escaped;
+    appendJson(text, escaped);
+    return escaped;
+}
+
+} // namespace kel::Stencilor

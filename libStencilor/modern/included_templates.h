@@ -1,0 +1,46 @@
+#ifndef LIBSTENCILOR_MODERN_INCLUDED_TEMPLATES_H
+#define LIBSTENCILOR_MODERN_INCLUDED_TEMPLATES_H
+
+#include <libStencilor/Template.h>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+
+namespace kel::Stencilor::internal {
+
+/// What a source answered.
+struct included_template {
+    TemplateSource::Answer answer = TemplateSource::Answer::Missing;
+    std::optional<Template> found{}; // if the answer is Found
+};
+
+/// The templates that one render asked for, each path once.
+/// Ownership: borrows the source, and keeps the templates.
+class included_templates {
+  public:
+    /// `source` may be null, for the files that `buildOutput` finds. `limit` is how many bytes all
+    /// templates may have.
+    included_templates(TemplateSource* source, std::uint64_t limit)
+        : source_(source), limit_(limit), left_(limit) {}
+
+    const included_template& find(const String& path) {
+        const auto known = templates_.find(path);
+        return known != templates_.end() ? known->second : ask(path);
+    }
+
+    /// How many bytes the templates have.
+    std::uint64_t bytes() const noexcept { return limit_ - left_; }
+
+  private:
+    const included_template& ask(const String& path);
+
+    TemplateSource* source_;
+    const std::uint64_t limit_;
+    std::uint64_t left_;
+    std::map<String, included_template> templates_;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif

@@ -1,0 +1,110 @@
+#include <libStencilor/modern/metered_call.h>
+#include <libStencilor/render/content_visit.h>
+
+#include <boost/variant/apply_visitor.hpp>
+#include <boost/variant/static_visitor.hpp>
+
+#include <array>
+
+namespace kel::Stencilor::internal {
+
+namespace {
+
+using Kind = RenderMessage::Kind;
+
+/// A row for each fault, in their order.
+constexpr std::array kinds{
+    Kind::ReplacementNotFound, Kind::ReplacementNotString, Kind::BooleanNotFound,
+    Kind::NotBoolean,          Kind::ListNotFound,         Kind::NotIterable,
+    Kind::FileNotFound,        Kind::FileNotLoaded,
+};
+static_assert(kinds.size() == messages.size());
+
+/// The record that a node holds, or null for a text.
+struct record_of : boost::static_visitor<const void*> {
+    template <typename Record>
+    const void* operator()(const Record& record) const {
+        return &record;
+    }
+    const void* operator()(const std::string&) const { return nullptr; }
+};
+
+} // namespace
+
+node_place metered_call::place() const {
+    const void* const record = boost::apply_visitor(record_of(), *node_);
+    return record == nullptr ? placeOfText(in_, *node_)
+                             : placeOf(in_.names->use(record_memory::numberOf(record)));
+}
+
+void metered_call::endAtOutputLimit() {
+    state_.end(RenderStatus::OutputLimit, in_, place());
+}
+
+void metered_call::addMessage(fault reason, const name_use& use) {
+    state_.addMessage(kinds[static_cast<std::size_t>(reason)], in_, placeOf(use),
+                      in_.names->nameOf(in_.text, use));
+}
+
+/// `find` where some keys are not kept.
+const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const name_use& use) {
+    const auto kept = in_.names->keptKeys(use);
+    const auto prefixes = in_.names->prefixes(use);
+    const std::string_view name = in_.text.view().substr(use.begin, use.size);
+    const auto here = [this] { return place(); };
+    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
+        for (std::size_t index = 0; index < prefixes.size(); ++index) {
+            state_.countKey(in_, here);
+            const ContextBase* found = nullptr;
+            if (index < kept.size()) {
+                found = findIn(**scope, kept[index]);
+            } else {
+                const std::string_view key = name.substr(prefixes[index]);
+                state_.countKeyBytes(key.size(), in_, here);
+                found = findIn(**scope, String(key));
+            }
+            if (found != nullptr) {
+                return found;
+            }
+        }
+    }
+    return nullptr;
+}
+
+void metered_call::include(const include_expr& node, scope_stack& scopes) {
+    const name_use& use = useOf(node);
+    const included_template& included = state_.findTemplate(in_.names->nameOf(in_.text, use));
+    switch (included.answer) {
+    case TemplateSource::Answer::Found:
+        renderIncluded(*included.found, use, scopes);
+        break;
+    case TemplateSource::Answer::Missing:
+        report(fault::fileNotFound, node.path, node);
+        break;
+    case TemplateSource::Answer::Unreadable:
+        report(fault::fileNotLoaded, node.path, node);
+        break;
+    case TemplateSource::Answer::TooLarge:
+        state_.end(RenderStatus::TemplateLimit, in_, placeOf(use));
+    }
+}
+
+void metered_call::renderIncluded(const Template& included, const name_use& use,
+                                  scope_stack& scopes) {
+    if (!state_.mayInclude()) {
+        state_.end(RenderStatus::DepthLimit, in_, placeOf(use));
+    }
+    const trace_scope trace(trace_points::renderIncluded);
+    const parsed_template& parsed = template_access::parsed(included);
+    state_.enterInclude(in_, use);
+    if (parsed.names) {
+        text_.beginIncluded(parsed.isUtf8);
+        metered_call call({state_, text_, escape_}, parsed);
+        applyVisitor(parsed.tree.nodes, scopes, call);
+    } else if (state_.wantsMessage()) {
+        state_.addMessage(Kind::TemplateRejected, parsed, placeOfFault(parsed));
+    }
+    state_.leaveInclude();
+}
+
+} // namespace kel::Stencilor::internal

@@ -1,0 +1,132 @@
+#include <libStencilor/modern/loop_variables.h>
+#include <libStencilor/modern/name_table.h>
+#include <libStencilor/modern/text_position.h>
+
+#include <algorithm>
+#include <functional>
+#include <unordered_map>
+
+namespace kel::Stencilor::internal {
+
+/// Fills a table from the parts of a template in their order.
+class name_table::builder final : public SyntaxVisitor {
+  public:
+    builder(name_table& table, std::string_view text)
+        : table_(table), text_(text), position_(text), unusedBytes_(text.size()) {}
+
+    void visit(const SyntaxElement& part) override {
+        using Kind = SyntaxElement::Kind;
+        switch (part.kind) {
+        case Kind::Substitution:
+        case Kind::If:
+            addName(part.name);
+            break;
+        case Kind::For:
+            addName(part.list);
+            variables_.enter(textOf(part.name));
+            break;
+        case Kind::EndFor:
+            variables_.leave();
+            break;
+        case Kind::EndIf:
+        case Kind::Else:
+        case Kind::Text:
+            break;
+        case Kind::Include:
+            prefixLengths_.assign(1, 0); // a path is tried as it is
+            addUse(part.name);
+            break;
+        }
+    }
+
+  private:
+    std::string_view textOf(SyntaxRange range) const {
+        return text_.substr(range.begin, range.end - range.begin);
+    }
+
+    void addName(SyntaxRange name) {
+        variables_.collectPrefixes(textOf(name), prefixLengths_);
+        addUse(name);
+    }
+
+    void addUse(SyntaxRange name) {
+        position_.moveTo(name.begin);
+        table_.uses_.push_back({name.begin, name.end - name.begin, position_.line(),
+                                position_.column(), keysOf(textOf(name))});
+    }
+
+    /// The list of keys of a name with the prefixes in `prefixLengths_`.
+    std::uint32_t keysOf(std::string_view name) {
+        constexpr int most = 8; // names with the same hash that are compared; the rest add a list
+        const std::size_t hash = std::hash<std::string_view>()(name);
+        auto [found, end] = lists_.equal_range(hash);
+        for (int compared = 0; found != end && compared < most; ++found, ++compared) {
+            if (isTriedAlike(found->second, name)) {
+                return found->second.index;
+            }
+        }
+        const auto index = static_cast<std::uint32_t>(table_.lists_.size());
+        table_.lists_.push_back(makeList(name));
+        lists_.emplace(hash, known_list{index, name});
+        return index;
+    }
+
+    struct known_list {
+        std::uint32_t index;
+        std::string_view name;
+    };
+
+    bool isTriedAlike(const known_list& known, std::string_view name) const {
+        const key_list& list = table_.lists_[known.index];
+        const auto first = table_.prefixes_.begin() + static_cast<std::ptrdiff_t>(list.firstPrefix);
+        return known.name == name && std::equal(prefixLengths_.begin(), prefixLengths_.end(), first,
+                                                first + static_cast<std::ptrdiff_t>(list.count));
+    }
+
+    key_list makeList(std::string_view name) {
+        key_list list{static_cast<std::uint32_t>(table_.keys_.size()), 0,
+                      static_cast<std::uint32_t>(table_.prefixes_.size()),
+                      static_cast<std::uint32_t>(prefixLengths_.size())};
+        table_.prefixes_.insert(table_.prefixes_.end(), prefixLengths_.begin(),
+                                prefixLengths_.end());
+        for (const std::uint32_t length : prefixLengths_) {
+            const std::string_view key = name.substr(length);
+            if (key.size() > unusedBytes_) {
+                break;
+            }
+            unusedBytes_ -= key.size();
+            table_.keys_.emplace_back(key);
+            ++list.kept;
+        }
+        return list;
+    }
+
+    name_table& table_;
+    std::string_view text_;
+    text_position position_;
+    std::size_t unusedBytes_; // that further keys may take
+    loop_variables variables_;
+    std::vector<std::uint32_t> prefixLengths_;
+    std::unordered_multimap<std::size_t, known_list> lists_;
+};
+
+String name_table::nameOf(const String& text, const name_use& use) const {
+    const auto kept = keptKeys(use);
+    for (std::size_t index = 0; index < kept.size(); ++index) {
+        if (prefixes(use)[index] == 0) {
+            return kept[index];
+        }
+    }
+    return text.view().substr(use.begin, use.size);
+}
+
+name_table::name_table(const String& text) {
+    builder parts(*this, text.view());
+    readSyntax(text, parts);
+    uses_.shrink_to_fit();
+    lists_.shrink_to_fit();
+    keys_.shrink_to_fit();
+    prefixes_.shrink_to_fit();
+}
+
+} // namespace kel::Stencilor::internal

@@ -1,0 +1,79 @@
+#ifndef LIBSTENCILOR_MODERN_NAME_TABLE_H
+#define LIBSTENCILOR_MODERN_NAME_TABLE_H
+
+#include <libKel/String.h>
+#include <libStencilor/Syntax.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+/// Where the name or path of a record is, and what it is tried as.
+struct name_use {
+    std::uint32_t begin = 0;
+    std::uint32_t size = 0;
+    std::uint32_t line = 0;
+    std::uint32_t column = 0;
+    std::uint32_t keys = 0; // of name_table
+
+    SyntaxRange range() const noexcept { return {begin, begin + size}; }
+};
+
+/// The names of one template, by the number of the record that holds each.
+///
+/// A name is tried as the keys that the loops around it make of it, which the template alone
+/// determines. Names that are written alike and tried alike share their keys. Keys are kept as
+/// strings while all of them take no more bytes than the template; the others are made when they
+/// are tried.
+/// Threads: never changes once it is made.
+class name_table {
+  public:
+    /// `text` is a template that is well formed up to its first NUL.
+    explicit name_table(const String& text);
+
+    const name_use& use(std::uint32_t number) const noexcept { return uses_[number]; }
+
+    /// The keys of a name that are kept, in the order they are tried.
+    std::span<const String> keptKeys(const name_use& use) const noexcept {
+        const key_list& list = lists_[use.keys];
+        return {keys_.data() + list.firstKey, list.kept};
+    }
+
+    /// How many bytes at the start of the name are stripped for each of its keys. The kept ones are
+    /// those of the first.
+    std::span<const std::uint32_t> prefixes(const name_use& use) const noexcept {
+        const key_list& list = lists_[use.keys];
+        return {prefixes_.data() + list.firstPrefix, list.count};
+    }
+
+    /// The name itself, which is nearly always kept: it is one of the keys.
+    String nameOf(const String& text, const name_use& use) const;
+
+    bool keepsAllKeys(const name_use& use) const noexcept {
+        const key_list& list = lists_[use.keys];
+        return list.kept == list.count;
+    }
+
+  private:
+    class builder;
+
+    struct key_list {
+        std::uint32_t firstKey;
+        std::uint32_t kept;
+        std::uint32_t firstPrefix;
+        std::uint32_t count;
+    };
+
+    std::vector<name_use> uses_;
+    std::vector<key_list> lists_;
+    std::vector<String> keys_;
+    std::vector<std::uint32_t> prefixes_;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif

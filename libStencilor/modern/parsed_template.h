@@ -1,0 +1,53 @@
+#ifndef LIBSTENCILOR_MODERN_PARSED_TEMPLATE_H
+#define LIBSTENCILOR_MODERN_PARSED_TEMPLATE_H
+
+#include <libKel/String.h>
+#include <libStencilor/Syntax.h>
+#include <libStencilor/Template.h>
+#include <libStencilor/modern/name_table.h>
+#include <libStencilor/template/syntax_tree.h>
+
+#include <memory>
+#include <optional>
+
+namespace kel::Stencilor::internal {
+
+/// What a `Template` shares with its copies.
+/// Threads: never changes once it is made.
+struct parsed_template {
+    parsed_template(String source, String called);
+
+    const String text;
+    const String name;
+    syntax_tree tree;
+    SyntaxFault fault;
+    std::optional<name_table> names; // of a well-formed template
+    bool isUtf8;                     // whether all of the text is
+};
+
+/// The library's own way into a template.
+struct template_access {
+    static const parsed_template& parsed(const Template& made) noexcept { return *made.parsed_; }
+};
+
+/// Where a node of a well-formed template is.
+struct node_place {
+    SyntaxRange range;
+    unsigned int line;
+    unsigned int column;
+};
+
+/// The place of the name or path of a record.
+inline node_place placeOf(const name_use& use) noexcept {
+    return {use.range(), use.line, use.column};
+}
+
+/// The place of a text. Takes time in the size of the template.
+node_place placeOfText(const parsed_template& in, const content& text);
+
+/// The place of what makes a template malformed.
+node_place placeOfFault(const parsed_template& in);
+
+} // namespace kel::Stencilor::internal
+
+#endif

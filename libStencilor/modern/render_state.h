@@ -1,0 +1,122 @@
+#ifndef LIBSTENCILOR_MODERN_RENDER_STATE_H
+#define LIBSTENCILOR_MODERN_RENDER_STATE_H
+
+#include <libStencilor/Template.h>
+#include <libStencilor/modern/included_templates.h>
+#include <libStencilor/modern/parsed_template.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace kel::Stencilor::internal {
+
+/// Ends a render from wherever it is. Its message has been added.
+struct render_end {
+    RenderStatus status;
+};
+
+/// What the templates of one render have in common: what it may still take, its messages, and the
+/// includes that are open.
+/// Ownership: borrows the options.
+/// Copying: not possible, it represents one render.
+class render_state {
+  public:
+    explicit render_state(const RenderOptions& options);
+    render_state(const render_state&) = delete;
+    render_state& operator=(const render_state&) = delete;
+
+    /// Takes a step, if there is one left. `place` finds out where the render is.
+    template <typename Place>
+    void step(const parsed_template& in, Place place) {
+        if (steps_ == pause_) {
+            pauseAt(in, place);
+        }
+        ++steps_;
+    }
+
+    /// Counts a key that is looked up.
+    template <typename Place>
+    void countKey(const parsed_template& in, Place place) {
+        constexpr unsigned int keysPerStep = 64;
+        if (++keys_ == keysPerStep) {
+            step(in, place);
+            keys_ = 0;
+        }
+    }
+
+    /// Counts bytes of keys that were made to be looked up.
+    template <typename Place>
+    void countKeyBytes(std::size_t count, const parsed_template& in, Place place) {
+        constexpr std::size_t bytesPerStep = 4096;
+        for (keyBytes_ += count; keyBytes_ >= bytesPerStep; keyBytes_ -= bytesPerStep) {
+            step(in, place);
+        }
+    }
+
+    bool hasRoomFor(std::uint64_t bytes) const noexcept { return bytes <= outputLeft_; }
+    void countOutput(std::uint64_t bytes) noexcept { outputLeft_ -= bytes; }
+
+    /// Counts a message. True if it is to be made and added.
+    bool wantsMessage() {
+        return ++messageCount_ <= options_.limits.messages || options_.limits.messages == 0;
+    }
+    void addMessage(RenderMessage::Kind kind, const parsed_template& in, const node_place& place,
+                    String name = {});
+
+    /// Adds the message about the file that a render should begin with.
+    void addFileMessage(RenderStatus status, const String& path);
+
+    /// Ends the render with a message.
+    [[noreturn]] void end(RenderStatus status, const parsed_template& in, const node_place& place);
+
+    /// Finds the template at a path, which is checked and looked up once.
+    const included_template& findTemplate(const String& path) { return templates_.find(path); }
+
+    /// Whether one more include may be opened inside those that are open.
+    bool mayInclude() const noexcept { return includes_.size() < includeDepth_; }
+
+    /// Begins and ends the rendering of an included template.
+    void enterInclude(const parsed_template& in, const name_use& use);
+    void leaveInclude() noexcept { includes_.pop_back(); }
+
+    /// What was taken and said, moved out.
+    RenderResult takeResult(RenderStatus status);
+
+  private:
+    struct open_include {
+        const parsed_template* in;
+        const name_use* use;
+    };
+
+    template <typename Place>
+    void pauseAt(const parsed_template& in, Place place) {
+        const RenderStatus status = pause();
+        if (status != RenderStatus::Complete) {
+            end(status, in, place());
+        }
+    }
+
+    RenderStatus pause();
+    std::uint64_t nextPause() const noexcept;
+    void addMessage(RenderMessage message);
+
+    const RenderOptions& options_;
+    const unsigned int includeDepth_;
+    const std::uint64_t outputBytes_; // allowed
+    std::uint64_t steps_ = 0;
+    std::uint64_t pause_; // how many steps are taken before one is asked about
+    std::uint64_t outputLeft_;
+    unsigned int keys_ = 0;    // that were looked up and are not a step yet
+    std::size_t keyBytes_ = 0; // that were made and are not a step yet
+    std::uint64_t messageCount_ = 0;
+    unsigned int deepest_ = 0;
+    included_templates templates_;
+    std::vector<open_include> includes_;
+    std::vector<RenderMessage> messages_;
+};
+
+} // namespace kel::Stencilor::internal
+
+#endif
