@@ -1,9 +1,10 @@
+#include <libKel/SharedBlock.h>
 #include <libKel/String.h>
 #include <libKel/Utf8.h>
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
@@ -15,55 +16,11 @@
 
 namespace kel {
 
+using namespace blocks;
+
 namespace {
 
 constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
-
-/// Long blocks can be held by several strings and conversions, which then only read them: a copy of
-/// a long text is no more than counting, which takes two atomic operations. Shorter texts are
-/// copied as quickly. The count stands before the characters, and leaves them aligned as malloc
-/// aligns.
-constexpr std::size_t leastShared = 4096;
-constexpr std::size_t roomForHolders = alignof(std::max_align_t);
-static_assert(std::atomic_ref<std::size_t>::required_alignment <= roomForHolders);
-static_assert(std::atomic_ref<std::size_t>::is_always_lock_free);
-
-constexpr std::size_t roomBefore(std::size_t capacity) {
-    return capacity < leastShared ? 0 : roomForHolders;
-}
-
-std::atomic_ref<std::size_t> holdersOf(char* block) noexcept {
-    return std::atomic_ref(*reinterpret_cast<std::size_t*>(block - roomForHolders));
-}
-
-/// A block for `capacity` characters and the NUL, made from one for `former` by moving what it
-/// holds, or from none. The blocks come from malloc because realloc moves large ones without
-/// copying.
-char* resizeBlock(char* block, std::size_t former, std::size_t capacity) {
-    const std::size_t before = roomBefore(capacity);
-    void* const start = block == nullptr ? nullptr : block - roomBefore(former);
-    auto* const resized = static_cast<char*>(std::realloc(start, before + capacity + 1));
-    if (resized == nullptr) {
-        throw std::bad_alloc();
-    }
-    return resized + before;
-}
-
-/// A block for `capacity` characters and the NUL, held once.
-char* newBlock(std::size_t capacity) {
-    char* const block = resizeBlock(nullptr, 0, capacity);
-    if (capacity >= leastShared) {
-        new (block - roomForHolders) std::size_t(1);
-    }
-    return block;
-}
-
-/// Gives up one hold of a block for `capacity` characters.
-void dropBlock(char* block, std::size_t capacity) noexcept {
-    if (capacity < leastShared || holdersOf(block).fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        std::free(block - roomBefore(capacity));
-    }
-}
 
 /// As many bytes as `Number` has, in the order of the memory.
 template <typename Number>
@@ -95,10 +52,10 @@ constexpr std::uint64_t highBits = 0x8080808080808080u;
 
 } // namespace
 
-/// Holds `size_` bytes and the NUL behind them: those of a long string, or a copy.
+/// Holds `size_` bytes and the NUL after them: those of a long string, or a copy.
 void CString::hold(char* bytes) {
-    if (size_ >= leastShared) {
-        holdersOf(bytes).fetch_add(1, std::memory_order_relaxed);
+    if (hasHolders(size_)) {
+        holdBlock(bytes);
         data_ = bytes;
         return;
     }
@@ -134,13 +91,14 @@ String& String::operator=(const String& other) {
         return *this;
     }
     // A copy does not keep a block alive of which it would need less than half.
-    if (other.size_ >= leastShared && other.size_ >= other.capacity_ / 2) {
-        holdersOf(other.data_).fetch_add(1, std::memory_order_relaxed);
+    if (hasHolders(other.size_) && other.size_ >= other.capacity_ / 2) {
+        holdBlock(other.data_);
         release();
         data_ = other.data_;
         size_ = other.size_;
         capacity_ = other.capacity_;
         std::memcpy(inline_, data_, sizeof(std::uint64_t));
+        assert(isSound());
     } else {
         assign(other.data_, other.size_);
     }
@@ -170,6 +128,7 @@ String& String::append(const String& other) {
     if (leading) {
         std::memcpy(inline_, data_, sizeof(std::uint64_t));
     }
+    assert(isSound());
     return *this;
 }
 
@@ -210,6 +169,7 @@ bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
         std::memcpy(data_ + length - half, &last, half);
         data_[length] = '\0';
     }
+    assert(isSound());
     return true;
 }
 
@@ -220,17 +180,19 @@ bool String::isUtf8(std::string_view bytes) noexcept {
 String String::adopt(char* block, std::size_t length, std::size_t capacity) {
     static_assert(adoptedOffset == roomForHolders);
     char* const characters = block + adoptedOffset;
-    if (length < leastShared || capacity > longest) {
+    assert(length <= capacity);
+    if (!hasHolders(length) || capacity > longest) {
         const std::unique_ptr<char, decltype(&std::free)> owner(block, &std::free);
         return String(characters, checkedSize(length));
     }
     String adopted;
-    new (block) std::size_t(1); // its holders
+    new (block) Holders(1);
     characters[length] = '\0';
     adopted.data_ = characters;
     adopted.size_ = static_cast<unsigned int>(length);
     adopted.capacity_ = static_cast<unsigned int>(capacity);
     std::memcpy(adopted.inline_, characters, sizeof(std::uint64_t));
+    assert(adopted.isSound());
     return adopted;
 }
 
@@ -265,7 +227,7 @@ unsigned int String::checkedSize(std::size_t size) {
 
 /// True if another string or conversion reads the same block.
 bool String::isShared() const noexcept {
-    return capacity_ >= leastShared && holdersOf(data_).load(std::memory_order_acquire) > 1;
+    return isHeldInCommon(data_, capacity_);
 }
 
 /// Replaces the content; the bytes may be this string's own.
@@ -278,25 +240,27 @@ void String::assign(const char* bytes, unsigned int length) {
     store(bytes);
 }
 
-/// Copies `size_` characters to where there is room for them, and keeps the promise about the first
-/// eight bytes of `inline_`. Fewer than eight are put together beforehand: what was written in
-/// parts takes long to read back as a whole.
+/// Copies `size_` characters to where there is room for them, and their beginning to `inline_`.
+/// Fewer than eight are put together beforehand: what was written in parts takes long to read back
+/// as a whole.
 void String::store(const char* bytes) noexcept {
     if (size_ < sizeof(std::uint64_t)) {
         const std::uint64_t all = fewBytes(bytes, size_);
         std::memcpy(data_, &all, sizeof(all));
         std::memcpy(inline_, &all, sizeof(all));
-        return;
+    } else {
+        std::memmove(data_, bytes, size_);
+        data_[size_] = '\0';
+        if (!isInline()) {
+            std::memcpy(inline_, data_, sizeof(std::uint64_t));
+        }
     }
-    std::memmove(data_, bytes, size_);
-    data_[size_] = '\0';
-    if (!isInline()) {
-        std::memcpy(inline_, data_, sizeof(std::uint64_t));
-    }
+    assert(isSound());
 }
 
 /// Moves the content of `other` into this string, which owns no block.
 void String::take(String& other) noexcept {
+    assert(isInline() && other.isSound());
     std::memcpy(inline_, other.inline_, sizeof(inline_));
     data_ = other.isInline() ? inline_ : other.data_;
     size_ = other.size_;
@@ -311,8 +275,9 @@ void String::take(String& other) noexcept {
 void String::grow(std::size_t size) {
     constexpr std::size_t least = 255;
     checkedSize(size);
+    assert(size > inlineCapacity && "a new block has nothing past its text to mirror");
     const std::size_t capacity = std::min(std::max({size, size_ * std::size_t{2}, least}), longest);
-    if (isInline() || isShared() || roomBefore(capacity) != roomBefore(capacity_)) {
+    if (isInline() || isShared() || hasHolders(capacity) != hasHolders(capacity_)) {
         char* const block = newBlock(capacity);
         std::memcpy(block, data_, std::size_t{size_} + 1);
         if (!isInline()) {
@@ -320,7 +285,7 @@ void String::grow(std::size_t size) {
         }
         data_ = block;
     } else {
-        data_ = resizeBlock(data_, capacity_, capacity);
+        data_ = resizeBlock(data_, capacity);
     }
     capacity_ = static_cast<unsigned int>(capacity);
 }
@@ -335,6 +300,19 @@ void String::release() noexcept {
     capacity_ = inlineCapacity;
     std::memset(inline_, 0, sizeof(std::uint64_t));
 }
+
+#ifndef NDEBUG
+/// True if the members are what their comment in the class says.
+bool String::isSound() const noexcept {
+    char leading[sizeof(std::uint64_t)] = {};
+    std::memcpy(leading, data_, std::min(std::size_t{size_}, sizeof(leading)));
+    return size_ <= capacity_ && data_[size_] == '\0' &&
+           isInline() == (capacity_ == inlineCapacity) &&
+           std::memcmp(data_, leading, sizeof(leading)) == 0 &&
+           std::memcmp(inline_, leading, sizeof(leading)) == 0 &&
+           (!hasHolders(capacity_) || holdersOf(data_).load(std::memory_order_relaxed) > 0);
+}
+#endif
 
 std::ostream& operator<<(std::ostream& stream, const String& string) {
     return stream << string.view();

@@ -1,0 +1,82 @@
+#ifndef LIBKEL_SHAREDBLOCK_H
+#define LIBKEL_SHAREDBLOCK_H
+
+#include <atomic>
+#include <cassert>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+// The blocks of memory that hold the characters of strings. Not installed.
+//
+// A block is known by the address of its first character and by its capacity, which leaves room for
+// a NUL. One for `leastShared` characters and more can be held by several strings and conversions,
+// which then only read it; before its characters is the count of holders. Smaller ones have one
+// holder and no count: copying them takes no longer than counting would.
+//
+// The blocks come from malloc because realloc moves large ones without copying.
+
+namespace kel::blocks {
+
+using Holders = std::atomic<std::size_t>;
+
+constexpr std::size_t leastShared = 4096;
+constexpr std::size_t roomForHolders = alignof(std::max_align_t); // keeps what malloc aligned so
+static_assert(sizeof(Holders) <= roomForHolders && alignof(Holders) <= roomForHolders);
+static_assert(Holders::is_always_lock_free);
+
+constexpr bool hasHolders(std::size_t capacity) noexcept {
+    return capacity >= leastShared;
+}
+
+constexpr std::size_t roomBefore(std::size_t capacity) noexcept {
+    return hasHolders(capacity) ? roomForHolders : 0;
+}
+
+/// The count of a block that has one.
+inline Holders& holdersOf(char* block) noexcept {
+    return *std::launder(reinterpret_cast<Holders*>(block - roomForHolders));
+}
+
+/// A block held once, made from one that is held once by moving what it holds, or from null. Both
+/// capacities have a count, or neither has.
+inline char* resizeBlock(char* block, std::size_t capacity) {
+    const std::size_t before = roomBefore(capacity);
+    void* const start = block == nullptr ? nullptr : block - before;
+    auto* const resized = static_cast<char*>(std::realloc(start, before + capacity + 1));
+    if (resized == nullptr) {
+        throw std::bad_alloc();
+    }
+    if (hasHolders(capacity)) {
+        new (resized) Holders(1);
+    }
+    return resized + before;
+}
+
+/// A block held once.
+inline char* newBlock(std::size_t capacity) {
+    return resizeBlock(nullptr, capacity);
+}
+
+/// Adds a holder to a block that has a count.
+inline void holdBlock(char* block) noexcept {
+    [[maybe_unused]] const std::size_t former =
+        holdersOf(block).fetch_add(1, std::memory_order_relaxed);
+    assert(former > 0 && "a block that nobody holds was freed");
+}
+
+/// True if a block has several holders, who may only read it.
+inline bool isHeldInCommon(char* block, std::size_t capacity) noexcept {
+    return hasHolders(capacity) && holdersOf(block).load(std::memory_order_acquire) > 1;
+}
+
+/// Gives up one hold of a block.
+inline void dropBlock(char* block, std::size_t capacity) noexcept {
+    if (!hasHolders(capacity) || holdersOf(block).fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        std::free(block - roomBefore(capacity));
+    }
+}
+
+} // namespace kel::blocks
+
+#endif
