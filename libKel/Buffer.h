@@ -1,6 +1,8 @@
 #ifndef LIBKEL_BUFFER_H
 #define LIBKEL_BUFFER_H
 
+#include <libKel/Export.h>
+
 #include <cstdint>
 #include <new>
 
@@ -23,12 +25,13 @@ namespace kel {
 template <typename T>
 class Buffer {
   public:
-    /// An empty buffer: all fields zero.
+    /// Empty at first: all fields zero.
+    /// @{
     Buffer() = default;
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
-    /// Frees the block, if there is one.
     ~Buffer() { release(); }
+    /// @}
 
     /// Frees the block, if there is one, and leaves the buffer as a new one is: all fields zero.
     void release() noexcept {

@@ -1,6 +1,10 @@
 #ifndef LIBKEL_EXPORT_H
 #define LIBKEL_EXPORT_H
 
+#if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
+#error "C++20 is needed, as by -std=c++20"
+#endif
+
 /// @file
 /// Marks what `libKel` offers to other modules. Everything unmarked stays hidden, so that a
 /// forgotten mark fails at link time on Linux as it does on Windows.
@@ -9,7 +13,7 @@
 /// or used as a static library.
 
 /// @def KEL_EXPORT
-/// Stands before what hosts may use of `libKel`.
+/// Marks what hosts may use of `libKel`.
 #if defined(KEL_STATIC)
 #define KEL_EXPORT
 #elif defined(_WIN32)

@@ -1,6 +1,10 @@
 #ifndef LIBSTENCILOR_EXPORT_H
 #define LIBSTENCILOR_EXPORT_H
 
+#if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
+#error "C++20 is needed, as by -std=c++20"
+#endif
+
 /// @file
 /// Marks what `libStencilor` offers to other modules. Everything unmarked stays hidden, so that a
 /// forgotten mark fails at link time on Linux as it does on Windows.
@@ -9,7 +13,7 @@
 /// it is built or used as a static library.
 
 /// @def STENCILOR_EXPORT
-/// Stands before what hosts may use of `libStencilor`.
+/// Marks what hosts may use of `libStencilor`.
 #if defined(STENCILOR_STATIC)
 #define STENCILOR_EXPORT
 #elif defined(_WIN32)
