@@ -12,12 +12,19 @@ constexpr std::int32_t messagePriority = 2;
 /// base library copes with several threads that find it null at once.
 constinit Logger* sharedLogger = nullptr;
 
+Logger* currentLogger() {
+#ifdef __cpp_lib_atomic_ref
+    return std::atomic_ref(sharedLogger).load(std::memory_order_acquire);
+#else // libc++ before 19
+    return __atomic_load_n(&sharedLogger, __ATOMIC_ACQUIRE);
+#endif
+}
+
 Logger& logger() {
-    const std::atomic_ref<Logger*> shared(sharedLogger);
-    if (shared.load(std::memory_order_acquire) == nullptr) {
+    if (currentLogger() == nullptr) {
         LogFactory::createLogger("libStencilor", sharedLogger);
     }
-    return *shared.load(std::memory_order_acquire);
+    return *currentLogger();
 }
 
 bool messagesAreLogged() {

@@ -46,7 +46,7 @@ class piecewise_queue {
     static constexpr std::size_t pieceSize = 256;
 
     void addPiece() {
-        pieces_.push_back(std::make_unique_for_overwrite<Entry[]>(pieceSize));
+        pieces_.push_back(std::unique_ptr<Entry[]>(new Entry[pieceSize]));
         free_ = pieces_.back().get();
         freeEnd_ = free_ + pieceSize;
     }
