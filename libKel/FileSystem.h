@@ -36,14 +36,12 @@ class KEL_EXPORT FileSystem {
   public:
     FileSystem() = delete;
 
-    /// Tells whether there is a regular file, directly or through symbolic links. A directory, a
+    /// True if the path names a regular file, directly or through symbolic links. A directory, a
     /// pipe or a device does not exist in this sense.
-    /// @param path see above
-    /// @return true if `path` names such a file
     static bool exists(const String& path);
 
     /// Reads a whole file.
-    /// @param path see above
+    /// @param path as above
     /// @param out receives the bytes, and owns them; its former content is freed first
     /// @param length where not null, receives the number of bytes read
     /// @return false, with `out` empty and `*length` zero, where the file does not exist (as in

@@ -60,24 +60,20 @@ using LogSink = std::function<void(const LogRecord&)>;
 class LoggerStream {
   public:
     /// An empty message.
+    /// @{
     KEL_EXPORT LoggerStream();
     LoggerStream(const LoggerStream&) = delete;
     LoggerStream& operator=(const LoggerStream&) = delete;
-    /// Frees the message.
     KEL_EXPORT ~LoggerStream();
+    /// @}
 
-    /// Appends a text.
-    /// @param text the bytes up to the first NUL
-    /// @return this stream
+    /// Appends the bytes up to the first NUL.
     KEL_EXPORT LoggerStream& operator+(const char* text);
 
-    /// Appends a text.
-    /// @param text the text, NUL bytes included
-    /// @return this stream
+    /// Appends a text, NUL bytes included.
     KEL_EXPORT LoggerStream& operator+(const String& text);
 
-    /// Gives the message as it is now.
-    /// @return the characters, valid until this stream is changed or destroyed
+    /// Returns the message as it is now, valid until this stream is changed or destroyed.
     std::string_view view() const noexcept { return text_; }
 
   private:
@@ -96,18 +92,14 @@ class Logger {
     /// For the library, which owns the loggers.
     KEL_EXPORT ~Logger();
 
-    /// Tells which records are written.
-    /// @return the priority in force: the higher of this logger's threshold and the global one
+    /// Returns the priority in force: the higher of this logger's threshold and the global one.
     KEL_EXPORT LoggerPriority::LOGGER_PRIORITY resolvePriority() const;
 
     /// Writes a message. Never throws.
-    /// @param priority how much it matters
-    /// @param message the text
     /// @return false where the priority is below the one in force, or where the sink failed
     KEL_EXPORT bool log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& message);
 
-    /// Gives the name of the category.
-    /// @return UTF-8, NUL-terminated, valid as long as the logger
+    /// Returns the name of the category, in UTF-8, valid as long as the logger.
     const char* category() const noexcept { return category_.c_str(); }
 
     /// This logger's own priority, `PRIORITY_ALL` at first: records below it are not written.
@@ -133,21 +125,19 @@ class LogFactory {
   public:
     LogFactory() = delete;
 
-    /// Gives the priority that holds for all loggers.
-    /// @return the global priority, `PRIORITY_WARNING` at first
+    /// Returns the priority that holds for all loggers, `PRIORITY_WARNING` at first.
     static LoggerPriority::LOGGER_PRIORITY getPriority() noexcept {
         return static_cast<LoggerPriority::LOGGER_PRIORITY>(
             priority_.load(std::memory_order_relaxed));
     }
 
-    /// Sets the priority that holds for all loggers.
-    /// @param priority what lies below it is not written
+    /// Sets the priority that holds for all loggers: records below it are not written.
     KEL_EXPORT static void setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept;
 
     /// Hands out the logger of a category. There is one for each, made by the first call.
     /// @param category UTF-8, NUL-terminated; it is copied
     /// @param logger receives the pointer, borrowed. Several threads may call for the same pointer,
-    ///   which must then be read as an atomic (`std::atomic_ref`).
+    ///   which must then be read as an atomic.
     KEL_EXPORT static void createLogger(const char* category, Logger*& logger);
 
     /// Sets where records go.
@@ -174,11 +164,7 @@ class LogFactory {
 /// Threads: is made and destroyed by the thread whose scope it stands for.
 class TraceLogger {
   public:
-    /// Records that a scope is entered.
-    /// @param logger where it is recorded, or null
-    /// @param function the name of the scope
-    /// @param file the source file that it stands in
-    /// @param line the line that it begins in
+    /// Records that a scope is entered, which is at a line of a file.
     TraceLogger(Logger* logger, const char* function, const char* file, int line) noexcept
         : logger_(logger) {
         if (logger_ != nullptr) {
