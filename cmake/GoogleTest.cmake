@@ -30,7 +30,7 @@ function(stencilor_add_googletest)
         target_compile_options(
             ${library}
             PRIVATE
-                $<$<CONFIG:Release>:-O0>
+                $<$<NOT:$<BOOL:${STENCILOR_SLOW_BUILD}>>:-O0>
                 $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-sanitize=address,undefined>
         )
     endforeach()

@@ -16,6 +16,13 @@ target_compile_options(
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
 )
 
+# True where the libraries take several times as long as those that are shipped: without
+# optimisation, or with a sanitizer.
+set(STENCILOR_SLOW_BUILD OFF)
+if(CMAKE_BUILD_TYPE STREQUAL "Debug" OR CMAKE_CXX_FLAGS MATCHES "-O0|-fsanitize=")
+    set(STENCILOR_SLOW_BUILD ON)
+endif()
+
 # The settings of every target that is compiled here.
 function(stencilor_compile_settings target)
     target_compile_features(${target} PUBLIC cxx_std_20)

@@ -32,11 +32,11 @@ inline constexpr bool threadSanitized = false;
 #endif
 
 /// True where the libraries take several times as long as those that are shipped. How the tests
-/// themselves are compiled tells nothing of that.
-#if defined(NDEBUG)
-inline constexpr bool slow = sanitized;
-#else
+/// themselves are compiled says nothing about that.
+#if defined(TESTS_SLOW_BUILD)
 inline constexpr bool slow = true;
+#else
+inline constexpr bool slow = false;
 #endif
 
 } // namespace support

@@ -22,6 +22,11 @@ inline std::uint64_t numberFromEnvironment(const char* name, std::uint64_t other
     return std::stoull(digits);
 }
 
+/// True where the environment asks for what takes gigabytes or many seconds, too.
+inline bool thorough() {
+    return numberFromEnvironment("STENCILOR_THOROUGH", 0) != 0;
+}
+
 } // namespace support
 
 #endif

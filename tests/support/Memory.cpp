@@ -1,6 +1,7 @@
 #include "Memory.h"
 
 #include "Build.h"
+#include "Environment.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -111,7 +112,7 @@ void resetPeakMemory() {
 #endif
 
 bool hasMemory(unsigned int gigabytes) {
-    return !sanitized && availableKilobytes() / (1024 * 1024) > gigabytes;
+    return thorough() && !sanitized && availableKilobytes() / (1024 * 1024) > gigabytes;
 }
 
 } // namespace support

@@ -5,8 +5,8 @@
 
 namespace support {
 
-/// True where this many gigabytes can be used without driving the machine out of memory. Under a
-/// sanitizer there is never enough: it needs several times as much.
+/// True where tests are to be thorough and this many gigabytes can be used without driving the
+/// machine out of memory. Under a sanitizer there is never enough: it needs several times as much.
 bool hasMemory(unsigned int gigabytes);
 
 /// How many bytes of memory this program has allocated and not freed. Zero under a sanitizer, which
