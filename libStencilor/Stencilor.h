@@ -56,17 +56,12 @@ class STENCILOR_EXPORT ContextBase {
     /// A value without children.
     ContextBase();
 
-    /// Shares the children of another value.
-    /// @param other the value that the keys and pointers are taken from; it keeps them
+    /// See above for copying and ownership.
+    /// @{
     ContextBase(const ContextBase& other);
-
-    /// Drops the children without deleting them, and shares those of another value.
-    /// @param other the value that the keys and pointers are taken from; it keeps them
-    /// @return this value
     ContextBase& operator=(const ContextBase& other);
-
-    /// Deletes the children.
     virtual ~ContextBase();
+    /// @}
 
     /// Gives access to one entry, which is added with a null pointer where there is none.
     /// @param key the name of the child
@@ -81,7 +76,6 @@ class STENCILOR_EXPORT ContextBase {
     ContextBase* insert(const String& key, ContextBase* value);
 
     /// Looks a child up.
-    /// @param key the name of the child
     /// @return the pointer stored under `key`, or null; borrowed
     ContextBase* find(const String& key) const;
 
@@ -103,29 +97,16 @@ class STENCILOR_EXPORT ContextBase {
 class STENCILOR_EXPORT ContextString : public ContextBase {
   public:
     /// A text without children.
-    /// @param text the text
     ContextString(String text);
 
-    /// Copies the text and shares the children.
-    /// @param other the value that is copied
+    /// See above for copying and ownership.
+    /// @{
     ContextString(const ContextString& other);
-
-    /// Takes the text and shares the children.
-    /// @param other the value whose text is taken; it keeps its children
     ContextString(ContextString&& other);
-
-    /// Copies the text, drops the children and shares those of `other`.
-    /// @param other the value that is copied
-    /// @return this value
     ContextString& operator=(const ContextString& other);
-
-    /// Takes the text, drops the children and shares those of `other`.
-    /// @param other the value whose text is taken; it keeps its children
-    /// @return this value
     ContextString& operator=(ContextString&& other);
-
-    /// Deletes the children.
     ~ContextString() override;
+    /// @}
 
   private:
     friend struct internal::context_access;
@@ -139,29 +120,16 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
 class STENCILOR_EXPORT ContextRawString : public ContextString {
   public:
     /// A raw text without children.
-    /// @param text the text
     ContextRawString(String text);
 
-    /// Copies the text and shares the children.
-    /// @param other the value that is copied
+    /// See above for copying and ownership.
+    /// @{
     ContextRawString(const ContextRawString& other);
-
-    /// Takes the text and shares the children.
-    /// @param other the value whose text is taken; it keeps its children
     ContextRawString(ContextRawString&& other);
-
-    /// Copies the text, drops the children and shares those of `other`.
-    /// @param other the value that is copied
-    /// @return this value
     ContextRawString& operator=(const ContextRawString& other);
-
-    /// Takes the text, drops the children and shares those of `other`.
-    /// @param other the value whose text is taken; it keeps its children
-    /// @return this value
     ContextRawString& operator=(ContextRawString&& other);
-
-    /// Deletes the children.
     ~ContextRawString() override;
+    /// @}
 };
 
 /// A truth, which a conditional block asks for. Its children are the innermost names inside the
@@ -179,26 +147,14 @@ class STENCILOR_EXPORT ContextBoolean : public ContextBase {
     template <typename T>
     ContextBoolean(T*) = delete;
 
-    /// Copies the truth and shares the children.
-    /// @param other the value that is copied
+    /// See above for copying and ownership.
+    /// @{
     ContextBoolean(const ContextBoolean& other);
-
-    /// The same as copying.
-    /// @param other the value that is copied; it stays as it is
     ContextBoolean(ContextBoolean&& other);
-
-    /// Copies the truth, drops the children and shares those of `other`.
-    /// @param other the value that is copied
-    /// @return this value
     ContextBoolean& operator=(const ContextBoolean& other);
-
-    /// The same as assigning a copy.
-    /// @param other the value that is copied; it stays as it is
-    /// @return this value
     ContextBoolean& operator=(ContextBoolean&& other);
-
-    /// Deletes the children.
     ~ContextBoolean() override;
+    /// @}
 
   private:
     friend struct internal::context_access;
@@ -214,29 +170,16 @@ class STENCILOR_EXPORT ContextDictionary : public ContextBase {
     /// A dictionary without entries.
     ContextDictionary();
 
-    /// Shares the children.
-    /// @param other the value that is copied
+    /// See above for copying and ownership.
+    /// @{
     ContextDictionary(const ContextDictionary& other);
-
-    /// The same as copying.
-    /// @param other the value that is copied; it stays as it is
     ContextDictionary(ContextDictionary&& other);
-
-    /// Drops the children without deleting them, and shares those of `other`.
-    /// @param other the value that is copied
-    /// @return this value
     ContextDictionary& operator=(const ContextDictionary& other);
-
-    /// The same as assigning a copy.
-    /// @param other the value that is copied; it stays as it is
-    /// @return this value
     ContextDictionary& operator=(ContextDictionary&& other);
-
-    /// Deletes the children.
     ~ContextDictionary() override;
+    /// @}
 
-    /// Counts the children.
-    /// @return the number of entries, those that hold null included
+    /// The number of entries, those that hold null included.
     std::size_t size() const;
 };
 
@@ -253,24 +196,18 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
     /// A list without elements and children.
     ContextIterable();
 
-    /// Shares the elements and the children.
-    /// @param other the list that is copied
+    /// See above for copying and ownership.
+    /// @{
     ContextIterable(const ContextIterable& other);
-
-    /// Drops elements and children without deleting them, and shares those of `other`.
-    /// @param other the list that is copied
-    /// @return this list
     ContextIterable& operator=(const ContextIterable& other);
-
-    /// Deletes the elements front to back, then the children.
     ~ContextIterable() override;
+    /// @}
 
     /// Appends an element.
     /// @param value the element, owned by this list from now on; it may be null
     void add(ContextBase* value);
 
-    /// Counts the elements. Named children do not count.
-    /// @return the number of elements, null ones included
+    /// The number of elements, null ones included. Named children do not count.
     std::size_t size() const;
 
     /// Gives one element.
@@ -294,41 +231,22 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
 class STENCILOR_EXPORT ContextFactory {
   public:
     /// A factory holds nothing; nobody needs one, since all builders are static.
+    /// @{
     ContextFactory() = default;
-
-    /// Copies nothing.
     ContextFactory(const ContextFactory&) = default;
-
-    /// Moves nothing.
     ContextFactory(ContextFactory&&) = default;
-
-    /// Does nothing.
-    /// @param other plays no part
-    /// @return this factory
     ContextFactory& operator=(const ContextFactory& other);
-
-    /// Does nothing.
-    /// @param other plays no part
-    /// @return this factory
     ContextFactory& operator=(ContextFactory&& other);
-
-    /// Destroys nothing.
     ~ContextFactory() = default;
+    /// @}
 
     /// Makes a text.
-    /// @param value the text, which is copied
-    /// @return a new value, the caller's
     static ContextString* buildString(const String& value);
 
-    /// Makes a truth.
-    /// @param value the truth
-    /// @return a new value without children, the caller's
+    /// Makes a truth without children.
     static ContextBoolean* buildBoolean(bool value);
 
-    /// Makes a truth with children.
-    /// @param value the truth
-    /// @param children the children by their names; the new value owns them from now on
-    /// @return a new value, the caller's
+    /// Makes a truth with children, which the new value owns from now on.
     static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
 
     /// A pointer is not a boolean: `buildBoolean("false")` would be true.
@@ -340,21 +258,15 @@ class STENCILOR_EXPORT ContextFactory {
     static ContextBoolean* buildBoolean(T*, const std::map<String, ContextBase*>&) = delete;
 
     /// Makes a dictionary without entries.
-    /// @return a new value, the caller's
     static ContextDictionary* buildDictionary();
 
-    /// Makes a dictionary.
-    /// @param children the entries by their names; the new value owns them from now on
-    /// @return a new value, the caller's
+    /// Makes a dictionary of entries, which it owns from now on.
     static ContextDictionary* buildDictionary(const std::map<String, ContextBase*>& children);
 
     /// Makes a list without elements.
-    /// @return a new value, the caller's
     static ContextIterable* buildIterable();
 
-    /// Makes a list.
-    /// @param elements the elements in their order; the new value owns them from now on
-    /// @return a new value, the caller's
+    /// Makes a list of elements, which it owns from now on.
     static ContextIterable* buildIterable(const std::vector<ContextBase*>& elements);
 };
 

@@ -33,8 +33,7 @@ struct SyntaxRange {
     unsigned int begin = 0; ///< the first byte
     unsigned int end = 0;   ///< the first byte behind it
 
-    /// Tells a range that holds nothing.
-    /// @return true for an empty range
+    /// True for a range that holds nothing.
     bool isEmpty() const { return begin == end; }
 };
 
@@ -94,8 +93,7 @@ struct SyntaxFault {
     unsigned int tag = 0;    ///< where the tag at fault begins; `offset` if a block has no end
     SyntaxRange block{}; ///< the tag that opened the innermost open block; empty if none is open
 
-    /// Tells whether there is a fault at all.
-    /// @return true where the template is rejected
+    /// True where the template is rejected.
     bool isPresent() const { return expected != SyntaxExpectation::Nothing; }
 };
 
@@ -106,19 +104,12 @@ struct SyntaxFault {
 class STENCILOR_EXPORT SyntaxVisitor {
   public:
     /// A visitor holds nothing itself.
+    /// @{
     SyntaxVisitor();
-
-    /// Copies nothing.
-    /// @param other plays no part
     SyntaxVisitor(const SyntaxVisitor& other);
-
-    /// Copies nothing.
-    /// @param other plays no part
-    /// @return this visitor
     SyntaxVisitor& operator=(const SyntaxVisitor& other);
-
-    /// Destroys nothing.
     virtual ~SyntaxVisitor();
+    /// @}
 
     /// Receives one part. What it throws ends the reading, and reaches the caller of `readSyntax`.
     /// @param element lent for the call
