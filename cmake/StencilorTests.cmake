@@ -17,6 +17,7 @@ if(NOT STENCILOR_SLOW_BUILD)
 endif()
 
 # The headers of GoogleTest, which take longer to read than most tests: read once for all programs.
+# The preset "release" does without, and so finds the test that forgets to include them.
 if(CMAKE_POSITION_INDEPENDENT_CODE) # programs are compiled for it in another way than libraries
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()

@@ -3,7 +3,7 @@
 
     snapshots.py GRAMMAR_FOLDER
 
-A snapshot shows each line behind ">", and below it, behind "#", which characters have which scopes
+A snapshot shows each line after ">", and below it, after "#", which characters have which scopes
 besides that of the whole text.
 With UPDATE_SNAPSHOTS=1 in the environment the snapshots are written anew.
 """
@@ -20,10 +20,14 @@ def snapshot(lines):
     for tokens in lines:
         yield ">" + "".join(text for text, _ in tokens)
         column = 0
+        marks = {}
         for text, scopes in tokens:
-            if len(scopes) > 1:
-                yield "#" + " " * column + "^" * len(text) + " " + " ".join(scopes[1:])
+            mark = marks.get(tuple(scopes), "")
+            marks[tuple(scopes)] = mark.ljust(column) + "^" * len(text)
             column += len(text)
+        for scopes, mark in marks.items():
+            if len(scopes) > 1:
+                yield "#" + mark + " " + " ".join(scopes[1:])
 
 
 def differs(template, tokenizer):
