@@ -132,11 +132,11 @@ unsigned int Value::depth() const noexcept {
 }
 
 unsigned int Value::Dictionary::findDepth() const noexcept {
-    unsigned int deepest = 0;
+    unsigned int deepestMember = 0;
     for (const auto& [key, member] : members) {
-        deepest = std::max(deepest, member.depth());
+        deepestMember = std::max(deepestMember, member.depth());
     }
-    return deepest + 1;
+    return deepestMember + 1;
 }
 
 bool Value::isTrue() const noexcept {
