@@ -65,9 +65,9 @@ inline void holdBlock(char* block) noexcept {
     assert(former > 0 && "a block that nobody holds was freed");
 }
 
-/// True if a block has several holders, who may only read it.
-inline bool isHeldInCommon(char* block, std::size_t capacity) noexcept {
-    return hasHolders(capacity) && holdersOf(block).load(std::memory_order_acquire) > 1;
+/// True if a block that has a count has several holders, who may only read it.
+inline bool isHeldInCommon(char* block) noexcept {
+    return holdersOf(block).load(std::memory_order_acquire) > 1;
 }
 
 /// Gives up one hold of a block.

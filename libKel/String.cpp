@@ -227,7 +227,7 @@ unsigned int String::checkedSize(std::size_t size) {
 
 /// True if another string or conversion reads the same block.
 bool String::isShared() const noexcept {
-    return isHeldInCommon(data_, capacity_);
+    return hasHolders(capacity_) && isHeldInCommon(data_);
 }
 
 /// Replaces the content; the bytes may be this string's own.
