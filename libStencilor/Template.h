@@ -90,7 +90,6 @@ struct RenderLimits {
 
 /// What happens to each value on its way into the text. Text of the template is never escaped, nor
 /// are raw values (`Value::raw`, `ContextRawString`).
-/// Copying: copies share a host's function.
 /// Threads: may be used by many threads, if the host's function may.
 class STENCILOR_EXPORT Escape {
   public:
@@ -109,6 +108,7 @@ class STENCILOR_EXPORT Escape {
     ///   throws reaches the caller of the render.
     explicit Escape(std::function<void(std::string_view value, std::string& out)> function);
 
+    /// Copies share the function.
     /// @{
     Escape(const Escape& other);
     Escape(Escape&& other) noexcept;
@@ -221,6 +221,8 @@ class STENCILOR_EXPORT Template {
     /// @param name what messages call it, such as a path
     explicit Template(String text, String name = {});
 
+    /// Copies share the text and what was parsed. One that was moved from
+    /// may only be assigned or destroyed.
     /// @{
     Template(const Template& other);
     Template(Template&& other) noexcept;
@@ -307,6 +309,7 @@ class STENCILOR_EXPORT TemplateSource {
                         std::optional<Template>& found) = 0;
 
   protected:
+    /// A source holds nothing itself.
     /// @{
     TemplateSource(const TemplateSource& other);
     TemplateSource& operator=(const TemplateSource& other);
