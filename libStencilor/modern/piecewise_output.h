@@ -64,10 +64,22 @@ class piecewise_output {
 
     template <typename Append>
     void inSlices(std::string_view text, Append append) {
-        for (; !text.empty(); text.remove_prefix(std::min(sliceSize, text.size()))) {
-            append(text.substr(0, sliceSize));
+        while (!text.empty()) {
+            const std::size_t size = nextSlice(text);
+            append(text.substr(0, size));
             handOverEnough();
+            text.remove_prefix(size);
         }
+    }
+
+    /// A slice divides no character, unless the text is malformed there.
+    static std::size_t nextSlice(std::string_view text) {
+        std::size_t size = std::min(sliceSize, text.size());
+        while (size < text.size() && size > sliceSize - 4 &&
+               (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) {
+            --size;
+        }
+        return size;
     }
 
     void handOverEnough() {
