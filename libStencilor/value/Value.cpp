@@ -24,6 +24,13 @@ bool isSame(const String& one, const String& another) {
     return !(one < another) && !(another < one);
 }
 
+bool areSame(const std::map<String, Value>& some, const std::map<String, Value>& others) {
+    return std::equal(some.begin(), some.end(), others.begin(), others.end(),
+                      [](const auto& one, const auto& another) {
+                          return isSame(one.first, another.first) && one.second == another.second;
+                      });
+}
+
 void checkDepth(unsigned int depth) {
     if (depth > Value::deepest) {
         throw std::length_error("a value nests more than 512 levels");
@@ -229,11 +236,7 @@ bool Value::operator==(const Value& other) const {
     case Kind::List:
         return value_access::items(*this) == value_access::items(other);
     case Kind::Dictionary:
-        return std::ranges::equal(value_access::members(*this), value_access::members(other),
-                                  [](const auto& one, const auto& another) {
-                                      return isSame(one.first, another.first) &&
-                                             one.second == another.second;
-                                  });
+        return areSame(value_access::members(*this), value_access::members(other));
     }
     return true;
 }

@@ -27,13 +27,13 @@ String integerText(Number number) {
     return String(begin, static_cast<unsigned int>(end - begin));
 }
 
-/// A positive number is 0.DIGITS times ten to the power `point`.
+/// A number without its sign is 0.DIGITS times ten to the power `point`.
 struct Decimal {
     std::string digits;
     int point;
 };
 
-/// The shortest digits of a positive number.
+/// The shortest digits of a number that is not negative.
 template <typename Number>
 Decimal findShortestDigits(Number number) {
     Characters characters;
@@ -81,11 +81,8 @@ String floatingText(Number number) {
     if (!std::isfinite(number)) {
         throw std::invalid_argument("a number that is not finite has no text");
     }
-    if (number == 0) { // -0, too
-        return String("0");
-    }
     const std::string text = layOut(findShortestDigits(std::abs(number)));
-    return toString(number < 0 ? "-" + text : text);
+    return toString(number < 0 ? "-" + text : text); // -0 is 0
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -82,12 +83,18 @@ TEST(FloatingPoint, IsRefusedWhereItIsNotFinite) {
     }
 }
 
-/// Reads a number. The function of the C library is not exact on every system.
+/// Reads a number exactly. The C library does not on Windows, and not every C++ library can.
 template <typename Number>
 Number read(const std::string& text) {
+#ifdef _WIN32
     Number number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
     return number;
+#else
+    return sizeof(Number) == sizeof(float)
+               ? std::strtof(text.c_str(), nullptr)
+               : static_cast<Number>(std::strtod(text.c_str(), nullptr));
+#endif
 }
 
 /// The rule in other words: the fewest digits of `printf` that read back as the number.
