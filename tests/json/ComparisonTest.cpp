@@ -1,19 +1,24 @@
 #include "../support/Build.h"
+#include "../support/Environment.h"
 #include "../support/oracles/JsonComparison.h"
 #include "../support/oracles/RandomJson.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 namespace support {
 namespace {
 
 TEST(JsonReader, AgreesWithAnotherOneOnRandomTexts) {
-    constexpr int texts = slow ? 15'000 : 150'000;
+    const std::uint64_t texts = numberFromEnvironment("STENCILOR_CASES", slow ? 10'000 : 50'000);
     Random random(11);
-    int accepted = 0;
-    for (int i = 0; i < texts && !testing::Test::HasFailure(); ++i) {
+    std::uint64_t accepted = 0;
+    for (std::uint64_t i = 0; i < texts && !testing::Test::HasFailure(); ++i) {
         std::string text = randomJson(random);
-        for (int mutations = i % 3; mutations > 0; --mutations) {
+        for (std::uint64_t mutations = i % 3; mutations > 0; --mutations) {
             text = mutatedJson(random, std::move(text));
         }
         const JsonComparison result = compareJsonReaders(text);
@@ -35,7 +40,7 @@ TEST(JsonReader, AgreesWithAnotherOneOnAllTextsOfFewCharacters) {
             text.pop_back();
         }
     };
-    tryAll(tryAll, slow ? 3 : 4);
+    tryAll(tryAll, thorough() ? 4 : 3);
 }
 
 } // namespace
