@@ -17,9 +17,6 @@ using Kind = Value::Kind;
 using Children = std::map<String, ContextBase*>;
 using Members = std::map<String, Value>;
 
-/// What dotted names may take, in bytes.
-constexpr std::uint64_t dottedNamesLimit = 512u * 1024 * 1024;
-
 // About what an entry takes beside its texts: a map's node, and a value.
 constexpr std::uint64_t perEntry = 192;
 
@@ -64,7 +61,8 @@ std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
 /// dictionaries in it are complete.
 class context_builder {
   public:
-    explicit context_builder(const ContextOptions& options) : options_(options) {}
+    context_builder(const ContextOptions& options, std::uint64_t limit)
+        : options_(options), limit_(limit) {}
 
     std::unique_ptr<ContextBase> build(const Value& value);
 
@@ -77,12 +75,13 @@ class context_builder {
     void countDottedName(const String& name, const ContextBase* original);
 
     const ContextOptions options_;
+    const std::uint64_t limit_; // of the dotted names, in bytes
     const String booleanKey_ = "$boolean";
     const String valueKey_ = "value";
     const String indexKey_ = "index";
     const String firstKey_ = "first";
     const String lastKey_ = "last";
-    std::uint64_t dottedNames_ = 0; // bytes
+    std::uint64_t dottedNames_ = 0; // what they take
 };
 
 std::unique_ptr<ContextBase> context_builder::build(const Value& value) {
@@ -154,7 +153,7 @@ void context_builder::addDottedNames(Children& children, const String& key,
 
 void context_builder::countDottedName(const String& name, const ContextBase* original) {
     dottedNames_ += perEntry + name.size() + measureAlias(original);
-    if (dottedNames_ > dottedNamesLimit) {
+    if (dottedNames_ > limit_) {
         throw std::length_error("the context is too large: the dotted names of its nested "
                                 "dictionaries would take over 512 MiB");
     }
@@ -207,11 +206,12 @@ void context_builder::addPosition(ContextBase& element, std::size_t index,
 
 } // namespace
 
-std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options) {
+std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,
+                                          std::uint64_t limit) {
     if (root.kind() != Kind::Dictionary) {
         throw std::invalid_argument("the root of a context must be a dictionary");
     }
-    return context_builder(options).build(root);
+    return context_builder(options, limit).build(root);
 }
 
 } // namespace kel::Stencilor::internal

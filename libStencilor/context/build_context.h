@@ -3,12 +3,17 @@
 
 #include <libStencilor/Value.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace kel::Stencilor::internal {
 
+/// What the dotted names of a context may take, in bytes.
+inline constexpr std::uint64_t dotted_names_limit = 512u * 1024 * 1024;
+
 /// The tree of context classes that a value becomes; see `Context` for the rules and errors.
-std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options);
+std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,
+                                          std::uint64_t limit = dotted_names_limit);
 
 } // namespace kel::Stencilor::internal
 

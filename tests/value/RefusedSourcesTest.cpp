@@ -46,6 +46,20 @@ template <typename... Keys>
 constexpr bool areNoKeys = (!std::is_constructible_v<Value::Member, Keys, int> && ...);
 static_assert(areNoKeys<int, bool, char, std::nullptr_t, Value, std::wstring, Plain>);
 
+// Braces that are no pairs. As concepts, since only what depends on a type may fail to compile.
+template <typename V>
+concept holdsBareItems = requires {
+    V{{"list", {1, 2}}};
+}
+|| requires {
+    V{"a", "b"};
+};
+template <typename V>
+concept listsBarePairs = requires {
+    V::list({{"a", 1}});
+};
+static_assert(!holdsBareItems<Value> && !listsBarePairs<Value>);
+
 static_assert(!std::is_copy_constructible_v<Context> && !std::is_copy_assignable_v<Context>);
 static_assert(std::is_nothrow_move_constructible_v<Context> &&
               std::is_nothrow_move_assignable_v<Context>);
