@@ -95,7 +95,7 @@ function(stencilor_check_all_tests_are_built)
     file(GLOB_RECURSE written CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
     list(FILTER written EXCLUDE REGEX "/tests/package/") # projects of their own, built by their tests
     if(NOT STENCILOR_BUILD_TOOLS)
-        list(FILTER written EXCLUDE REGEX "/tests/program/")
+        list(FILTER written EXCLUDE REGEX "/tests/(analysis|program)/")
     endif()
     if(NOT TARGET Stencilor::Json)
         list(FILTER written EXCLUDE REGEX "/tests/json/")

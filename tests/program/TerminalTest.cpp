@@ -113,6 +113,8 @@ TEST_F(TerminalTest, ShowsAtMost200CharactersOfANameOrALine) {
     for (const std::vector<std::string>& arguments : {
              std::vector<std::string>{"render", "page.txt"},
              {"render", "page.txt", "-D", name + ":=[]"},
+             {"render", "page.txt", "-D", name + ":=x"},
+             {"render", "page.txt", "-D", name},
              {"render", "page.txt", "-D", "b=c", "--explain"},
              {"check", "page.txt", "-D", "b=c"},
              {"check", "page.txt", "-D", name + "=b"},

@@ -1,4 +1,4 @@
-#include <tools/stencilor/program.h>
+#include <tools/stencilor/Program.h>
 
 int main(int argc, char** argv) {
     return stencilor::runProgram(argc, argv);

@@ -1,4 +1,4 @@
-#include <tools/stencilor/shell/command_table.h>
+#include <tools/stencilor/shell/CommandTable.h>
 
 #include <fstream>
 #include <iostream>

@@ -1,0 +1,92 @@
+#include <libStencilorAnalysis/check/ContextCheck.h>
+#include <libStencilorAnalysis/text/ShownText.h>
+
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+
+namespace kel::Stencilor::Analysis {
+
+namespace {
+
+const char* describeKind(const ContextBase& value) {
+    if (dynamic_cast<const ContextString*>(&value) != nullptr) {
+        return "a string";
+    }
+    if (dynamic_cast<const ContextBoolean*>(&value) != nullptr) {
+        return "a boolean";
+    }
+    return dynamic_cast<const ContextIterable*>(&value) != nullptr ? "a list" : "a dictionary";
+}
+
+/// `kind` is what the tag asks for: `string`.
+Finding describeMissing(const Occurrence& found, SyntaxRange name, const std::string& kind) {
+    return {.rule = Rule::MissingName,
+            .place = {found.file, name},
+            .message = "no " + kind + " is named " + quote(found.file->slice(name)) + found.where};
+}
+
+Finding describeWrongKind(const Occurrence& found, SyntaxRange name, const std::string& kind) {
+    return {.rule = Rule::WrongKind,
+            .place = {found.file, name},
+            .message = quote(found.file->slice(name)) + " is " + describeKind(*found.value) +
+                       ", not a " + kind + (found.where.empty() ? "" : "," + found.where)};
+}
+
+Finding describeRejection(const Occurrence& found) {
+    Finding finding = describeFault(*found.inclusion->file);
+    finding.notes.push_back({{found.file, found.part->whole}, "included here"});
+    return finding;
+}
+
+Finding describeEndlessness(const Occurrence& found) {
+    return {.rule = Rule::IncludeCycle,
+            .place = {found.file, found.part->name},
+            .message = "the inclusions around this one seem to have no end"};
+}
+
+Finding describe(const Occurrence& found) {
+    const SyntaxRange name = found.part->name;
+    const SyntaxRange list = found.part->list;
+    switch (found.problem) {
+    case Problem::NoString:
+        return describeMissing(found, name, "string");
+    case Problem::NotString:
+        return describeWrongKind(found, name, "string");
+    case Problem::NoBoolean:
+        return describeMissing(found, name, "boolean");
+    case Problem::NotBoolean:
+        return describeWrongKind(found, name, "boolean");
+    case Problem::NoList:
+        return describeMissing(found, list, "list");
+    case Problem::NotList:
+        return describeWrongKind(found, list, "list");
+    case Problem::NoFile:
+        return describeFailure({*found.file, *found.part, *found.inclusion});
+    case Problem::RejectedFile:
+        return describeRejection(found);
+    case Problem::TooDeep:
+        break;
+    }
+    return describeEndlessness(found);
+}
+
+} // namespace
+
+std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
+                                       const ContextBase& context, ContextWalk::Extent extent) {
+    std::vector<Finding> findings;
+    std::set<std::tuple<const TemplateFile*, unsigned int, Rule>> known;
+    ContextWalk walk(files, extent, [&](const Occurrence& found) {
+        Finding finding = describe(found);
+        const Place& place = finding.place;
+        if (known.emplace(place.file, place.range.begin, finding.rule).second) {
+            findings.push_back(std::move(finding));
+        }
+    });
+    walk.walk(file, context);
+    return findings;
+}
+
+} // namespace kel::Stencilor::Analysis

@@ -1,0 +1,99 @@
+#ifndef LIBSTENCILORANALYSIS_CHECK_CONTEXTWALK_H
+#define LIBSTENCILORANALYSIS_CHECK_CONTEXTWALK_H
+
+#include <libStencilor/Stencilor.h>
+#include <libStencilor/render/recent_stack.h>
+
+#include <libStencilorAnalysis/template/TemplateWalk.h>
+
+#include <cstddef>
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+
+/// What goes wrong where a template meets a context.
+enum class Problem {
+    NoString,
+    NotString,
+    NoBoolean,
+    NotBoolean,
+    NoList,
+    NotList,
+    NoFile,       ///< an inclusion of a file that is missing or unreadable
+    RejectedFile, ///< an inclusion of one that is rejected
+    TooDeep,      ///< an inclusion inside so many others that there may be no end
+};
+
+/// One problem, each time it occurs.
+struct Occurrence {
+    Problem problem;
+    const TemplateFile* file;
+    const SyntaxElement* part;
+    const ContextBase* value = nullptr;                 ///< the one of the wrong kind
+    const TemplateFiles::Included* inclusion = nullptr; ///< what an inclusion leads to
+    std::string where{}; ///< ` in element 2 of "items"`; empty outside loops
+};
+
+/// Walks a template as the engine renders it, by the engine's rules of how a name is found, and
+/// reports what goes wrong, in included files, too.
+///
+/// Ownership: borrows the files and the context, which is only read.
+/// Nesting: blocks take no call stack, inclusions do. Where these are nested too deeply, the walk
+///   ends.
+class ContextWalk final : private TemplateWalk {
+  public:
+    enum class Extent {
+        Rendered, ///< what is rendered, as often as it is
+        Whole,    ///< both parts of each condition; an included file once for the same scopes
+    };
+
+    using Report = std::function<void(const Occurrence&)>;
+
+    ContextWalk(TemplateFiles& files, Extent extent, Report report);
+
+    /// `file` must be well formed.
+    void walk(const TemplateFile& file, const ContextBase& context);
+
+  private:
+    using Value = ContextBase*;
+    using ScopeStack = internal::recent_stack<const ContextBase*>;
+    using VariableStack = internal::recent_stack<std::string_view>;
+    struct Block;
+    struct FileState;
+
+    void enterFile(const TemplateFile& file);
+
+    // Each returns the index of the part to visit next.
+    std::size_t visit(const TemplateFile& file, std::size_t index) override;
+    std::size_t openConditional(const TemplateFile& file, std::size_t index);
+    std::size_t passElse(const TemplateFile& file, std::size_t index) const;
+    std::size_t closeConditional(std::size_t index);
+    std::size_t openLoop(const TemplateFile& file, std::size_t index);
+    std::size_t closeIteration(std::size_t index);
+    std::size_t openIteration();
+
+    void visitSubstitution(const TemplateFile& file, const SyntaxElement& part);
+    void visitInclusion(const Inclusion& inclusion) override;
+    bool shallEnter(const TemplateFile& file);
+
+    void openScope(Block& block, const ContextBase* scope);
+    void closeScope(Block& block);
+
+    Value find(std::string_view name) const;
+    std::string describePlace() const;
+    void report(Occurrence occurrence) const;
+
+    Extent extent_;
+    Report report_;
+    ScopeStack scopes_;
+    FileState* state_ = nullptr; // of the file that is being walked
+    std::set<std::pair<const TemplateFile*, std::vector<const ContextBase*>>> entered_;
+};
+
+} // namespace kel::Stencilor::Analysis
+
+#endif

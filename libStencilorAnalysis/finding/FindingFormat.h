@@ -1,0 +1,27 @@
+#ifndef LIBSTENCILORANALYSIS_FINDING_FINDINGFORMAT_H
+#define LIBSTENCILORANALYSIS_FINDING_FINDINGFORMAT_H
+
+#include <libStencilorAnalysis/finding/Finding.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// The formats of findings, one file each.
+
+namespace kel::Stencilor::Analysis {
+
+/// As compilers print them, `PATH:LINE:COLUMN: SEVERITY: MESSAGE`, each with its line and a caret
+/// below it.
+std::string formatText(const std::vector<Finding>& findings);
+
+/// One JSON document.
+std::string formatJson(const std::vector<Finding>& findings);
+
+/// One document of SARIF 2.1.0. `uriOf` makes a URI of the name of a template.
+std::string formatSarif(const std::vector<Finding>& findings,
+                        const std::function<std::string(const std::string&)>& uriOf);
+
+} // namespace kel::Stencilor::Analysis
+
+#endif

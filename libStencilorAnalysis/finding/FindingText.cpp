@@ -1,0 +1,83 @@
+#include <libStencilorAnalysis/finding/FindingFormat.h>
+#include <libStencilorAnalysis/text/CodePoint.h>
+#include <libStencilorAnalysis/text/ShownText.h>
+
+#include <algorithm>
+
+namespace kel::Stencilor::Analysis {
+
+namespace {
+
+/// What is shown of a line, in code points. One that is longer is cut around what is meant.
+constexpr std::size_t widestLine = 160;
+
+/// The most bytes that a code point takes.
+constexpr std::size_t widestPoint = 4;
+
+/// Where the code point begins that is `count` before `offset`, or the line. Linear in `count`.
+std::size_t stepBack(std::string_view line, std::size_t offset, std::size_t count) {
+    std::size_t begin = offset - std::min(offset, (count + 1) * widestPoint);
+    std::size_t points = countCodePoints(line.substr(begin, offset - begin));
+    for (; points > count; --points) {
+        begin += firstCodePoint(line.substr(begin)).size;
+    }
+    return begin;
+}
+
+bool isWider(std::string_view line, std::size_t count) {
+    return line.size() > count * widestPoint || countCodePoints(line) > count;
+}
+
+/// The line and below it a caret, and wiggles where more than one column is meant.
+std::string formatLine(std::string_view line, SyntaxRange range) {
+    constexpr std::size_t half = widestLine / 2;
+    const bool cut = isWider(line, widestLine);
+    std::size_t at = cut ? stepBack(line, range.begin, half - 1) : 0;
+    std::string shown = at > 0 ? "..." : "";
+    std::string marks(shown.size(), ' ');
+    for (std::size_t count = 0; at < line.size() && (!cut || count < widestLine); ++count) {
+        const ShownPoint point = showFirst(line.substr(at));
+        const bool before = at + point.size <= range.begin;
+        const bool meant = !before && (at <= range.begin || at < range.end);
+        shown += point.text;
+        if (before) {
+            marks += point.text == "\t" ? "\t" : std::string(point.columns, ' ');
+        } else if (meant) {
+            marks += (at <= range.begin ? '^' : '~') + std::string(point.columns - 1, '~');
+        }
+        at += point.size;
+    }
+    if (range.begin >= line.size()) {
+        marks += '^'; // at the end of the line
+    }
+    return shown + (at < line.size() ? "..." : "") + "\n" + marks + "\n";
+}
+
+/// A range as one of a line.
+SyntaxRange rangeIn(const Line& line, SyntaxRange range) {
+    const auto begin = static_cast<unsigned int>(line.begin);
+    return {range.begin - std::min(range.begin, begin), range.end - std::min(range.end, begin)};
+}
+
+std::string formatPlace(const Place& place, Severity severity, const std::string& message) {
+    const Position position = place.file->positionOf(place.range.begin);
+    const Line line = place.file->lineAt(place.range.begin);
+    return showText(place.file->name()) + ":" + std::to_string(position.line) + ":" +
+           std::to_string(position.column) + ": " + severityName(severity) + ": " +
+           showText(message) + "\n" + formatLine(line.text, rangeIn(line, place.range));
+}
+
+} // namespace
+
+std::string formatText(const std::vector<Finding>& findings) {
+    std::string text;
+    for (const Finding& finding : findings) {
+        text += formatPlace(finding.place, finding.severity(), finding.message);
+        for (const Note& note : finding.notes) {
+            text += formatPlace(note.place, Severity::Note, note.message);
+        }
+    }
+    return text;
+}
+
+} // namespace kel::Stencilor::Analysis

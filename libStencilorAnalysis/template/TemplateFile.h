@@ -1,0 +1,67 @@
+#ifndef LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEFILE_H
+#define LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEFILE_H
+
+#include <libStencilor/Syntax.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+
+/// A place as editors count it: from 1, columns in code points. A byte-order mark is not a column,
+/// and malformed bytes count as the U+FFFD that replaces them.
+struct Position {
+    std::size_t line;
+    std::size_t column;
+};
+
+/// A line without its end and without a byte-order mark.
+struct Line {
+    std::size_t number; ///< from 1
+    std::size_t begin;  ///< the offset of its text in the template
+    std::string_view text;
+};
+
+/// A template with its syntax.
+///
+/// Ownership: owns its text; what it returns is borrowed from it.
+/// Copying: not possible, since findings refer to it.
+/// Errors: a text over 4 GiB - 1 byte throws `std::length_error`.
+class TemplateFile {
+  public:
+    /// `name` is what findings call it.
+    TemplateFile(std::string name, std::string text);
+    TemplateFile(const TemplateFile&) = delete;
+    TemplateFile& operator=(const TemplateFile&) = delete;
+
+    const std::string& name() const { return name_; }
+    const SyntaxFault& fault() const { return fault_; }
+
+    /// The texts and tags in their order. Where there is a fault, those before it.
+    const std::vector<SyntaxElement>& parts() const { return parts_; }
+
+    /// The index of the tag that ends what an `if`, a `for` or an `else` opens. The template must
+    /// be well formed.
+    std::size_t endOf(std::size_t part) const { return ends_[part]; }
+
+    /// The index after the whole block that an `if` or a `for` opens.
+    std::size_t afterBlock(std::size_t part) const;
+
+    std::string_view slice(SyntaxRange range) const;
+    Position positionOf(std::size_t offset) const;
+    Line lineAt(std::size_t offset) const;
+
+  private:
+    std::string name_;
+    std::string text_;
+    std::vector<std::size_t> lines_; // where they begin
+    std::vector<SyntaxElement> parts_;
+    std::vector<std::size_t> ends_; // of each part that opens something
+    SyntaxFault fault_;
+};
+
+} // namespace kel::Stencilor::Analysis
+
+#endif

@@ -1,0 +1,174 @@
+#include "../support/Build.h"
+#include "../support/Deletions.h"
+#include "../support/Environment.h"
+#include "../support/FailingAllocation.h"
+#include "../support/TemporaryFolder.h"
+#include "../support/oracles/RandomContext.h"
+#include "../support/oracles/RandomTemplate.h"
+#include "FileReader.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <gtest/gtest.h>
+#include <libStencilorAnalysis/check/ContextWalk.h>
+
+#include <iostream>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+namespace {
+
+/// The engine's message for what was found.
+std::string messageOf(const Occurrence& found) {
+    const std::string name(found.file->slice(found.part->name));
+    const std::string list(found.file->slice(found.part->list));
+    switch (found.problem) {
+    case Problem::NoString:
+        return "Could not find expected replacement named \"" + name + "\"\n";
+    case Problem::NotString:
+        return "The replacement is not of type String for \"" + name + "\"";
+    case Problem::NoBoolean:
+        return "Could not find expected boolean named \"" + name + "\n";
+    case Problem::NotBoolean:
+        return "Expected named \"" + name + "\" to be of type ContextBoolean\n";
+    case Problem::NoList:
+        return "Could not find expected for-expression named \"" + list + "\"\n";
+    case Problem::NotList:
+        return "Expected named \"" + list + "\" to be of type ContextIterable\n";
+    case Problem::NoFile:
+        return found.inclusion->answer == TemplateReader::Answer::Missing
+                   ? "Could not include file \"" + name + "\", file doesn't exist"
+                   : "Could not load file \"" + name + "\"";
+    case Problem::RejectedFile:
+    case Problem::TooDeep:
+        break;
+    }
+    return "";
+}
+
+const std::vector<std::string> paths = {"f0", "f1", "f2", "parts/f3", "missing", "parts"};
+
+// Each file includes only those after it, so that none includes itself.
+void writeFiles(support::TemporaryFolder& folder, std::uint64_t seed) {
+    support::Random random(seed);
+    for (std::size_t file = 0; file < 4; ++file) {
+        const std::vector<std::string> after(paths.begin() + static_cast<std::ptrdiff_t>(file) + 1,
+                                             paths.end());
+        folder.writeFile(paths[file], support::randomTemplate(random, 8, after));
+    }
+}
+
+// In included files the engine drops its messages; those of each are compared where it is rendered
+// by itself.
+TEST(ContextWalk, TellsWhatTheEngineTells) {
+    support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    folder.makeFolder("parts");
+    const std::uint64_t first = support::numberFromEnvironment("STENCILOR_SEED", 0);
+    const std::uint64_t last = first + support::numberFromEnvironment("STENCILOR_CASES", 2000);
+    std::uint64_t withMessages = 0;
+    for (std::uint64_t seed = first; seed < last && !HasFailure(); ++seed) {
+        SCOPED_TRACE("STENCILOR_SEED=" + std::to_string(seed) + " STENCILOR_CASES=1");
+        if (seed == first || seed % 64 == 0) {
+            writeFiles(folder, seed / 64);
+        }
+        support::Random random(seed);
+        const auto context = support::randomContext(
+            random, [](support::Random&, const std::string& text) { return kel::String(text); });
+        const std::string text = support::randomTemplate(random, 24, paths);
+
+        FileReader reader;
+        TemplateFiles files(reader);
+        const TemplateFile& file = files.add({"-", "", text});
+        kel::String errors;
+        buildOutput(kel::String(text), *context, errors);
+        if (file.fault().isPresent()) {
+            EXPECT_EQ(errors.str(),
+                      "Could not build formatted output: Failed to parse input correctly.");
+            continue;
+        }
+        std::string reported;
+        ContextWalk walk(files, ContextWalk::Extent::Rendered, [&](const Occurrence& found) {
+            reported += found.file == &file ? messageOf(found) : "";
+        });
+        walk.walk(file, *context);
+        EXPECT_EQ(reported, errors.str()) << text;
+        withMessages += errors.empty() ? 0u : 1u;
+    }
+    std::cout << "compared " << last - first << " renderings, " << withMessages
+              << " with messages\n";
+}
+
+TEST(ContextWalk, EndsWhereInclusionsDoNot) {
+    support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    const std::string text = "{% for a in l %}{% include \"page\" %}{{ x }}{% endfor %}";
+    folder.writeFile("page", text);
+    ContextDictionary context;
+    ContextIterable* const list = ContextFactory::buildIterable();
+    context.insert("l", list);
+    for (int i = 0; i < 3; ++i) {
+        auto* const element = ContextFactory::buildDictionary();
+        element->insert("y", nullptr);
+        list->add(element);
+    }
+    FileReader reader;
+    TemplateFiles files(reader);
+    std::vector<Problem> found;
+    ContextWalk walk(files, ContextWalk::Extent::Rendered,
+                     [&found](const Occurrence& one) { found.push_back(one.problem); });
+    walk.walk(files.add({"-", "", text}), context);
+    EXPECT_EQ(found, std::vector{Problem::TooDeep});
+}
+
+TEST(ContextWalk, DeletesNothingOfTheContextWhereMemoryIsExhausted) {
+    if (support::threadSanitized) {
+        GTEST_SKIP() << "the thread sanitizer does not let allocations fail";
+    }
+    bool failed = true;
+    for (int count = 0; failed; ++count) {
+        SCOPED_TRACE(count);
+        support::Deletions deletions;
+        {
+            ContextDictionary context;
+            context.insert("b", new support::Logged<ContextBoolean>(deletions, "b", true));
+            FileReader reader;
+            TemplateFiles files(reader);
+            const TemplateFile& file = files.add({"-", "", "{% if b %}{{ x }}{% endif %}"});
+            ContextWalk walk(files, ContextWalk::Extent::Rendered, [](const Occurrence&) {});
+            const support::FailingAllocation failure(count);
+            try {
+                walk.walk(file, context);
+            } catch (const std::bad_alloc&) {
+            }
+            failed = failure.happened();
+            EXPECT_EQ(deletions, support::Deletions());
+        }
+        EXPECT_EQ(deletions, support::Deletions{"b"});
+    }
+}
+
+TEST(ContextWalk, TakesNoCallStackForBlocks) {
+    std::string text;
+    constexpr int depth = 100000;
+    for (int i = 0; i < depth; ++i) {
+        text += "{% if b %}";
+    }
+    text += "{{ x }}";
+    for (int i = 0; i < depth; ++i) {
+        text += "{% endif %}";
+    }
+    ContextDictionary context;
+    context.insert("b", ContextFactory::buildBoolean(true));
+    FileReader reader;
+    TemplateFiles files(reader);
+    int found = 0;
+    ContextWalk walk(files, ContextWalk::Extent::Whole, [&found](const Occurrence&) { ++found; });
+    walk.walk(files.add({"-", "", text}), context);
+    EXPECT_EQ(found, 1);
+}
+
+} // namespace
+} // namespace kel::Stencilor::Analysis

@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+#include <libStencilorAnalysis/check/SyntaxCheck.h>
+#include <libStencilorAnalysis/finding/FindingFormat.h>
+#include <libStencilorAnalysis/names/Dependencies.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+namespace {
+
+/// Templates in memory. A path with the text "?" cannot be read.
+class MemoryReader final : public TemplateReader {
+  public:
+    explicit MemoryReader(std::map<std::string, std::string> texts) : texts_(std::move(texts)) {}
+
+    Answer find(const std::string& path, TemplateText& found) override {
+        ++asked_[path];
+        found = {"memory:" + path, path, ""};
+        const auto text = texts_.find(path);
+        if (text == texts_.end()) {
+            return Answer::Missing;
+        }
+        found.text = text->second;
+        return found.text == "?" ? Answer::Unreadable : Answer::Found;
+    }
+
+    const std::map<std::string, int>& asked() const { return asked_; }
+
+  private:
+    std::map<std::string, std::string> texts_;
+    std::map<std::string, int> asked_;
+};
+
+const char* const page = R"({% include "a" %}{% include "a" %}{% include "b" %}{% include "none" %}
+{% include "none" %}{% include "closed" %})";
+
+TEST(TemplateFiles, AreFoundByAReaderThatIsAskedOnceForEach) {
+    MemoryReader reader({{"a", R"(x{% include "b" %})"}, {"b", "{{"}, {"closed", "?"}});
+    TemplateFiles files(reader);
+    const TemplateFile& file = files.add({"page", "page", page});
+    CheckReport report;
+    checkSyntax(files, file, report);
+    const std::vector<Finding> findings = sortFindings(report);
+    EXPECT_EQ(formatText(findings),
+              "page:1:64: error: included file \"none\" does not exist\n"
+              "{% include \"a\" %}{% include \"a\" %}{% include \"b\" %}{% include \"none\" %}\n"
+              "                                                               ^~~~\n"
+              "page:2:13: error: included file \"none\" does not exist\n"
+              "{% include \"none\" %}{% include \"closed\" %}\n            ^~~~\n"
+              "page:2:33: error: included file \"closed\" cannot be read\n"
+              "{% include \"none\" %}{% include \"closed\" %}\n"
+              "                                ^~~~~~\n"
+              "memory:b:1:3: error: expected a name after \"{{\"\n{{\n  ^\n");
+    Dependencies dependencies(file);
+    survey(files, file, dependencies);
+    EXPECT_EQ(dependencies.names(),
+              (std::vector<std::string>{"memory:a", "memory:b", "memory:none", "memory:closed"}));
+    EXPECT_EQ(reader.asked(),
+              (std::map<std::string, int>{{"a", 1}, {"b", 1}, {"closed", 1}, {"none", 1}}));
+}
+
+} // namespace
+} // namespace kel::Stencilor::Analysis

@@ -1,0 +1,71 @@
+#include <libStencilorAnalysis/text/ShownText.h>
+#include <libStencilorJson/JsonText.h>
+#include <tools/stencilor/commands/ContextSource.h>
+#include <tools/stencilor/commands/Failure.h>
+#include <tools/stencilor/commands/Files.h>
+
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace stencilor {
+
+namespace {
+
+using kel::Stencilor::Value;
+using kel::Stencilor::Analysis::shorten;
+
+Value parse(const std::string& name, std::string_view text) {
+    try {
+        return kel::Stencilor::valueFromJsonText(text);
+    } catch (const kel::Stencilor::JsonError& error) {
+        throw Failure(name + ":" + error.what());
+    }
+}
+
+/// Carries out one `-D` option: `NAME=VALUE` makes the member NAME of `context` a string,
+/// `NAME:=JSON` any value. What stood under that name is replaced.
+void applyDefinition(Value& context, std::string_view definition) {
+    const std::size_t equals = definition.find('=');
+    const bool isJson =
+        equals != std::string_view::npos && equals > 0 && definition[equals - 1] == ':';
+    const std::string_view name = definition.substr(0, isJson ? equals - 1 : equals);
+    if (equals == std::string_view::npos || name.empty()) {
+        throw Failure("-D " + shorten(definition) + ": expected NAME=VALUE or NAME:=JSON");
+    }
+    const std::string_view text = definition.substr(equals + 1);
+    const std::string option = "-D " + shorten(name);
+    Value value = isJson ? parse(option, text) : Value(text);
+    if (name == "$boolean" && value.kind() != Value::Kind::Boolean) {
+        throw Failure(option + ": expected true or false");
+    }
+    context.set(name, std::move(value));
+}
+
+Value loadContext(const ContextRequest& request) {
+    Value context;
+    if (request.file) {
+        const std::string name = inputName(*request.file);
+        context = parse(name, readInput(*request.file));
+        if (context.kind() != Value::Kind::Dictionary) {
+            throw Failure(name + ": expected an object, whose members the template can name");
+        }
+    }
+    for (const std::string& definition : request.definitions) {
+        applyDefinition(context, definition);
+    }
+    return context;
+}
+
+} // namespace
+
+kel::Stencilor::Context makeContext(const ContextRequest& request) {
+    const Value values = loadContext(request);
+    try {
+        return kel::Stencilor::Context(values);
+    } catch (const std::length_error& error) { // of the dotted names, not of a text
+        throw Failure(error.what());
+    }
+}
+
+} // namespace stencilor

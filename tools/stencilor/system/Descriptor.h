@@ -1,0 +1,84 @@
+#ifndef TOOLS_STENCILOR_SYSTEM_DESCRIPTOR_H
+#define TOOLS_STENCILOR_SYSTEM_DESCRIPTOR_H
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+// Files on POSIX systems. What fails throws `std::system_error`.
+
+namespace stencilor::system {
+
+[[noreturn]] inline void fail(int error = errno) {
+    throw std::system_error(error, std::generic_category());
+}
+
+/// Calls again what a signal has interrupted.
+template <typename Call>
+auto retry(Call call) {
+    decltype(call()) result;
+    do {
+        result = call();
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
+/// Reads or writes. A stream that another program has made non-blocking is waited for.
+template <typename Call>
+std::size_t transfer(int descriptor, short event, Call call) {
+    ssize_t count = retry(call);
+    while (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+        pollfd waiting = {descriptor, event, 0};
+        retry([&waiting] { return ::poll(&waiting, 1, -1); });
+        count = retry(call);
+    }
+    if (count < 0) {
+        fail();
+    }
+    return static_cast<std::size_t>(count);
+}
+
+class Descriptor {
+  public:
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {
+        if (descriptor_ < 0) {
+            fail();
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+
+    int get() const { return descriptor_; }
+
+    /// Closes it. Fails where that does: some file systems report only then that they are full.
+    void close() {
+        const int descriptor = std::exchange(descriptor_, -1);
+        if (::close(descriptor) != 0 && errno != EINTR) {
+            fail();
+        }
+    }
+
+  private:
+    int descriptor_;
+};
+
+inline void writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        text.remove_prefix(transfer(descriptor, POLLOUT,
+                                    [&] { return ::write(descriptor, text.data(), text.size()); }));
+    }
+}
+
+} // namespace stencilor::system
+
+#endif

@@ -1,0 +1,88 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <tools/stencilor/system/Descriptor.h>
+#include <tools/stencilor/system/PercentEncoding.h>
+#include <tools/stencilor/system/System.h>
+
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+
+namespace stencilor::system {
+
+namespace {
+
+/// The size of a regular file; 0 for others, whose size is known only at their end.
+std::uint64_t sizeOf(int descriptor) {
+    struct stat status;
+    if (::fstat(descriptor, &status) != 0) {
+        fail();
+    }
+    return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+std::string readAll(int descriptor) {
+    std::string content;
+    std::string block(std::size_t{256} * 1024, '\0');
+    bool tooLarge = sizeOf(descriptor) > longestText;
+    while (!tooLarge) {
+        const std::size_t count = transfer(
+            descriptor, POLLIN, [&] { return ::read(descriptor, block.data(), block.size()); });
+        if (count == 0) {
+            return content;
+        }
+        content.append(block, 0, count);
+        tooLarge = content.size() > longestText;
+    }
+    throw std::system_error(std::make_error_code(std::errc::file_too_large));
+}
+
+} // namespace
+
+std::vector<std::string> start(int argc, char** argv) {
+    // A file that grows over its limit is then a failure like others.
+    std::signal(SIGXFSZ, SIG_IGN);
+    return std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc);
+}
+
+std::string readFile(const std::string& path) {
+    const Descriptor file(retry([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
+    return readAll(file.get());
+}
+
+std::string readStandardInput() {
+    return readAll(STDIN_FILENO);
+}
+
+void writeStandardOutput(std::string_view text) {
+    if (text.empty()) {
+        return;
+    }
+    writeAll(STDOUT_FILENO, text);
+    // Some file systems report only when a file is closed that they are full.
+    Descriptor(retry([] { return ::dup(STDOUT_FILENO); })).close();
+}
+
+void writeStandardError(std::string_view text) noexcept {
+    try {
+        writeAll(STDERR_FILENO, text);
+    } catch (const std::system_error&) {
+    }
+}
+
+std::string folderOf(const std::string& path) {
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    return folder.empty() ? "." : folder.string();
+}
+
+std::string identityOf(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path canonical = std::filesystem::canonical(path, failure);
+    return failure ? path : canonical.string();
+}
+
+std::string uriOf(const std::string& path) {
+    return (path.starts_with('/') ? "file://" : "") + percentEncode(path);
+}
+
+} // namespace stencilor::system
