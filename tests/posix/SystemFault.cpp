@@ -61,30 +61,33 @@ Function* original(const char* name) {
 
 #define REPLACED extern "C" __attribute__((visibility("default")))
 
-// A function whose arguments are passed on as they are.
-#define FAILING(result, failure, function, parameters, arguments)                                  \
-    REPLACED result function parameters noexcept {                                                 \
+// A function whose arguments are passed on as they are. Where a thread may be cancelled, the system
+// declares it without `noexcept`.
+#define FAILING_POINT(result, failure, function, parameters, arguments)                            \
+    REPLACED result function parameters {                                                          \
         static auto* const next = original<result parameters>(#function);                          \
         return isItsTurn(#function) ? failure : next arguments;                                    \
     }
+#define FAILING(result, failure, function, parameters, arguments)                                  \
+    FAILING_POINT(result, failure, function, parameters noexcept, arguments)
 
-FAILING(int, -1, close, (int file), (file))
+FAILING_POINT(int, -1, close, (int file), (file))
 FAILING(int, -1, dup, (int file), (file))
 FAILING(int, -1, faccessat, (int folder, const char* path, int mode, int flags),
         (folder, path, mode, flags))
 FAILING(int, -1, fchmod, (int file, mode_t mode), (file, mode))
 FAILING(int, -1, fchown, (int file, uid_t owner, gid_t group), (file, owner, group))
 FAILING(int, -1, fstat, (int file, struct stat* status), (file, status))
-FAILING(int, -1, fsync, (int file), (file))
+FAILING_POINT(int, -1, fsync, (int file), (file))
 FAILING(int, -1, lstat, (const char* path, struct stat* status), (path, status))
-FAILING(int, -1, poll, (pollfd * files, nfds_t count, int timeout), (files, count, timeout))
-FAILING(ssize_t, -1, read, (int file, void* to, size_t size), (file, to, size))
+FAILING_POINT(int, -1, poll, (pollfd * files, nfds_t count, int timeout), (files, count, timeout))
+FAILING_POINT(ssize_t, -1, read, (int file, void* to, size_t size), (file, to, size))
 FAILING(ssize_t, -1, readlink, (const char* path, char* to, size_t size), (path, to, size))
 FAILING(char*, nullptr, realpath, (const char* path, char* to), (path, to))
 FAILING(int, -1, rename, (const char* from, const char* to), (from, to))
 FAILING(int, -1, stat, (const char* path, struct stat* status), (path, status))
 FAILING(int, -1, unlink, (const char* path), (path))
-FAILING(ssize_t, -1, write, (int file, const void* from, size_t size), (file, from, size))
+FAILING_POINT(ssize_t, -1, write, (int file, const void* from, size_t size), (file, from, size))
 
 // Those that have a mode only where they make a file.
 
