@@ -66,7 +66,8 @@ void startCounting() {
 
 allocations stopCounting() {
     counting = false;
-    return {count, static_cast<std::size_t>(peak)};
+    return {count, static_cast<std::size_t>(peak),
+            static_cast<std::size_t>(std::max<std::ptrdiff_t>(inUse, 0))};
 }
 
 } // namespace bench

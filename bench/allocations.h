@@ -9,6 +9,7 @@ namespace bench {
 struct allocations {
     std::size_t count = 0;
     std::size_t peakBytes = 0; // above what was in use at the beginning
+    std::size_t heldBytes = 0; // at the end, likewise
 };
 
 /// Counts from here on, in all threads and libraries of the process.

@@ -2,6 +2,8 @@
 
 #include <kainjow/mustache.hpp>
 
+#include <fstream>
+#include <iterator>
 #include <optional>
 
 namespace bench {
@@ -11,45 +13,60 @@ namespace {
 using kainjow::mustache::data;
 using kainjow::mustache::mustache;
 
-data toData(const value& from);
+constexpr const char* directory = "mustache";
 
-data toObject(const object& from) {
-    data converted(data::type::object);
-    for (const auto& [name, member] : from) {
-        converted.set(name, toData(member));
-    }
-    return converted;
+std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/// Makes data of values. Partials are functions that return a text, which the engine parses
+/// whenever it renders one.
 struct converter {
     data operator()(const std::string& text) const { return data(text); }
     data operator()(bool truth) const { return data(truth); }
-    data operator()(const object& members) const { return toObject(members); }
-    data operator()(const list& elements) const {
-        data converted(data::type::list);
-        for (const value& element : elements) {
-            converted.push_back(toData(element));
+    data operator()(const object& members) const {
+        data converted(data::type::object);
+        for (const auto& [name, member] : members) {
+            converted.set(name, std::visit(*this, member.held));
         }
         return converted;
     }
-};
+    data operator()(const list& elements) const {
+        data converted(data::type::list);
+        for (const value& element : elements) {
+            converted.push_back(std::visit(*this, element.held));
+        }
+        return converted;
+    }
+    data operator()(const partial& included) const {
+        if (when == parsing::everyCall) {
+            return data(kainjow::mustache::partial(
+                [path = directory + ("/" + included.path)] { return readFile(path); }));
+        }
+        return data(
+            kainjow::mustache::partial([text = templates.at(included.path)] { return text; }));
+    }
 
-data toData(const value& from) {
-    return std::visit(converter(), from.held);
-}
+    const std::map<std::string, std::string>& templates;
+    parsing when;
+};
 
 } // namespace
 
-renderer mustacheRenderer(const std::string& templateText, const object& data, parsing when) {
+renderer mustacheRenderer(const workload& work, parsing when) {
     struct state {
         std::string text;
         kainjow::mustache::data context;
         std::optional<mustache> beforehand;
         std::string output;
     };
-    auto shared = std::make_shared<state>(state{templateText, toObject(data), {}, {}});
+    const page own = translated(work.text, language::mustache, work.escaped);
+    writeFiles(directory, own);
+    auto shared =
+        std::make_shared<state>(state{own.text, converter{own.included, when}(work.data), {}, {}});
     if (when == parsing::beforehand) {
-        shared->beforehand.emplace(templateText);
+        shared->beforehand.emplace(own.text);
     }
     return {[shared] {
                 shared->output = shared->beforehand

@@ -1,33 +1,41 @@
 #ifndef BENCH_ENGINES_H
 #define BENCH_ENGINES_H
 
-#include "model.h"
-
-#include <functional>
-#include <memory>
-#include <string>
+#include "workloads.h"
 
 namespace bench {
 
-/// Renders once and returns how many bytes came out. What it rendered stays until the next call.
-/// The contexts are made beforehand and belong to the function.
-struct renderer {
-    std::function<std::size_t()> render;
-    std::function<std::string()> output;
-};
-
 /// This engine: text in, `kel::String` out, parsing in every call.
-renderer stencilorRenderer(const std::string& templateText, const object& data);
+renderer buildOutputRenderer(const workload& work);
 
-/// The same with one context for many threads at once: a call drops what it rendered.
-std::function<std::size_t()> stencilorForThreads(const std::string& templateText,
-                                                 const object& data);
+/// This engine with a template that is parsed beforehand.
+renderer templateRenderer(const workload& work);
+
+/// The same in pieces.
+renderer renderToRenderer(const workload& work);
+
+/// Make and destroy the context of a workload: of a value that exists already, and by the classic
+/// classes.
+std::function<std::size_t()> contextOfValue(const workload& work);
+std::function<std::size_t()> contextByHand(const workload& work);
+
+/// A template that is kept, with its text.
+std::shared_ptr<const void> keptTemplate(const std::string& text);
 
 /// Whether a peer's template is parsed in every call, or once beforehand.
 enum class parsing { everyCall, beforehand };
 
-renderer ctemplateRenderer(const std::string& templateText, const object& data, parsing when);
-renderer mustacheRenderer(const std::string& templateText, const object& data, parsing when);
+renderer ctemplateRenderer(const workload& work, parsing when);
+renderer mustacheRenderer(const workload& work, parsing when);
+
+/// Writes the files that a page includes into a directory, and dates them back: engines that keep
+/// files may distrust fresh ones.
+void writeFiles(const std::string& directory, const page& from);
+
+/// Two functions for two threads, which render the same data and drop the result: by `buildOutput`,
+/// by one template, or by a template each.
+enum class sharing { buildOutput, oneTemplate, templateEach };
+std::vector<std::function<std::size_t()>> forTwoThreads(const workload& work, sharing what);
 
 } // namespace bench
 

@@ -1,5 +1,9 @@
+// Measures this engine alongside two others, and prints its times as parts of the better one's,
+// with the target of each.
+
 #include "allocations.h"
-#include "workloads.h"
+#include "engines.h"
+#include "rate.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,64 +18,59 @@ namespace {
 
 using namespace bench;
 
+constexpr const char* classic = "buildOutput";
+constexpr const char* modern = "Template";
+constexpr const char* byHandName = "hand";
+const std::vector<std::string> peers = {"ctemplate", "mustache"};
+const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
+
 /// One engine at one workload.
 struct contender {
     std::string engine;
     renderer call;
-    allocations memory = {};
-    std::size_t bytes = 0;
-    double nanoseconds = 0; // median
 };
 
 struct contest {
     workload work;
     std::vector<contender> contenders;
-
-    const contender* find(const std::string& engine) const {
-        const auto found =
-            std::find_if(contenders.begin(), contenders.end(),
-                         [&engine](const contender& each) { return each.engine == engine; });
-        return found == contenders.end() ? nullptr : &*found;
-    }
 };
-
-constexpr const char* ours = "stencilor";
-constexpr const char* limit = "hand";
-const std::vector<std::string> peers = {"ctemplate", "mustache"};
-const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
 
 contest prepare(workload work) {
     contest made{std::move(work), {}};
     const workload& each = made.work;
-    made.contenders.push_back({ours, stencilorRenderer(each.stencilor, each.data)});
-    if (!each.ctemplate.empty()) {
-        for (const parsing when : {parsing::everyCall, parsing::beforehand}) {
-            const std::string suffix = when == parsing::beforehand ? ", parsed" : "";
-            made.contenders.push_back(
-                {"ctemplate" + suffix, ctemplateRenderer(each.ctemplate, each.data, when)});
-            made.contenders.push_back(
-                {"mustache" + suffix, mustacheRenderer(each.mustache, each.data, when)});
-        }
+    auto& all = made.contenders;
+    if (!each.escaped) {
+        all.push_back({classic, buildOutputRenderer(each)});
     }
-    made.contenders.push_back({limit, each.hand});
+    all.push_back({modern, templateRenderer(each)});
+    if (!each.escaped && !each.inFiles) {
+        all.push_back({peers[0], ctemplateRenderer(each, parsing::everyCall)});
+        all.push_back({peers[1], mustacheRenderer(each, parsing::everyCall)});
+    }
+    all.push_back({parsedPeers[0], ctemplateRenderer(each, parsing::beforehand)});
+    if (!each.inFiles) {
+        all.push_back({parsedPeers[1], mustacheRenderer(each, parsing::beforehand)});
+    }
+    all.push_back({byHandName, each.hand});
+    if (each.name == "W2-1000") {
+        all.push_back({"renderTo", renderToRenderer(each)});
+    }
     return made;
 }
 
-/// Renders once with each engine, compares the bytes and counts the allocations.
-void check(contest& each) {
+/// Renders twice with each engine, and compares the bytes.
+void check(const contest& each) {
     std::string expected;
-    for (contender& engine : each.contenders) {
-        engine.call.render(); // warm: what is made once per process does not count
-        startCounting();
-        engine.bytes = engine.call.render();
-        engine.memory = stopCounting();
+    for (const contender& engine : each.contenders) {
+        engine.call.render();
+        engine.call.render();
         const std::string output = engine.call.output();
         if (expected.empty()) {
             expected = output;
         }
         if (output.empty() || output != expected) {
             std::fprintf(stderr, "%s: the output of %s is not that of %s\n", each.work.name.c_str(),
-                         engine.engine.c_str(), ours);
+                         engine.engine.c_str(), each.contenders.front().engine.c_str());
             std::exit(1);
         }
     }
@@ -84,63 +83,137 @@ class median_reporter : public benchmark::BenchmarkReporter {
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.aggregate_name == "median") {
-                medians[run.run_name.function_name] = run.GetAdjustedRealTime();
+                medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
             }
         }
     }
 
-    std::map<std::string, double> medians;
+    /// @return nanoseconds; 0 if it was not measured
+    double median(const std::string& work, const std::string& engine) const {
+        const auto found = medians_.find(work + "/" + engine);
+        return found == medians_.end() ? 0 : found->second;
+    }
+
+  private:
+    std::map<std::string, double> medians_;
 };
 
-std::string nameOf(const contest& each, const contender& engine) {
-    return each.work.name + "/" + engine.engine;
-}
-
-double best(const contest& each, const std::vector<std::string>& engines) {
-    double fastest = 0;
-    for (const std::string& engine : engines) {
-        const contender* found = each.find(engine);
-        if (found != nullptr && (fastest == 0 || found->nanoseconds < fastest)) {
-            fastest = found->nanoseconds;
+void add(const std::string& name, const std::function<std::size_t()>& call) {
+    benchmark::RegisterBenchmark(name.c_str(), [call](benchmark::State& state) {
+        for (auto _ : state) {
+            benchmark::DoNotOptimize(call());
         }
-    }
-    return fastest;
+    })->UseRealTime();
 }
 
-std::string ratio(double time, double reference) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.2f", reference > 0 ? time / reference : 0.0);
-    return reference > 0 ? text : "-";
+/// @return false where an argument is wrong
+bool run(std::vector<std::string> arguments, median_reporter& reporter) {
+    // The order of the runs is drawn by chance, so that a disturbance of the machine meets all.
+    arguments.insert(arguments.begin() + 1,
+                     {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=7",
+                      "--benchmark_min_time=0.05"});
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    int count = static_cast<int>(pointers.size());
+    benchmark::Initialize(&count, pointers.data());
+    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) {
+        return false;
+    }
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return true;
 }
 
-void printTarget(const char* what, double reached, double allowed) {
-    std::printf("      target: %-44s %.2f, at most %.2f: %s\n", what, reached, allowed,
-                reached <= allowed ? "reached" : "MISSED");
+const char* verdict(bool reached) {
+    return reached ? "reached" : "MISSED";
 }
 
-void print(const contest& each) {
-    const double peer = best(each, peers);
-    const double hand = each.find(limit)->nanoseconds;
-    const double own = each.find(ours)->nanoseconds;
-    std::printf("\n%s: %s, %zu bytes\n", each.work.name.c_str(), each.work.what.c_str(),
-                each.find(ours)->bytes);
-    std::printf("  %-18s %12s %9s %8s %8s %9s %12s\n", "engine", "us", "MB/s", "of peer", "of hand",
-                "allocs", "peak bytes");
-    for (const contender& engine : each.contenders) {
-        std::printf(
-            "  %-18s %12.2f %9.0f %8s %8s %9zu %12zu\n", engine.engine.c_str(),
-            engine.nanoseconds / 1e3, static_cast<double>(engine.bytes) / engine.nanoseconds * 1e3,
-            ratio(engine.nanoseconds, peer).c_str(), ratio(engine.nanoseconds, hand).c_str(),
-            engine.memory.count, engine.memory.peakBytes);
+/// The columns of one of our calls: its time, the better rival's, their ratio, and the target.
+void printCall(const median_reporter& times, const std::string& work, const char* call,
+               std::vector<std::string> rivals, std::optional<double> target) {
+    std::erase_if(rivals, [&](const auto& each) { return times.median(work, each) == 0; });
+    const double own = times.median(work, call);
+    if (own == 0 || rivals.empty()) {
+        std::printf(" | %10s %10s %-9s %5s %4s %-7s", "-", "-", "", "-", "-", "");
+        return;
     }
-    if (each.work.ofPeer) {
-        printTarget("of the better peer that parses in every call", own / peer, *each.work.ofPeer);
+    const std::string best = *std::min_element(
+        rivals.begin(), rivals.end(), [&](const std::string& left, const std::string& right) {
+            return times.median(work, left) < times.median(work, right);
+        });
+    const double other = times.median(work, best);
+    std::printf(" | %10.2f %10.2f %-9s %5.2f", own / 1e3, other / 1e3,
+                best.substr(0, best.find(',')).c_str(), own / other);
+    if (target) {
+        std::printf(" %4.2f %-7s", *target, verdict(own / other <= *target));
+    } else {
+        std::printf(" %4s %-7s", "-", "");
     }
-    if (each.work.ofHand) {
-        printTarget("of hand", own / hand, *each.work.ofHand);
+}
+
+void printTable(const median_reporter& times, const std::vector<contest>& contests) {
+    std::printf(
+        "\nmicroseconds; ratios to the better peer, with the targets\n%-43s | %-51s | %-51s |\n"
+        "%-43s | %10s %10s %-9s %5s %-12s | %10s %10s %-9s %5s %-12s | %10s\n",
+        "", "buildOutput; peers parse in every call", "Template made before; peers parsed before",
+        "", classic, "peer", "", "ratio", "target", modern, "peer", "", "ratio", "target",
+        byHandName);
+    for (const contest& each : contests) {
+        const workload& work = each.work;
+        const double hand = times.median(work.name, byHandName);
+        if (hand == 0) {
+            continue;
+        }
+        std::printf("%-7s %-35s", work.name.c_str(), work.what.c_str());
+        printCall(times, work.name, classic,
+                  work.inFiles ? std::vector<std::string>{byHandName} : peers,
+                  work.buildOutputTarget);
+        printCall(times, work.name, modern, parsedPeers, work.templateTarget);
+        std::printf(" | %10.2f\n", hand / 1e3);
     }
-    if (each.work.aheadOfParsed) {
-        printTarget("of the better peer parsed beforehand", own / best(each, parsedPeers), 1.0);
+}
+
+void printFigure(const char* what, double figure, double target, bool atLeast = false) {
+    std::printf("%-70s %5.2f, at %s %.2f: %s\n", what, figure, atLeast ? "least" : "most", target,
+                verdict(atLeast ? figure >= target : figure <= target));
+}
+
+double ratioInThreads(const workload& work) {
+    constexpr int turns = 7;
+    std::vector<double> ratios;
+    const auto shared = forTwoThreads(work, sharing::oneTemplate);
+    const auto separate = forTwoThreads(work, sharing::templateEach);
+    for (int turn = 0; turn < turns; ++turn) {
+        const double together = rate(shared);
+        ratios.push_back(together / rate(separate));
+    }
+    std::nth_element(ratios.begin(), ratios.begin() + turns / 2, ratios.end());
+    return ratios[turns / 2];
+}
+
+double memoryOfTemplate(const workload& work) {
+    const std::string text = translated(work.text.text, language::stencilor);
+    startCounting();
+    const auto kept = keptTemplate(text);
+    return static_cast<double>(stopCounting().heldBytes) / static_cast<double>(text.size());
+}
+
+void printFigures(const median_reporter& times, const std::vector<contest>& contests) {
+    for (const contest& each : contests) {
+        const std::string& name = each.work.name;
+        if (times.median(name, "renderTo") != 0) {
+            printFigure("\nW2-1000: renderTo, of render",
+                        times.median(name, "renderTo") / times.median(name, modern), 1.0);
+            printFigure("W2-1000: Context of a Value, of the same by the classic classes",
+                        times.median(name, "Context") / times.median(name, "classes"), 1.3);
+            printFigure("W2-1000: two threads on one Template, of two with a Template each",
+                        ratioInThreads(each.work), 0.95, true);
+        }
+        if (name == "W5" && times.median(name, modern) != 0) {
+            printFigure("W5: bytes that a Template holds, of its text", memoryOfTemplate(each.work),
+                        13);
+        }
     }
 }
 
@@ -150,45 +223,20 @@ int main(int argc, char** argv) {
     std::vector<contest> contests;
     for (workload& work : allWorkloads()) {
         contests.push_back(prepare(std::move(work)));
-        check(contests.back());
-    }
-    for (const contest& each : contests) {
-        for (const contender& engine : each.contenders) {
-            benchmark::RegisterBenchmark(nameOf(each, engine).c_str(),
-                                         [call = engine.call.render](benchmark::State& state) {
-                                             for (auto _ : state) {
-                                                 benchmark::DoNotOptimize(call());
-                                             }
-                                         })
-                ->UseRealTime();
+        const contest& made = contests.back();
+        check(made);
+        for (const contender& engine : made.contenders) {
+            add(made.work.name + "/" + engine.engine, engine.call.render);
+        }
+        if (made.work.name == "W2-1000") {
+            add("W2-1000/Context", contextOfValue(made.work));
+            add("W2-1000/classes", contextByHand(made.work));
         }
     }
-
-    // The order of the runs is drawn by chance, so that a disturbance of the machine meets all.
-    std::vector<std::string> arguments = {argv[0], "--benchmark_enable_random_interleaving=true",
-                                          "--benchmark_repetitions=7", "--benchmark_min_time=0.05"};
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-    }
-    int count = static_cast<int>(pointers.size());
-    benchmark::Initialize(&count, pointers.data());
-    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) {
+    median_reporter reporter;
+    if (!run({argv, argv + argc}, reporter)) {
         return 2;
     }
-
-    median_reporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    for (contest& each : contests) {
-        bool measured = true;
-        for (contender& engine : each.contenders) {
-            const auto found = reporter.medians.find(nameOf(each, engine));
-            measured = measured && found != reporter.medians.end();
-            engine.nanoseconds = measured ? found->second : 0;
-        }
-        if (measured) {
-            print(each);
-        }
-    }
+    printTable(reporter, contests);
+    printFigures(reporter, contests);
 }

@@ -14,8 +14,13 @@ struct value;
 using list = std::vector<value>;
 using object = std::map<std::string, value>;
 
+/// The path of an included template. The peers take it from the data, this engine from the tag.
+struct partial {
+    std::string path;
+};
+
 struct value {
-    std::variant<std::string, bool, list, object> held;
+    std::variant<std::string, bool, list, object, partial> held;
 };
 
 } // namespace bench

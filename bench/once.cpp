@@ -1,23 +1,27 @@
 // Renders one workload with this engine some number of times, for tools that count instructions.
 
-#include "workloads.h"
+#include "engines.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s WORKLOAD COUNT\n", argv[0]);
+    using namespace bench;
+
+    const std::string call = argc == 4 ? argv[2] : "";
+    if (call != "buildOutput" && call != "Template") {
+        std::fprintf(stderr, "usage: %s WORKLOAD buildOutput|Template COUNT\n", argv[0]);
         return 2;
     }
-    for (const bench::workload& work : bench::allWorkloads()) {
+    for (const workload& work : allWorkloads()) {
         if (work.name != argv[1]) {
             continue;
         }
-        const bench::renderer call = bench::stencilorRenderer(work.stencilor, work.data);
-        for (int left = std::atoi(argv[2]); left > 0; --left) {
-            if (call.render() == 0) {
+        const renderer made =
+            call == "Template" ? templateRenderer(work) : buildOutputRenderer(work);
+        for (int left = std::atoi(argv[3]); left > 0; --left) {
+            if (made.render() == 0) {
                 return 1;
             }
         }

@@ -1,35 +1,62 @@
 #ifndef BENCH_WORKLOADS_H
 #define BENCH_WORKLOADS_H
 
-#include "engines.h"
+#include "language.h"
+#include "model.h"
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
 
-/// One thing to render: the same page as a template of each engine, and as C++ code.
+/// Renders once and returns how many bytes came out. What it rendered stays until the next call.
+/// The contexts are made beforehand and belong to the function.
+struct renderer {
+    std::function<std::size_t()> render;
+    std::function<std::string()> output;
+};
+
+/// One thing to render: a page as a template, and as C++ code.
 struct workload {
     std::string name;
     std::string what;
-    std::string stencilor;
-    std::string ctemplate; // empty where the peers have nothing that compares
-    std::string mustache;
+    page text;
     object data;
-    std::string included = {}; // the path of the file that the template includes
+    bool escaped = false; // for HTML, which `buildOutput` cannot do
+    bool inFiles = false; // parsed beforehand means: the engine keeps and checks files itself
 
-    /// The limit: code that appends the same bytes to a string, from a struct.
+    /// Code that appends the same bytes to a string, from a struct. `buildOutput` is compared with
+    /// it where no peer parses in every call.
     renderer hand;
 
-    /// Bounds for our time: as a part of the better peer's that parses in every call, as a multiple
-    /// of `hand`, and whether no peer with a template parsed beforehand may be faster.
-    std::optional<double> ofPeer = {};
-    std::optional<double> ofHand = {};
-    bool aheadOfParsed = false;
+    /// At most this part of the better peer's time.
+    std::optional<double> buildOutputTarget = {};
+    std::optional<double> templateTarget = {};
 };
 
 std::vector<workload> allWorkloads();
+
+workload productPage(std::size_t rows);
+workload escapedPage();
+workload includedRows();
+workload manual();
+
+/// Wraps code that appends to a string; `append` owns its data.
+template <typename Append>
+renderer byHand(Append append) {
+    auto last = std::make_shared<std::string>();
+    return {[append, last] {
+                std::string output;
+                append(output);
+                *last = std::move(output);
+                return last->size();
+            },
+            [last] { return *last; }};
+}
 
 } // namespace bench
 
