@@ -6,14 +6,13 @@
 #
 #   NN KIND LINE ARGUMENT FILE NOTE      (separated by tabs; "-" where there is nothing)
 #
-# KIND and ARGUMENT are the words behind the opening fence. An HTML comment before a block gives FILE or NOTE:
+# KIND and ARGUMENT are the words after the opening fence. An HTML comment before a block gives FILE or NOTE:
 #
 #   <!-- file: NAME -->          the block is also saved as NAME, for the blocks that follow
 #   <!-- not run: REASON -->     the block is shown only
 #   <!-- native only: REASON --> the block is run only for the machine that builds, without sanitizers
 #
-# A cpp block without a main() of its own stands inside one: in that of the document's cpp block that says
-# "// the example", in the place of that line.
+# A cpp block without a main() of its own becomes the body of one, in a program that includes the interfaces.
 
 function fail(text) {
     print document ":" FNR ": " text > "/dev/stderr"
@@ -22,18 +21,18 @@ function fail(text) {
 }
 
 function write_program() {
-    if (text !~ /(^|\n)int main\(/) {
-        if (frame == "") {
-            fail("there is no main() for this example")
+    has_main = text ~ /(^|\n)int main\(/
+    if (!has_main) {
+        count_of_headers = split("chrono iostream libKel/FileSystem.h libKel/Logging.h libStencilor/Template.h map " \
+                                 "memory string thread vector", headers, " ")
+        for (header = 1; header <= count_of_headers; ++header) {
+            print "#include <" headers[header] ">" > (path)
         }
-        match(frame, / *\/\/ the example\n/)
-        printf "%s", substr(frame, 1, RSTART - 1) > (path)
+        print "using namespace kel::Stencilor;\nint main() {" > (path)
     }
     printf "#line %d \"%s\"\n%s", begin + 1, document, text > (path)
-    if (text !~ /(^|\n)int main\(/) {
-        printf "%s", substr(frame, RSTART + RLENGTH) > (path)
-    } else if (text ~ /\/\/ the example\n/) {
-        frame = text
+    if (!has_main) {
+        print "}" > (path)
     }
 }
 
@@ -99,7 +98,7 @@ inside {
     next
 }
 
-# What a comment says holds for the block right behind it.
+# A comment applies to the block right after it.
 !/^$/ && (file != "-" || note != "-") {
     fail("a comment about a block must stand right before it")
 }
