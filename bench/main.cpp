@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -125,8 +126,10 @@ bool run(std::vector<std::string> arguments, median_reporter& reporter) {
     return true;
 }
 
-const char* verdict(bool reached) {
-    return reached ? "reached" : "MISSED";
+/// Compares what is printed, so rounded as it is printed.
+const char* verdict(double figure, double target, bool atLeast = false) {
+    const double difference = std::round(figure * 100) - std::round(target * 100);
+    return (atLeast ? difference >= 0 : difference <= 0) ? "reached" : "MISSED";
 }
 
 /// The columns of one of our calls: its time, the better rival's, their ratio, and the target.
@@ -135,7 +138,7 @@ void printCall(const median_reporter& times, const std::string& work, const char
     std::erase_if(rivals, [&](const auto& each) { return times.median(work, each) == 0; });
     const double own = times.median(work, call);
     if (own == 0 || rivals.empty()) {
-        std::printf(" | %10s %10s %-9s %5s %4s %-7s", "-", "-", "", "-", "-", "");
+        std::printf(" | %11s | %8s %-9s | %5s | %6s %-7s", "-", "-", "", "-", "-", "");
         return;
     }
     const std::string best = *std::min_element(
@@ -143,40 +146,41 @@ void printCall(const median_reporter& times, const std::string& work, const char
             return times.median(work, left) < times.median(work, right);
         });
     const double other = times.median(work, best);
-    std::printf(" | %10.2f %10.2f %-9s %5.2f", own / 1e3, other / 1e3,
+    std::printf(" | %11.2f | %8.1f %-9s | %5.2f", own / 1e3, other / 1e3,
                 best.substr(0, best.find(',')).c_str(), own / other);
     if (target) {
-        std::printf(" %4.2f %-7s", *target, verdict(own / other <= *target));
+        std::printf(" | %6.2f %-7s", *target, verdict(own / other, *target));
     } else {
-        std::printf(" %4s %-7s", "-", "");
+        std::printf(" | %6s %-7s", "-", "");
     }
 }
 
 void printTable(const median_reporter& times, const std::vector<contest>& contests) {
-    std::printf(
-        "\nmicroseconds; ratios to the better peer, with the targets\n%-43s | %-51s | %-51s |\n"
-        "%-43s | %10s %10s %-9s %5s %-12s | %10s %10s %-9s %5s %-12s | %10s\n",
-        "", "buildOutput; peers parse in every call", "Template made before; peers parsed before",
-        "", classic, "peer", "", "ratio", "target", modern, "peer", "", "ratio", "target",
-        byHandName);
+    std::printf("\nIn microseconds: buildOutput and peers that parse in every call; Template and "
+                "peers, parsed beforehand.\n\n");
+    std::printf("| %-43s", "workload");
+    for (const char* call : {classic, modern}) {
+        std::printf(" | %-11s | %-18s | %-5s | %-14s", call, "better peer", "ratio", "target");
+    }
+    std::printf(" | %-7s |\n|---|---|---|---|---|---|---|---|---|---|\n", byHandName);
     for (const contest& each : contests) {
         const workload& work = each.work;
         const double hand = times.median(work.name, byHandName);
         if (hand == 0) {
             continue;
         }
-        std::printf("%-7s %-35s", work.name.c_str(), work.what.c_str());
+        std::printf("| %-7s %-35s", work.name.c_str(), work.what.c_str());
         printCall(times, work.name, classic,
                   work.inFiles ? std::vector<std::string>{byHandName} : peers,
                   work.buildOutputTarget);
         printCall(times, work.name, modern, parsedPeers, work.templateTarget);
-        std::printf(" | %10.2f\n", hand / 1e3);
+        std::printf(" | %7.2f |\n", hand / 1e3);
     }
 }
 
 void printFigure(const char* what, double figure, double target, bool atLeast = false) {
-    std::printf("%-70s %5.2f, at %s %.2f: %s\n", what, figure, atLeast ? "least" : "most", target,
-                verdict(atLeast ? figure >= target : figure <= target));
+    std::printf("| %-66s | %6.2f | at %-5s %5.2f %-7s |\n", what, figure,
+                atLeast ? "least" : "most", target, verdict(figure, target, atLeast));
 }
 
 double ratioInThreads(const workload& work) {
@@ -200,10 +204,11 @@ double memoryOfTemplate(const workload& work) {
 }
 
 void printFigures(const median_reporter& times, const std::vector<contest>& contests) {
+    std::printf("\n| %-66s | %-6s | %-22s |\n|---|---|---|\n", "", "figure", "target");
     for (const contest& each : contests) {
         const std::string& name = each.work.name;
         if (times.median(name, "renderTo") != 0) {
-            printFigure("\nW2-1000: renderTo, of render",
+            printFigure("W2-1000: renderTo, of render",
                         times.median(name, "renderTo") / times.median(name, modern), 1.0);
             printFigure("W2-1000: Context of a Value, of the same by the classic classes",
                         times.median(name, "Context") / times.median(name, "classes"), 1.3);
