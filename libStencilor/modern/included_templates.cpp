@@ -2,6 +2,7 @@
 #include <libKel/FileSystem.h>
 #include <libStencilor/modern/included_templates.h>
 
+#include <limits>
 #include <utility>
 
 namespace kel::Stencilor::internal {
@@ -9,6 +10,8 @@ namespace kel::Stencilor::internal {
 namespace {
 
 using Answer = TemplateSource::Answer;
+
+constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
 /// The files that `buildOutput` finds.
 Answer findFile(const String& path, std::uint64_t maxBytes, std::optional<Template>& found) {
@@ -32,8 +35,9 @@ Answer findFile(const String& path, std::uint64_t maxBytes, std::optional<Templa
 
 const included_template& included_templates::ask(const String& path) {
     included_template asked;
-    asked.answer = source_ == nullptr ? findFile(path, left_, asked.found)
-                                      : source_->find(path, left_, asked.found);
+    const std::uint64_t maxBytes = limit_ == unlimited ? unlimited : left_;
+    asked.answer = source_ == nullptr ? findFile(path, maxBytes, asked.found)
+                                      : source_->find(path, maxBytes, asked.found);
     if (asked.answer == Answer::Found && !asked.found) {
         asked.answer = Answer::Unreadable; // a source that breaks its promise
     }
