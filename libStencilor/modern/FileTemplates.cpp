@@ -1,7 +1,9 @@
 #include <libKel/Folder.h>
 #include <libStencilor/Template.h>
 
+#include <algorithm>
 #include <chrono>
+#include <limits>
 #include <map>
 #include <mutex>
 #include <stdexcept>
@@ -12,6 +14,7 @@ namespace kel::Stencilor {
 
 namespace {
 
+constexpr std::uint64_t longest = std::numeric_limits<unsigned int>::max(); // text of a template
 constexpr std::int64_t unsettledNanoseconds = 2'000'000'000;
 
 std::int64_t nanosecondsNow() {
@@ -99,13 +102,16 @@ TemplateSource::Answer template_files::load(const String& path, std::uint64_t ma
     const std::int64_t before = nanosecondsNow();
     Buffer<unsigned char> bytes;
     FileState state;
-    const Folder::Answer answer = folder_.load(path, maxBytes, bytes, state);
+    const Folder::Answer answer = folder_.load(path, std::min(maxBytes, longest), bytes, state);
+    if (answer == Folder::Answer::TooLarge && maxBytes > longest) {
+        return TemplateSource::Answer::Unreadable; // allowed, and no string holds it
+    }
     if (answer != Folder::Answer::Found) {
         return answerOf(answer);
     }
-    found.emplace(String(reinterpret_cast<const char*>(bytes.data),
-                         static_cast<unsigned int>(bytes.size)), // no longer file is loaded
-                  path);
+    found.emplace(
+        String(reinterpret_cast<const char*>(bytes.data), static_cast<unsigned int>(bytes.size)),
+        path);
     const std::lock_guard lock(mutex_);
     if (bytes.size == state.size && before - state.modified >= unsettledNanoseconds) {
         parsed_.insert_or_assign(path, parsed_file{state, *found});
