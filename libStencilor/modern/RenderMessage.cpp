@@ -6,8 +6,19 @@ namespace kel::Stencilor {
 
 namespace {
 
+/// A name in quotation marks, without line breaks and whatever else a terminal would obey.
 std::string quoted(const String& name) {
-    return '"' + name.str() + '"';
+    constexpr const char* digits = "0123456789abcdef";
+    std::string text = "\"";
+    for (const char byte : name.view()) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x20 || code == 0x7F) {
+            text += {'\\', 'u', '0', '0', digits[code >> 4], digits[code & 0xF]};
+        } else {
+            text += byte;
+        }
+    }
+    return text + '"';
 }
 
 std::string describe(const RenderMessage& message) {
