@@ -18,6 +18,7 @@
 /// version of it they have.
 
 #include <libStencilorJson/JsonText.h>
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>

@@ -1,5 +1,4 @@
 #include <libStencilor/Value.h>
-
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
 

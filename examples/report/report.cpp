@@ -1,5 +1,4 @@
 #include <libKel/FileSystem.h>
-
 #include <libStencilorJson/JsonText.h>
 
 #include <fstream>

@@ -3,7 +3,6 @@
 
 #include <libStencilor/Stencilor.h>
 #include <libStencilor/render/recent_stack.h>
-
 #include <libStencilorAnalysis/template/TemplateWalk.h>
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/text/JsonText.h>
+
 #include <nlohmann/json.hpp>
 
 #include <utility>

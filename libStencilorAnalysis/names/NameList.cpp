@@ -2,6 +2,7 @@
 #include <libStencilorAnalysis/text/CodePoint.h>
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include <libStencilorAnalysis/names/Skeleton.h>
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>

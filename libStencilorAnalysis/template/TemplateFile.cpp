@@ -1,5 +1,4 @@
 #include <libKel/String.h>
-
 #include <libStencilorAnalysis/template/TemplateFile.h>
 #include <libStencilorAnalysis/text/CodePoint.h>
 

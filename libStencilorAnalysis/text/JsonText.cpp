@@ -1,5 +1,6 @@
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
+
 #include <nlohmann/json.hpp>
 
 namespace kel::Stencilor::Analysis {

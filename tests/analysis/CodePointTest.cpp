@@ -1,10 +1,10 @@
 #include "../support/oracles/Random.h"
 
 #include <libKel/String.h>
-
-#include <gtest/gtest.h>
 #include <libStencilorAnalysis/text/CodePoint.h>
 #include <libStencilorAnalysis/text/ShownText.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 

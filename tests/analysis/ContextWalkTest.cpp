@@ -8,9 +8,9 @@
 #include "FileReader.h"
 
 #include <libStencilor/Stencilor.h>
+#include <libStencilorAnalysis/check/ContextWalk.h>
 
 #include <gtest/gtest.h>
-#include <libStencilorAnalysis/check/ContextWalk.h>
 
 #include <iostream>
 #include <new>

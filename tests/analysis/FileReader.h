@@ -3,7 +3,6 @@
 
 #include <libKel/Buffer.h>
 #include <libKel/FileSystem.h>
-
 #include <libStencilorAnalysis/template/TemplateReader.h>
 
 namespace kel::Stencilor::Analysis {

@@ -1,7 +1,8 @@
-#include <gtest/gtest.h>
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/names/Dependencies.h>
+
+#include <gtest/gtest.h>
 
 #include <map>
 #include <string>

@@ -1,8 +1,9 @@
 #include "../support/Environment.h"
 #include "../support/Memory.h"
 
-#include <gtest/gtest.h>
 #include <libStencilorJson/JsonText.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <stdexcept>

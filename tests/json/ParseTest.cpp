@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <libStencilorJson/JsonText.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <utility>

@@ -1,10 +1,11 @@
 #include "../support/SmallStackThread.h"
 #include "../support/oracles/ObviousUtf8.h"
 
-#include <gtest/gtest.h>
 #include <libStencilorJson/JsonText.h>
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>

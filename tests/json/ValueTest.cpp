@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <libStencilorJson/Json.h>
+
+#include <gtest/gtest.h>
 
 #include <limits>
 #include <string>

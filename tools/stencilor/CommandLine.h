@@ -1,8 +1,9 @@
 #ifndef TOOLS_STENCILOR_COMMANDLINE_H
 #define TOOLS_STENCILOR_COMMANDLINE_H
 
-#include <CLI/App.hpp>
 #include <tools/stencilor/commands/Failure.h>
+
+#include <CLI/App.hpp>
 
 #include <functional>
 #include <vector>

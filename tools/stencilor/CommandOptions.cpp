@@ -1,6 +1,7 @@
-#include <CLI/CLI.hpp>
 #include <tools/stencilor/CommandOptions.h>
 #include <tools/stencilor/commands/Files.h>
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <string>

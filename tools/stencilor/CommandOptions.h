@@ -1,12 +1,13 @@
 #ifndef TOOLS_STENCILOR_COMMANDOPTIONS_H
 #define TOOLS_STENCILOR_COMMANDOPTIONS_H
 
-#include <CLI/App.hpp>
 #include <tools/stencilor/commands/Check.h>
 #include <tools/stencilor/commands/Deps.h>
 #include <tools/stencilor/commands/Names.h>
 #include <tools/stencilor/commands/Render.h>
 #include <tools/stencilor/commands/Tree.h>
+
+#include <CLI/App.hpp>
 
 // The options of each command. They fill in the request, which must stay where it is.
 

@@ -1,9 +1,10 @@
-#include <CLI/CLI.hpp>
 #include <tools/stencilor/CommandLine.h>
 #include <tools/stencilor/Program.h>
 #include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/Messages.h>
 #include <tools/stencilor/system/System.h>
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cassert>

@@ -2,6 +2,7 @@
 
 #include <libStencilorJson/JsonText.h>
 #include <libStencilorJson/json_grammar.h>
+
 #include <nlohmann/json.hpp>
 
 #include <set>

@@ -1,7 +1,6 @@
 #include <libKel/FileSystem.h>
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
-
 #include <libStencilorAnalysis/check/ContextCheck.h>
 #include <tools/stencilor/commands/EngineMessages.h>
 #include <tools/stencilor/commands/Files.h>

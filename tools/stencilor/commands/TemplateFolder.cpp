@@ -1,6 +1,5 @@
 #include <libKel/Buffer.h>
 #include <libKel/String.h>
-
 #include <tools/stencilor/commands/Failure.h>
 #include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/TemplateFolder.h>

@@ -2,7 +2,6 @@
 #define TOOLS_STENCILOR_COMMANDS_TEMPLATEFOLDER_H
 
 #include <libKel/Folder.h>
-
 #include <libStencilorAnalysis/template/TemplateFiles.h>
 
 #include <map>

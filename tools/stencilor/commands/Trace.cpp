@@ -1,5 +1,4 @@
 #include <libKel/Logging.h>
-
 #include <tools/stencilor/commands/Trace.h>
 #include <tools/stencilor/system/System.h>
 

@@ -1,6 +1,7 @@
-#include <CLI/CLI.hpp>
 #include <tools/stencilor/CommandLine.h>
 #include <tools/stencilor/shell/CommandTable.h>
+
+#include <CLI/CLI.hpp>
 
 #include <sstream>
 #include <utility>

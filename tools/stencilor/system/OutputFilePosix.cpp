@@ -1,8 +1,9 @@
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <tools/stencilor/system/Descriptor.h>
 #include <tools/stencilor/system/System.h>
 #include <tools/stencilor/system/TemporaryName.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>

@@ -1,5 +1,4 @@
 #include <libKel/String.h>
-
 #include <tools/stencilor/system/Handle.h>
 #include <tools/stencilor/system/PercentEncoding.h>
 #include <tools/stencilor/system/System.h>

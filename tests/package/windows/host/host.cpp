@@ -3,7 +3,6 @@
 #include <libKel/Logging.h>
 #include <libKel/String.h>
 #include <libStencilor/Stencilor.h>
-
 #include <libStencilorJson/Json.h>
 
 #include <cstdio>
