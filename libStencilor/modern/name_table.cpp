@@ -57,17 +57,20 @@ class name_table::builder final : public SyntaxVisitor {
 
     /// The list of keys of a name with the prefixes in `prefixLengths_`.
     std::uint32_t keysOf(std::string_view name) {
-        constexpr int most = 8; // names with the same hash that are compared; the rest add a list
+        constexpr int most = 8; // known lists with the same hash; what is added then is not known
         const std::size_t hash = std::hash<std::string_view>()(name);
         auto [found, end] = lists_.equal_range(hash);
-        for (int compared = 0; found != end && compared < most; ++found, ++compared) {
+        int compared = 0;
+        for (; found != end; ++found, ++compared) {
             if (isTriedAlike(found->second, name)) {
                 return found->second.index;
             }
         }
         const auto index = static_cast<std::uint32_t>(table_.lists_.size());
         table_.lists_.push_back(makeList(name));
-        lists_.emplace(hash, known_list{index, name});
+        if (compared < most) {
+            lists_.emplace(hash, known_list{index, name});
+        }
         return index;
     }
 
