@@ -28,29 +28,32 @@ bool isWider(std::string_view line, std::size_t count) {
     return line.size() > count * widestPoint || countCodePoints(line) > count;
 }
 
-/// The line and below it a caret, and wiggles where more than one column is meant.
+/// What is below the code point at an offset of a line: a caret where the range begins, wiggles
+/// where it goes on.
+std::string marksBelow(const ShownPoint& point, std::size_t offset, SyntaxRange range) {
+    if (offset + point.size <= range.begin) {
+        return point.text == "\t" ? "\t" : std::string(point.columns, ' ');
+    }
+    if (offset <= range.begin) {
+        return "^" + std::string(point.columns - 1, '~');
+    }
+    return std::string(offset < range.end ? point.columns : 0, '~');
+}
+
+/// A line, and below it the marks of a range in it.
 std::string formatLine(std::string_view line, SyntaxRange range) {
-    constexpr std::size_t half = widestLine / 2;
     const bool cut = isWider(line, widestLine);
-    std::size_t at = cut ? stepBack(line, range.begin, half - 1) : 0;
-    std::string shown = at > 0 ? "..." : "";
+    std::size_t offset = cut ? stepBack(line, range.begin, widestLine / 2 - 1) : 0;
+    std::string shown = offset > 0 ? "..." : "";
     std::string marks(shown.size(), ' ');
-    for (std::size_t count = 0; at < line.size() && (!cut || count < widestLine); ++count) {
-        const ShownPoint point = showFirst(line.substr(at));
-        const bool before = at + point.size <= range.begin;
-        const bool meant = !before && (at <= range.begin || at < range.end);
+    for (std::size_t count = 0; offset < line.size() && (!cut || count < widestLine); ++count) {
+        const ShownPoint point = showFirst(line.substr(offset));
         shown += point.text;
-        if (before) {
-            marks += point.text == "\t" ? "\t" : std::string(point.columns, ' ');
-        } else if (meant) {
-            marks += (at <= range.begin ? '^' : '~') + std::string(point.columns - 1, '~');
-        }
-        at += point.size;
+        marks += marksBelow(point, offset, range);
+        offset += point.size;
     }
-    if (range.begin >= line.size()) {
-        marks += '^'; // at the end of the line
-    }
-    return shown + (at < line.size() ? "..." : "") + "\n" + marks + "\n";
+    marks += range.begin >= line.size() ? "^" : ""; // at the end of the line
+    return shown + (offset < line.size() ? "..." : "") + "\n" + marks + "\n";
 }
 
 /// A range as one of a line.
