@@ -27,8 +27,9 @@ class InterruptsHeld {
     InterruptsHeld(const InterruptsHeld&) = delete;
     InterruptsHeld& operator=(const InterruptsHeld&) = delete;
     ~InterruptsHeld() {
-        ::SetConsoleCtrlHandler(waitForReplacement, FALSE);
+        // Released first: while a handler waits, the system does not let handlers be removed.
         ::ReleaseSRWLockExclusive(&replacing);
+        ::SetConsoleCtrlHandler(waitForReplacement, FALSE);
     }
 };
 
