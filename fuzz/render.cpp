@@ -1,4 +1,5 @@
 #include "../tests/support/Context.h"
+#include "../tests/support/PrescribedMessages.h"
 #include "../tests/support/oracles/ObviousUtf8.h"
 #include "../tests/support/oracles/SecondRenderer.h"
 #include "context_reader.h"
@@ -6,12 +7,15 @@
 
 #include <libKel/FileSystem.h>
 #include <libStencilor/Stencilor.h>
+#include <libStencilor/Template.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 // The input is a context, as ContextReader takes it, and behind it a template. Whatever is rendered
-// is valid UTF-8, the same each time, and what the second renderer makes of it.
+// is valid UTF-8, the same each time, what the second renderer makes of it, and what a template
+// that is parsed once makes of it, at once and in pieces.
 
 namespace {
 
@@ -37,6 +41,20 @@ support::Rendered renderOnceMore(const kel::String& text,
     return {std::move(output), errors.str()};
 }
 
+support::Rendered renderParsed(const kel::Stencilor::Template& made,
+                               const kel::Stencilor::ContextBase& context) {
+    const kel::Stencilor::RenderResult result = made.render(context);
+    return {result.text.str(), support::prescribedText(result)};
+}
+
+support::Rendered renderPieces(const kel::Stencilor::Template& made,
+                               const kel::Stencilor::ContextBase& context) {
+    std::string output;
+    const auto write = [&output](std::string_view piece) { output += piece; };
+    const kel::Stencilor::RenderResult result = made.renderTo(context, write);
+    return {std::move(output), support::prescribedText(result)};
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -56,5 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   "rendering again gives the same");
     fuzz::require(rendered == renderOnceMore(reader.rest(), context),
                   "the second renderer gives the same");
+    const kel::Stencilor::Template made(reader.rest());
+    fuzz::require(rendered == renderParsed(made, context), "a parsed template gives the same");
+    fuzz::require(rendered == renderPieces(made, context), "its pieces are the same");
     return 0;
 }
