@@ -1,11 +1,15 @@
 #include "../support/Context.h"
+#include "../support/PrescribedMessages.h"
 #include "../support/TemporaryFolder.h"
+
+#include <libStencilor/Template.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace support {
@@ -53,6 +57,14 @@ TEST_P(Golden, RendersByteForByteAsExpected) {
     EXPECT_EQ(rendered.output, readFile("expected.txt"));
     const bool faulty = std::filesystem::exists("errors.txt");
     EXPECT_EQ(rendered.errors, faulty ? readFile("errors.txt") : "");
+
+    const kel::Stencilor::Template parsed(readFile("template.txt"));
+    const kel::Stencilor::RenderResult result = parsed.render(root);
+    EXPECT_EQ(result.text.str(), rendered.output);
+    EXPECT_EQ(prescribedText(result), rendered.errors);
+    std::string joined;
+    parsed.renderTo(root, [&joined](std::string_view piece) { joined += piece; });
+    EXPECT_EQ(joined, rendered.output);
 }
 
 INSTANTIATE_TEST_SUITE_P(Folders, Golden, testing::ValuesIn(goldenFolders()),
