@@ -1,16 +1,13 @@
-#include <libStencilor/Stencilor.h>
+#include <libStencilor/Template.h>
 
 #include <iostream>
 
-// The least that a host does: values, a template, a text.
+// The least that a host does: a template, values, a text.
 
 using namespace kel::Stencilor;
 
 int main() {
-    ContextDictionary context; // owns the values below
-    context.insert("name", ContextFactory::buildString("Zo\u00EB"));
-    context.insert("member", ContextFactory::buildBoolean(true));
-
-    std::cout << buildOutput("Hello, {{ name }}!{% if member %} Welcome back.{% endif %}\n",
-                             context);
+    const Template greeting("Hello, {{ name }}!{% if member %} Welcome back.{% endif %}\n");
+    const Value values{{"name", "Zo\u00EB"}, {"member", true}};
+    std::cout << greeting.render(values).text;
 }

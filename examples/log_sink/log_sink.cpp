@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-// A host that takes what the libraries log into a journal of its own.
+// A host that takes what the libraries log into a journal of its own. Only `buildOutput` logs
+// messages.
 
 using namespace kel::Stencilor;
 

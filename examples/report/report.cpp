@@ -1,4 +1,4 @@
-#include <libKel/FileSystem.h>
+#include <libStencilor/Template.h>
 #include <libStencilorJson/JsonText.h>
 
 #include <fstream>
@@ -33,17 +33,16 @@ Value readValues(const std::string& path) {
 }
 
 void render(const std::string& folder) {
-    // From here on templates include what is in the folder, and nothing else.
-    if (!kel::FileSystem::setRoot(folder)) {
-        throw std::runtime_error(folder + " is no folder");
+    FileTemplates templates(folder); // only what is in the folder can be included
+    const RenderResult result = renderFile("report.html", readValues(folder + "/context.json"),
+                                           {.escape = Escape::html(), .source = &templates});
+    for (const RenderMessage& message : result.messages) {
+        std::cerr << message.templateName << ':' << message.line << ": " << message.text() << '\n';
     }
-    const Context context(readValues(folder + "/context.json"));
-    kel::String messages;
-    const kel::String page = buildOutput(readFile(folder + "/report.html"), context, messages);
-    if (!messages.empty()) {
-        throw std::runtime_error(messages.str());
+    if (!result.messages.empty()) {
+        throw std::runtime_error("the page is not complete");
     }
-    std::cout << page;
+    std::cout << result.text;
 }
 
 } // namespace

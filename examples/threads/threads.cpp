@@ -1,57 +1,34 @@
-#include <libStencilor/Stencilor.h>
+#include <libStencilor/Template.h>
 
 #include <iostream>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
-// Many threads render with values that they share. Nobody changes those any more, so no thread has
-// to wait for another one; what differs from thread to thread is in a context of the thread's own.
+// Many threads render one template with values that they share. Nobody changes those, so no thread
+// waits for another.
 
 using namespace kel::Stencilor;
 
 namespace {
 
-constexpr const char* invitation =
-    "{{ guest }}: {% for course in menu %}{{ course.name }}{% if course.last %}.{% else %}, "
-    "{% endif %}{% endfor %}";
-
-std::unique_ptr<ContextIterable> buildMenu(const std::vector<std::string>& courses) {
-    std::unique_ptr<ContextIterable> menu(ContextFactory::buildIterable());
-    for (const std::string& course : courses) {
-        ContextDictionary* const entry = ContextFactory::buildDictionary();
-        menu->add(entry);
-        entry->insert("name", ContextFactory::buildString(course));
-        entry->insert("last", ContextFactory::buildBoolean(&course == &courses.back()));
-    }
-    return menu;
-}
-
-/// Lends a list to a context, which deletes what stands in it: the elements stay the lender's.
-class BorrowedList : public ContextIterable {
-  public:
-    explicit BorrowedList(const ContextIterable& lender) : ContextIterable(lender) {}
-    ~BorrowedList() override { ContextIterable::operator=(ContextIterable()); }
-};
-
-std::string renderFor(const std::string& guest, const ContextIterable& menu) {
-    ContextDictionary context;
-    context.insert("guest", ContextFactory::buildString(guest));
-    context.insert("menu", new BorrowedList(menu));
-    return buildOutput(invitation, context).str();
+std::string renderFor(const std::string& guest, const Template& invitation, const Value& menu) {
+    const Context context(Value{{"guest", guest}, {"menu", menu}}, {.positions = true});
+    return invitation.render(context).text.str();
 }
 
 } // namespace
 
 int main() {
-    const std::unique_ptr<ContextIterable> menu = buildMenu({"soup", "pasta", "ice cream"});
+    const Template invitation("{{ guest }}: {% for course in menu %}{{ course.value }}"
+                              "{% if course.last %}.{% else %}, {% endif %}{% endfor %}");
+    const Value menu = Value::list({"soup", "pasta", "ice cream"});
     const std::vector<std::string> guests = {"Ada", "Bo", "Cy", "Dee", "Eva", "Fay", "Gus", "Hal"};
 
     std::vector<std::string> invitations(guests.size());
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < guests.size(); ++i) {
-        threads.emplace_back([&, i] { invitations[i] = renderFor(guests[i], *menu); });
+        threads.emplace_back([&, i] { invitations[i] = renderFor(guests[i], invitation, menu); });
     }
     for (std::thread& thread : threads) {
         thread.join();
