@@ -140,6 +140,17 @@ TEST_F(ContextTest, NamesTheDefinitionThatIsWrong) {
     }
 }
 
+TEST_F(ContextTest, HasPositionsOnRequest) {
+    folder.writeFile("page.txt", "{% for x in list %}{{ x.index }}{{ x.value }}"
+                                 "{% if x.first %}f{% endif %}{% if x.last %}l{% endif %}"
+                                 "{% endfor %}");
+    const std::string list = R"(list:=["a","b"])";
+    expectOutcome(runStencilor({"render", "--positions", "page.txt", "-D", list}), 0, "1af2bl", "");
+    expectOutcome(runStencilor({"check", "--positions", "page.txt", "-D", list}), 0, "", "");
+    EXPECT_EQ(runStencilor({"render", "page.txt", "-D", list}).status, 1);
+    EXPECT_EQ(runStencilor({"check", "page.txt", "-D", list}).status, 1);
+}
+
 TEST_F(ContextTest, IsRefusedWhereItsDottedNamesWouldTakeTooMuch) {
     folder.writeFile("page.txt", "text");
     std::string json = "\"" + std::string(2 * 1024 * 1024, 'x') + "\"";

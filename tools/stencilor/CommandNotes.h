@@ -11,6 +11,7 @@ inline constexpr const char* renderNotes =
 become strings (numbers as they are written), true and false booleans, arrays
 lists, objects dictionaries, null a null entry. A member of a nested object also
 has its dotted name ("user.name"), unless there is a member of that very name.
+An element of an array that is no object is the name "value" of that element.
 An object with the member "$boolean": true or false is a boolean, and its other
 members are what the block has as its innermost names.
 

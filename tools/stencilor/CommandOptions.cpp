@@ -18,13 +18,19 @@ CLI::Option* addTemplate(CLI::App& command, std::string& file) {
     return command.add_option("TEMPLATE", file, templateText)->required()->type_name("");
 }
 
-void addDefinitions(CLI::App& command, ContextRequest& context) {
+void addFlag(CLI::App& command, const std::string& name, bool& flag, const std::string& text) {
+    command.add_flag(name, flag, text)->disable_flag_override();
+}
+
+void addContextOptions(CLI::App& command, ContextRequest& context) {
     command
         .add_option("-D", context.definitions,
                     "Add a string, or with NAME:=JSON a JSON value, to the context; the last of a "
                     "name wins")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    addFlag(command, "--positions", context.positions,
+            "Give list elements index (from 1), first and last");
 }
 
 void addOutput(CLI::App& command, std::string& file) {
@@ -37,10 +43,6 @@ void addRoot(CLI::App& command, std::optional<std::string>& root) {
         .add_option("--root", root,
                     "Look up included files below DIR instead of the template's folder")
         ->type_name("DIR");
-}
-
-void addFlag(CLI::App& command, const std::string& name, bool& flag, const std::string& text) {
-    command.add_flag(name, flag, text)->disable_flag_override();
 }
 
 template <typename Format>
@@ -80,7 +82,7 @@ void addOptions(CLI::App& command, RenderRequest& request) {
     addTemplate(command, request.templateFile);
     command.add_option("CONTEXT", request.context.file, "The values, a JSON file; - is stdin")
         ->type_name("");
-    addDefinitions(command, request.context);
+    addContextOptions(command, request.context);
     addOutput(command, request.outputFile);
     addRoot(command, request.root);
     addFlag(command, "--strict", request.strict, "Write nothing where there are messages");
@@ -100,7 +102,7 @@ void addOptions(CLI::App& command, CheckRequest& request) {
         .add_option("--context", request.context.file,
                     "Also tell which names the values in FILE, a JSON file, do not have")
         ->type_name("FILE");
-    addDefinitions(command, request.context);
+    addContextOptions(command, request.context);
     addFormat<CheckFormat>(
         command, request.format,
         {{"text", CheckFormat::Text}, {"json", CheckFormat::Json}, {"sarif", CheckFormat::Sarif}});

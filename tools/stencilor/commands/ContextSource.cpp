@@ -62,7 +62,7 @@ Value loadContext(const ContextRequest& request) {
 kel::Stencilor::Context makeContext(const ContextRequest& request) {
     const Value values = loadContext(request);
     try {
-        return kel::Stencilor::Context(values);
+        return kel::Stencilor::Context(values, {.positions = request.positions});
     } catch (const std::length_error& error) { // of the dotted names, not of a text
         throw Failure(error.what());
     }

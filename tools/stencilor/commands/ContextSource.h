@@ -9,10 +9,11 @@
 
 namespace stencilor {
 
-/// Where the values of a context come from. No file is an empty object.
+/// Where the values of a context come from, and how it is made. No file is an empty object.
 struct ContextRequest {
     std::optional<std::string> file;
     std::vector<std::string> definitions;
+    bool positions = false; // of the elements of lists
 
     bool isGiven() const { return file || !definitions.empty(); }
 };
