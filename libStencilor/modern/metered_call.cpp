@@ -52,23 +52,20 @@ const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const 
     const auto prefixes = in_.names->prefixes(use);
     const std::string_view name = in_.text.view().substr(use.begin, use.size);
     const auto here = [this] { return place(); };
-    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
-        for (std::size_t index = 0; index < prefixes.size(); ++index) {
+    return scopes.findFirst([&](const ContextBase& scope) {
+        const ContextBase* found = nullptr;
+        for (std::size_t index = 0; found == nullptr && index < prefixes.size(); ++index) {
             state_.countKey(in_, here);
-            const ContextBase* found = nullptr;
             if (index < kept.size()) {
-                found = findIn(**scope, kept[index]);
+                found = findIn(scope, kept[index]);
             } else {
                 const std::string_view key = name.substr(prefixes[index]);
                 state_.countKeyBytes(key.size(), in_, here);
-                found = findIn(**scope, String(key));
-            }
-            if (found != nullptr) {
-                return found;
+                found = findIn(scope, String(key));
             }
         }
-    }
-    return nullptr;
+        return found;
+    });
 }
 
 void metered_call::include(const include_expr& node, scope_stack& scopes) {

@@ -9,6 +9,8 @@
 #include <libStencilor/render/scopes.h>
 #include <libStencilor/template/syntax_tree.h>
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -66,15 +68,14 @@ class metered_call {
             return findByAllKeys(scopes, use);
         }
         const auto keys = in_.names->keptKeys(use);
-        for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
-            for (const String& key : keys) {
+        return scopes.findFirst(searchOf(use), [this, keys](const ContextBase& scope) {
+            const ContextBase* found = nullptr;
+            for (auto key = keys.begin(); found == nullptr && key != keys.end(); ++key) {
                 state_.countKey(in_, [this] { return place(); });
-                if (const ContextBase* found = findIn(**scope, key)) {
-                    return found;
-                }
+                found = findIn(scope, *key);
             }
-        }
-        return nullptr;
+            return found;
+        });
     }
 
     template <typename Record>
@@ -93,6 +94,15 @@ class metered_call {
     template <typename Record>
     const name_use& useOf(const Record& node) const {
         return in_.names->use(record_memory::numberOf(&node));
+    }
+
+    /// What is remembered for the keys of a name, as far as there is room.
+    outer_search& searchOf(const name_use& use) {
+        remembered& slot = remembered_[use.keys % remembered_.size()];
+        if (slot.keys != use.keys) {
+            slot = {use.keys, {}};
+        }
+        return slot.search;
     }
 
     static const ContextBase* findIn(const ContextBase& scope, const String& key) {
@@ -124,6 +134,12 @@ class metered_call {
     escaper& escape_;
     const parsed_template& in_;
     const content* node_ = nullptr; // the one that is rendered
+
+    struct remembered {
+        std::uint32_t keys = 0;
+        outer_search search{};
+    };
+    std::array<remembered, 16> remembered_{};
 };
 
 } // namespace kel::Stencilor::internal

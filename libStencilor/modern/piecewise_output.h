@@ -18,10 +18,15 @@ class piecewise_output {
   public:
     using writer = std::function<void(std::string_view)>;
 
-    /// `write` may be null, for a text all at once. `wellFormed` as for `joined_output`.
-    piecewise_output(const writer* write, bool wellFormed)
+    /// `write` may be null, for a text all at once. `wellFormed` as for `joined_output`; `size` is
+    /// that of the template.
+    piecewise_output(const writer* write, bool wellFormed, std::size_t size)
         : text_(wellFormed), write_(write),
-          enough_(write == nullptr ? std::numeric_limits<std::size_t>::max() : pieceSize) {}
+          enough_(write == nullptr ? std::numeric_limits<std::size_t>::max() : pieceSize) {
+        if (write == nullptr) {
+            text_.reserve(size); // most outputs are longer than their template
+        }
+    }
 
     void text(std::string_view text) {
         if (text.size() < enough_) {

@@ -30,7 +30,7 @@ RenderResult renderTemplate(const parsed_template& parsed, const ContextBase& co
         }
         return state.takeResult(RenderStatus::Rejected);
     }
-    piecewise_output text(write, parsed.isUtf8);
+    piecewise_output text(write, parsed.isUtf8, parsed.text.size());
     escaper escape(options.escape);
     try {
         renderNodes(parsed, context, {state, text, escape});

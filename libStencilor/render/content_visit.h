@@ -75,14 +75,13 @@ class content_visit : public boost::static_visitor<> {
 
     template <typename Kind, typename Record>
     const Kind* find(const std::string& name, const Record& node, fault notFound, fault wrongKind);
-    void visit(const content& node);
     block& enterBlock(const trace_point& point);
     void leaveBlock();
     void enterList(block& current, const content_list& list, const ContextBase* scope);
-    void enterIteration(block& loop);
-    void leaveList(block& current);
+    bool enterNextIteration(block& loop);
     bool renderToNextBlock(block& current);
     void renderOpenBlocks();
+    void closeBlock(block& current);
 
     Call& call_;
     scope_stack& scopes_;
@@ -106,21 +105,10 @@ content_visit<Call>::~content_visit() {
 
 template <typename Call>
 void content_visit<Call>::dispatch(const content& node) {
-    visit(node);
+    call_.beginNode(node);
+    boost::apply_visitor(*this, node);
     if (depth_ > 0) {
         renderOpenBlocks();
-    }
-}
-
-template <typename Call>
-inline void content_visit<Call>::visit(const content& node) {
-    call_.beginNode(node);
-    // At least half of the nodes are texts, and one test is quicker than choosing among five
-    // kinds. (get, which checks more at compile time, makes the compiler place calls worse.)
-    if (const auto* text = boost::relaxed_get<std::string>(&node)) {
-        (*this)(*text);
-    } else {
-        boost::apply_visitor(*this, node);
     }
 }
 
@@ -166,7 +154,8 @@ void content_visit<Call>::operator()(const for_expr& node) {
     opened.elements = iterable;
     opened.index = 0;
     call_.enterLoop(node.variable);
-    enterIteration(opened);
+    call_.beginIteration(node);
+    enterList(opened, node.body, context_access::elements(*iterable)[0]);
 }
 
 template <typename Call>
@@ -221,16 +210,19 @@ inline void content_visit<Call>::enterList(block& current, const content_list& l
     current.end = current.next + list.size();
 }
 
+/// `leaveList` and `enterList` for the next element of a loop. False if there is none: the number
+/// of elements is read on each iteration, as a loop is defined.
 template <typename Call>
-inline void content_visit<Call>::enterIteration(block& loop) {
+inline bool content_visit<Call>::enterNextIteration(block& loop) {
+    const auto& elements = context_access::elements(*loop.elements);
+    if (++loop.index >= elements.size()) {
+        return false;
+    }
     call_.beginIteration(*loop.loop);
-    enterList(loop, loop.loop->body, context_access::elements(*loop.elements)[loop.index]);
-}
-
-template <typename Call>
-inline void content_visit<Call>::leaveList(block& current) {
-    scopes_.leave(current.scope);
-    current.apply.reset();
+    loop.apply.emplace(trace_points::applyVisitor);
+    loop.scope = scopes_.replace(loop.scope, elements[loop.index]);
+    loop.next = loop.loop->body.data();
+    return true;
 }
 
 /// Renders what is left of the list, or what precedes the next block in it. True if a block was
@@ -238,8 +230,19 @@ inline void content_visit<Call>::leaveList(block& current) {
 template <typename Call>
 inline bool content_visit<Call>::renderToNextBlock(block& current) {
     const std::size_t depth = depth_;
-    while (current.next != current.end) {
-        visit(*current.next++);
+    const content* next = current.next;
+    const content* const end = current.end;
+    while (next != end) {
+        const content& node = *next++;
+        call_.beginNode(node);
+        // At least half of the nodes are texts, and one test is quicker than choosing among five
+        // kinds. (get, which checks more at compile time, makes the compiler place calls worse.)
+        if (const auto* text = boost::relaxed_get<std::string>(&node)) {
+            (*this)(*text);
+            continue;
+        }
+        current.next = next;
+        boost::apply_visitor(*this, node);
         if (depth_ != depth) {
             return true;
         }
@@ -247,24 +250,28 @@ inline bool content_visit<Call>::renderToNextBlock(block& current) {
     return false;
 }
 
-/// The number of elements is read on each iteration, as a loop is defined.
 template <typename Call>
 void content_visit<Call>::renderOpenBlocks() {
     while (depth_ > 0) {
         block& current = *blocks_[depth_ - 1];
-        if (renderToNextBlock(current)) {
-            continue;
+        bool opened = renderToNextBlock(current);
+        while (!opened && current.loop != nullptr && enterNextIteration(current)) {
+            opened = renderToNextBlock(current);
         }
-        leaveList(current);
-        if (current.loop == nullptr) {
-            leaveBlock();
-        } else if (++current.index < context_access::elements(*current.elements).size()) {
-            enterIteration(current);
-        } else {
-            call_.leaveLoop();
-            leaveBlock();
+        if (!opened) {
+            closeBlock(current);
         }
     }
+}
+
+/// Ends a block whose list is rendered, and was rendered for the last time.
+template <typename Call>
+inline void content_visit<Call>::closeBlock(block& current) {
+    scopes_.leave(current.scope);
+    if (current.loop != nullptr) {
+        call_.leaveLoop();
+    }
+    leaveBlock();
 }
 
 /// Renders the nodes of an included template: inside a scope that holds no names, without a loop

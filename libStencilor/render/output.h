@@ -41,6 +41,9 @@ class joined_output {
     /// `wellFormed` is true if the source of the template is.
     explicit joined_output(bool wellFormed) : doubtful_(!wellFormed), wellFormed_(wellFormed) {}
 
+    /// Makes room for so many bytes.
+    void reserve(std::size_t size) { sink_.reserve(size); }
+
     /// Appends a text of the template.
     void text(std::string_view text) { sink_.append(text); }
 
@@ -156,8 +159,9 @@ class converted_output {
     Text rendered_;
 };
 
-using output =
-    std::conditional_t<byte_text<String>, joined_output<String>, converted_output<String>>;
+template <typename Text>
+using output_for = std::conditional_t<byte_text<Text>, joined_output<Text>, converted_output<Text>>;
+using output = output_for<String>;
 
 } // namespace kel::Stencilor::internal
 

@@ -20,9 +20,12 @@ void moveMessages(text_sink& messages, String& errors) {
 
 /// Renders the top-level nodes. Where strings are converted, so are the messages of each node.
 template <typename Text>
-Text renderNodes(const content_list& nodes, bool wellFormed, const ContextBase& context,
+Text renderNodes(const content_list& nodes, const Text& input, const ContextBase& context,
                  Text& errors) {
-    output text(wellFormed);
+    output_for<Text> text(isWellFormed(input));
+    if constexpr (byte_text<Text>) {
+        text.reserve(input.size()); // most outputs are longer than their template
+    }
     text_sink messages;
     classic_call call(text, &messages);
     scope_stack scopes;
@@ -48,7 +51,7 @@ std::optional<String> renderText(const String& input, const ContextBase& context
         errors += String(notParsed);
         return std::nullopt;
     }
-    return renderNodes(tree.nodes, isWellFormed(input), context, errors);
+    return renderNodes(tree.nodes, input, context, errors);
 }
 
 } // namespace

@@ -22,6 +22,9 @@ class recent_stack {
     /// Where an entry stood before it was entered.
     using position = std::size_t;
 
+    /// For an entry that was not in force before.
+    static constexpr position nowhere = std::numeric_limits<position>::max();
+
     recent_stack() = default;
     recent_stack(const recent_stack&) = delete;
     recent_stack& operator=(const recent_stack&) = delete;
@@ -66,7 +69,6 @@ class recent_stack {
         std::rotate(home, entries_.end() - 1, entries_.end());
     }
 
-    static constexpr position nowhere = std::numeric_limits<position>::max();
     static constexpr std::size_t window = 64;
 
     boost::container::small_vector<Entry, 8> entries_; // deeper nesting is rare

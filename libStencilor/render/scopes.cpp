@@ -30,6 +30,29 @@ void collectKeys(const std::string& name, const prefix_stack& prefixes, Keys& ke
 
 } // namespace
 
+void scope_stack::moveToTop(position from) {
+    for (std::size_t at = from; at + 1 < scopes_.size(); ++at) {
+        std::swap(scopes_[at].scope, scopes_[at + 1].scope);
+    }
+    renewStamps();
+}
+
+void scope_stack::moveFromTop(position to) {
+    for (std::size_t at = scopes_.size() - 1; at > to; --at) {
+        std::swap(scopes_[at].scope, scopes_[at - 1].scope);
+    }
+    renewStamps();
+}
+
+/// After a move: the stamps that may be compared before it is undone are those of the two newest
+/// scopes. The others are found as they were when it has been undone.
+void scope_stack::renewStamps() {
+    const std::size_t size = scopes_.size();
+    for (std::size_t at = size - std::min<std::size_t>(size, 2); at < size; ++at) {
+        scopes_[at].stamp = ++stamp_;
+    }
+}
+
 std::size_t prefixLength(std::string_view name, std::string_view variable) noexcept {
     const bool prefixed =
         name.size() > variable.size() && name[variable.size()] == '.' && name.starts_with(variable);
@@ -39,11 +62,11 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
 const ContextBase* name_lookup::findOutsideLoops(const scope_stack& scopes,
                                                  const std::string& name) {
     const String key(name.c_str());
-    return findFirst(scopes, std::span(&key, 1));
+    return scopes.findFirst(
+        [&key](const ContextBase& scope) { return findInScope(scope, std::span(&key, 1)); });
 }
 
-const name_lookup::kept_name& name_lookup::keep(const std::string& name,
-                                                const prefix_stack& prefixes) {
+name_lookup::kept_name& name_lookup::keep(const std::string& name, const prefix_stack& prefixes) {
     if (slots_ == nullptr) {
         slots_ = std::make_unique<slot_table>();
     }
@@ -53,6 +76,7 @@ const name_lookup::kept_name& name_lookup::keep(const std::string& name,
     }
     if (kept->name != &name) {
         kept->name = nullptr; // it belongs to no name while its keys change
+        kept->outside = {};
         collectKeys(name, prefixes, kept->keys);
         kept->name = &name;
     }

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -19,31 +20,128 @@
 
 namespace kel::Stencilor::internal {
 
+/// What a name was found to be outside the innermost scope. In a loop only that one changes, so the
+/// result holds until the loop ends.
+struct outer_search {
+    std::uint64_t stamp = 0; // of the scopes that were searched; 0: none were
+    const ContextBase* found = nullptr;
+};
+
 /// The values whose children are in scope, the root context first. The values are borrowed.
+///
+/// It is searched from the newest scope to the oldest, as a `recent_stack` is, and keeps a scope
+/// that is entered again in one place for the same reason.
 class scope_stack {
   public:
-    using position = recent_stack<const ContextBase*>::position;
+    /// Where a scope was before it was entered.
+    using position = std::size_t;
 
-    /// `scope` may be null. One that holds no names answers nothing, and is not kept.
+    scope_stack() = default;
+    scope_stack(const scope_stack&) = delete;
+    scope_stack& operator=(const scope_stack&) = delete;
+
+    /// Makes `scope` the innermost. It may be null. One that holds no names answers nothing, and is
+    /// not kept. The result is for `leave`.
     position enter(const ContextBase* scope) {
-        const bool kept = scope != nullptr && !context_access::children(*scope).empty();
-        return kept ? scopes_.enter(scope) : notKept;
+        if (!holdsNames(scope)) {
+            return notKept;
+        }
+        const position before = find(scope, scopes_.size());
+        if (before != nowhere) {
+            moveToTop(before);
+            return before;
+        }
+        scopes_.push_back({scope, ++stamp_});
+        return nowhere;
     }
+
+    /// Undoes the newest `enter` that was not undone yet.
     void leave(position before) {
-        if (before != notKept) {
-            scopes_.leave(before);
+        if (before == nowhere) {
+            scopes_.pop_back();
+        } else if (before != notKept) {
+            moveFromTop(before);
         }
     }
 
-    auto newestFirst() const noexcept { return scopes_.newestFirst(); }
-    auto end() const noexcept { return scopes_.end(); }
+    /// `leave`, and then `enter`.
+    position replace(position before, const ContextBase* scope) {
+        if (before == nowhere && holdsNames(scope) && find(scope, scopes_.size() - 1) == nowhere) {
+            scopes_.back() = {scope, ++stamp_};
+            return nowhere;
+        }
+        leave(before);
+        return enter(scope);
+    }
+
+    /// The first value that `findIn` finds in a scope, from the innermost outwards.
+    template <typename FindIn>
+    const ContextBase* findFirst(FindIn findIn) const {
+        return findFirst(scopes_.size(), findIn);
+    }
+
+    /// The same, where `known` is what the last search from the same place found.
+    template <typename FindIn>
+    const ContextBase* findFirst(outer_search& known, FindIn findIn) const;
 
   private:
-    // No position of an entry: a stack of so many would not fit in memory.
-    static constexpr position notKept = std::numeric_limits<position>::max() - 1;
+    struct kept_scope {
+        const ContextBase* scope;
+        std::uint64_t stamp; // differs whenever the scopes up to this place do
+    };
 
-    recent_stack<const ContextBase*> scopes_;
+    static constexpr position nowhere = std::numeric_limits<position>::max();
+    static constexpr position notKept = nowhere - 1;
+    static constexpr std::size_t window = 64;
+
+    static bool holdsNames(const ContextBase* scope) {
+        return scope != nullptr && !context_access::children(*scope).empty();
+    }
+
+    /// Where `scope` is among the newest scopes below `end`.
+    position find(const ContextBase* scope, std::size_t end) const {
+        const std::size_t oldest = end > window ? end - window : 0;
+        for (std::size_t at = end; at != oldest;) {
+            if (scopes_[--at].scope == scope) {
+                return at;
+            }
+        }
+        return nowhere;
+    }
+
+    template <typename FindIn>
+    const ContextBase* findFirst(std::size_t end, FindIn findIn) const {
+        const ContextBase* found = nullptr;
+        while (found == nullptr && end > 0) {
+            found = findIn(*scopes_[--end].scope);
+        }
+        return found;
+    }
+
+    void moveToTop(position from);
+    void moveFromTop(position to);
+    void renewStamps();
+
+    boost::container::small_vector<kept_scope, 8> scopes_;
+    std::uint64_t stamp_ = 0; // the newest
 };
+
+template <typename FindIn>
+const ContextBase* scope_stack::findFirst(outer_search& known, FindIn findIn) const {
+    const std::size_t size = scopes_.size();
+    if (size < 2) {
+        return findFirst(size, findIn);
+    }
+    if (const ContextBase* innermost = findIn(*scopes_[size - 1].scope)) {
+        return innermost;
+    }
+    const std::uint64_t outer = scopes_[size - 2].stamp;
+    if (known.stamp != outer) {
+        known.found = findFirst(size - 1, findIn);
+        known.stamp = outer; // not before nothing can throw
+    }
+    return known.found;
+}
 
 /// The variables of the loops in force; each stands for the prefix that is made of it and a dot.
 /// Borrowed from the syntax tree.
@@ -67,12 +165,12 @@ class name_lookup {
                                     const prefix_stack& prefixes);
 
   private:
-    static const ContextBase* findFirst(const scope_stack& scopes, std::span<const String> keys);
-    const ContextBase* findOutsideLoops(const scope_stack& scopes, const std::string& name);
+    static const ContextBase* findOutsideLoops(const scope_stack& scopes, const std::string& name);
 
     /// What a name is tried as.
     struct kept_name {
         const std::string* name = nullptr;
+        outer_search outside;
         boost::container::small_vector<String, 2> keys; // in their order, each once
     };
 
@@ -80,23 +178,20 @@ class name_lookup {
     static constexpr std::size_t slotCount = 64;
     using slot_table = std::array<slot, slotCount>;
 
-    const kept_name& keep(const std::string& name, const prefix_stack& prefixes);
+    kept_name& keep(const std::string& name, const prefix_stack& prefixes);
     slot& slotOf(const std::string& name) const;
     static std::size_t homeOf(const std::string& name) noexcept;
 
     std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
 };
 
-/// The first value that one of `keys` stands for, in the innermost scope that has one.
-inline const ContextBase* name_lookup::findFirst(const scope_stack& scopes,
-                                                 std::span<const String> keys) {
-    for (auto scope = scopes.newestFirst(); scope != scopes.end(); ++scope) {
-        const auto& children = context_access::children(**scope);
-        for (const String& key : keys) {
-            const auto found = children.find(key);
-            if (found != children.end() && found->second != nullptr) {
-                return found->second;
-            }
+/// The value that one of `keys` refers to in a scope.
+inline const ContextBase* findInScope(const ContextBase& scope, std::span<const String> keys) {
+    const auto& children = context_access::children(scope);
+    for (const String& key : keys) {
+        const auto found = children.find(key);
+        if (found != children.end() && found->second != nullptr) {
+            return found->second;
         }
     }
     return nullptr;
@@ -114,11 +209,13 @@ inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
         return findOutsideLoops(scopes, name);
     }
     // Nearly always a name has the slot where it belongs.
-    const kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
+    kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
     if (kept == nullptr || kept->name != &name) {
         kept = &keep(name, prefixes);
     }
-    return findFirst(scopes, std::span(kept->keys.data(), kept->keys.size()));
+    return scopes.findFirst(kept->outside, [kept](const ContextBase& scope) {
+        return findInScope(scope, {kept->keys.data(), kept->keys.size()});
+    });
 }
 
 } // namespace kel::Stencilor::internal

@@ -51,35 +51,22 @@ class text_sink {
     /// appended, if not. What is short is tested and copied by the same loads.
     bool appendPlain(std::string_view text) {
         const std::size_t size = text.size();
-        const char* const from = text.data();
         if (size > 16) {
             return appendLongPlain(text);
         }
         char* const to = roomFor(size);
-        if (size >= 8) {
-            const std::uint64_t first = loadBytes<std::uint64_t>(from);
-            const std::uint64_t last = loadBytes<std::uint64_t>(from + size - 8);
-            std::memcpy(to, &first, 8);
-            std::memcpy(to + size - 8, &last, 8);
-            end_ = to + (arePlain(first) && arePlain(last) ? size : 0);
-            return arePlain(first) && arePlain(last);
-        }
-        if (size >= 4) {
-            const auto first = static_cast<std::uint32_t>(loadBytes<std::uint32_t>(from));
-            const auto last = static_cast<std::uint32_t>(loadBytes<std::uint32_t>(from + size - 4));
-            std::memcpy(to, &first, 4);
-            std::memcpy(to + size - 4, &last, 4);
-            const bool plain = arePlain(first | std::uint64_t{last} << 32);
-            end_ = to + (plain ? size : 0);
-            return plain;
-        }
-        bool plain = true;
-        for (std::size_t at = 0; at < size; ++at) {
-            to[at] = from[at];
-            plain = plain && from[at] > 0;
-        }
+        const bool plain = size >= 8   ? copyPlainEnds<std::uint64_t>(to, text.data(), size)
+                           : size >= 4 ? copyPlainEnds<std::uint32_t>(to, text.data(), size)
+                                       : copyPlainBytes(to, text.data(), size);
         end_ = to + (plain ? size : 0);
         return plain;
+    }
+
+    /// Makes room for a text of so many bytes.
+    void reserve(std::size_t size) {
+        if (size > room()) {
+            grow(size);
+        }
     }
 
     /// Empties it. The room of a short text is kept for the next.
@@ -119,14 +106,10 @@ class text_sink {
     static void copy(char* to, const char* from, std::size_t size) {
         if (size > 64) {
             std::memcpy(to, from, size);
-        } else if (size >= 32) {
-            copyEnds<32>(to, from, size);
         } else if (size >= 16) {
-            copyEnds<16>(to, from, size);
-        } else if (size >= 8) {
-            copyEnds<8>(to, from, size);
+            size > 32 ? copyEnds<32>(to, from, size) : copyEnds<16>(to, from, size);
         } else if (size >= 4) {
-            copyEnds<4>(to, from, size);
+            size >= 8 ? copyEnds<8>(to, from, size) : copyEnds<4>(to, from, size);
         } else if (size > 0) {
             to[0] = from[0];
             to[size / 2] = from[size / 2];
@@ -144,6 +127,26 @@ class text_sink {
 
     // Enough for a line or two, which then cost no allocation.
     static constexpr std::size_t inlineRoom = 255;
+
+    /// Copies the first and the last bytes. True if all of them are plain.
+    template <typename Number>
+    static bool copyPlainEnds(char* to, const char* from, std::size_t size) {
+        constexpr std::uint64_t none = 0x0101010101010101u;
+        constexpr std::uint64_t padding = sizeof(Number) == 8 ? 0 : none << 32;
+        const std::uint64_t first = loadBytes<Number>(from);
+        const std::uint64_t last = loadBytes<Number>(from + size - sizeof(Number));
+        copyEnds<sizeof(Number)>(to, from, size);
+        return arePlain(first | padding) && arePlain(last | padding);
+    }
+
+    static bool copyPlainBytes(char* to, const char* from, std::size_t size) {
+        bool plain = true;
+        for (std::size_t at = 0; at < size; ++at) {
+            to[at] = from[at];
+            plain = plain && from[at] != '\0' && static_cast<unsigned char>(from[at]) < 0x80;
+        }
+        return plain;
+    }
 
     std::size_t room() const noexcept { return static_cast<std::size_t>(limit_ - begin_); }
     bool appendLongPlain(std::string_view text);
