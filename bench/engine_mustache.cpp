@@ -2,8 +2,8 @@
 
 #include <kainjow/mustache.hpp>
 
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 
 namespace bench {
@@ -16,8 +16,9 @@ using kainjow::mustache::mustache;
 constexpr const char* directory = "mustache";
 
 std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string text(std::filesystem::file_size(path), '\0');
+    std::ifstream(path, std::ios::binary).read(text.data(), static_cast<long>(text.size()));
+    return text;
 }
 
 /// Makes data of values. Partials are functions that return a text, which the engine parses

@@ -13,16 +13,16 @@ using namespace kel::Stencilor;
 
 namespace {
 
-kel::String ourText(const workload& work) {
-    return translated(work.text.text, language::stencilor);
+page ours(const workload& work) {
+    return translated(work.text, language::stencilor, work.escaped);
 }
 
 /// A template that is parsed beforehand, or kept by `FileTemplates`, and what it is rendered with.
 class prepared {
   public:
     prepared(const workload& work, std::shared_ptr<const ContextDictionary> context)
-        : parsed_(ourText(work)), context_(std::move(context)) {
-        page own = translated(work.text, language::stencilor, work.escaped);
+        : parsed_(ours(work).text), context_(std::move(context)) {
+        page own = ours(work);
         if (work.inFiles) {
             path_ = work.name + ".html";
             own.included.emplace(path_.str(), own.text);
@@ -74,8 +74,9 @@ renderer buildOutputRenderer(const workload& work) {
         std::unique_ptr<ContextDictionary> context;
         kel::String output;
     };
-    writeFiles(".", translated(work.text, language::stencilor, work.escaped));
-    auto shared = std::make_shared<state>(state{ourText(work), toContext(work.data), {}});
+    const page own = ours(work);
+    writeFiles(".", own);
+    auto shared = std::make_shared<state>(state{own.text, toContext(work.data), {}});
     return {[shared] {
                 kel::String errors;
                 shared->output = buildOutput(shared->text, *shared->context, errors);
@@ -127,7 +128,8 @@ std::shared_ptr<const void> keptTemplate(const std::string& text) {
 std::vector<std::function<std::size_t()>> forTwoThreads(const workload& work, sharing what) {
     const std::shared_ptr<const ContextDictionary> context = toContext(work.data);
     if (what == sharing::buildOutput) {
-        const auto render = [text = ourText(work), context] {
+        writeFiles(".", ours(work));
+        const auto render = [text = kel::String(ours(work).text), context] {
             kel::String errors;
             return std::size_t{buildOutput(text, *context, errors).size()};
         };
