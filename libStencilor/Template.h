@@ -90,6 +90,7 @@ struct RenderLimits {
 
 /// What happens to each value on its way into the text. Text of the template is never escaped, nor
 /// are raw values (`Value::raw`, `ContextRawString`).
+/// Copying: copies share a host's function. Moving copies.
 /// Threads: may be used by many threads, if the host's function may.
 class STENCILOR_EXPORT Escape {
   public:

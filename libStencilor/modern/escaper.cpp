@@ -139,9 +139,11 @@ Escape::Escape(std::function<void(std::string_view value, std::string& out)> fun
     : kind_(Kind::Function), function_(std::make_shared<const Function>(std::move(function))) {}
 
 Escape::Escape(const Escape& other) = default;
-Escape::Escape(Escape&& other) noexcept = default;
+Escape::Escape(Escape&& other) noexcept : Escape(std::as_const(other)) {}
 Escape& Escape::operator=(const Escape& other) = default;
-Escape& Escape::operator=(Escape&& other) noexcept = default;
+Escape& Escape::operator=(Escape&& other) noexcept {
+    return *this = std::as_const(other);
+}
 Escape::~Escape() = default;
 
 Escape Escape::none() {

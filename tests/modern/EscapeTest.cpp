@@ -238,12 +238,16 @@ TEST(Escaping, IsCopiedAndMoved) {
     const Escape copy = escape;
     escape = Escape([](std::string_view, std::string& out) { out = "f"; });
     const Escape shared = escape;
-    const Escape moved = std::move(escape);
+    Escape moved = std::move(escape);
+    Escape assigned = Escape::none();
+    assigned = std::move(moved);
     const Template made("{{ a }}");
     const Value values{{"a", "<"}};
     EXPECT_EQ(made.render(values, {.escape = copy}).text, "&lt;");
     EXPECT_EQ(made.render(values, {.escape = shared}).text, "f");
-    EXPECT_EQ(made.render(values, {.escape = moved}).text, "f");
+    EXPECT_EQ(made.render(values, {.escape = assigned}).text, "f");
+    EXPECT_EQ(made.render(values, {.escape = moved}).text, "f") << "moving copies";
+    EXPECT_EQ(made.render(values, {.escape = escape}).text, "f") << "moving copies";
 }
 
 } // namespace
