@@ -139,7 +139,7 @@ void printCall(const median_reporter& times, const std::string& work, const char
     std::erase_if(rivals, [&](const auto& each) { return times.median(work, each) == 0; });
     const double own = times.median(work, call);
     if (own == 0 || rivals.empty()) {
-        std::printf(" | %11s | %8s %-9s | %5s | %6s %-7s", "-", "-", "", "-", "-", "");
+        std::printf(" | %11s | %9s %-9s | %5s | %6s %-7s", "-", "-", "", "-", "-", "");
         return;
     }
     const std::string best = *std::min_element(
@@ -147,7 +147,7 @@ void printCall(const median_reporter& times, const std::string& work, const char
             return times.median(work, left) < times.median(work, right);
         });
     const double other = times.median(work, best);
-    std::printf(" | %11.2f | %8.1f %-9s | %5.2f", own / 1e3, other / 1e3,
+    std::printf(" | %11.2f | %9.2f %-9s | %5.2f", own / 1e3, other / 1e3,
                 best.substr(0, best.find(',')).c_str(), own / other);
     if (target) {
         std::printf(" | %6.2f %-7s", *target, verdict(own / other, *target));
@@ -162,7 +162,7 @@ void printTable(const median_reporter& times, const std::vector<contest>& contes
                 "peers, parsed beforehand.\n\n");
     std::printf("| %-43s", "workload");
     for (const char* call : {classic, modern}) {
-        std::printf(" | %-11s | %-18s | %-5s | %-14s", call, "better peer", "ratio", "target");
+        std::printf(" | %-11s | %-19s | %-5s | %-14s", call, "better peer", "ratio", "target");
     }
     std::printf(" | %-7s |\n|---|---|---|---|---|---|---|---|---|---|\n", byHandName);
     for (const contest& each : contests) {
