@@ -89,7 +89,7 @@ TEST_F(Limits, CountEachNodeIterationAndSixtyFourKeysAsSteps) {
         {"two keys of each of 32 names and one of the list",
          "{% for x in nulls %}{{ x.gone }}{% endfor %}", 66},
         {"keys in the scopes of an element and of the root",
-         repeated("{% for x in two %}{{ gone }}{% endfor %}", 13), 13 * 5 + 1},
+         repeated("{% for x in two %}{{ gone }}{% endfor %}", 22), 22 * 5 + 1},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
