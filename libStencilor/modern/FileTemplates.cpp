@@ -1,11 +1,11 @@
 #include <libKel/Folder.h>
 #include <libStencilor/Template.h>
+#include <libStencilor/modern/source_lock.h>
 
 #include <algorithm>
 #include <chrono>
 #include <limits>
 #include <map>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -68,8 +68,7 @@ class template_files {
                                 std::optional<Template>& found);
 
     const Folder folder_;
-    std::mutex mutex_;
-    std::map<String, parsed_file> parsed_; // guarded by mutex_
+    std::map<String, parsed_file> parsed_; // guarded by the lock of all sources
 };
 
 TemplateSource::Answer template_files::find(const String& path, std::uint64_t maxBytes,
@@ -90,7 +89,7 @@ TemplateSource::Answer template_files::find(const String& path, std::uint64_t ma
 }
 
 std::optional<Template> template_files::findKept(const String& path, const FileState& state) {
-    const std::lock_guard lock(mutex_);
+    const source_reading lock;
     const auto kept = parsed_.find(path);
     const bool same = kept != parsed_.end() && kept->second.state == state;
     return same ? std::optional(kept->second.made) : std::nullopt;
@@ -112,7 +111,7 @@ TemplateSource::Answer template_files::load(const String& path, std::uint64_t ma
     found.emplace(
         String(reinterpret_cast<const char*>(bytes.data), static_cast<unsigned int>(bytes.size)),
         path);
-    const std::lock_guard lock(mutex_);
+    const source_change lock;
     if (bytes.size == state.size && before - state.modified >= unsettledNanoseconds) {
         parsed_.insert_or_assign(path, parsed_file{state, *found});
     } else {

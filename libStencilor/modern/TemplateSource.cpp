@@ -1,8 +1,7 @@
 #include <libStencilor/Template.h>
+#include <libStencilor/modern/source_lock.h>
 
 #include <map>
-#include <mutex>
-#include <shared_mutex>
 #include <utility>
 
 namespace kel::Stencilor {
@@ -13,8 +12,7 @@ TemplateSource& TemplateSource::operator=(const TemplateSource& other) = default
 TemplateSource::~TemplateSource() = default;
 
 struct internal::memory_templates {
-    std::shared_mutex mutex;
-    std::map<String, Template> byPath; // guarded by mutex
+    std::map<String, Template> byPath; // guarded by the lock of all sources
 };
 
 MemoryTemplates::MemoryTemplates() : templates_(std::make_unique<internal::memory_templates>()) {}
@@ -22,13 +20,13 @@ MemoryTemplates::~MemoryTemplates() = default;
 
 void MemoryTemplates::add(String path, String text) {
     Template added(std::move(text), path);
-    const std::unique_lock lock(templates_->mutex);
+    const internal::source_change lock;
     templates_->byPath.insert_or_assign(std::move(path), std::move(added));
 }
 
 TemplateSource::Answer MemoryTemplates::find(const String& path, std::uint64_t maxBytes,
                                              std::optional<Template>& found) {
-    const std::shared_lock lock(templates_->mutex);
+    const internal::source_reading lock;
     const auto entry = templates_->byPath.find(path);
     if (entry == templates_->byPath.end()) {
         return Answer::Missing;

@@ -2,6 +2,8 @@
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>
+#include <libStencilor/Template.h>
+#include <libStencilor/Value.h>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -10,6 +12,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -78,6 +81,38 @@ TEST(Fork, LeavesTheLibraryUsableWhateverOtherThreadsDoMeanwhile) {
     }
     LogFactory::setSink({});
     FileSystem::clearRoot();
+}
+
+/// What a process made by fork() renders with a source of the parent.
+bool renders(Stencilor::TemplateSource& source) {
+    ::alarm(20);
+    Stencilor::RenderOptions options;
+    options.source = &source;
+    const Stencilor::Template page("{% include \"part\" %}");
+    return page.render(Stencilor::Value(), options).text == "text";
+}
+
+TEST(Fork, LeavesSourcesUsableWhateverOtherThreadsDoMeanwhile) {
+    const support::TemporaryFolder folder;
+    folder.writeFile("part", "text");
+    Stencilor::FileTemplates files(folder.path());
+    Stencilor::MemoryTemplates texts;
+    texts.add("part", "text");
+    const auto find = [](Stencilor::TemplateSource& source) {
+        std::optional<Stencilor::Template> found;
+        EXPECT_EQ(source.find("part", 4, found), Stencilor::TemplateSource::Answer::Found);
+    };
+    const Busy busy({[&] { find(files); }, [&] { find(files); }, [&] { find(texts); },
+                     [&] { texts.add("part", "text"); }});
+    for (int turn = 0; turn < 300 && !::testing::Test::HasFailure(); ++turn) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            std::_Exit(renders(files) && renders(texts) ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
+        int status = -1;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0) << "in turn " << turn;
+    }
 }
 
 // A sink is called without any lock, so that it may use the library itself.
