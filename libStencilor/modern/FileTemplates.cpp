@@ -112,7 +112,7 @@ TemplateSource::Answer template_files::load(const String& path, std::uint64_t ma
         String(reinterpret_cast<const char*>(bytes.data), static_cast<unsigned int>(bytes.size)),
         path);
     const source_change lock;
-    if (bytes.size == state.size && before - state.modified >= unsettledNanoseconds) {
+    if (bytes.size == state.size && state.modified <= before - unsettledNanoseconds) {
         parsed_.insert_or_assign(path, parsed_file{state, *found});
     } else {
         parsed_.erase(path);
