@@ -149,6 +149,18 @@ TEST_F(SystemFaultTest, LeavesNoTemporaryFileWhereASignalEndsTheProgram) {
     }
 }
 
+TEST_F(SystemFaultTest, FindsATemporaryFileThatNobodyElseCanOpen) {
+    fs::permissions("out.txt", fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_TRUE(run({"fchown", 1, 0, SIGKILL}, "render page.txt values.json -o out.txt"));
+    const auto left =
+        std::find_if(fs::directory_iterator("."), fs::directory_iterator(),
+                     [](const fs::directory_entry& entry) {
+                         return entry.path().filename().string().starts_with(".stencilor");
+                     });
+    ASSERT_NE(left, fs::directory_iterator());
+    EXPECT_EQ(left->status().permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
 /// What another user leaves to this one.
 class SharedFileTest : public SystemFaultTest {
   protected:

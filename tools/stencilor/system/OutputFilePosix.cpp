@@ -36,7 +36,9 @@ class SignalsHeld {
 /// A file of a name that nothing else has, which is removed unless it takes another one's place.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(const std::filesystem::path& folder) : file_(create(folder, path_)) {}
+    /// Before it resembles another file, a `secret` one is open to this user alone.
+    TemporaryFile(const std::filesystem::path& folder, bool secret)
+        : file_(create(folder, secret ? 0600 : 0666, path_)) {}
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
@@ -84,11 +86,12 @@ class TemporaryFile {
 
   private:
     /// Sets `path` once the file is there.
-    static int create(const std::filesystem::path& folder, std::filesystem::path& path) {
+    static int create(const std::filesystem::path& folder, mode_t mode,
+                      std::filesystem::path& path) {
         for (int attempt = 1;; ++attempt) {
             const std::filesystem::path candidate = folder / temporaryName();
             const int file =
-                ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+                ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
             if (file >= 0) {
                 path = candidate;
                 return file;
@@ -149,7 +152,7 @@ void replaceFile(const std::filesystem::path& path, const std::optional<struct s
         fail();
     }
     const SignalsHeld held;
-    TemporaryFile temporary(path.parent_path());
+    TemporaryFile temporary(path.parent_path(), former.has_value());
     if (former) {
         temporary.resemble(*former);
     }
