@@ -40,6 +40,9 @@ TEST_F(CallTest, EndsWithStatus2WhereItIsWrong) {
         {"a flag with a value",
          {"render", "page.txt", "--strict=no"},
          "strict was given a disallowed flag override"},
+        {"a long argument",
+         {std::string(300, 'x')},
+         "The following argument was not expected: " + std::string(159, 'x') + "..."},
     };
     for (const auto& [name, arguments, message] : cases) {
         SCOPED_TRACE(name);

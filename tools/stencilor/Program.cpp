@@ -1,3 +1,4 @@
+#include <libStencilorAnalysis/text/ShownText.h>
 #include <tools/stencilor/CommandLine.h>
 #include <tools/stencilor/Program.h>
 #include <tools/stencilor/commands/Files.h>
@@ -30,7 +31,7 @@ int endParse(const CLI::App& program, const CLI::ParseError& end) {
     // The parser would first name what is missing where something was misspelt.
     const std::vector<std::string> unknown = program.remaining(true);
     const std::string problem = unknown.empty() ? end.what() : CLI::ExtrasError(unknown).what();
-    printError(problem);
+    printError(kel::Stencilor::Analysis::shorten(problem));
     system::writeStandardError("Run 'stencilor --help' for how to call it.\n");
     return exitFailure;
 }
