@@ -207,7 +207,8 @@ void Value::set(String key, Value value) {
     if (!isNew) {
         place->second = std::move(value); // not taken yet
     }
-    dictionary.depth = wasDeepest ? dictionary.findDepth() : std::max(dictionary.depth, depth);
+    const bool shrinks = wasDeepest && depth < dictionary.depth;
+    dictionary.depth = shrinks ? dictionary.findDepth() : std::max(dictionary.depth, depth);
 }
 
 void Value::add(Value item) {
