@@ -4,6 +4,7 @@
 #include <libKel/String.h>
 #include <libStencilor/Syntax.h>
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -35,7 +36,10 @@ class name_table {
     /// `text` is a template that is well formed up to its first NUL.
     explicit name_table(const String& text);
 
-    const name_use& use(std::uint32_t number) const noexcept { return uses_[number]; }
+    const name_use& use(std::uint32_t number) const noexcept {
+        assert(number < uses_.size()); // as many records as tags that hold a name
+        return uses_[number];
+    }
 
     /// The keys of a name that are kept, in the order they are tried.
     std::span<const String> keptKeys(const name_use& use) const noexcept {

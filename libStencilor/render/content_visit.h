@@ -12,6 +12,7 @@
 #include <boost/variant/get.hpp>
 #include <boost/variant/static_visitor.hpp>
 
+#include <cassert>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -195,6 +196,7 @@ content_visit<Call>::enterBlock(const trace_point& point) {
 /// Closes the traced scopes of the innermost block.
 template <typename Call>
 inline void content_visit<Call>::leaveBlock() {
+    assert(depth_ > 0);
     block& closed = *blocks_[--depth_];
     closed.apply.reset();
     closed.visit.reset();

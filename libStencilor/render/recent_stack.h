@@ -4,6 +4,7 @@
 #include <boost/container/small_vector.hpp>
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <limits>
 
@@ -45,6 +46,7 @@ class recent_stack {
 
     /// Undoes the newest `enter` that was not undone yet.
     void leave(position before) {
+        assert(!entries_.empty() && (before == nowhere || before < entries_.size()));
         if (before == nowhere) {
             entries_.pop_back();
         } else {

@@ -9,6 +9,7 @@
 #include <boost/container/small_vector.hpp>
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -57,6 +58,7 @@ class scope_stack {
 
     /// Undoes the newest `enter` that was not undone yet.
     void leave(position before) {
+        assert(before == notKept || !scopes_.empty());
         if (before == nowhere) {
             scopes_.pop_back();
         } else if (before != notKept) {

@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILOR_RENDER_TEXT_SINK_H
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -73,7 +74,10 @@ class text_sink {
     void clear() noexcept;
 
     /// Drops what was appended after the first `size` bytes.
-    void truncate(std::size_t size) noexcept { end_ = begin_ + size; }
+    void truncate(std::size_t size) noexcept {
+        assert(size <= this->size());
+        end_ = begin_ + size;
+    }
 
     std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - begin_); }
     std::string_view view() const noexcept { return {begin_, size()}; }

@@ -2,6 +2,7 @@
 #define LIBSTENCILOR_TEMPLATE_PIECEWISE_QUEUE_H
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -35,6 +36,7 @@ class piecewise_queue {
 
     /// Takes the oldest entry; there is one.
     Entry take() noexcept {
+        assert(size_ > 0);
         if (oldest_ == oldestEnd_) {
             goToNextPiece();
         }

@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILOR_TEMPLATE_RECORD_MEMORY_H
 #define LIBSTENCILOR_TEMPLATE_RECORD_MEMORY_H
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -35,6 +36,7 @@ class record_memory {
 
     /// The number of a record that came from a chunk.
     static std::uint32_t numberOf(const void* record) noexcept {
+        assert(static_cast<const header*>(record)[-1].offset != 0);
         return static_cast<const header*>(record)[-1].number;
     }
 

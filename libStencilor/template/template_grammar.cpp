@@ -3,6 +3,7 @@
 #include <boost/variant/get.hpp>
 
 #include <array>
+#include <cassert>
 #include <cstring>
 #include <string>
 
@@ -312,10 +313,12 @@ void template_grammar::build(content_list& list, std::size_t count) {
             break;
         }
         case step_kind::other:
+            assert(current.conditional != nullptr); // a loop has no `else`
             current.nodes = &current.conditional->else_list;
             current.nodes->reserve(current.else_count);
             break;
         case step_kind::close:
+            assert(!enclosing.empty());
             current = enclosing.back();
             enclosing.pop_back();
             break;
