@@ -84,7 +84,8 @@ struct RenderLimits {
     /// because an exhausted stack cannot be reported.
     unsigned int includeDepth = 100;
 
-    /// Messages kept. Further ones are counted, and rendering goes on.
+    /// Messages kept. Further ones are counted, and rendering goes on. The one that says why a
+    /// render ended is always kept.
     unsigned int messages = 1000;
 };
 

@@ -67,14 +67,23 @@ class template_files {
     TemplateSource::Answer load(const String& path, std::uint64_t maxBytes,
                                 std::optional<Template>& found);
 
+    void keep(const String& path, const parsed_file& file);
+    void drop(const String& path);
+
     const Folder folder_;
-    std::map<String, parsed_file> parsed_; // guarded by the lock of all sources
+
+    // Guarded by the lock of all sources. Each file is kept for one of the paths that lead to it,
+    // so that templates cannot have it kept any number of times by writing its path in other ways.
+    std::map<String, parsed_file> parsed_;
+    std::map<std::pair<std::uint64_t, std::uint64_t>, String> paths_; // by identity
 };
 
 TemplateSource::Answer template_files::find(const String& path, std::uint64_t maxBytes,
                                             std::optional<Template>& found) {
     const std::optional<FileState> state = folder_.find(path);
     if (!state) {
+        const source_change lock;
+        drop(path);
         return TemplateSource::Answer::Missing;
     }
     found = findKept(path, *state);
@@ -112,12 +121,27 @@ TemplateSource::Answer template_files::load(const String& path, std::uint64_t ma
         String(reinterpret_cast<const char*>(bytes.data), static_cast<unsigned int>(bytes.size)),
         path);
     const source_change lock;
+    drop(path);
     if (bytes.size == state.size && state.modified <= before - unsettledNanoseconds) {
-        parsed_.insert_or_assign(path, parsed_file{state, *found});
-    } else {
-        parsed_.erase(path);
+        keep(path, {state, *found});
     }
     return TemplateSource::Answer::Found;
+}
+
+void template_files::keep(const String& path, const parsed_file& file) {
+    const std::pair identity(file.state.volume, file.state.index);
+    if (!paths_.contains(identity)) {
+        parsed_.emplace(path, file);
+        paths_.emplace(identity, path);
+    }
+}
+
+void template_files::drop(const String& path) {
+    const auto kept = parsed_.find(path);
+    if (kept != parsed_.end()) {
+        paths_.erase({kept->second.state.volume, kept->second.state.index});
+        parsed_.erase(kept);
+    }
 }
 
 } // namespace internal

@@ -100,9 +100,8 @@ void render_state::addFileMessage(RenderStatus status, const String& path) {
 }
 
 void render_state::end(RenderStatus status, const parsed_template& in, const node_place& place) {
-    if (wantsMessage()) {
-        addMessage(kindOf(status), in, place);
-    }
+    ++messageCount_;
+    addMessage(kindOf(status), in, place);
     throw render_end{status};
 }
 

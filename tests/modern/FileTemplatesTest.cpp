@@ -52,6 +52,18 @@ TEST_F(FileSource, KeepsAFileThatDoesNotChange) {
     EXPECT_EQ(textOf("a"), first);
 }
 
+TEST_F(FileSource, KeepsAFileForOneOfItsPaths) {
+    folder_.makeFolder("d");
+    folder_.writeFile("a", longText);
+    age("a", 10s);
+    const char* const first = textOf("a");
+    std::optional<Template> detour;
+    ASSERT_EQ(source_.find("d/../a", UINT64_MAX, detour), Answer::Found);
+    EXPECT_EQ(detour->name(), "d/../a");
+    EXPECT_NE(textOf("d/../a"), detour->text().view().data()) << "kept twice";
+    EXPECT_EQ(textOf("a"), first);
+}
+
 TEST_F(FileSource, ReadsAFileAgainWhereItWasChangedLessThanTwoSecondsAgo) {
     folder_.writeFile("a", longText);
     std::optional<Template> first;

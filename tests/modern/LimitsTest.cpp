@@ -329,14 +329,15 @@ TEST_F(Limits, NameThePlaceOfTheTextOrValueThatIsTooLong) {
     }
 }
 
-TEST_F(Limits, AreMessagesThatCountAsAllOthersDo) {
+TEST_F(Limits, AreMessagesThatAreAlwaysKept) {
     const std::string input = "{{ gone }}{{ gone }}";
     const RenderResult all = render(input, {.steps = 1});
     EXPECT_THAT(all.messages, SizeIs(2));
     EXPECT_EQ(all.usage.messages, 2u);
     const RenderResult one = render(input, {.steps = 1, .messages = 1});
     EXPECT_EQ(one.status, RenderStatus::StepLimit);
-    EXPECT_THAT(one.messages, SizeIs(1));
+    ASSERT_THAT(one.messages, SizeIs(2));
+    EXPECT_EQ(one.messages[1].kind, Kind::StepLimit);
     EXPECT_EQ(one.usage.messages, 2u);
 }
 
