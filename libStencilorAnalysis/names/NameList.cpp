@@ -70,14 +70,20 @@ std::string formatColumns(const std::vector<std::vector<std::string>>& rows) {
 } // namespace
 
 void NameList::visitName(const NameUse& use) {
-    auto entry = std::find_if(entries_.begin(), entries_.end(), [&use](const NameEntry& other) {
-        return other.name == use.text() && other.kind == use.kind &&
-               areSameLoops(other.loops, use.loops);
-    });
-    if (entry == entries_.end()) {
-        entry = entries_.insert(entry, {std::string(use.text()), use.kind, use.loops, {}});
+    entryOf(use).places.push_back({&use.file, use.name});
+}
+
+/// The entry that a name belongs to, which may be new.
+NameEntry& NameList::entryOf(const NameUse& use) {
+    const auto [first, last] = indices_.equal_range(use.text());
+    for (auto known = first; known != last; ++known) {
+        NameEntry& entry = entries_[known->second];
+        if (entry.kind == use.kind && areSameLoops(entry.loops, use.loops)) {
+            return entry;
+        }
     }
-    entry->places.push_back({&use.file, use.name});
+    indices_.emplace_hint(last, use.text(), entries_.size());
+    return entries_.emplace_back(NameEntry{std::string(use.text()), use.kind, use.loops, {}});
 }
 
 std::string NameList::formatText() const {

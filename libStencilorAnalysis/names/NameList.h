@@ -3,6 +3,9 @@
 
 #include <libStencilorAnalysis/names/Survey.h>
 
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -25,7 +28,10 @@ class NameList final : public Surveyor {
     std::string formatJson() const;
 
   private:
+    NameEntry& entryOf(const NameUse& use);
+
     std::vector<NameEntry> entries_;
+    std::multimap<std::string, std::size_t, std::less<>> indices_; // of the entries, by name
 };
 
 } // namespace kel::Stencilor::Analysis

@@ -1,6 +1,8 @@
 #include <libStencilorAnalysis/names/Survey.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <set>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
@@ -78,12 +80,7 @@ class Survey final : private TemplateWalk {
 
     /// Once for each place.
     void addOnce(Finding finding) {
-        const bool known =
-            std::any_of(findings_.begin(), findings_.end(), [&finding](const Finding& other) {
-                return other.place.file == finding.place.file &&
-                       other.place.range.begin == finding.place.range.begin;
-            });
-        if (!known) {
+        if (places_.emplace(finding.place.file, finding.place.range.begin).second) {
             findings_.push_back(std::move(finding));
         }
     }
@@ -92,6 +89,7 @@ class Survey final : private TemplateWalk {
     std::vector<Loop> loops_;
     std::vector<std::pair<const TemplateFile*, std::vector<Loop>>> walked_;
     std::vector<Finding> findings_;
+    std::set<std::pair<const TemplateFile*, std::uint32_t>> places_; // of the findings
 };
 
 } // namespace
