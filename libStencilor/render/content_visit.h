@@ -212,8 +212,8 @@ inline void content_visit<Call>::enterList(block& current, const content_list& l
     current.end = current.next + list.size();
 }
 
-/// `leaveList` and `enterList` for the next element of a loop. False if there is none: the number
-/// of elements is read on each iteration, as a loop is defined.
+/// Enters the body of a loop for its next element. False if there is none: the number of elements
+/// is read on each iteration, as a loop is defined.
 template <typename Call>
 inline bool content_visit<Call>::enterNextIteration(block& loop) {
     const auto& elements = context_access::elements(*loop.elements);
@@ -256,11 +256,9 @@ template <typename Call>
 void content_visit<Call>::renderOpenBlocks() {
     while (depth_ > 0) {
         block& current = *blocks_[depth_ - 1];
-        bool opened = renderToNextBlock(current);
-        while (!opened && current.loop != nullptr && enterNextIteration(current)) {
-            opened = renderToNextBlock(current);
-        }
-        if (!opened) {
+        const bool goesOn =
+            renderToNextBlock(current) || (current.loop != nullptr && enterNextIteration(current));
+        if (!goesOn) {
             closeBlock(current);
         }
     }
