@@ -132,15 +132,14 @@ class STENCILOR_EXPORT ContextRawString : public ContextString {
     /// @}
 };
 
-/// A truth, which a conditional block asks for. Its children are the innermost names inside the
-/// block.
+/// A boolean, tested by `{% if %}`. Its children are the innermost names inside the block.
 ///
 /// Ownership, copying, threads, errors: as in `ContextBase`. A source that was moved from keeps
 ///   its value.
 class STENCILOR_EXPORT ContextBoolean : public ContextBase {
   public:
-    /// A truth without children.
-    /// @param truth what a conditional block finds
+    /// A boolean without children.
+    /// @param truth the value of the boolean
     ContextBoolean(bool truth);
 
     /// A pointer is not a boolean: `ContextBoolean("false")` would be true.
@@ -243,10 +242,10 @@ class STENCILOR_EXPORT ContextFactory {
     /// Makes a text.
     static ContextString* buildString(const String& value);
 
-    /// Makes a truth without children.
+    /// Makes a boolean without children.
     static ContextBoolean* buildBoolean(bool value);
 
-    /// Makes a truth with children, which the new value owns from now on.
+    /// Makes a boolean with children, which the new value owns from now on.
     static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
 
     /// A pointer is not a boolean: `buildBoolean("false")` would be true.
