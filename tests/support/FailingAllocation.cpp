@@ -64,6 +64,14 @@ void* operator new(std::size_t size) {
     return support::allocate(size);
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return support::allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* block) noexcept {
     std::free(block);
 }
