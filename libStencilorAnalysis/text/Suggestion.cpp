@@ -1,0 +1,147 @@
+#include <libStencilorAnalysis/text/ShownText.h>
+#include <libStencilorAnalysis/text/Suggestion.h>
+
+#include <algorithm>
+
+namespace kel::Stencilor::Analysis {
+
+namespace {
+
+/// Longer words are compared for case and separators only.
+constexpr std::size_t longestCompared = 64;
+
+/// Of the words that have the same letters, as many are compared.
+constexpr int mostCompared = 8;
+
+constexpr std::string_view alphabet = "abcdefghijklmnopqrstuvwxyz0123456789./";
+
+/// Without what is easily confused: case, and the separators of the parts of a word.
+std::string foldWord(std::string_view word) {
+    std::string folded;
+    for (const char byte : word) {
+        if (byte != '_' && byte != '-') {
+            folded += byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+        }
+    }
+    return folded;
+}
+
+/// The letters of a word are summed up by these, so that their order does not count.
+std::uint64_t weightOf(char letter) {
+    std::uint64_t mixed = (static_cast<unsigned char>(letter) + 1) * 0x9E3779B97F4A7C15u;
+    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9u;
+    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBu;
+    return mixed ^ (mixed >> 31);
+}
+
+std::uint64_t sumOf(std::string_view letters) {
+    std::uint64_t sum = 0;
+    for (const char letter : letters) {
+        sum += weightOf(letter);
+    }
+    return sum;
+}
+
+bool isDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+bool isPluralOf(std::string_view plural, std::string_view singular) {
+    return (plural.ends_with("s") && plural.substr(0, plural.size() - 1) == singular) ||
+           (plural.ends_with("es") && plural.substr(0, plural.size() - 2) == singular) ||
+           (plural.ends_with("ies") && singular.ends_with("y") &&
+            plural.substr(0, plural.size() - 3) == singular.substr(0, singular.size() - 1));
+}
+
+enum Distance { Same, Exchanged, Plural, LetterMore, OtherLetter, Far };
+
+/// How one folded word differs from another.
+Distance compare(std::string_view one, std::string_view other) {
+    if (one == other) {
+        return Same;
+    }
+    if (isPluralOf(one, other) || isPluralOf(other, one)) {
+        return Plural;
+    }
+    if (std::min(one.size(), other.size()) < 3) {
+        return Far;
+    }
+    const auto [first, second] = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
+    const std::string_view left = one.substr(static_cast<std::size_t>(first - one.begin()));
+    const std::string_view right = other.substr(static_cast<std::size_t>(second - other.begin()));
+    if (left.size() != right.size()) {
+        const bool longer = left.size() > right.size();
+        return (longer ? left.substr(1) == right : left == right.substr(1)) ? LetterMore : Far;
+    }
+    if (left.size() > 1 && left[0] == right[1] && left[1] == right[0] &&
+        left.substr(2) == right.substr(2)) {
+        return Exchanged;
+    }
+    return left.substr(1) == right.substr(1) && one.size() > 3 && !isDigit(left[0]) &&
+                   !isDigit(right[0])
+               ? OtherLetter
+               : Far;
+}
+
+/// The sums that words may have which are near one with this sum and these letters.
+std::vector<std::uint64_t> findSums(const std::string& folded) {
+    const std::uint64_t sum = sumOf(folded);
+    std::vector<std::uint64_t> sums = {sum};
+    if (folded.size() > longestCompared) {
+        return sums;
+    }
+    std::string letters = folded;
+    std::sort(letters.begin(), letters.end());
+    letters.erase(std::unique(letters.begin(), letters.end()), letters.end());
+    for (const char more : alphabet) {
+        sums.push_back(sum + weightOf(more));
+    }
+    for (const char less : letters) {
+        sums.push_back(sum - weightOf(less));
+        for (const char more : alphabet) {
+            sums.push_back(sum - weightOf(less) + weightOf(more));
+        }
+    }
+    const std::uint64_t ies = sumOf("ies") - sumOf("y");
+    sums.insert(sums.end(), {sum + sumOf("es"), sum - sumOf("es"), sum + ies, sum - ies});
+    return sums;
+}
+
+} // namespace
+
+KnownWords::KnownWords(const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+        add(word);
+    }
+}
+
+void KnownWords::add(std::string_view word) {
+    byLetters_.emplace(sumOf(foldWord(word)), words_.size());
+    words_.push_back(word);
+}
+
+std::string_view KnownWords::findNearest(std::string_view word) const {
+    const std::string folded = foldWord(word);
+    Distance nearest = Far;
+    std::size_t found = 0;
+    for (const std::uint64_t sum : findSums(folded)) {
+        auto [at, end] = byLetters_.equal_range(sum);
+        for (int count = 0; at != end && count < mostCompared; ++at, ++count) {
+            if (words_[at->second] == word) {
+                return {};
+            }
+            const Distance distance = compare(folded, foldWord(words_[at->second]));
+            if (distance < nearest || (distance == nearest && at->second < found)) {
+                nearest = distance;
+                found = at->second;
+            }
+        }
+    }
+    return nearest == Far ? std::string_view() : words_[found];
+}
+
+std::string didYouMean(std::string_view word) {
+    return word.empty() ? "" : "; did you mean " + quote(word) + "?";
+}
+
+} // namespace kel::Stencilor::Analysis

@@ -1,0 +1,55 @@
+#include <libStencilorAnalysis/text/Suggestion.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+namespace {
+
+TEST(KnownWords, AreFoundForOnesThatAreMisspelt) {
+    const struct {
+        const char* name;
+        std::string word;
+        std::vector<std::string> known;
+        std::string found;
+    } cases[] = {
+        {"two letters exchanged", "tilte", {"size", "title"}, "title"},
+        {"two letters exchanged at the end", "chekc", {"check"}, "check"},
+        {"a missing letter", "tile", {"title"}, "title"},
+        {"a missing first letter", "itle", {"title"}, "title"},
+        {"a doubled letter", "tittle", {"title"}, "title"},
+        {"a letter too many", "titles.", {"titles"}, "titles"},
+        {"a wrong letter", "tit1e", {"titles"}, ""},
+        {"a wrong letter that is no digit", "tirle", {"title"}, "title"},
+        {"other case", "TITLE", {"title"}, "title"},
+        {"parts that are joined otherwise", "userName", {"user_name"}, "user_name"},
+        {"a missing dot", "username", {"user.name"}, "user.name"},
+        {"the singular", "item", {"items"}, "items"},
+        {"the plural", "items", {"item"}, "item"},
+        {"the plural in es", "boxes", {"box"}, "box"},
+        {"the singular of one in ies", "entry", {"entries"}, "entries"},
+        {"the plural of a short word", "xs", {"x"}, "x"},
+        {"an option", "--stirct", {"--strict", "--root"}, "--strict"},
+        {"the nearest of several", "nmae", {"names", "name", "nmea"}, "name"},
+        {"the first of those that are equally near", "bate", {"date", "rate"}, "date"},
+        {"a word that is known", "name", {"Name", "name"}, ""},
+        {"another word", "price", {"title"}, ""},
+        {"a short word", "a", {"b", "ab"}, ""},
+        {"another number", "item1", {"item2"}, ""},
+        {"no words", "name", {}, ""},
+        {"a very long word in other case",
+         std::string(1000, 'a') + "B",
+         {std::string(1000, 'a') + "b"},
+         std::string(1000, 'a') + "b"},
+    };
+    for (const auto& [name, word, known, found] : cases) {
+        EXPECT_EQ(KnownWords(known).findNearest(word), found) << name;
+    }
+    EXPECT_EQ(didYouMean("title"), "; did you mean \"title\"?");
+    EXPECT_EQ(didYouMean(""), "");
+}
+
+} // namespace
+} // namespace kel::Stencilor::Analysis
