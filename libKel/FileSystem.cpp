@@ -33,19 +33,18 @@ bool FileSystem::exists(const String& path) {
 }
 
 bool FileSystem::loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length) {
-    out.release();
-    if (length != nullptr) {
-        *length = 0;
-    }
-    const std::optional<Folder> root = currentRoot();
-    const OpenFile file(root ? &root->directory_->path : nullptr, path);
-    if (!file.state() || readWhole(file, longestFile, out) != Folder::Answer::Found) {
-        return false;
-    }
+    const bool isLoaded = load(path, longestFile, out) == Folder::Answer::Found;
     if (length != nullptr) {
         *length = static_cast<unsigned long>(out.size);
     }
-    return true;
+    return isLoaded;
+}
+
+Folder::Answer FileSystem::load(const String& path, std::uint64_t maxBytes,
+                                Buffer<unsigned char>& out) {
+    const std::optional<Folder> root = currentRoot();
+    FileState state;
+    return loadWhole(root ? &root->directory_->path : nullptr, path, maxBytes, out, state);
 }
 
 bool FileSystem::setRoot(const String& directory) {

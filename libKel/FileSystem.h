@@ -3,7 +3,10 @@
 
 #include <libKel/Buffer.h>
 #include <libKel/Export.h>
+#include <libKel/Folder.h>
 #include <libKel/String.h>
+
+#include <cstdint>
 
 /// @file
 /// The files that templates may include.
@@ -47,6 +50,16 @@ class KEL_EXPORT FileSystem {
     /// @return false, with `out` empty and `*length` zero, where the file does not exist (as in
     ///   `exists`), cannot be read, or is longer than 4 GiB - 1 byte
     static bool loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length);
+
+    /// Reads a whole file, unless it is too large.
+    /// @param path as above
+    /// @param maxBytes the largest size that is loaded; of a larger file at most one byte more is
+    ///   read
+    /// @param out receives the bytes, and owns them; its former content is freed first. Empty
+    ///   unless the answer is `Found`.
+    /// @return what became of it; `Missing` where the file does not exist (as in `exists`)
+    static Folder::Answer load(const String& path, std::uint64_t maxBytes,
+                               Buffer<unsigned char>& out);
 
     /// From now on only the files inside one directory exist, for the whole process.
     /// @param directory relative to the working directory of this moment, or absolute

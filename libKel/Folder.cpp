@@ -2,7 +2,6 @@
 #include <libKel/SystemFiles.h>
 
 #include <algorithm>
-#include <cassert>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -34,7 +33,7 @@ bool readToEnd(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned cha
     resize(out, expected + 1);
     while (out.size <= maxBytes) {
         if (out.size == out.capacity) {
-            resize(out, out.capacity * 2);
+            resize(out, std::min(out.capacity * 2, maxBytes) + 1);
         }
         const std::uint64_t room = out.capacity - out.size;
         const std::optional<std::uint64_t> count = file.read(out.data + out.size, room);
@@ -49,10 +48,9 @@ bool readToEnd(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned cha
     return true;
 }
 
-} // namespace
-
+/// Reads an open file, all of it being at most `maxBytes`. `out` is empty beforehand, and
+/// afterwards unless the answer is `Found`.
 Folder::Answer readWhole(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out) {
-    assert(file.state() && out.data == nullptr);
     if (file.state()->size > maxBytes) {
         return Folder::Answer::TooLarge;
     }
@@ -62,6 +60,19 @@ Folder::Answer readWhole(const OpenFile& file, std::uint64_t maxBytes, Buffer<un
     }
     out.release();
     return isRead ? Folder::Answer::TooLarge : Folder::Answer::Unreadable;
+}
+
+} // namespace
+
+Folder::Answer loadWhole(const SystemPath* root, const String& path, std::uint64_t maxBytes,
+                         Buffer<unsigned char>& out, FileState& state) {
+    out.release();
+    const OpenFile file(root, path);
+    if (!file.state()) {
+        return findFile(root, path) ? Folder::Answer::Unreadable : Folder::Answer::Missing;
+    }
+    state = *file.state();
+    return readWhole(file, maxBytes, out);
 }
 
 Folder::Folder(std::shared_ptr<const Directory> directory) noexcept
@@ -81,13 +92,7 @@ std::optional<FileState> Folder::find(const String& path) const {
 
 Folder::Answer Folder::load(const String& path, std::uint64_t maxBytes, Buffer<unsigned char>& out,
                             FileState& state) const {
-    out.release();
-    const OpenFile file(&directory_->path, path);
-    if (!file.state()) {
-        return find(path) ? Answer::Unreadable : Answer::Missing;
-    }
-    state = *file.state();
-    return readWhole(file, maxBytes, out);
+    return loadWhole(&directory_->path, path, maxBytes, out, state);
 }
 
 } // namespace kel

@@ -61,9 +61,9 @@ class OpenFile {
     std::optional<FileState> state_;
 };
 
-/// Reads the rest of an open file, all of it being at most `maxBytes`. `out` is empty beforehand,
-/// and afterwards unless the answer is `Found`.
-Folder::Answer readWhole(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out);
+/// `Folder::load` below `root`, or anywhere where that is null.
+Folder::Answer loadWhole(const SystemPath* root, const String& path, std::uint64_t maxBytes,
+                         Buffer<unsigned char>& out, FileState& state);
 
 } // namespace kel
 

@@ -1,10 +1,9 @@
 #include <libKel/Folder.h>
 #include <libStencilor/Template.h>
 #include <libStencilor/modern/source_lock.h>
+#include <libStencilor/modern/template_of_file.h>
 
-#include <algorithm>
 #include <chrono>
-#include <limits>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -14,7 +13,6 @@ namespace kel::Stencilor {
 
 namespace {
 
-constexpr std::uint64_t longest = std::numeric_limits<unsigned int>::max(); // text of a template
 constexpr std::int64_t unsettledNanoseconds = 2'000'000'000;
 
 std::int64_t nanosecondsNow() {
@@ -28,20 +26,6 @@ Folder openFolder(const String& root) {
         throw std::invalid_argument("not a directory that can be entered: " + root.str());
     }
     return *std::move(folder);
-}
-
-TemplateSource::Answer answerOf(Folder::Answer answer) {
-    switch (answer) {
-    case Folder::Answer::Found:
-        return TemplateSource::Answer::Found;
-    case Folder::Answer::Missing:
-        return TemplateSource::Answer::Missing;
-    case Folder::Answer::Unreadable:
-        break;
-    case Folder::Answer::TooLarge:
-        return TemplateSource::Answer::TooLarge;
-    }
-    return TemplateSource::Answer::Unreadable;
 }
 
 } // namespace
@@ -108,24 +92,20 @@ std::optional<Template> template_files::findKept(const String& path, const FileS
 TemplateSource::Answer template_files::load(const String& path, std::uint64_t maxBytes,
                                             std::optional<Template>& found) {
     const std::int64_t before = nanosecondsNow();
-    Buffer<unsigned char> bytes;
     FileState state;
-    const Folder::Answer answer = folder_.load(path, std::min(maxBytes, longest), bytes, state);
-    if (answer == Folder::Answer::TooLarge && maxBytes > longest) {
-        return TemplateSource::Answer::Unreadable; // allowed, and no string holds it
+    const TemplateSource::Answer answer =
+        templateOfFile(path, maxBytes, found, [&](std::uint64_t most, auto& bytes) {
+            return folder_.load(path, most, bytes, state);
+        });
+    if (answer != TemplateSource::Answer::Found) {
+        return answer;
     }
-    if (answer != Folder::Answer::Found) {
-        return answerOf(answer);
-    }
-    found.emplace(
-        String(reinterpret_cast<const char*>(bytes.data), static_cast<unsigned int>(bytes.size)),
-        path);
     const source_change lock;
     drop(path);
-    if (bytes.size == state.size && state.modified <= before - unsettledNanoseconds) {
+    if (found->text().size() == state.size && state.modified <= before - unsettledNanoseconds) {
         keep(path, {state, *found});
     }
-    return TemplateSource::Answer::Found;
+    return answer;
 }
 
 void template_files::keep(const String& path, const parsed_file& file) {

@@ -1,6 +1,6 @@
-#include <libKel/Buffer.h>
 #include <libKel/FileSystem.h>
 #include <libStencilor/modern/included_templates.h>
+#include <libStencilor/modern/template_of_file.h>
 
 #include <limits>
 #include <utility>
@@ -15,20 +15,9 @@ constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
 /// The files that `buildOutput` finds.
 Answer findFile(const String& path, std::uint64_t maxBytes, std::optional<Template>& found) {
-    if (!FileSystem::exists(path)) {
-        return Answer::Missing;
-    }
-    Buffer<unsigned char> file;
-    if (!FileSystem::loadFile(path, file, nullptr)) {
-        return Answer::Unreadable;
-    }
-    if (file.size > maxBytes) {
-        return Answer::TooLarge;
-    }
-    found.emplace(String(reinterpret_cast<const char*>(file.data),
-                         static_cast<unsigned int>(file.size)), // no longer file is loaded
-                  path);
-    return Answer::Found;
+    return templateOfFile(path, maxBytes, found, [&path](std::uint64_t most, auto& bytes) {
+        return FileSystem::load(path, most, bytes);
+    });
 }
 
 } // namespace

@@ -256,5 +256,14 @@ TEST(RendersWithoutASource, FindTheFilesOfBuildOutput) {
     EXPECT_EQ(allPaths.render(values, few).status, RenderStatus::TemplateLimit);
 }
 
+TEST(RendersWithoutASource, HaveNoTemplateThatNoTextHolds) {
+    const TemporaryFolder folder;
+    const WorkingFolder working(folder.path());
+    folder.writeSparseFile("huge", 4ull << 30);
+    EXPECT_EQ(renderFile("huge", {}).status, RenderStatus::Unreadable);
+    const RenderOptions few{.limits = {.templateBytes = 1000}};
+    EXPECT_EQ(renderFile("huge", {}, few).status, RenderStatus::TemplateLimit);
+}
+
 } // namespace
 } // namespace support

@@ -13,6 +13,7 @@ namespace {
 
 thread_local bool active = false;
 thread_local bool endless = false;
+thread_local std::size_t endlessBytes = 0;
 thread_local bool failed = false;
 thread_local bool inheritable = false;
 thread_local int remaining = 0;
@@ -42,10 +43,15 @@ bool FailingRead::wasInheritable() const {
 
 EndlessRead::EndlessRead() {
     endless = true;
+    endlessBytes = 0;
 }
 
 EndlessRead::~EndlessRead() {
     endless = false;
+}
+
+std::size_t EndlessRead::given() const {
+    return endlessBytes;
 }
 
 } // namespace support
@@ -54,7 +60,9 @@ EndlessRead::~EndlessRead() {
 extern "C" __attribute__((visibility("default"))) ssize_t read(int file, void* to, size_t count) {
     using namespace support;
     if (endless) {
-        return static_cast<ssize_t>(std::min(count, EndlessRead::step));
+        count = std::min(count, EndlessRead::step);
+        endlessBytes += count;
+        return static_cast<ssize_t>(count);
     }
     if (active) {
         inheritable = inheritable || (::fcntl(file, F_GETFD) & FD_CLOEXEC) == 0;

@@ -38,6 +38,9 @@ class EndlessRead {
     EndlessRead(const EndlessRead&) = delete;
     EndlessRead& operator=(const EndlessRead&) = delete;
     ~EndlessRead();
+
+    /// How many bytes the reads gave.
+    std::size_t given() const;
 };
 
 } // namespace support

@@ -6,10 +6,12 @@
 
 #include <libKel/FileSystem.h>
 #include <libKel/Folder.h>
+#include <libStencilor/Template.h>
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <iterator>
@@ -25,6 +27,13 @@ using kel::Buffer;
 using kel::FileState;
 using kel::FileSystem;
 using kel::Folder;
+using kel::Stencilor::FileTemplates;
+using kel::Stencilor::renderFile;
+using kel::Stencilor::RenderLimits;
+using kel::Stencilor::RenderResult;
+using kel::Stencilor::RenderStatus;
+using kel::Stencilor::TemplateSource;
+using kel::Stencilor::Value;
 
 std::ptrdiff_t openFiles() {
     const std::filesystem::directory_iterator files("/proc/self/fd");
@@ -128,14 +137,57 @@ TEST_F(FailingReadTest, LeavesTheSizeOfTheStateWhereAFileHasBecomeShorter) {
 }
 
 TEST_F(FailingReadTest, IsThatOfAFileThatGrowsPastWhatIsAllowed) {
-    const EndlessRead read;
     for (const std::size_t allowed : {content.size(), content.size() + 1, std::size_t{100'000}}) {
+        const EndlessRead read;
         Buffer<unsigned char> buffer;
         FileState state;
         EXPECT_EQ(Folder::open(folder_.path())->load("part", allowed, buffer, state),
                   Folder::Answer::TooLarge);
         EXPECT_EQ(buffer.data, nullptr);
         EXPECT_EQ(state.size, content.size());
+        EXPECT_EQ(read.given(), allowed + 1);
+    }
+}
+
+/// Renders the file through each way to files: none named, and a folder.
+template <typename Check>
+void renderThroughEachSource(const RenderLimits& limits, Check check) {
+    FileTemplates folder(".");
+    for (TemplateSource* const source :
+         {static_cast<TemplateSource*>(nullptr), static_cast<TemplateSource*>(&folder)}) {
+        SCOPED_TRACE(source == nullptr ? "no source" : "a folder");
+        check([&] {
+            return renderFile("part", Value{{"name", "n"}}, {.source = source, .limits = limits});
+        });
+    }
+}
+
+TEST_F(FailingReadTest, OfATemplateIsBoundedByItsLimit) {
+    for (const std::uint64_t limit : {content.size() - 1, content.size(), content.size() + 999}) {
+        SCOPED_TRACE(limit);
+        renderThroughEachSource({.templateBytes = limit}, [limit](const auto& render) {
+            const EndlessRead read; // the file grows without end
+            EXPECT_EQ(render().status, RenderStatus::TemplateLimit);
+            EXPECT_EQ(read.given(), limit < content.size() ? 0u : limit + 1);
+        });
+    }
+}
+
+TEST_F(FailingReadTest, OfATemplateIsRepeatedByTheNextRender) {
+    const std::filesystem::path file = folder_.path("part");
+    last_write_time(file, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    const std::string whole = "n" + content.substr(content.find('t'));
+    for (const int error : {0, EIO}) { // the file becomes shorter, or unreadable
+        renderThroughEachSource({}, [&](const auto& render) {
+            {
+                const FailingRead failure(2, error);
+                const RenderResult result = render();
+                EXPECT_EQ(result.status,
+                          error == 0 ? RenderStatus::Complete : RenderStatus::Unreadable);
+                EXPECT_EQ(result.text.str(), error == 0 ? "n" + std::string(22, 't') : "");
+            }
+            EXPECT_EQ(render().text.str(), whole);
+        });
     }
 }
 
