@@ -1,7 +1,10 @@
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -10,48 +13,169 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
+using Kind = SyntaxElement::Kind;
+
+/// `a -> b -> a` for `count` files that include each other; of many the first and the last.
+template <typename NameAt>
+std::string joinCycle(std::size_t count, const NameAt& nameAt) {
+    constexpr std::size_t most = 6;
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (count > most && i == most / 2) {
+            text += "... -> ";
+            i = count - most / 2;
+        }
+        text += nameAt(i) + " -> ";
+    }
+    return text + nameAt(0);
+}
+
+/// Finds the includes that no condition and no loop can prevent, and that never end.
+class EndlessIncludes {
+  public:
+    /// Adds an include outside of all blocks.
+    void add(const TemplateFile& from, SyntaxRange name, const TemplateFile& to) {
+        files_[&from].edges.push_back({name, &to});
+    }
+
+    std::vector<Finding> find() {
+        for (auto& [file, node] : files_) {
+            walk(*file, node);
+        }
+        return std::move(findings_);
+    }
+
+  private:
+    struct Edge {
+        SyntaxRange name;
+        const TemplateFile* to;
+    };
+    struct Node {
+        std::vector<Edge> edges{};
+        std::size_t walked = 0; // of the edges
+        bool isOpen = false;
+        std::size_t depth = 0; // in the path, where it is open
+    };
+    struct Step {
+        const TemplateFile* file;
+        Node* node;
+    };
+
+    void walk(const TemplateFile& file, Node& first) {
+        enter(file, first);
+        while (!path_.empty()) {
+            const auto [from, node] = path_.back();
+            if (node->walked == node->edges.size()) {
+                node->isOpen = false;
+                path_.pop_back();
+                continue;
+            }
+            const Edge& edge = node->edges[node->walked++];
+            const auto next = files_.find(edge.to);
+            if (next == files_.end()) {
+                continue;
+            }
+            if (next->second.isOpen) {
+                findings_.push_back(describe({from, edge.name}, next->second));
+            } else if (next->second.walked == 0) {
+                enter(*edge.to, next->second);
+            }
+        }
+    }
+
+    void enter(const TemplateFile& file, Node& node) {
+        if (node.walked == 0) {
+            node.isOpen = true;
+            node.depth = path_.size();
+            path_.push_back({&file, &node});
+        }
+    }
+
+    Finding describe(const Place& place, const Node& again) const {
+        const auto nameAt = [this, &again](std::size_t i) {
+            return path_[again.depth + i].file->name();
+        };
+        return {.rule = Rule::EndlessInclude,
+                .place = place,
+                .message = "the file always includes itself: " +
+                           joinCycle(path_.size() - again.depth, nameAt)};
+    }
+
+    std::map<const TemplateFile*, Node> files_;
+    std::vector<Step> path_;
+    std::vector<Finding> findings_;
+};
+
 class SyntaxCheck final : private TemplateWalk {
   public:
     SyntaxCheck(TemplateFiles& files, CheckReport& report) : TemplateWalk(files), report_(report) {}
 
     void check(const TemplateFile& file) {
+        checkFile(file);
+        std::set<std::pair<const TemplateFile*, std::uint32_t>> places;
+        std::vector<Finding> endless = endless_.find();
+        for (const Finding& finding : endless) {
+            places.emplace(finding.place.file, finding.place.range.begin);
+        }
+        std::erase_if(report_.findings, [&places](const Finding& finding) {
+            return finding.rule == Rule::IncludeCycle &&
+                   places.contains({finding.place.file, finding.place.range.begin});
+        });
+        std::move(endless.begin(), endless.end(), std::back_inserter(report_.findings));
+    }
+
+  private:
+    void checkFile(const TemplateFile& file) {
         const auto& checked = report_.files;
         if (std::find(checked.begin(), checked.end(), &file) != checked.end()) {
             return;
         }
         report_.files.push_back(&file);
+        const std::size_t outer = std::exchange(openBlocks_, 0);
         walkFile(file);
+        openBlocks_ = outer;
         if (file.fault().isPresent()) {
             report_.findings.push_back(describeFault(file));
         }
     }
 
-  private:
-    std::size_t visit(const TemplateFile&, std::size_t index) override { return index + 1; }
+    std::size_t visit(const TemplateFile& file, std::size_t index) override {
+        const Kind kind = file.parts()[index].kind;
+        openBlocks_ += kind == Kind::If || kind == Kind::For ? 1 : 0;
+        openBlocks_ -= kind == Kind::EndIf || kind == Kind::EndFor ? 1 : 0;
+        return index + 1;
+    }
 
     void visitInclusion(const Inclusion& inclusion) override {
         const TemplateFile* const file = inclusion.to.file;
         if (file == nullptr) {
             report_.findings.push_back(describeFailure(inclusion));
-        } else if (isOnPath(*file)) {
+            return;
+        }
+        if (openBlocks_ == 0 && !inclusion.from.fault().isPresent()) {
+            endless_.add(inclusion.from, inclusion.part.name, *file);
+        }
+        if (isOnPath(*file)) {
             report_.findings.push_back(describeCycle(inclusion));
         } else {
-            check(*file);
+            checkFile(*file);
         }
     }
 
     Finding describeCycle(const Inclusion& inclusion) const {
-        std::string way;
-        for (auto member = std::find(path().begin(), path().end(), inclusion.to.file);
-             member != path().end(); ++member) {
-            way += (*member)->name() + " -> ";
-        }
+        const auto first = std::find(path().begin(), path().end(), inclusion.to.file);
+        const auto begin = static_cast<std::size_t>(first - path().begin());
         return {.rule = Rule::IncludeCycle,
                 .place = {&inclusion.from, inclusion.part.name},
-                .message = "the file includes itself: " + way + inclusion.to.file->name()};
+                .message = "the file includes itself: " +
+                           joinCycle(path().size() - begin, [this, begin](std::size_t i) {
+                               return path()[begin + i]->name();
+                           })};
     }
 
     CheckReport& report_;
+    EndlessIncludes endless_;
+    std::size_t openBlocks_ = 0; // of the file that is being walked
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <libStencilorAnalysis/template/TemplateWalk.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,10 @@ enum class Rule {
     MissingInclude,
     UnreadableInclude,
     IncludeCycle,
+    EndlessInclude,
     MissingName,
     WrongKind,
+    Limit,
 };
 
 struct RuleInfo {
@@ -35,8 +38,10 @@ inline constexpr RuleInfo rules[] = {
     {"missing-include", Severity::Error, "An included file does not exist."},
     {"unreadable-include", Severity::Error, "An included file cannot be read."},
     {"include-cycle", Severity::Note, "A file includes itself, directly or through others."},
+    {"endless-include", Severity::Error, "A file always includes itself."},
     {"missing-name", Severity::Warning, "The context has no value of this name."},
     {"wrong-kind", Severity::Warning, "The context has a value of another kind."},
+    {"limit", Severity::Error, "Rendering reached a limit."},
 };
 
 inline const RuleInfo& infoOf(Rule rule) {
@@ -59,8 +64,9 @@ struct Finding {
     Place place;
     std::string message;
     std::vector<Note> notes{};
+    std::optional<Severity> ownSeverity{}; ///< in place of the rule's
 
-    Severity severity() const { return infoOf(rule).severity; }
+    Severity severity() const { return ownSeverity.value_or(infoOf(rule).severity); }
 };
 
 /// What is wrong with the syntax of a file, which must have a fault.

@@ -12,8 +12,8 @@
 namespace kel::Stencilor::Analysis {
 
 /// As compilers print them, `PATH:LINE:COLUMN: SEVERITY: MESSAGE`, each with its line and a caret
-/// below it.
-std::string formatText(const std::vector<Finding>& findings);
+/// below it; with the colours of a terminal where that is asked for.
+std::string formatText(const std::vector<Finding>& findings, bool colored = false);
 
 /// One JSON document.
 std::string formatJson(const std::vector<Finding>& findings);

@@ -40,8 +40,29 @@ std::string marksBelow(const ShownPoint& point, std::size_t offset, SyntaxRange 
     return std::string(offset < range.end ? point.columns : 0, '~');
 }
 
+/// What a terminal obeys.
+constexpr const char* bold = "\x1B[1m";
+constexpr const char* marked = "\x1B[1;32m";
+constexpr const char* plain = "\x1B[0m";
+
+const char* colorOf(Severity severity) {
+    switch (severity) {
+    case Severity::Error:
+        return "\x1B[1;31m";
+    case Severity::Warning:
+        return "\x1B[1;35m";
+    case Severity::Note:
+        break;
+    }
+    return "\x1B[1;36m";
+}
+
+std::string paint(const char* color, const std::string& text, bool colored) {
+    return colored ? color + text + plain : text;
+}
+
 /// A line, and below it the marks of a range in it.
-std::string formatLine(std::string_view line, SyntaxRange range) {
+std::string formatLine(std::string_view line, SyntaxRange range, bool colored) {
     const bool cut = isWider(line, widestLine);
     std::size_t offset = cut ? stepBack(line, range.begin, widestLine / 2 - 1) : 0;
     std::string shown = offset > 0 ? "..." : "";
@@ -53,7 +74,8 @@ std::string formatLine(std::string_view line, SyntaxRange range) {
         offset += point.size;
     }
     marks += range.begin >= line.size() ? "^" : ""; // at the end of the line
-    return shown + (offset < line.size() ? "..." : "") + "\n" + marks + "\n";
+    return shown + (offset < line.size() ? "..." : "") + "\n" + paint(marked, marks, colored) +
+           "\n";
 }
 
 /// A range as one of a line.
@@ -62,22 +84,26 @@ SyntaxRange rangeIn(const Line& line, SyntaxRange range) {
     return {range.begin - std::min(range.begin, begin), range.end - std::min(range.end, begin)};
 }
 
-std::string formatPlace(const Place& place, Severity severity, const std::string& message) {
+std::string formatPlace(const Place& place, Severity severity, const std::string& message,
+                        bool colored) {
     const Position position = place.file->positionOf(place.range.begin);
     const Line line = place.file->lineAt(place.range.begin);
-    return showText(place.file->name()) + ":" + std::to_string(position.line) + ":" +
-           std::to_string(position.column) + ": " + severityName(severity) + ": " +
-           showText(message) + "\n" + formatLine(line.text, rangeIn(line, place.range));
+    const std::string where = showText(place.file->name()) + ":" + std::to_string(position.line) +
+                              ":" + std::to_string(position.column) + ":";
+    return paint(bold, where, colored) + " " +
+           paint(colorOf(severity), std::string(severityName(severity)) + ":", colored) + " " +
+           paint(bold, showText(message), colored) + "\n" +
+           formatLine(line.text, rangeIn(line, place.range), colored);
 }
 
 } // namespace
 
-std::string formatText(const std::vector<Finding>& findings) {
+std::string formatText(const std::vector<Finding>& findings, bool colored) {
     std::string text;
     for (const Finding& finding : findings) {
-        text += formatPlace(finding.place, finding.severity(), finding.message);
+        text += formatPlace(finding.place, finding.severity(), finding.message, colored);
         for (const Note& note : finding.notes) {
-            text += formatPlace(note.place, Severity::Note, note.message);
+            text += formatPlace(note.place, Severity::Note, note.message, colored);
         }
     }
     return text;

@@ -141,8 +141,9 @@ TEST_F(CheckTest, FollowsInclusions) {
         {"a file that includes itself",
          "{% include \"page.txt\" %}",
          {},
-         0,
-         "pages/page.txt:1:13: note: the file includes itself: pages/page.txt -> pages/page.txt\n"
+         1,
+         "pages/page.txt:1:13: error: the file always includes itself: pages/page.txt -> "
+         "pages/page.txt\n"
          "{% include \"page.txt\" %}\n            ^~~~~~~~\n"},
     };
     for (const auto& [name, text, arguments, status, findings] : cases) {
@@ -155,14 +156,51 @@ TEST_F(CheckTest, FollowsInclusions) {
     }
 }
 
-TEST_F(CheckTest, NamesTheFilesOfACycle) {
-    folder.writeFile("page.txt", R"({% include "a.txt" %}{% include "b.txt" %})");
-    folder.writeFile("a.txt", R"({% include "b.txt" %})");
-    folder.writeFile("b.txt", R"({% include "a.txt" %})");
-    expectOutcome(runStencilor({"check", "page.txt"}), 0,
-                  "b.txt:1:13: note: the file includes itself: a.txt -> b.txt -> a.txt\n"
-                  "{% include \"a.txt\" %}\n            ^~~~~\n",
-                  "");
+TEST_F(CheckTest, TellsCyclesThatMayEndFromThoseThatCannot) {
+    const std::string toA = R"({% include "a.txt" %})";
+    const std::string toB = R"({% include "b.txt" %})";
+    const std::string guarded = "{% if x %}" + toB + "{% endif %}";
+    const std::string looped = "{% for x in xs %}" + toB + "{% endfor %}";
+    const std::string message = "the file always includes itself: a.txt -> b.txt -> a.txt";
+    const std::string note = "b.txt:1:13: note: the file includes itself: a.txt -> b.txt -> a.txt";
+    const struct {
+        const char* name;
+        std::string a;
+        std::string b;
+        std::string finding; // its first line
+    } cases[] = {
+        {"one that always goes on", toB, toA, "b.txt:1:13: error: " + message},
+        {"with blocks before and after", "{% if x %}{% endif %}" + toB + looped, toA,
+         "b.txt:1:13: error: " + message},
+        {"a condition around an include", guarded, toA, note},
+        {"a loop around an include", looped, toA, note},
+        {"the other part of a condition", "{% if x %}{% else %}" + toB + "{% endif %}", toA, note},
+        {"a condition around one of two includes", guarded + toB, toA,
+         "b.txt:1:13: error: " + message},
+        {"a file that is rejected", toB, toA + "{{", note},
+    };
+    for (const auto& [name, a, b, finding] : cases) {
+        SCOPED_TRACE(name);
+        folder.writeFile("page.txt", toA + toB);
+        folder.writeFile("a.txt", a);
+        folder.writeFile("b.txt", b);
+        const Outcome outcome = runStencilor({"check", "page.txt"});
+        EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n')), finding);
+        EXPECT_EQ(outcome.output.find("itself", finding.size()), std::string::npos);
+        EXPECT_EQ(outcome.status, outcome.output.find("error: ") == std::string::npos ? 0 : 1);
+    }
+}
+
+TEST_F(CheckTest, NamesTheFirstAndTheLastFilesOfALongCycle) {
+    for (int i = 0; i < 9; ++i) {
+        folder.writeFile("f" + std::to_string(i) + ".txt",
+                         "{% include \"f" + std::to_string((i + 1) % 9) + ".txt\" %}");
+    }
+    const Outcome outcome = runStencilor({"check", "f0.txt"});
+    EXPECT_NE(outcome.output.find(
+                  " f0.txt -> f1.txt -> f2.txt -> ... -> f6.txt -> f7.txt -> f8.txt -> f0.txt\n"),
+              std::string::npos)
+        << outcome.output;
 }
 
 TEST_F(CheckTest, GoesOnBehindWhatIsWrong) {

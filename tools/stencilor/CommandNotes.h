@@ -34,8 +34,8 @@ inline constexpr const char* checkNotes =
 below it. Lines and columns count from 1, columns in code points.
 
 Errors are templates that are rejected, and included files that are not there or
-cannot be read. Files that include themselves are a note. With --context or -D,
-names that the context does not have, or has as another kind of value, are
+cannot be read, and files that include themselves with no condition and no loop
+around the includes; in other ways this is a note. With --context or -D, names that the context does not have, or has as another kind of value, are
 warnings: both parts of each condition are looked at, and each element of each
 list that the context holds.
 
