@@ -43,7 +43,7 @@ void metered_call::endAtOutputLimit() {
 
 void metered_call::addMessage(fault reason, const name_use& use) {
     state_.addMessage(kinds[static_cast<std::size_t>(reason)], in_, placeOf(use),
-                      in_.names->nameOf(in_.text, use));
+                      in_.names->nameOf(use));
 }
 
 /// `find` where some keys are not kept.
@@ -70,7 +70,7 @@ const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const 
 
 void metered_call::include(const include_expr& node, scope_stack& scopes) {
     const name_use& use = useOf(node);
-    const included_template& included = state_.findTemplate(in_.names->nameOf(in_.text, use));
+    const included_template& included = state_.findTemplate(in_.names->nameOf(use));
     switch (included.answer) {
     case TemplateSource::Answer::Found:
         renderIncluded(*included.found, use, scopes);
@@ -99,7 +99,7 @@ void metered_call::renderIncluded(const Template& included, const name_use& use,
         metered_call call({state_, text_, escape_}, parsed);
         applyVisitor(parsed.tree.nodes, scopes, call);
     } else if (state_.wantsMessage()) {
-        state_.addMessage(Kind::TemplateRejected, parsed, placeOfFault(parsed));
+        state_.addMessage(Kind::TemplateRejected, parsed, parsed.faultPlace);
     }
     state_.leaveInclude();
 }

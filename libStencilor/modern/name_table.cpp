@@ -101,6 +101,10 @@ class name_table::builder final : public SyntaxVisitor {
             table_.keys_.emplace_back(key);
             ++list.kept;
         }
+        const auto lastKept = prefixLengths_.begin() + list.kept;
+        if (std::find(prefixLengths_.begin(), lastKept, 0u) == lastKept) {
+            table_.keys_.emplace_back(name);
+        }
         return list;
     }
 
@@ -113,14 +117,11 @@ class name_table::builder final : public SyntaxVisitor {
     std::unordered_multimap<std::size_t, known_list> lists_;
 };
 
-String name_table::nameOf(const String& text, const name_use& use) const {
-    const auto kept = keptKeys(use);
-    for (std::size_t index = 0; index < kept.size(); ++index) {
-        if (prefixes(use)[index] == 0) {
-            return kept[index];
-        }
-    }
-    return text.view().substr(use.begin, use.size);
+const String& name_table::nameOf(const name_use& use) const noexcept {
+    const key_list& list = lists_[use.keys];
+    const auto first = prefixes(use).begin();
+    const auto whole = std::find(first, first + list.kept, 0u); // the end, where it is kept apart
+    return keys_[list.firstKey + static_cast<std::size_t>(whole - first)];
 }
 
 name_table::name_table(const String& text) {

@@ -29,7 +29,7 @@ struct name_use {
 /// A name is tried as the keys that the loops around it make of it, which the template alone
 /// determines. Names that are written alike and tried alike share their keys. Keys are kept as
 /// strings while all of them take no more bytes than the template; the others are made when they
-/// are tried.
+/// are tried, but for the name itself.
 /// Threads: never changes once it is made.
 class name_table {
   public:
@@ -54,8 +54,8 @@ class name_table {
         return {prefixes_.data() + list.firstPrefix, list.count};
     }
 
-    /// The name itself, which is nearly always kept: it is one of the keys.
-    String nameOf(const String& text, const name_use& use) const;
+    /// The name itself, for messages and paths: one of the kept keys, or kept after them.
+    const String& nameOf(const name_use& use) const noexcept;
 
     bool keepsAllKeys(const name_use& use) const noexcept {
         const key_list& list = lists_[use.keys];

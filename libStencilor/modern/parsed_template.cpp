@@ -72,8 +72,8 @@ class text_finder final : public SyntaxVisitor {
     std::size_t before_;
 };
 
-node_place placeAt(const parsed_template& in, SyntaxRange range) {
-    text_position position(in.text.view());
+node_place placeAt(const String& text, SyntaxRange range) {
+    text_position position(text.view());
     position.moveTo(range.begin);
     return {range, position.line(), position.column()};
 }
@@ -87,17 +87,14 @@ parsed_template::parsed_template(String source, String called)
     } else {
         destroyNodes(tree.nodes);
         fault = findSyntaxFault(text);
+        faultPlace = placeAt(text, {fault.offset, fault.offset});
     }
 }
 
 node_place placeOfText(const parsed_template& in, const content& text) {
     text_finder finder(text_counter().countBefore(in.tree.nodes, text));
     readSyntax(in.text, finder);
-    return placeAt(in, finder.found);
-}
-
-node_place placeOfFault(const parsed_template& in) {
-    return placeAt(in, {in.fault.offset, in.fault.offset});
+    return placeAt(in.text, finder.found);
 }
 
 } // namespace kel::Stencilor::internal

@@ -12,6 +12,13 @@
 
 namespace kel::Stencilor::internal {
 
+/// Where something is in a template.
+struct node_place {
+    SyntaxRange range{};
+    unsigned int line = 0;
+    unsigned int column = 0;
+};
+
 /// What a `Template` shares with its copies.
 /// Threads: never changes once it is made.
 struct parsed_template {
@@ -21,6 +28,7 @@ struct parsed_template {
     const String name;
     syntax_tree tree;
     SyntaxFault fault;
+    node_place faultPlace;
     std::optional<name_table> names; // of a well-formed template
     bool isUtf8;                     // whether all of the text is
 };
@@ -30,13 +38,6 @@ struct template_access {
     static const parsed_template& parsed(const Template& made) noexcept { return *made.parsed_; }
 };
 
-/// Where a node of a well-formed template is.
-struct node_place {
-    SyntaxRange range;
-    unsigned int line;
-    unsigned int column;
-};
-
 /// The place of the name or path of a record.
 inline node_place placeOf(const name_use& use) noexcept {
     return {use.range(), use.line, use.column};
@@ -44,9 +45,6 @@ inline node_place placeOf(const name_use& use) noexcept {
 
 /// The place of a text. Takes time in the size of the template.
 node_place placeOfText(const parsed_template& in, const content& text);
-
-/// The place of what makes a template malformed.
-node_place placeOfFault(const parsed_template& in);
 
 } // namespace kel::Stencilor::internal
 

@@ -26,7 +26,7 @@ RenderResult renderTemplate(const parsed_template& parsed, const ContextBase& co
     const trace_scope trace(trace_points::buildOutput);
     if (!parsed.names) {
         if (state.wantsMessage()) {
-            state.addMessage(RenderMessage::Kind::TemplateRejected, parsed, placeOfFault(parsed));
+            state.addMessage(RenderMessage::Kind::TemplateRejected, parsed, parsed.faultPlace);
         }
         return state.takeResult(RenderStatus::Rejected);
     }
