@@ -54,6 +54,8 @@ class loop_variables {
     void linkAsOlder(node linked, node newer);
 
     std::vector<variable> variables_ = std::vector<variable>(1);
+    // By node and byte. However a template chooses them, few share a bucket: their keys are below
+    // 256 times their number.
     std::unordered_map<std::uint64_t, node> steps_;
     std::vector<open_loop> loops_;
     std::vector<node> matches_; // of one name, kept for its memory

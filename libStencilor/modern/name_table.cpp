@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <functional>
-#include <unordered_map>
+#include <map>
 
 namespace kel::Stencilor::internal {
 
@@ -114,7 +114,8 @@ class name_table::builder final : public SyntaxVisitor {
     std::size_t unusedBytes_; // that further keys may take
     loop_variables variables_;
     std::vector<std::uint32_t> prefixLengths_;
-    std::unordered_multimap<std::size_t, known_list> lists_;
+    // By the hash of the name. In order, since templates may choose names for their hashes.
+    std::multimap<std::size_t, known_list> lists_;
 };
 
 const String& name_table::nameOf(const name_use& use) const noexcept {
