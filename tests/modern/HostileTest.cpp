@@ -1,11 +1,14 @@
 #include "../support/Build.h"
+#include "../support/FailingAllocation.h"
 #include "../support/SmallStackThread.h"
 #include "Rendering.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace support {
 namespace {
@@ -15,13 +18,24 @@ using testing::SizeIs;
 constexpr std::size_t stackSize = 256 * 1024;
 constexpr std::uint64_t stepLimit = slow ? 100'000 : 1'000'000;
 
-/// Parses and renders in a thread that has a small stack.
+/// The memory that a render may need: in proportion to its templates and its output, and for each
+/// message and the includes around it. All of them have limits.
+std::size_t memoryFor(const std::string& text, const RenderResult& result) {
+    const std::size_t perMessage = 512 + 64 * result.usage.includeDepth;
+    return 64 * 1024 + 16 * (text.size() + result.usage.templateBytes) +
+           4 * result.usage.outputBytes + perMessage * result.messages.size();
+}
+
+/// Parses and renders in a thread that has a small stack, within the memory that it may need.
 RenderResult renderWithSmallStack(const std::string& text, const Value& values,
                                   const RenderOptions& options) {
+    const Context context(values);
     RenderResult result;
     runWithStack(stackSize, [&] {
+        const AllocatedMemory memory;
         const Template made(text, "page");
-        result = made.render(values, options);
+        result = made.render(context, options);
+        EXPECT_LE(memory.most(), memoryFor(text, result));
     });
     return result;
 }
@@ -74,13 +88,26 @@ TEST(HostileTemplates, ThatNestLoopsOverThousandsEndAtTheStepLimit) {
     EXPECT_THAT(result.messages, SizeIs(1001)) << "those that are kept, and the limit";
 }
 
+TEST(HostileTemplates, ThatRenderLongTextsEndAtTheOutputLimit) {
+    const std::string text = "{% for x in many %}{% for y in many %}" + std::string(1000, 't') +
+                             "{{ v }}{% endfor %}{% endfor %}";
+    const Value values{{"many", listOfNulls(1000)}, {"v", std::string(1000, '<')}};
+    const RenderOptions options{.escape = Escape::html(), .limits = {.outputBytes = 1'000'000}};
+    const RenderResult result = renderWithSmallStack(text, values, options);
+    EXPECT_EQ(result.status, RenderStatus::OutputLimit);
+    EXPECT_EQ(result.usage.outputBytes, 1'000'000u);
+}
+
 TEST(HostileTemplates, ThatMissManyNamesKeepFewMessages) {
     constexpr std::size_t count = slow ? 100'000 : 1'000'000;
-    const RenderResult result = renderWithSmallStack("{% for x in many %}{{ gone }}{% endfor %}",
-                                                     {{"many", listOfNulls(count)}}, {});
-    EXPECT_EQ(result.status, RenderStatus::Complete);
-    EXPECT_THAT(result.messages, SizeIs(1000));
-    EXPECT_EQ(result.usage.messages, count);
+    const Value values{{"many", listOfNulls(count)}};
+    for (const std::string& name : {std::string("gone"), "x." + std::string(10'000, 'n')}) {
+        const RenderResult result =
+            renderWithSmallStack("{% for x in many %}{{ " + name + " }}{% endfor %}", values, {});
+        EXPECT_EQ(result.status, RenderStatus::Complete);
+        EXPECT_THAT(result.messages, SizeIs(1000));
+        EXPECT_EQ(result.usage.messages, count);
+    }
 }
 
 TEST(HostileTemplates, ThatNestThousandsOfLoopsRenderOrEnd) {
@@ -158,6 +185,41 @@ TEST(HostileTemplates, ThatIncludeEachOtherFromBlocksNeedLittleStack) {
                 values, [&joined](std::string_view piece) { joined += piece; }, options);
     });
     EXPECT_EQ(joined, result.text.str());
+}
+
+/// A source of templates that are parsed when they are asked for.
+class ParsedOnDemand : public TemplateSource {
+  public:
+    explicit ParsedOnDemand(std::string text) : text_(std::move(text)) {}
+
+    Answer find(const kel::String& path, std::uint64_t maxBytes,
+                std::optional<Template>& found) override {
+        if (text_.size() > maxBytes) {
+            return Answer::TooLarge;
+        }
+        found.emplace(text_, path);
+        return Answer::Found;
+    }
+
+  private:
+    const std::string text_;
+};
+
+TEST(HostileTemplates, ThatIncludeManyOthersEndAtTheTemplateLimit) {
+    std::string text;
+    for (int file = 0; file < 1000; ++file) {
+        text += include("f" + std::to_string(file));
+    }
+    std::string loops;
+    for (int loop = 0; loop < 500; ++loop) {
+        loops += "{% for x in list %}{{ x.gone }}{% endfor %}";
+    }
+    ParsedOnDemand source(loops);
+    const std::uint64_t limit = 10 * loops.size();
+    const RenderResult result =
+        renderWithSmallStack(text, {}, {.source = &source, .limits = {.templateBytes = limit}});
+    EXPECT_EQ(result.status, RenderStatus::TemplateLimit);
+    EXPECT_EQ(result.usage.templateBytes, limit);
 }
 
 } // namespace

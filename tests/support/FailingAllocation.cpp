@@ -2,6 +2,7 @@
 
 #include "Build.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <new>
@@ -9,6 +10,7 @@
 #if !defined(_WIN32) && !defined(TESTS_THREAD_SANITIZER)
 #define TESTS_REPLACE_FUNCTIONS_OF_C
 #include <dlfcn.h>
+#include <malloc.h>
 #endif
 
 namespace support {
@@ -19,6 +21,8 @@ constexpr int never = -1; // what counting down ends with
 
 thread_local int remaining = never;
 thread_local bool failed = false;
+thread_local std::ptrdiff_t inUse = 0; // bytes
+thread_local std::ptrdiff_t mostInUse = 0;
 
 /// True for the allocation that is to fail.
 [[maybe_unused]] bool isItsTurn() {
@@ -53,6 +57,15 @@ FailingAllocation::~FailingAllocation() {
 
 bool FailingAllocation::happened() const {
     return failed;
+}
+
+AllocatedMemory::AllocatedMemory() {
+    inUse = 0;
+    mostInUse = 0;
+}
+
+std::size_t AllocatedMemory::most() const {
+    return sanitized ? 0 : static_cast<std::size_t>(mostInUse);
 }
 
 } // namespace support
@@ -98,6 +111,12 @@ bool isItsTurnInC() {
     return false;
 }
 
+[[maybe_unused]] void* counted(void* block) {
+    inUse += static_cast<std::ptrdiff_t>(::malloc_usable_size(block));
+    mostInUse = std::max(mostInUse, inUse);
+    return block;
+}
+
 /// The function of the system, or of the sanitizer, that the one here stands in front of.
 template <typename Function>
 Function* behind(Function*, const char* name) {
@@ -108,18 +127,32 @@ Function* behind(Function*, const char* name) {
 } // namespace support
 
 // Where `realloc` is to make a block, the compiler may call `malloc` at once. The address sanitizer
-// needs the one of its own from the first moment of the program, and is built with less of that.
+// needs the ones of its own from the first moment of the program, and is built with less of that.
 #ifndef TESTS_ADDRESS_SANITIZER
+
 extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {
     static auto* const next = support::behind(malloc, "malloc");
-    return support::isItsTurnInC() ? nullptr : next(size);
+    return support::isItsTurnInC() ? nullptr : support::counted(next(size));
 }
+
+extern "C" __attribute__((visibility("default"))) void free(void* block) noexcept {
+    static auto* const next = support::behind(free, "free");
+    support::inUse -= static_cast<std::ptrdiff_t>(::malloc_usable_size(block));
+    next(block);
+}
+
 #endif
 
 extern "C" __attribute__((visibility("default"))) void* realloc(void* block,
                                                                 std::size_t size) noexcept {
     static auto* const next = support::behind(realloc, "realloc");
-    return support::isItsTurnInC() ? nullptr : next(block, size);
+    if (support::isItsTurnInC()) {
+        return nullptr;
+    }
+    const auto former = static_cast<std::ptrdiff_t>(::malloc_usable_size(block));
+    void* const moved = next(block, size);
+    support::inUse -= moved == nullptr ? 0 : former;
+    return support::counted(moved);
 }
 
 extern "C" __attribute__((visibility("default"))) char* realpath(const char* path,

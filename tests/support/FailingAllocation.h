@@ -1,6 +1,8 @@
 #ifndef TESTS_SUPPORT_FAILINGALLOCATION_H
 #define TESTS_SUPPORT_FAILINGALLOCATION_H
 
+#include <cstddef>
+
 namespace support {
 
 /// While it lives, the allocation after the next `count` ones of this thread fails; the ones behind
@@ -15,6 +17,16 @@ class FailingAllocation {
 
     /// True once the allocation has failed.
     bool happened() const;
+};
+
+/// Counts what this thread allocates from the moment it is made. It needs `FailingAllocation.cpp`,
+/// too.
+class AllocatedMemory {
+  public:
+    AllocatedMemory();
+
+    /// The most bytes that were in use at a time. Zero on Windows and under a sanitizer.
+    std::size_t most() const;
 };
 
 } // namespace support
