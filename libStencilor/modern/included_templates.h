@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 namespace kel::Stencilor::internal {
+
+struct name_use;
 
 /// What a source answered.
 struct included_template {
@@ -29,6 +32,15 @@ class included_templates {
         return known != templates_.end() ? known->second : ask(path);
     }
 
+    /// The same for the path of a tag. The tag is remembered: looking up a long path takes long.
+    const included_template& find(const name_use& use, const String& path) {
+        const included_template*& known = byUse_[&use];
+        if (known == nullptr) {
+            known = &find(path);
+        }
+        return *known;
+    }
+
     /// How many bytes the templates have.
     std::uint64_t bytes() const noexcept { return limit_ - left_; }
 
@@ -39,6 +51,7 @@ class included_templates {
     const std::uint64_t limit_;
     std::uint64_t left_;
     std::map<String, included_template> templates_;
+    std::unordered_map<const name_use*, const included_template*> byUse_;
 };
 
 } // namespace kel::Stencilor::internal

@@ -70,7 +70,7 @@ const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const 
 
 void metered_call::include(const include_expr& node, scope_stack& scopes) {
     const name_use& use = useOf(node);
-    const included_template& included = state_.findTemplate(in_.names->nameOf(use));
+    const included_template& included = state_.findTemplate(use, in_.names->nameOf(use));
     switch (included.answer) {
     case TemplateSource::Answer::Found:
         renderIncluded(*included.found, use, scopes);

@@ -73,6 +73,9 @@ class render_state {
 
     /// Finds the template at a path, which is checked and looked up once.
     const included_template& findTemplate(const String& path) { return templates_.find(path); }
+    const included_template& findTemplate(const name_use& use, const String& path) {
+        return templates_.find(use, path);
+    }
 
     /// Whether one more include may be opened inside those that are open.
     bool mayInclude() const noexcept { return includes_.size() < includeDepth_; }

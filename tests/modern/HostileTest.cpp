@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <optional>
 #include <string>
 #include <utility>
@@ -185,6 +186,21 @@ TEST(HostileTemplates, ThatIncludeEachOtherFromBlocksNeedLittleStack) {
                 values, [&joined](std::string_view piece) { joined += piece; }, options);
     });
     EXPECT_EQ(joined, result.text.str());
+}
+
+/// The processor time of a render that includes an empty template again and again.
+double secondsToInclude(const std::string& path) {
+    MemoryTemplates source;
+    source.add(path, "");
+    const Template made("{% for x in many %}" + include(path) + "{% endfor %}");
+    const Context context(Value{{"many", listOfNulls(100'000)}});
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(made.render(context, {.source = &source}).status, RenderStatus::Complete);
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+TEST(HostileTemplates, ThatIncludeALongPathAreNotSlower) {
+    EXPECT_LE(secondsToInclude(std::string(200'000, 'p')), 10 * secondsToInclude("p") + 0.2);
 }
 
 /// A source of templates that are parsed when they are asked for.
