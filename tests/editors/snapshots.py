@@ -4,13 +4,15 @@
     snapshots.py GRAMMAR_FOLDER
 
 A snapshot shows each line after ">", and below it, after "#", which characters have which scopes
-besides that of the whole text.
-With UPDATE_SNAPSHOTS=1 in the environment the snapshots are written anew.
+besides that of the whole text. "[" and "]" mark a scope that has ".begin" or ".end" in its name, and a
+digit says how many times a character has the scope.
+With UPDATE_SNAPSHOTS=1 in the environment the snapshots are updated.
 """
 
 import difflib
 import os
 import pathlib
+import re
 import sys
 
 import grammars
@@ -22,12 +24,15 @@ def snapshot(lines):
         column = 0
         marks = {}
         for text, scopes in tokens:
-            mark = marks.get(tuple(scopes), "")
-            marks[tuple(scopes)] = mark.ljust(column) + "^" * len(text)
+            for scope in dict.fromkeys(scopes[1:]):
+                mark = "[" if ".begin." in scope else "]" if ".end." in scope else "^"
+                if scopes.count(scope) > 1:
+                    mark = str(scopes.count(scope))
+                kind = re.sub(r"\.(begin|end)\.", ".", scope)
+                marks[kind] = marks.get(kind, "").ljust(column) + mark * len(text)
             column += len(text)
-        for scopes, mark in marks.items():
-            if len(scopes) > 1:
-                yield "#" + mark + " " + " ".join(scopes[1:])
+        for kind, mark in marks.items():
+            yield "#" + mark + " " + kind
 
 
 def differs(template, tokenizer):
