@@ -9,40 +9,11 @@ namespace {
 
 TEST(PortableRelativePath, IsOneThatMeansTheSameFileOnEverySystem) {
     const char* const paths[] = {
-        "a",
-        "a.txt",
-        "parts/head.txt",
-        "./a",
-        "../a",
-        "a/../b",
-        "a/./b",
-        "a//b",
-        "a/",
-        "..",
-        ".",
-        ".hidden",
-        "a.b.c",
-        "with blank inside",
-        " leading blank",
-        "umlaut \u00E4",
-        "CONSOLE",
-        "CO",
-        "NULL",
-        "NUL1",
-        "COM",
-        "COM10",
-        "COMA",
-        "LPT",
-        "LPT12",
-        "AUXILIARY.txt",
-        "aCON",
-        "CONIN",
-        "CONOUT",
-        "txt.CON",
-        "COM\u2074",
-        "COM!",
-        "C~N",
-    };
+        "a",      "a.txt",   "p/head.txt", "./a",   "../a",     "a/../b", "a/./b",
+        "a//b",   "a/",      "..",         ".",     ".hidden",  "a.b.c",  "a b",
+        " a",     "\u00E4",  "CONSOLE",    "CO",    "NULL",     "NUL1",   "COM",
+        "COM10",  "COMA",    "LPT",        "LPT12", "AUX1.txt", "aCON",   "CONIN",
+        "CONOUT", "txt.CON", "COM\u2074",  "COM!",  "C~N"};
     for (const char* const path : paths) {
         EXPECT_TRUE(isPortableRelativePath(path)) << path;
     }
@@ -107,52 +78,17 @@ TEST(PortableRelativePath, IsNoDeviceInAnySpelling) {
 }
 
 TEST(PathOnWindows, IsAsWrittenWhereNoNameIsTakenForAnother) {
-    for (const char* const path : {"",
-                                   "/",
-                                   "a",
-                                   "a.txt",
-                                   ".",
-                                   "..",
-                                   "./a",
-                                   "../a/../b",
-                                   ".hidden",
-                                   "a b/c.d/e",
-                                   "..a",
-                                   "/a/",
-                                   "C:\\a\\b",
-                                   "C:a",
-                                   "C:",
-                                   "C:..\\a",
-                                   "\\\\server\\share\\a",
-                                   "\\\\?\\C:\\a",
-                                   "a.txt:stream",
-                                   "console",
-                                   "COM10",
-                                   "nul1.txt",
-                                   "a/.nul"}) {
+    for (const char* const path :
+         {"",         "/",         "a",       "a.txt",     ".",           "..",
+          "./a",      "../a/../b", ".hidden", "a b/c.d/e", "..a",         "/a/",
+          "C:\\a\\b", "C:a",       "C:",      "C:..\\a",   "\\\\s\\p\\a", "\\\\?\\C:\\a",
+          "a:b",      "console",   "COM10",   "nul1.txt",  "a/.nul"}) {
         EXPECT_TRUE(isAsWrittenOnWindows(path)) << path;
     }
-    for (const char* const path : {"a.",
-                                   "a..",
-                                   "a ",
-                                   "a. ",
-                                   "a.txt. ",
-                                   "...",
-                                   ". ",
-                                   ".. /a",
-                                   "a./b",
-                                   "a\\b.\\c",
-                                   "C:a.",
-                                   "C:\\a ",
-                                   "\\\\?\\C:\\a.",
-                                   "NUL",
-                                   "nul.txt",
-                                   "a\\CON",
-                                   "C:NUL",
-                                   "C:\\COM1.log",
-                                   "a/LPT\u00B9",
-                                   "NUL:",
-                                   "aux :"}) {
+    for (const char* const path :
+         {"a.",      "a..",    "a ",       "a. ",        "a.txt. ",   "...",           ". ",
+          ".. /a",   "a./b",   "a\\b.\\c", "C:a.",       "C:\\a ",    "\\\\?\\C:\\a.", "NUL",
+          "nul.txt", "a\\CON", "C:NUL",    "C:\\COM1.a", "LPT\u00B9", "NUL:",          "aux :"}) {
         EXPECT_FALSE(isAsWrittenOnWindows(path)) << path;
     }
 }

@@ -1,11 +1,13 @@
 #include "../support/Build.h"
 #include "../support/Context.h"
 #include "../support/Environment.h"
+#include "../support/LogRecorder.h"
 #include "../support/Memory.h"
 #include "../support/SmallStackThread.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -16,8 +18,8 @@
 #include <string>
 #include <system_error>
 
-// Everything here is done in a thread with a stack of 256 KiB. STENCILOR_SIZE is the size of all in
-// percent; the preset "exhaustive" has 100.
+// Everything here is done in a thread with a stack of 256 KiB: no depth takes call stack.
+// STENCILOR_SIZE is the size of all in percent; the preset "exhaustive" has 100.
 
 namespace support {
 namespace {
@@ -89,11 +91,35 @@ const Rendered rejected = {"",
                            "Could not build formatted output: Failed to parse input correctly."};
 
 TEST_F(Size, OfNestedBlocks) {
-    const Root root({{"yes", truth(true)}, {"one", listOf(1)}});
+    const Root root({{"yes", truth(true, {{"inner", text("of yes")}})},
+                     {"one", list({dictionary({{"name", text("element")}})})}});
     expectLinearGrowth("nested blocks", 1000000, [&root](std::size_t size) {
-        const std::string input = repeated("{% if yes %}{% for x in one %}", size / 2) + "deep" +
-                                  repeated("{% endfor %}{% endif %}", size / 2);
+        const std::string opening = repeated("{% if yes %}{% for x in one %}", size / 2);
+        const std::string closing = repeated("{% endfor %}{% endif %}", size / 2);
+        EXPECT_EQ(render(opening + "{{ x.name }} {{ inner }}" + closing, root),
+                  (Rendered{"element of yes", ""}));
+        EXPECT_EQ(render(opening + "{{ }}" + closing, root), rejected);
+        EXPECT_EQ(render("{% if missing %}" + opening + closing + "{% endif %}", root),
+                  (Rendered{"", "Could not find expected boolean named \"missing\n"}));
+    });
+}
+
+TEST_F(Size, OfNestedBlocksThatAreTraced) {
+    const Root root({{"yes", truth(true)}});
+    expectLinearGrowth("nested blocks, traced", 1000000, [&root](std::size_t size) {
+        const LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE); // puts back what is set
+        std::size_t records = 0;
+        std::size_t deepest = 0;
+        kel::LogFactory::setSink([&](const kel::LogRecord& record) {
+            ++records;
+            deepest = std::max<std::size_t>(deepest, record.depth);
+        });
+        const std::string input =
+            repeated("{% if yes %}", size) + "deep" + repeated("{% endif %}", size);
         EXPECT_EQ(render(input, root), (Rendered{"deep", ""}));
+        // The entry point, a block and its list at each level, and the text: entered and left.
+        EXPECT_EQ(records, 2 * (1 + 2 * size + 1));
+        EXPECT_EQ(deepest, 1 + 2 * size);
     });
 }
 

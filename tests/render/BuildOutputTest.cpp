@@ -1,4 +1,4 @@
-#include "../support/Context.h"
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -42,13 +42,6 @@ TEST(BuildOutput, AppendsItsMessagesToWhatIsThereAlready) {
                                 notParsed + notParsed);
 }
 
-TEST(BuildOutput, KeepsTheOrderOfTheTemplateInTextAndMessages) {
-    const Root root;
-    EXPECT_EQ(render("{{ a }} and {{ b }}", root),
-              (Rendered{" and ", "Could not find expected replacement named \"a\"\n"
-                                 "Could not find expected replacement named \"b\"\n"}));
-}
-
 TEST(BuildOutput, GivesTheSameTextWithoutErrorArgument) {
     const Root root({{"x", text("value")}});
     for (const char* const input : {"a{{ x }}b{{ missing }}c", "plain", "{{"}) {
@@ -57,18 +50,9 @@ TEST(BuildOutput, GivesTheSameTextWithoutErrorArgument) {
     }
 }
 
-TEST(BuildOutput, EndsATemplateAtItsFirstNulByte) {
-    const Root root;
-    EXPECT_EQ(render(String("before\0after {{", 15), root), (Rendered{"before", ""}));
-}
-
 TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
     const Root root({{"x", text("\xE2\x82")}});
-    const struct {
-        const char* name;
-        const char* input;
-        const char* expected;
-    } cases[] = {
+    const Case cases[] = {
         {"text of every language", "\u00E4 \u65E5\u672C \U0001F600",
          "\u00E4 \u65E5\u672C \U0001F600"},
         {"a stray byte", "a\xFFz", "a\uFFFDz"},
@@ -76,10 +60,7 @@ TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
         {"a character cut by a substitution", "\xE2\x82{{ x }}\xAC", "\uFFFD\uFFFD\uFFFD"},
         {"a surrogate", "\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
     };
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
-    }
+    expectRendered(root, cases);
 }
 
 TEST(BuildOutput, HoldsLongTextsBesideShortOnes) {

@@ -1,5 +1,5 @@
-#include "../support/Context.h"
 #include "../support/TemporaryFolder.h"
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -27,16 +27,14 @@ TEST_F(InclusionTest, RendersTheFileInPlace) {
     folder_.writeFile("umlauts.txt", "\u00E4\u65E5\U0001F600{{ title }}");
     folder_.writeFile("mark.txt", "\xEF\xBB\xBFx");
     folder_.writeFile("malformed.txt", "a\xFFz");
+    folder_.writeFile("cut.txt", std::string("a{{ title }}\0b{{", 16));
+    folder_.writeFile("first.txt", std::string("\0a", 2));
     const Root root({
         {"title", text("\u00DCberschrift")},
         {"yes", truth(true)},
         {"users", list({dictionary({{"name", text("a")}}), dictionary({{"name", text("b")}})})},
     });
-    const struct {
-        const char* name;
-        const char* input;
-        const char* expected;
-    } cases[] = {
+    const Case cases[] = {
         {"plain text", "[{% include \"plain.txt\" %}]", "[plain]"},
         {"twice", "{% include \"plain.txt\" %}{% include \"plain.txt\" %}", "plainplain"},
         {"a folder", "{% include \"parts/head.txt\" %}", "<\u00DCberschrift>"},
@@ -50,12 +48,11 @@ TEST_F(InclusionTest, RendersTheFileInPlace) {
          "\u00E4\u65E5\U0001F600\u00DCberschrift"},
         {"a byte order mark, kept", "{% include \"mark.txt\" %}", "\xEF\xBB\xBFx"},
         {"malformed bytes replaced", "{% include \"malformed.txt\" %}", "a\uFFFDz"},
+        {"up to the first NUL", "[{% include \"cut.txt\" %}]", "[a\u00DCberschrift]"},
+        {"a NUL at the beginning", "[{% include \"first.txt\" %}]", "[]"},
         {"in a block", "{% if yes %}{% include \"plain.txt\" %}{% endif %}", "plain"},
     };
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
-    }
+    expectRendered(root, cases);
 }
 
 TEST_F(InclusionTest, ReportsFilesThatDoNotExist) {
@@ -92,34 +89,20 @@ TEST_F(InclusionTest, DropsWhatGoesWrongInsideTheFile) {
     folder_.writeFile("faulty.txt", "a{{ missing }}b{% if missing %}{% endif %}c");
     folder_.writeFile("outer.txt", "<{% include \"missing.txt\" %}{% include \"rejected.txt\" %}>");
     const Root root;
-    const struct {
-        const char* name;
-        const char* input;
-        const char* expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a file that is rejected", "[{% include \"rejected.txt\" %}]", "[]"},
         {"faults inside", "[{% include \"faulty.txt\" %}]", "[abc]"},
         {"inclusions inside that fail", "[{% include \"outer.txt\" %}]", "[<>]"},
     };
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
-    }
+    expectRendered(root, cases);
     EXPECT_EQ(render("{{ x }}{% include \"faulty.txt\" %}{{ y }}", root),
               (Rendered{"abc", "Could not find expected replacement named \"x\"\n"
                                "Could not find expected replacement named \"y\"\n"}));
 }
 
-TEST_F(InclusionTest, EndsAtTheFirstNulByte) {
-    folder_.writeFile("cut.txt", std::string("a{{ x }}\0b{{", 12));
-    folder_.writeFile("first.txt", std::string("\0a", 2));
-    const Root root({{"x", text("x")}});
-    EXPECT_EQ(render("[{% include \"cut.txt\" %}]", root), (Rendered{"[ax]", ""}));
-    EXPECT_EQ(render("[{% include \"first.txt\" %}]", root), (Rendered{"[]", ""}));
-}
-
 TEST_F(InclusionTest, SeesTheScopesAtTheStatementButNoLoopVariable) {
     folder_.writeFile("prefixed.txt", "{{ x.name }}");
+    folder_.writeFile("whole.txt", "{{ x.whole }}");
     folder_.writeFile("plain.txt", "{{ name }}");
     folder_.writeFile("loop.txt", "{% for y in inner %}{{ y.name }}{{ x.name }}{% endfor %}");
     folder_.writeFile("again.txt", "{% for x in inner %}{{ x.name }}{% endfor %}");
@@ -127,17 +110,17 @@ TEST_F(InclusionTest, SeesTheScopesAtTheStatementButNoLoopVariable) {
         {"list", list({dictionary({{"name", text("element")},
                                    {"inner", list({dictionary({{"name", text("inner")}})})}})})},
         {"name", text("root")},
+        {"x.whole", text("whole")},
     });
-    const struct {
-        const char* name;
-        const char* input;
-        const char* expected;
-    } cases[] = {
+    const Case cases[] = {
         {"the root's names", "{% include \"plain.txt\" %}", "root"},
         {"the element's names", "{% for x in list %}{% include \"plain.txt\" %}{% endfor %}",
          "element"},
         {"no names by the variable",
          "{% for x in list %}{% include \"prefixed.txt\" %}{% endfor %}", ""},
+        {"a key of the whole dotted name",
+         "{% for x in list %}{{ x.name }},{% include \"whole.txt\" %}{% endfor %}",
+         "element,whole"},
         {"names by a variable of its own, none by the outer one",
          "{% for x in list %}{% include \"loop.txt\" %}{% endfor %}", "inner"},
         {"names by a variable of its own that is called the same",
@@ -145,19 +128,7 @@ TEST_F(InclusionTest, SeesTheScopesAtTheStatementButNoLoopVariable) {
         {"and the variable holds again behind it",
          "{% for x in list %}{% include \"loop.txt\" %},{{ x.name }}{% endfor %}", "inner,element"},
     };
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
-    }
-}
-
-TEST_F(InclusionTest, FindsADottedKeyInsideALoopByItsWholeName) {
-    folder_.writeFile("prefixed.txt", "{{ x.name }}");
-    const Root root(
-        {{"list", list({dictionary({{"name", text("element")}})})}, {"x.name", text("whole")}});
-    EXPECT_EQ(
-        render("{% for x in list %}{{ x.name }},{% include \"prefixed.txt\" %}{% endfor %}", root),
-        (Rendered{"element,whole", ""}));
+    expectRendered(root, cases);
 }
 
 TEST_F(InclusionTest, ReadsTheFileAnewEachTime) {

@@ -1,4 +1,4 @@
-#include "../support/Context.h"
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -7,20 +7,6 @@
 namespace support {
 namespace {
 
-struct Case {
-    const char* name;
-    const char* input;
-    const char* expected;
-};
-
-template <std::size_t count>
-void expectRendered(const Root& root, const Case (&cases)[count]) {
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""})) << input;
-    }
-}
-
 TEST(NameResolution, TriesTheInnermostScopeFirst) {
     const Root root({
         {"x", text("root")},
@@ -28,25 +14,22 @@ TEST(NameResolution, TriesTheInnermostScopeFirst) {
         {"outer", list({dictionary({{"x", text("outer")}, {"middle", text("middle")}})})},
         {"inner", list({dictionary({{"x", text("inner")}, {"middle", nullptr}})})},
     });
-    expectRendered(
-        root,
-        {
-            {"at top level", "{{ x }}", "root"},
-            {"in one loop", "{% for a in outer %}{{ x }}{% endfor %}", "outer"},
-            {"in two loops",
-             "{% for a in outer %}{% for b in inner %}{{ x }}{% endfor %}{% endfor %}", "inner"},
-            {"in two loops the other way round",
-             "{% for b in inner %}{% for a in outer %}{{ x }}{% endfor %}{% endfor %}", "outer"},
-            {"a name that only the root has",
-             "{% for a in outer %}{% for b in inner %}{{ only }}{% endfor %}{% endfor %}",
-             "root only"},
-            {"a name that null does not hide",
-             "{% for a in outer %}{% for b in inner %}{{ middle }}{% endfor %}{% endfor %}",
-             "middle"},
-            {"behind the loops", "{% for a in outer %}{% endfor %}{{ x }}", "root"},
-            {"between the loops",
-             "{% for a in outer %}{% for b in inner %}{% endfor %}{{ x }}{% endfor %}", "outer"},
-        });
+    const Case cases[] = {
+        {"at top level", "{{ x }}", "root"},
+        {"in one loop", "{% for a in outer %}{{ x }}{% endfor %}", "outer"},
+        {"in two loops", "{% for a in outer %}{% for b in inner %}{{ x }}{% endfor %}{% endfor %}",
+         "inner"},
+        {"in two loops the other way round",
+         "{% for b in inner %}{% for a in outer %}{{ x }}{% endfor %}{% endfor %}", "outer"},
+        {"a name that only the root has",
+         "{% for a in outer %}{% for b in inner %}{{ only }}{% endfor %}{% endfor %}", "root only"},
+        {"a name that null does not hide",
+         "{% for a in outer %}{% for b in inner %}{{ middle }}{% endfor %}{% endfor %}", "middle"},
+        {"behind the loops", "{% for a in outer %}{% endfor %}{{ x }}", "root"},
+        {"between the loops",
+         "{% for a in outer %}{% for b in inner %}{% endfor %}{{ x }}{% endfor %}", "outer"},
+    };
+    expectRendered(root, cases);
 }
 
 TEST(NameResolution, StripsThePrefixOfALoopInsideItOnly) {
@@ -62,29 +45,25 @@ TEST(NameResolution, StripsThePrefixOfALoopInsideItOnly) {
         {"title", text("root's")},
         {"more", text("root's more")},
     });
-    expectRendered(
-        root,
-        {
-            {"inside", "{% for item in list %}{{ item.title }}{% endfor %}", "element's"},
-            {"inside, without prefix", "{% for item in list %}{{ title }}{% endfor %}",
-             "element's"},
-            {"outside", "{{ item.title }}", "root's dotted"},
-            {"behind the loop", "{% for item in list %}{% endfor %}{{ item.title }}",
-             "root's dotted"},
-            {"under another variable", "{% for other in list %}{{ item.own }}{% endfor %}",
-             "key with the prefix"},
-            {"the whole name where the rest is no key",
-             "{% for item in list %}{{ item.own }}{% endfor %}", "key with the prefix"},
-            {"a rest with a dot", "{% for item in list %}{{ item.a.b }}{% endfor %}", "dotted"},
-            {"in the root, without prefix", "{% for item in list %}{{ item.more }}{% endfor %}",
-             "root's more"},
-            {"in the root, the whole name", "{% for item in list %}{{ item.rest }}{% endfor %}",
-             "root's rest"},
-            {"nothing behind the prefix", "{% for item in list %}{{ item. }}{% endfor %}",
-             "empty key"},
-            {"one prefix only", "{% for item in list %}{{ item.item.own }}{% endfor %}",
-             "key with the prefix"},
-        });
+    const Case cases[] = {
+        {"inside", "{% for item in list %}{{ item.title }}{% endfor %}", "element's"},
+        {"inside, without prefix", "{% for item in list %}{{ title }}{% endfor %}", "element's"},
+        {"outside", "{{ item.title }}", "root's dotted"},
+        {"behind the loop", "{% for item in list %}{% endfor %}{{ item.title }}", "root's dotted"},
+        {"under another variable", "{% for other in list %}{{ item.own }}{% endfor %}",
+         "key with the prefix"},
+        {"the whole name where the rest is no key",
+         "{% for item in list %}{{ item.own }}{% endfor %}", "key with the prefix"},
+        {"a rest with a dot", "{% for item in list %}{{ item.a.b }}{% endfor %}", "dotted"},
+        {"in the root, without prefix", "{% for item in list %}{{ item.more }}{% endfor %}",
+         "root's more"},
+        {"in the root, the whole name", "{% for item in list %}{{ item.rest }}{% endfor %}",
+         "root's rest"},
+        {"nothing behind the prefix", "{% for item in list %}{{ item. }}{% endfor %}", "empty key"},
+        {"one prefix only", "{% for item in list %}{{ item.item.own }}{% endfor %}",
+         "key with the prefix"},
+    };
+    expectRendered(root, cases);
 }
 
 TEST(NameResolution, DoesNotStripWhatOnlyLooksLikeThePrefix) {
@@ -97,16 +76,15 @@ TEST(NameResolution, DoesNotStripWhatOnlyLooksLikeThePrefix) {
         {"x.item.title", text("prefix further on")},
         {"item/title", text("slash")},
     });
-    expectRendered(
-        root,
-        {
-            {"a longer name", "{% for item in list %}{{ items.title }}{% endfor %}", "longer name"},
-            {"a shorter name", "{% for item in list %}{{ ite.title }}{% endfor %}", "shorter name"},
-            {"another case", "{% for item in list %}{{ Item.title }}{% endfor %}", "another case"},
-            {"the prefix further on", "{% for item in list %}{{ x.item.title }}{% endfor %}",
-             "prefix further on"},
-            {"a slash", "{% for item in list %}{{ item/title }}{% endfor %}", "slash"},
-        });
+    const Case cases[] = {
+        {"a longer name", "{% for item in list %}{{ items.title }}{% endfor %}", "longer name"},
+        {"a shorter name", "{% for item in list %}{{ ite.title }}{% endfor %}", "shorter name"},
+        {"another case", "{% for item in list %}{{ Item.title }}{% endfor %}", "another case"},
+        {"the prefix further on", "{% for item in list %}{{ x.item.title }}{% endfor %}",
+         "prefix further on"},
+        {"a slash", "{% for item in list %}{{ item/title }}{% endfor %}", "slash"},
+    };
+    expectRendered(root, cases);
 }
 
 TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
@@ -124,11 +102,7 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
     const auto loops = [](const std::string& body) {
         return "{% for a in xs %}{% for b in ys %}" + body + "{% endfor %}{% endfor %}";
     };
-    const struct {
-        const char* name;
-        std::string input;
-        const char* expected;
-    } cases[] = {
+    const Case cases[] = {
         {"the outer variable reaches the inner element first", loops("{{ a.title }}"),
          "inner title"},
         {"the inner variable", loops("{{ b.title }}"), "inner title"},
@@ -160,10 +134,7 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
          "{{ a.title }}{% endfor %},{{ a.title }}{% endfor %}",
          "rest,whole,rest"},
     };
-    for (const auto& [name, input, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(render(input, root), (Rendered{expected, ""})) << input;
-    }
+    expectRendered(root, cases);
 }
 
 TEST(NameResolution, TakesTheFirstValueOfTheNameWhateverItsKind) {

@@ -14,18 +14,23 @@
 namespace support {
 namespace {
 
-/// Every sequence of `count` tokens behind `begin`.
-void tryAllSequences(const std::string& begin, int count) {
-    expectTheSameReading(begin);
+/// Every sequence of `count` tokens after `begin`. What is reported to hosts takes longer to
+/// compare, and is compared for the first few tokens.
+void tryAllSequences(const std::string& begin, int count, int reported) {
+    if (reported >= 0 || !readsTheSame(begin)) {
+        expectTheSameReading(begin);
+    }
     if (count > 0 && !testing::Test::HasFailure()) {
         for (const std::string_view token : tokens) {
-            tryAllSequences(std::string(begin).append(token), count - 1);
+            tryAllSequences(std::string(begin).append(token), count - 1, reported - 1);
         }
     }
 }
 
-TEST(SecondReading, AgreesOnAllShortSequences) {
-    tryAllSequences("", slow ? 3 : 4);
+// Each token more takes 22 times as long. Blocks have seven: those take a quarter of an hour.
+TEST(EverySequence, OfAFewTokensIsReadTheSame) {
+    const std::uint64_t count = numberFromEnvironment("STENCILOR_TOKENS", slow ? 4 : 5);
+    tryAllSequences("", static_cast<int>(count), slow ? 3 : 4);
 }
 
 TEST(SecondReading, AgreesOnAllEndsOfStatementsThatBeganWell) {
@@ -36,33 +41,22 @@ TEST(SecondReading, AgreesOnAllEndsOfStatementsThatBeganWell) {
           "{% for x in y %}{% endfor", "{{x", "{{ x }", "{% include", "{% include \"x",
           "{% include \"x\"", "{% if x %}{% for y in z %}",
           "{% for x in y %}{% if z %}{% else %}"}) {
-        tryAllSequences(begin, count);
+        tryAllSequences(begin, count, count);
     }
 }
 
 TEST(SecondReading, AgreesOnRandomSequencesOfStatements) {
-    constexpr std::array statements = {"{% if a %}",
-                                       "{% else %}",
-                                       "{% endif %}",
-                                       "{% for a in b %}",
-                                       "{% endfor %}",
-                                       "{{ a }}",
-                                       "{% include \"a\" %}",
-                                       "text",
-                                       " ",
-                                       "\n",
-                                       "{%ifx%}",
-                                       "{%\tendif%}",
-                                       "{%for x iny%}",
-                                       "{",
-                                       "}}"};
+    constexpr std::array statements = {
+        "{%if a%}",   "{%else%}", "{%endif%}",       "{%for a in b%}", "{%endfor%}",
+        "{{ a }}",    "text\t {", "{%\tifx%}",       "{% else %}",     "{%for a inb%}",
+        "{%endif %}", "}} \n\t",  "{%include\"a\"%}"};
     std::mt19937 random(5);
     for (int turn = 0; turn < (slow ? 20000 : 200000) && !testing::Test::HasFailure(); ++turn) {
         std::string input;
         int open = 0;
         for (std::size_t left = random() % 16; left > 0; --left) {
             const std::string statement = statements[random() % statements.size()];
-            open += statement == "{% if a %}" ? 1 : 0;
+            open += statement == "{%if a%}" ? 1 : 0;
             input += statement;
         }
         // Half of them are given their closers, so that many are accepted.

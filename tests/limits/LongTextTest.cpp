@@ -1,8 +1,8 @@
+#include "../support/Context.h"
 #include "../support/Memory.h"
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
-#include <libKel/String.h>
 
 #include <gtest/gtest.h>
 
@@ -11,13 +11,15 @@
 #include <stdexcept>
 #include <string>
 
-namespace kel {
+namespace support {
 namespace {
+
+using kel::String;
 
 constexpr std::uint64_t longest = std::numeric_limits<std::uint32_t>::max();
 
 TEST(StringLimits, RefuseAppendingPastThirtyTwoBitsAndKeepTheString) {
-    if (!support::hasMemory(8)) {
+    if (!hasMemory(8)) {
         GTEST_SKIP() << "takes eight gigabytes of memory";
     }
     const String half(std::string(0x7FFFFFFF, 'h'));
@@ -33,7 +35,7 @@ TEST(StringLimits, RefuseAppendingPastThirtyTwoBitsAndKeepTheString) {
 }
 
 TEST(StringLimits, RefuseMakingAStringPastThirtyTwoBits) {
-    if (!support::hasMemory(5)) {
+    if (!hasMemory(5)) {
         GTEST_SKIP() << "takes five gigabytes of memory";
     }
     const std::string tooLong(longest + 1, 'x');
@@ -43,16 +45,42 @@ TEST(StringLimits, RefuseMakingAStringPastThirtyTwoBits) {
 }
 
 TEST(FileLimits, AllowTheLongestFileThatThirtyTwoBitsTell) {
-    if (!support::hasMemory(5)) {
+    if (!hasMemory(5)) {
         GTEST_SKIP() << "takes five gigabytes of memory";
     }
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     folder.writeSparseFile("longest", longest);
-    Buffer<unsigned char> buffer;
-    ASSERT_TRUE(FileSystem::loadFile(folder.path("longest"), buffer, nullptr));
+    kel::Buffer<unsigned char> buffer;
+    ASSERT_TRUE(kel::FileSystem::loadFile(folder.path("longest"), buffer, nullptr));
     EXPECT_EQ(buffer.size, longest);
     EXPECT_EQ(buffer.data[longest - 1], 0);
 }
 
+/// A list of `count` texts of 64 MiB, which share one block.
+ContextIterable* longTexts(std::size_t count) {
+    const String value(std::string(64u << 20, 'x'));
+    ContextIterable* const made = list();
+    for (; count > 0; --count) {
+        made->add(dictionary({{"text", text(value)}}));
+    }
+    return made;
+}
+
+TEST(LongOutput, IsRefusedWhereverItExceedsWhatAStringHolds) {
+    if (!hasMemory(9)) {
+        GTEST_SKIP() << "takes nine gigabytes of memory";
+    }
+    const TemporaryFolder folder;
+    folder.writeFile("texts.txt", "{% for x in texts %}{{ text }}{% endfor %}");
+    const WorkingFolder inside(folder.path());
+    const Root root({{"texts", longTexts(64)}, {"half", longTexts(32)}});
+    for (const char* const input : {"{% for x in texts %}{{ x.text }}{% endfor %}",
+                                    "{% for x in half %}{{ text }}{% endfor %}"
+                                    "{% for x in half %}{{ text }}{% endfor %}",
+                                    "{% include \"texts.txt\" %}"}) {
+        EXPECT_THROW(render(input, root), std::length_error) << input;
+    }
+}
+
 } // namespace
-} // namespace kel
+} // namespace support
