@@ -5,6 +5,8 @@
 #include "../support/Memory.h"
 #include "../support/SmallStackThread.h"
 
+#include <libStencilor/Template.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -199,6 +201,20 @@ TEST_F(Size, OfNestedLoopsWithNamesOfTheirOwn) {
     const std::array<Cost, 3> costs = costsOf("nested loops, all names different", 4000, work);
     EXPECT_LE(costs[2].seconds, costs[0].seconds * 40 + 0.2);
     EXPECT_LE(costs[2].megabytes, costs[0].megabytes * 6 + 4);
+}
+
+TEST_F(Size, OfTheNamesOfATemplate) {
+    expectLinearGrowth("nested loops and names, parsed", 200000, [](std::size_t size) {
+        std::string input;
+        for (std::size_t level = 0; level < size; ++level) {
+            const std::string number = std::to_string(level);
+            input +=
+                "{% for x" + number + " in list %}{{ x" + number + ".a }}{{ x.a.b" + number + " }}";
+        }
+        input += repeated("{% endfor %}", size);
+        EXPECT_TRUE(kel::Stencilor::Template(input).isWellFormed());
+        EXPECT_FALSE(kel::Stencilor::Template(input + "{{").isWellFormed());
+    });
 }
 
 } // namespace

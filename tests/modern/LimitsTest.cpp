@@ -373,19 +373,23 @@ TEST_F(Limits, HaveTheHostAskedAfterEvery1024Steps) {
 }
 
 TEST_F(Limits, LeaveAStopToTheHost) {
-    const std::string input = repeated("a\n{% include \"gone\" %}", 2000);
+    const Template made(repeated("a\n{% include \"gone\" %}", 2000));
     for (const int stopAt : {1, 2, 3}) {
         Question question{.stopAt = stopAt};
         RenderOptions options = question.options();
         options.source = &source_;
         options.limits.messages = 0;
-        const RenderResult result = Template(input).render({}, options);
+        const RenderResult result = made.render({}, options);
         EXPECT_EQ(result.status, RenderStatus::Stopped);
         EXPECT_TRUE(result.text.empty());
         EXPECT_EQ(question.asked, stopAt);
         EXPECT_EQ(result.usage.steps, static_cast<std::uint64_t>(stopAt) * 1024);
         EXPECT_EQ(result.messages.back().kind, Kind::Stopped);
         EXPECT_EQ(result.messages.back().line, static_cast<unsigned int>(stopAt) * 512 + 1);
+        question.asked = 0;
+        const Pieces written = renderPieces(made, Context({}), options);
+        EXPECT_EQ(written.result.status, RenderStatus::Stopped);
+        EXPECT_TRUE(made.render({}).text.str().starts_with(written.joined()));
     }
 }
 

@@ -65,6 +65,9 @@ TEST(Sources, AreAskedOncePerPathAndRender) {
     EXPECT_THAT(source.asked, ElementsAre(Pair("a", unlimited), Pair("b", unlimited)));
     allPaths.render({}, {.source = &source});
     EXPECT_THAT(source.asked, SizeIs(4));
+    source.asked.clear();
+    renderFile("a", {}, {.source = &source});
+    EXPECT_THAT(source.asked, ElementsAre(Pair("a", unlimited), Pair("b", unlimited)));
 }
 
 TEST(Sources, AreGivenTheBytesThatAreLeft) {
