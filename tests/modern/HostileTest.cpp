@@ -1,12 +1,14 @@
 #include "../support/Build.h"
 #include "../support/FailingAllocation.h"
 #include "../support/SmallStackThread.h"
+#include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,6 +16,7 @@
 namespace support {
 namespace {
 
+using kel::Stencilor::FileTemplates;
 using testing::SizeIs;
 
 constexpr std::size_t stackSize = 256 * 1024;
@@ -162,30 +165,38 @@ TEST(HostileTemplates, ThatTryLongNamesInManyWaysEndAtTheStepLimit) {
 }
 
 TEST(HostileTemplates, ThatIncludeEachOtherFromBlocksNeedLittleStack) {
+    const TemporaryFolder folder;
+    const WorkingFolder working(folder.path());
     const std::string name = "x." + std::string(1000, 'n');
-    MemoryTemplates source;
+    MemoryTemplates inMemory;
     for (int file = 0; file < 100; ++file) {
-        source.add("f" + std::to_string(file),
-                   "{% if yes %}{% for x in one %}{% if yes %}{% for y in one %}{{ " + name +
-                       " }}{{ t }}" + include("f" + std::to_string(file + 1)) +
-                       "{% endfor %}{% endif %}{% endfor %}{% endif %}\xFF");
+        const std::string path = "f" + std::to_string(file);
+        const std::string text = "{% if yes %}{% for x in one %}{% if yes %}{% for y in one %}{{ " +
+                                 name + " }}{{ t }}" + include("f" + std::to_string(file + 1)) +
+                                 "{% endfor %}{% endif %}{% endfor %}{% endif %}\xFF";
+        folder.writeFile(path, text);
+        inMemory.add(kel::String(path), text);
     }
+    FileTemplates inFolder(folder.path());
     const Value values{{"yes", true}, {"one", Value::list({{{"t", "<\xE2\x82"}}})}};
-    const RenderOptions options{
-        .escape = Escape([](std::string_view value, std::string& out) { out = value; }),
-        .source = &source,
-        .keepGoing = [] { return true; }};
-    const RenderResult result = renderWithSmallStack(include("f0"), values, options);
-    EXPECT_EQ(result.status, RenderStatus::Complete);
-    EXPECT_EQ(result.usage.includeDepth, 100u);
-    EXPECT_EQ(result.usage.messages, 101u);
-    std::string joined;
-    runWithStack(stackSize, [&] {
-        Template(include("f0"))
-            .renderTo(
-                values, [&joined](std::string_view piece) { joined += piece; }, options);
-    });
-    EXPECT_EQ(joined, result.text.str());
+    for (TemplateSource* const source :
+         std::initializer_list<TemplateSource*>{&inMemory, &inFolder, nullptr}) {
+        const RenderOptions options{
+            .escape = Escape([](std::string_view value, std::string& out) { out = value; }),
+            .source = source,
+            .keepGoing = [] { return true; }};
+        const RenderResult result = renderWithSmallStack(include("f0"), values, options);
+        EXPECT_EQ(result.status, RenderStatus::Complete);
+        EXPECT_EQ(result.usage.includeDepth, 100u);
+        EXPECT_EQ(result.usage.messages, 101u);
+        std::string joined;
+        runWithStack(stackSize, [&] {
+            Template(include("f0"))
+                .renderTo(
+                    values, [&joined](std::string_view piece) { joined += piece; }, options);
+        });
+        EXPECT_EQ(joined, result.text.str());
+    }
 }
 
 /// The processor time of a render that includes an empty template again and again.
