@@ -46,6 +46,14 @@ Finding describeEndlessness(const Occurrence& found) {
             .message = "the inclusions around this one seem to have no end"};
 }
 
+Finding describeEnd(const Occurrence& found) {
+    return {.rule = Rule::Limit,
+            .place = {found.file, found.part->whole},
+            .message = "the loops multiply too much to look up all names; those from here on are "
+                       "not checked",
+            .ownSeverity = Severity::Warning};
+}
+
 Finding describe(const Occurrence& found) {
     const SyntaxRange name = found.part->name;
     const SyntaxRange list = found.part->list;
@@ -66,6 +74,8 @@ Finding describe(const Occurrence& found) {
         return describeFailure({*found.file, *found.part, *found.inclusion});
     case Problem::RejectedFile:
         return describeRejection(found);
+    case Problem::TooLong:
+        return describeEnd(found);
     case Problem::TooDeep:
         break;
     }

@@ -15,6 +15,8 @@ using Kind = SyntaxElement::Kind;
 /// Contexts are not nested as deeply. The engine has a limit, too: the size of the stack.
 constexpr std::size_t deepestInclusion = 600;
 
+constexpr std::uint64_t mostSteps = 100'000'000;
+
 /// A context with one value that remains another one's, also where rendering throws.
 class BorrowingContext {
   public:
@@ -65,6 +67,8 @@ struct ContextWalk::Block {
 
 /// What holds inside one file. The variables of the loops around an inclusion do not.
 struct ContextWalk::FileState {
+    explicit FileState(std::string around = {}) : where(std::move(around)) {}
+
     std::string where; // the innermost loop around the inclusion
     std::vector<Block> blocks{};
     VariableStack variables{};
@@ -73,20 +77,30 @@ struct ContextWalk::FileState {
 ContextWalk::ContextWalk(TemplateFiles& files, Extent extent, Report report)
     : TemplateWalk(files), extent_(extent), report_(std::move(report)) {}
 
+ContextWalk::~ContextWalk() = default;
+
 void ContextWalk::walk(const TemplateFile& file, const ContextBase& context) {
     const ScopeStack::position before = scopes_.enter(&context);
-    enterFile(file);
+    states_.push_back(std::make_unique<FileState>());
+    walkFile(file);
     scopes_.leave(before);
 }
 
-void ContextWalk::enterFile(const TemplateFile& file) {
-    FileState state{.where = describePlace()};
-    FileState* const outer = std::exchange(state_, &state);
-    walkFile(file);
-    state_ = outer;
+void ContextWalk::enter(const TemplateFile& file) {
+    states_.push_back(std::make_unique<FileState>(describePlace()));
+    enterFile(file);
+}
+
+void ContextWalk::leaveFile() {
+    states_.pop_back();
 }
 
 std::size_t ContextWalk::visit(const TemplateFile& file, std::size_t index) {
+    if (++steps_ > mostSteps && extent_ == Extent::Whole) {
+        report({.problem = Problem::TooLong, .file = &file, .part = &file.parts()[index]});
+        stop();
+        return index + 1;
+    }
     switch (file.parts()[index].kind) {
     case Kind::Substitution:
         visitSubstitution(file, file.parts()[index]);
@@ -129,8 +143,8 @@ std::size_t ContextWalk::openConditional(const TemplateFile& file, std::size_t i
     if (!then && file.parts()[end].kind != Kind::Else) {
         return end + 1;
     }
-    state_->blocks.push_back({.begin = index});
-    openScope(state_->blocks.back(), boolean);
+    state().blocks.push_back({.begin = index});
+    openScope(state().blocks.back(), boolean);
     return (then ? index : end) + 1;
 }
 
@@ -140,8 +154,8 @@ std::size_t ContextWalk::passElse(const TemplateFile& file, std::size_t index) c
 }
 
 std::size_t ContextWalk::closeConditional(std::size_t index) {
-    closeScope(state_->blocks.back());
-    state_->blocks.pop_back();
+    closeScope(state().blocks.back());
+    state().blocks.pop_back();
     return index + 1;
 }
 
@@ -158,27 +172,27 @@ std::size_t ContextWalk::openLoop(const TemplateFile& file, std::size_t index) {
     if (list->size() == 0) {
         return file.afterBlock(index);
     }
-    state_->blocks.push_back({.begin = index,
+    state().blocks.push_back({.begin = index,
                               .listName = listName,
                               .list = list,
-                              .variable = state_->variables.enter(file.slice(part.name))});
+                              .variable = state().variables.enter(file.slice(part.name))});
     return openIteration();
 }
 
 std::size_t ContextWalk::openIteration() {
-    Block& loop = state_->blocks.back();
+    Block& loop = state().blocks.back();
     openScope(loop, elementOf(*loop.list, loop.iteration));
     return loop.begin + 1;
 }
 
 std::size_t ContextWalk::closeIteration(std::size_t index) {
-    Block& loop = state_->blocks.back();
+    Block& loop = state().blocks.back();
     closeScope(loop);
     if (++loop.iteration < loop.list->size()) {
         return openIteration();
     }
-    state_->variables.leave(loop.variable);
-    state_->blocks.pop_back();
+    state().variables.leave(loop.variable);
+    state().blocks.pop_back();
     return index + 1;
 }
 
@@ -198,7 +212,7 @@ void ContextWalk::visitInclusion(const Inclusion& inclusion) {
         report(occurrence);
         stop();
     } else if (shallEnter(*file)) {
-        enterFile(*file);
+        enter(*file);
     }
 }
 
@@ -209,6 +223,7 @@ bool ContextWalk::shallEnter(const TemplateFile& file) {
     // A file that includes itself does so for another innermost scope each time, if it ever ends.
     const auto innermost = scopes_.newestFirst();
     const auto end = isOnPath(file) ? std::next(innermost) : scopes_.end();
+    steps_ += static_cast<std::uint64_t>(end - innermost);
     return entered_.emplace(&file, std::vector<const ContextBase*>(innermost, end)).second;
 }
 
@@ -226,12 +241,15 @@ void ContextWalk::closeScope(Block& block) {
     }
 }
 
-ContextWalk::Value ContextWalk::find(std::string_view name) const {
-    const VariableStack& variables = state_->variables;
+ContextWalk::Value ContextWalk::find(std::string_view name) {
+    const VariableStack& variables = state().variables;
     for (auto scope = scopes_.newestFirst(); scope != scopes_.end(); ++scope) {
         for (auto variable = variables.newestFirst(); variable != variables.end(); ++variable) {
             if (const Value value = (*scope)->find(withoutPrefix(name, *variable))) {
                 return value;
+            }
+            if (++steps_ > mostSteps && extent_ == Extent::Whole) {
+                return nullptr; // the walk ends at the next tag
             }
         }
         if (const Value value = (*scope)->find(name)) {
@@ -243,14 +261,11 @@ ContextWalk::Value ContextWalk::find(std::string_view name) const {
 
 /// Which element of the innermost loop is visited.
 std::string ContextWalk::describePlace() const {
-    if (state_ == nullptr) {
-        return "";
-    }
-    const auto& blocks = state_->blocks;
+    const auto& blocks = state().blocks;
     const auto loop = std::find_if(blocks.rbegin(), blocks.rend(),
                                    [](const Block& block) { return block.list != nullptr; });
     if (loop == blocks.rend()) {
-        return state_->where;
+        return state().where;
     }
     return " in element " + std::to_string(loop->iteration + 1) + " of " + quote(loop->listName);
 }

@@ -6,7 +6,9 @@
 #include <libStencilorAnalysis/template/TemplateWalk.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -25,6 +27,7 @@ enum class Problem {
     NoFile,       ///< an inclusion of a file that is missing or unreadable
     RejectedFile, ///< an inclusion of one that is rejected
     TooDeep,      ///< an inclusion inside so many others that there may be no end
+    TooLong,      ///< a tag where so much has been looked at that the walk ends
 };
 
 /// One problem, each time it occurs.
@@ -41,8 +44,9 @@ struct Occurrence {
 /// reports what goes wrong, in included files, too.
 ///
 /// Ownership: borrows the files and the context, which is only read.
-/// Nesting: blocks take no call stack, inclusions do. Where these are nested too deeply, the walk
-///   ends.
+/// Nesting: takes no call stack. Where inclusions are nested too deeply, the walk ends.
+/// Cost: that of a render. The walk of the whole ends after 100,000,000 steps: tags, and scopes and
+///   loop variables that a name is looked up with.
 class ContextWalk final : private TemplateWalk {
   public:
     enum class Extent {
@@ -53,6 +57,7 @@ class ContextWalk final : private TemplateWalk {
     using Report = std::function<void(const Occurrence&)>;
 
     ContextWalk(TemplateFiles& files, Extent extent, Report report);
+    ~ContextWalk();
 
     /// `file` must be well formed.
     void walk(const TemplateFile& file, const ContextBase& context);
@@ -64,7 +69,8 @@ class ContextWalk final : private TemplateWalk {
     struct Block;
     struct FileState;
 
-    void enterFile(const TemplateFile& file);
+    void enter(const TemplateFile& file);
+    void leaveFile() override;
 
     // Each returns the index of the part to visit next.
     std::size_t visit(const TemplateFile& file, std::size_t index) override;
@@ -82,14 +88,17 @@ class ContextWalk final : private TemplateWalk {
     void openScope(Block& block, const ContextBase* scope);
     void closeScope(Block& block);
 
-    Value find(std::string_view name) const;
+    Value find(std::string_view name);
+    FileState& state() { return *states_.back(); }
+    const FileState& state() const { return *states_.back(); }
     std::string describePlace() const;
     void report(Occurrence occurrence) const;
 
     Extent extent_;
     Report report_;
+    std::uint64_t steps_ = 0;
     ScopeStack scopes_;
-    FileState* state_ = nullptr; // of the file that is being walked
+    std::vector<std::unique_ptr<FileState>> states_; // of the files that are being walked
     std::set<std::pair<const TemplateFile*, std::vector<const ContextBase*>>> entered_;
 };
 

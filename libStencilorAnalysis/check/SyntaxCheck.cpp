@@ -6,7 +6,9 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
@@ -111,38 +113,46 @@ class SyntaxCheck final : private TemplateWalk {
     SyntaxCheck(TemplateFiles& files, CheckReport& report) : TemplateWalk(files), report_(report) {}
 
     void check(const TemplateFile& file) {
-        checkFile(file);
+        const std::size_t before = report_.findings.size();
+        if (!add(file)) {
+            return;
+        }
+        walkFile(file);
         std::set<std::pair<const TemplateFile*, std::uint32_t>> places;
         std::vector<Finding> endless = endless_.find();
         for (const Finding& finding : endless) {
             places.emplace(finding.place.file, finding.place.range.begin);
         }
-        std::erase_if(report_.findings, [&places](const Finding& finding) {
-            return finding.rule == Rule::IncludeCycle &&
-                   places.contains({finding.place.file, finding.place.range.begin});
-        });
+        const auto found = report_.findings.begin() + static_cast<std::ptrdiff_t>(before);
+        const auto rest =
+            std::remove_if(found, report_.findings.end(), [&places](const Finding& finding) {
+                return finding.rule == Rule::IncludeCycle &&
+                       places.contains({finding.place.file, finding.place.range.begin});
+            });
+        report_.findings.erase(rest, report_.findings.end());
         std::move(endless.begin(), endless.end(), std::back_inserter(report_.findings));
     }
 
   private:
-    void checkFile(const TemplateFile& file) {
-        const auto& checked = report_.files;
-        if (std::find(checked.begin(), checked.end(), &file) != checked.end()) {
-            return;
+    /// False for a file that was checked already.
+    bool add(const TemplateFile& file) {
+        if (!report_.checked.insert(&file).second) {
+            return false;
         }
         report_.files.push_back(&file);
-        const std::size_t outer = std::exchange(openBlocks_, 0);
-        walkFile(file);
-        openBlocks_ = outer;
         if (file.fault().isPresent()) {
             report_.findings.push_back(describeFault(file));
         }
+        openBlocks_.push_back(0);
+        return true;
     }
+
+    void leaveFile() override { openBlocks_.pop_back(); }
 
     std::size_t visit(const TemplateFile& file, std::size_t index) override {
         const Kind kind = file.parts()[index].kind;
-        openBlocks_ += kind == Kind::If || kind == Kind::For ? 1 : 0;
-        openBlocks_ -= kind == Kind::EndIf || kind == Kind::EndFor ? 1 : 0;
+        openBlocks_.back() += kind == Kind::If || kind == Kind::For ? 1 : 0;
+        openBlocks_.back() -= kind == Kind::EndIf || kind == Kind::EndFor ? 1 : 0;
         return index + 1;
     }
 
@@ -152,19 +162,18 @@ class SyntaxCheck final : private TemplateWalk {
             report_.findings.push_back(describeFailure(inclusion));
             return;
         }
-        if (openBlocks_ == 0 && !inclusion.from.fault().isPresent()) {
+        if (openBlocks_.back() == 0 && !inclusion.from.fault().isPresent()) {
             endless_.add(inclusion.from, inclusion.part.name, *file);
         }
         if (isOnPath(*file)) {
             report_.findings.push_back(describeCycle(inclusion));
-        } else {
-            checkFile(*file);
+        } else if (add(*file)) {
+            enterFile(*file);
         }
     }
 
     Finding describeCycle(const Inclusion& inclusion) const {
-        const auto first = std::find(path().begin(), path().end(), inclusion.to.file);
-        const auto begin = static_cast<std::size_t>(first - path().begin());
+        const std::size_t begin = positionOnPath(*inclusion.to.file);
         return {.rule = Rule::IncludeCycle,
                 .place = {&inclusion.from, inclusion.part.name},
                 .message = "the file includes itself: " +
@@ -175,7 +184,7 @@ class SyntaxCheck final : private TemplateWalk {
 
     CheckReport& report_;
     EndlessIncludes endless_;
-    std::size_t openBlocks_ = 0; // of the file that is being walked
+    std::vector<std::size_t> openBlocks_; // of the files that are being walked
 };
 
 } // namespace
@@ -185,13 +194,14 @@ void checkSyntax(TemplateFiles& files, const TemplateFile& file, CheckReport& re
 }
 
 std::vector<Finding> sortFindings(CheckReport report) {
-    std::map<std::string, std::size_t> order;
+    // One file may have been read for several roots.
+    std::unordered_map<std::string_view, std::size_t> byName;
+    std::unordered_map<const TemplateFile*, std::size_t> order;
     for (const TemplateFile* file : report.files) {
-        order.emplace(file->name(), order.size());
+        order.emplace(file, byName.emplace(file->name(), byName.size()).first->second);
     }
     const auto keyOf = [&order](const Finding& finding) {
-        return std::tuple(order.at(finding.place.file->name()), finding.place.range.begin,
-                          finding.rule);
+        return std::tuple(order.at(finding.place.file), finding.place.range.begin, finding.rule);
     };
     std::vector<Finding>& findings = report.findings;
     std::stable_sort(

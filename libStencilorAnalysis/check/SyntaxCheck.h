@@ -3,6 +3,7 @@
 
 #include <libStencilorAnalysis/finding/Finding.h>
 
+#include <unordered_set>
 #include <vector>
 
 namespace kel::Stencilor::Analysis {
@@ -11,6 +12,7 @@ namespace kel::Stencilor::Analysis {
 struct CheckReport {
     std::vector<const TemplateFile*> files;
     std::vector<Finding> findings;
+    std::unordered_set<const TemplateFile*> checked; // the same files
 };
 
 /// Adds what is wrong with a template and everything that it includes, apart from the context.

@@ -36,11 +36,8 @@ Json describeFinding(const Finding& finding) {
 } // namespace
 
 std::string formatJson(const std::vector<Finding>& findings) {
-    Json list = Json::array();
-    for (const Finding& finding : findings) {
-        list.push_back(describeFinding(finding));
-    }
-    return jsonDocument({{"findings", std::move(list)}});
+    return jsonDocument({{"findings", Json::array()}}, "findings", findings.size(),
+                        [&findings](std::size_t i) { return describeFinding(findings[i]); });
 }
 
 } // namespace kel::Stencilor::Analysis

@@ -53,18 +53,16 @@ Json describeResult(const Finding& finding, const UriOf& uriOf) {
 } // namespace
 
 std::string formatSarif(const std::vector<Finding>& findings, const UriOf& uriOf) {
-    Json results = Json::array();
-    for (const Finding& finding : findings) {
-        results.push_back(describeResult(finding, uriOf));
-    }
     const Json driver = {
         {"name", "stencilor"}, {"semanticVersion", STENCILOR_VERSION}, {"rules", describeRules()}};
     const Json run = {{"tool", {{"driver", driver}}},
                       {"columnKind", "unicodeCodePoints"},
-                      {"results", std::move(results)}};
+                      {"results", Json::array()}};
     return jsonDocument({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
                          {"version", "2.1.0"},
-                         {"runs", Json::array({run})}});
+                         {"runs", Json::array({run})}},
+                        "results", findings.size(),
+                        [&](std::size_t i) { return describeResult(findings[i], uriOf); });
 }
 
 } // namespace kel::Stencilor::Analysis

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 namespace kel::Stencilor::Analysis {
 
@@ -14,36 +14,40 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-bool isSameLoop(const Loop& one, const Loop& other) {
-    return one.variable == other.variable && one.list == other.list;
+/// As many loops, inclusions and lines are listed with a name.
+constexpr std::size_t mostListed = 5;
+
+/// Columns are no wider, so that one long name does not widen all lines.
+constexpr std::size_t widestColumn = 60;
+
+std::string moreThan(std::size_t listed, std::size_t count) {
+    return count > listed ? " and " + std::to_string(count - listed) + " more" : "";
 }
 
-bool areSameLoops(const std::vector<Loop>& some, const std::vector<Loop>& others) {
-    return std::equal(some.begin(), some.end(), others.begin(), others.end(), isSameLoop);
-}
-
-/// `page.txt:3, page.txt:7`, each line once.
+/// `page.txt:3, page.txt:7`, each line once. The places are those of one file, in their order.
 std::string describePlaces(const std::vector<Place>& places) {
-    std::vector<std::string> lines;
-    for (const Place& place : places) {
-        lines.push_back(showText(place.file->name()) + ":" +
-                        std::to_string(place.file->positionOf(place.range.begin).line));
-    }
     std::string text;
-    for (auto line = lines.begin(); line != lines.end(); ++line) {
-        if (std::find(lines.begin(), line, *line) == line) {
-            text += (text.empty() ? "" : ", ") + *line;
+    std::size_t lines = 0;
+    std::size_t last = 0;
+    for (const Place& place : places) {
+        const std::size_t line = place.file->positionOf(place.range.begin).line;
+        if (line != last && ++lines <= mostListed) {
+            text += (text.empty() ? "" : ", ") + showText(place.file->name()) + ":" +
+                    std::to_string(line);
         }
+        last = line;
     }
-    return text;
+    return text + moreThan(mostListed, lines);
 }
 
-std::string describeLoops(const std::vector<Loop>& loops) {
-    std::string text;
-    for (const Loop& loop : loops) {
-        text += (text.empty() ? "" : ", ") + ("for " + loop.variable + " in ") + loop.list;
+Json listPlaces(const std::vector<Place>& places) {
+    Json list = Json::array();
+    for (const Place& place : places) {
+        const Position position = place.file->positionOf(place.range.begin);
+        list.push_back(
+            {{"file", place.file->name()}, {"line", position.line}, {"column", position.column}});
     }
-    return text;
+    return list;
 }
 
 /// Rows whose columns begin below each other.
@@ -52,17 +56,19 @@ std::string formatColumns(const std::vector<std::vector<std::string>>& rows) {
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], countCodePoints(row[column]));
+            widths[column] =
+                std::max(widths[column], std::min(countCodePoints(row[column]), widestColumn));
         }
     }
     std::string text;
     for (const auto& row : rows) {
-        std::string line;
         for (std::size_t column = 0; column < row.size(); ++column) {
-            line +=
-                row[column] + std::string(widths[column] - countCodePoints(row[column]) + 2, ' ');
+            const std::size_t width = countCodePoints(row[column]);
+            text += row[column];
+            text.append(widths[column] - std::min(widths[column], width) + 2, ' ');
         }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+        text.erase(text.find_last_not_of(' ') + 1);
+        text += '\n';
     }
     return text;
 }
@@ -70,51 +76,114 @@ std::string formatColumns(const std::vector<std::vector<std::string>>& rows) {
 } // namespace
 
 void NameList::visitName(const NameUse& use) {
-    entryOf(use).places.push_back({&use.file, use.name});
+    const LoopsId loops = loopsAround(use);
+    const auto [known, added] =
+        indices_.try_emplace({&use.file, use.text(), use.kind, loops}, entries_.size());
+    if (added) {
+        entries_.push_back({use.text(), use.kind, loops, {}});
+    }
+    entries_[known->second].places.push_back({&use.file, use.name});
+    if (use.kind == ValueKind::List) {
+        openLoop(use, loops);
+    }
 }
 
-/// The entry that a name belongs to, which may be new.
-NameEntry& NameList::entryOf(const NameUse& use) {
-    const auto [first, last] = indices_.equal_range(use.text());
-    for (auto known = first; known != last; ++known) {
-        NameEntry& entry = entries_[known->second];
-        if (entry.kind == use.kind && areSameLoops(entry.loops, use.loops)) {
-            return entry;
-        }
+void NameList::visitInclusion(const Inclusion& inclusion) {
+    if (inclusion.to.file == nullptr) {
+        return;
     }
-    indices_.emplace_hint(last, use.text(), entries_.size());
-    return entries_.emplace_back(NameEntry{std::string(use.text()), use.kind, use.loops, {}});
+    Inclusions& inclusions = inclusions_[inclusion.to.file];
+    if (++inclusions.count <= mostListed) {
+        inclusions.first.push_back({&inclusion.from, inclusion.part.name});
+    }
+}
+
+NameList::LoopsId NameList::loopsAround(const NameUse& use) const {
+    const std::size_t loop = use.file.loopAround(use.part);
+    return loop == TemplateFile::none ? 0 : inside_.at({&use.file, loop});
+}
+
+/// `use` is the list of a loop. Loops that read the same, one after the other, are the same.
+void NameList::openLoop(const NameUse& use, LoopsId outer) {
+    const std::string_view variable = use.file.slice(use.file.parts()[use.part].name);
+    const auto [known, added] =
+        knownLoops_.try_emplace({outer, variable, use.text()}, loops_.size());
+    if (added) {
+        loops_.push_back({variable, use.text(), outer, loops_[outer].count + 1});
+    }
+    inside_.emplace(std::pair(&use.file, use.part), known->second);
+}
+
+/// The outermost of them first.
+std::vector<const NameList::Loops*> NameList::innermostLoops(const Entry& entry) const {
+    std::vector<const Loops*> innermost;
+    for (LoopsId id = entry.loops; id != 0 && innermost.size() < mostListed;
+         id = loops_[id].outer) {
+        innermost.push_back(&loops_[id]);
+    }
+    std::reverse(innermost.begin(), innermost.end());
+    return innermost;
+}
+
+const NameList::Inclusions& NameList::inclusionsOf(const Entry& entry) const {
+    static const Inclusions none;
+    const auto found = inclusions_.find(entry.places.front().file);
+    return found == inclusions_.end() ? none : found->second;
+}
+
+std::string NameList::describeLoops(const Entry& entry) const {
+    const std::size_t count = loops_[entry.loops].count;
+    std::string text =
+        count > mostListed ? std::to_string(count - mostListed) + " loops around" : "";
+    for (const Loops* loop : innermostLoops(entry)) {
+        text += (text.empty() ? "for " : ", for ") + shorten(loop->variable) + " in " +
+                shorten(loop->list);
+    }
+    return text;
+}
+
+std::string NameList::describeSurroundings(const Entry& entry) const {
+    const std::string loops = describeLoops(entry);
+    const auto& [first, count] = inclusionsOf(entry);
+    if (count == 0) {
+        return loops;
+    }
+    std::string places;
+    for (const Place& place : first) {
+        places += (places.empty() ? "" : ", ") + describePlaces({place});
+    }
+    return loops + (loops.empty() ? "" : "; ") + "included at " + places +
+           moreThan(first.size(), count);
 }
 
 std::string NameList::formatText() const {
     std::vector<std::vector<std::string>> rows;
-    for (const NameEntry& entry : entries_) {
-        rows.push_back({entry.name, kindName(entry.kind), describePlaces(entry.places),
-                        describeLoops(entry.loops)});
+    for (const Entry& entry : entries_) {
+        rows.push_back({std::string(entry.name), kindName(entry.kind), describePlaces(entry.places),
+                        describeSurroundings(entry)});
     }
     return formatColumns(rows);
 }
 
 std::string NameList::formatJson() const {
-    Json names = Json::array();
-    for (const NameEntry& entry : entries_) {
-        Json loops = Json::array();
-        for (const Loop& loop : entry.loops) {
-            loops.push_back({{"variable", loop.variable}, {"list", loop.list}});
-        }
-        Json places = Json::array();
-        for (const Place& place : entry.places) {
-            const Position position = place.file->positionOf(place.range.begin);
-            places.push_back({{"file", place.file->name()},
-                              {"line", position.line},
-                              {"column", position.column}});
-        }
-        names.push_back({{"name", entry.name},
-                         {"kind", kindName(entry.kind)},
-                         {"loops", std::move(loops)},
-                         {"places", std::move(places)}});
-    }
-    return jsonDocument({{"names", std::move(names)}});
+    return jsonDocument({{"names", Json::array()}}, "names", entries_.size(),
+                        [this](std::size_t i) {
+                            const Entry& entry = entries_[i];
+                            Json loops = Json::array();
+                            for (const Loops* loop : innermostLoops(entry)) {
+                                loops.push_back({{"variable", shorten(loop->variable)},
+                                                 {"list", shorten(loop->list)}});
+                            }
+                            const std::size_t outerLoops = loops_[entry.loops].count - loops.size();
+                            const auto& [inclusions, inclusionCount] = inclusionsOf(entry);
+                            return Json{{"name", entry.name},
+                                        {"kind", kindName(entry.kind)},
+                                        {"loops", std::move(loops)},
+                                        {"moreLoops", outerLoops},
+                                        {"places", listPlaces(entry.places)},
+                                        {"includedAt", listPlaces(inclusions)},
+                                        {"moreInclusions", inclusionCount - inclusions.size()}};
+                        });
 }
 
 } // namespace kel::Stencilor::Analysis

@@ -4,34 +4,63 @@
 #include <libStencilorAnalysis/names/Survey.h>
 
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
 #include <vector>
 
 namespace kel::Stencilor::Analysis {
 
-/// One name of one kind, inside the same loops.
-struct NameEntry {
-    std::string name;
-    ValueKind kind;
-    std::vector<Loop> loops;
-    std::vector<Place> places;
-};
-
-/// Collects names in the order in which the survey finds them.
+/// Collects the names of templates in the order in which the survey finds them: those of one kind,
+/// in one file and the same loops of that file, as one. Of the loops the five innermost are listed,
+/// of the inclusions of a file the first five; the rest is counted.
 class NameList final : public Surveyor {
   public:
     void visitName(const NameUse& use) override;
+    void visitInclusion(const Inclusion& inclusion) override;
 
+    /// A line for each, which also lists at most five lines of the template.
     std::string formatText() const;
     std::string formatJson() const;
 
   private:
-    NameEntry& entryOf(const NameUse& use);
+    /// The loops around a name: the innermost, and those around it. 0 is none.
+    using LoopsId = std::size_t;
 
-    std::vector<NameEntry> entries_;
-    std::multimap<std::string, std::size_t, std::less<>> indices_; // of the entries, by name
+    struct Loops {
+        std::string_view variable;
+        std::string_view list;
+        LoopsId outer;
+        std::size_t count; // the outer ones, too
+    };
+    struct Entry {
+        std::string_view name;
+        ValueKind kind;
+        LoopsId loops;
+        std::vector<Place> places;
+    };
+    struct Inclusions {
+        std::vector<Place> first;
+        std::size_t count = 0;
+    };
+    using EntryKey = std::tuple<const TemplateFile*, std::string_view, ValueKind, LoopsId>;
+    using LoopsKey = std::tuple<LoopsId, std::string_view, std::string_view>;
+
+    LoopsId loopsAround(const NameUse& use) const;
+    void openLoop(const NameUse& use, LoopsId outer);
+    std::vector<const Loops*> innermostLoops(const Entry& entry) const;
+    const Inclusions& inclusionsOf(const Entry& entry) const;
+    std::string describeLoops(const Entry& entry) const;
+    std::string describeSurroundings(const Entry& entry) const;
+
+    std::vector<Entry> entries_;
+    std::map<EntryKey, std::size_t> indices_; // of the entries
+    std::vector<Loops> loops_{Loops{}};
+    std::map<LoopsKey, LoopsId> knownLoops_;
+    std::map<std::pair<const TemplateFile*, std::size_t>, LoopsId> inside_; // by the `for`
+    std::unordered_map<const TemplateFile*, Inclusions> inclusions_;        // by the included file
 };
 
 } // namespace kel::Stencilor::Analysis

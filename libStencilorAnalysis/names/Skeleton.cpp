@@ -2,147 +2,352 @@
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
+#include <deque>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Kind = SyntaxElement::Kind;
 
-/// Every beginning of `name` that ends before a dot.
-std::vector<std::string> findPrefixes(const std::string& name) {
-    std::vector<std::string> prefixes;
-    for (std::size_t dot = name.find('.'); dot != name.npos; dot = name.find('.', dot + 1)) {
-        prefixes.push_back(name.substr(0, dot));
-    }
-    return prefixes;
-}
+/// How many dots of a name become objects.
+constexpr std::size_t mostDots = 32;
 
-bool hasEmptyPart(const std::string& name) {
+/// How deep the elements of a list may be. A context nests at most 512 levels, and the dots of a
+/// name take some of them.
+constexpr std::size_t deepestElement = 470;
+
+constexpr std::size_t mostElements = 100; // that the names of one file become members of
+
+constexpr std::size_t deepestIndentation = 40;
+
+bool hasEmptyPart(std::string_view name) {
     return name.starts_with('.') || name.ends_with('.') || name.find("..") != name.npos;
 }
 
+/// Calls `visit` for the beginnings of a name that end before one of its first dots, until it
+/// returns true.
+template <typename Visit>
+bool anyPrefix(std::string_view name, const Visit& visit) {
+    std::size_t dot = name.find('.');
+    for (std::size_t count = 0; dot != name.npos && count < mostDots; ++count) {
+        if (visit(name.substr(0, dot))) {
+            return true;
+        }
+        dot = name.find('.', dot + 1);
+    }
+    return false;
+}
+
+/// What a name asks for, or the element of a list.
+struct Value {
+    ValueKind kind = ValueKind::String;
+    Value* element = nullptr; // of a list
+    std::size_t level = 1;    // of the objects that its members are in
+    std::vector<std::pair<std::string_view, Value*>> members{};
+    std::unordered_map<std::string_view, Value*> byName{};
+
+    /// A part of the name may be a name itself.
+    bool mayNest(std::string_view name) const {
+        return !hasEmptyPart(name) && !anyPrefix(name, [this](std::string_view prefix) {
+            return byName.contains(prefix);
+        });
+    }
+};
+
+/// An object as it is written: a member is another one or a value.
+struct Outline {
+    struct Member {
+        std::string_view name;
+        Outline* object;
+        const Value* value;
+    };
+
+    std::vector<Member> members{};
+    std::unordered_map<std::string_view, Outline*> objects{};
+};
+
 } // namespace
 
-/// An object, the element of a list, or the value of a name.
-struct Skeleton::Value {
-    ValueKind kind = ValueKind::String;
-    std::vector<std::pair<std::string, std::unique_ptr<Value>>> members{};
-    std::unique_ptr<Value> element{};
+/// Owns the values, and writes them.
+class Skeleton::Values {
+  public:
+    Value& root() { return values_.front(); }
 
-    Value* find(std::string_view name) const {
-        const auto found = std::find_if(members.begin(), members.end(), [name](const auto& member) {
-            return member.first == name;
-        });
-        return found == members.end() ? nullptr : found->second.get();
+    /// The member of an object, which is added where there is none.
+    Value& get(Value& object, std::string_view name, ValueKind kind) {
+        const auto [found, added] = object.byName.try_emplace(name, nullptr);
+        if (added) {
+            found->second = &values_.emplace_back(Value{.kind = kind});
+            object.members.emplace_back(name, found->second);
+        }
+        return *found->second;
     }
 
-    /// The member of that name, which is added where there is none.
-    Value& get(std::string_view name, ValueKind newKind) {
-        if (Value* const found = find(name)) {
-            return *found;
+    /// The element of a list, the member `name` of an object; null where it would be too deep.
+    Value* elementOf(const Value& object, std::string_view name, Value& list) {
+        if (list.element == nullptr && object.level < deepestElement) {
+            const auto dots = static_cast<std::size_t>(std::count(name.begin(), name.end(), '.'));
+            list.element = &values_.emplace_back();
+            list.element->level = object.level + std::min(dots, mostDots) + 2;
         }
-        auto value = std::make_unique<Value>();
-        value->kind = newKind;
-        if (newKind == ValueKind::List) {
-            value->element = std::make_unique<Value>();
-        }
-        members.emplace_back(name, std::move(value));
-        return *members.back().second;
+        return list.element;
     }
 
-    Json describeMembers() const {
-        Json object = Json::object();
-        for (const auto& [name, value] : members) {
-            Json* place = &object;
-            std::string rest = name;
-            if (mayNest(name)) {
-                for (std::size_t dot = rest.find('.'); dot != rest.npos; dot = rest.find('.')) {
-                    place = &(*place)[rest.substr(0, dot)];
-                    rest.erase(0, dot + 1);
-                }
+    std::string formatJson() {
+        std::deque<Outline> outlines;
+        std::vector<Open> open;
+        std::string text;
+        begin(values_.front(), false, outlines, open, text);
+        while (!open.empty()) {
+            Open& top = open.back();
+            if (top.next == top.object->members.size()) {
+                end(open, text);
+                continue;
             }
-            (*place)[rest] = value->describe();
+            const Outline::Member& member = top.object->members[top.next++];
+            text += top.next == 1 ? "\n" : ",\n";
+            indent(open, text);
+            text += jsonString(member.name) + ": ";
+            if (member.object != nullptr) {
+                open.push_back({member.object, 0, top.depth + 1, false});
+                text += "{";
+            } else if (member.value->kind == ValueKind::List && member.value->element != nullptr) {
+                begin(*member.value->element, true, outlines, open, text);
+            } else {
+                text += member.value->kind == ValueKind::String    ? "\"\""
+                        : member.value->kind == ValueKind::Boolean ? "true"
+                                                                   : "[]";
+            }
         }
-        return object;
+        return text + "\n";
     }
 
-    Json describe() const {
-        switch (kind) {
-        case ValueKind::String:
-            return "";
-        case ValueKind::Boolean:
-            return true;
-        case ValueKind::List:
+  private:
+    /// An object that is being written.
+    struct Open {
+        const Outline* object;
+        std::size_t next;
+        std::size_t depth; // of its members
+        bool inList;
+    };
+
+    static void appendIndentation(std::size_t depth, std::string& text) {
+        text.append(std::min(depth, deepestIndentation) * 2, ' ');
+    }
+
+    static void indent(const std::vector<Open>& open, std::string& text) {
+        appendIndentation(open.back().depth, text);
+    }
+
+    static void begin(const Value& value, bool inList, std::deque<Outline>& outlines,
+                      std::vector<Open>& open, std::string& text) {
+        std::size_t depth = open.empty() ? 0 : open.back().depth;
+        if (inList) {
+            text += "[\n";
+            appendIndentation(++depth, text);
+        }
+        text += "{";
+        open.push_back({&outline(value, outlines), 0, depth + 1, inList});
+    }
+
+    static void end(std::vector<Open>& open, std::string& text) {
+        const Open closed = open.back();
+        open.pop_back();
+        if (closed.next > 0) {
+            text += '\n';
+            appendIndentation(closed.depth - 1, text);
+        }
+        text += '}';
+        if (closed.inList) {
+            text += '\n';
+            appendIndentation(closed.depth - 2, text);
+            text += ']';
+        }
+    }
+
+    /// The members of a value, those with dots in objects of their own.
+    static Outline& outline(const Value& value, std::deque<Outline>& outlines) {
+        Outline& all = outlines.emplace_back();
+        for (const auto& [name, member] : value.members) {
+            Outline* place = &all;
+            std::size_t begin = 0;
+            if (value.mayNest(name)) {
+                anyPrefix(name, [&](std::string_view prefix) {
+                    place = &objectIn(*place, prefix.substr(begin), outlines);
+                    begin = prefix.size() + 1;
+                    return false;
+                });
+            }
+            place->members.push_back({name.substr(begin), nullptr, member});
+        }
+        return all;
+    }
+
+    static Outline& objectIn(Outline& place, std::string_view name, std::deque<Outline>& outlines) {
+        const auto [found, added] = place.objects.try_emplace(name, nullptr);
+        if (added) {
+            found->second = &outlines.emplace_back();
+            place.members.push_back({name, found->second, nullptr});
+        }
+        return *found->second;
+    }
+
+    std::deque<Value> values_{Value()}; // the outermost object first
+};
+
+/// Walks a template and what it includes: a file once for each element around its inclusions.
+class Skeleton::Builder {
+  public:
+    Builder(TemplateFiles& files, Values& values, std::vector<std::string>& conflicts)
+        : files_(files), values_(values), conflicts_(conflicts) {}
+
+    void build(const TemplateFile& file) {
+        enter(file, &values_.root());
+        while (!path_.empty()) {
+            Visit& visit = path_.back();
+            if (visit.next < visit.file->parts().size()) {
+                visitPart(visit, visit.next++);
+            } else {
+                onPath_.erase(visit.file);
+                path_.pop_back();
+            }
+        }
+    }
+
+  private:
+    struct Loop {
+        std::string_view variable;
+        Value* element; // null where it is too deep
+    };
+
+    /// A file for one element around it.
+    struct Visit {
+        const TemplateFile* file;
+        Value* object; // whose members its names are, outside of its own loops
+        std::size_t next = 0;
+        std::vector<Loop> loops{};
+        std::unordered_map<std::string_view, std::vector<std::size_t>> byVariable{};
+    };
+
+    struct Owner {
+        Value* object; // null where it is too deep
+        std::string_view name;
+    };
+
+    void enter(const TemplateFile& file, Value* object) {
+        if (object == nullptr || onPath_.contains(&file) ||
+            !objectsOf_[&file].insert(object).second) {
+            return;
+        }
+        if (objectsOf_[&file].size() > mostElements) {
+            complain("the names in " + quote(file.name()) + " are asked of more than " +
+                     std::to_string(mostElements) + " elements; some lack them here");
+            return;
+        }
+        onPath_.insert(&file);
+        path_.push_back({&file, object});
+    }
+
+    void visitPart(Visit& visit, std::size_t index) {
+        const TemplateFile& file = *visit.file;
+        const SyntaxElement& part = file.parts()[index];
+        switch (part.kind) {
+        case Kind::Substitution:
+        case Kind::If:
+            addName(visit, nameOf(file, index));
+            break;
+        case Kind::For:
+            openLoop(visit, nameOf(file, index), file.slice(part.name));
+            break;
+        case Kind::EndFor:
+            visit.byVariable[visit.loops.back().variable].pop_back();
+            visit.loops.pop_back();
+            break;
+        case Kind::Include:
+            if (const auto* const next = files_.include(std::string(file.slice(part.name))).file) {
+                enter(*next, visit.loops.empty() ? visit.object : visit.loops.back().element);
+            }
+            break;
+        default:
             break;
         }
-        return Json::array({element->describeMembers()});
     }
 
-    bool mayNest(const std::string& name) const {
-        const std::vector<std::string> prefixes = findPrefixes(name);
-        return !hasEmptyPart(name) &&
-               std::none_of(prefixes.begin(), prefixes.end(),
-                            [this](const std::string& prefix) { return find(prefix) != nullptr; });
+    Value* addName(const Visit& visit, const NameUse& use) {
+        const Owner owner = findOwner(visit, use.text());
+        if (owner.object == nullptr) {
+            return nullptr;
+        }
+        Value& value = values_.get(*owner.object, owner.name, use.kind);
+        if (value.kind != use.kind) {
+            complain(quote(use.text()) + " is asked for as a " + kindName(value.kind) +
+                     " and as a " + kindName(use.kind));
+        }
+        return use.kind == ValueKind::List ? values_.elementOf(*owner.object, owner.name, value)
+                                           : nullptr;
     }
+
+    void openLoop(Visit& visit, const NameUse& list, std::string_view variable) {
+        Value* const element = addName(visit, list);
+        if (element == nullptr) {
+            complain("the loops nest deeper than a context can; those inside are left out");
+        }
+        visit.byVariable[variable].push_back(visit.loops.size());
+        visit.loops.push_back({variable, element});
+    }
+
+    /// The object that a name belongs to, and what it is called there.
+    Owner findOwner(const Visit& visit, std::string_view name) {
+        if (visit.loops.empty()) {
+            return {visit.object, name};
+        }
+        const std::size_t* innermost = nullptr;
+        anyPrefix(name, [&](std::string_view prefix) {
+            const auto found = visit.byVariable.find(prefix);
+            if (prefix.size() + 1 < name.size() && found != visit.byVariable.end() &&
+                !found->second.empty() &&
+                (innermost == nullptr || *innermost < found->second.back())) {
+                innermost = &found->second.back();
+            }
+            return false;
+        });
+        if (innermost == nullptr) {
+            return {&values_.root(), name};
+        }
+        const Loop& loop = visit.loops[*innermost];
+        return {loop.element, name.substr(loop.variable.size() + 1)};
+    }
+
+    /// Once.
+    void complain(std::string conflict) {
+        if (known_.insert(conflict).second) {
+            conflicts_.push_back(std::move(conflict));
+        }
+    }
+
+    TemplateFiles& files_;
+    Values& values_;
+    std::vector<std::string>& conflicts_;
+    std::unordered_set<std::string> known_; // of the conflicts
+    std::vector<Visit> path_;
+    std::unordered_set<const TemplateFile*> onPath_;
+    std::unordered_map<const TemplateFile*, std::unordered_set<const Value*>> objectsOf_;
 };
 
-/// The object that a name belongs to, and what it is called there.
-struct Skeleton::Owner {
-    Value* object;
-    std::string_view name;
-};
-
-Skeleton::Skeleton() : root_(std::make_unique<Value>()) {}
+Skeleton::Skeleton() : values_(std::make_unique<Values>()) {}
 Skeleton::~Skeleton() = default;
 
-void Skeleton::visitName(const NameUse& use) {
-    const Owner owner = findOwner(use.text(), use.loops, use.loops.size(), use.inclusions);
-    const ValueKind first = owner.object->get(owner.name, use.kind).kind;
-    if (first == use.kind) {
-        return;
-    }
-    const std::string conflict = quote(use.text()) + " is asked for as a " + kindName(first) +
-                                 " and as a " + kindName(use.kind);
-    if (std::find(conflicts_.begin(), conflicts_.end(), conflict) == conflicts_.end()) {
-        conflicts_.push_back(conflict);
-    }
+void Skeleton::visitTemplate(TemplateFiles& files, const TemplateFile& file) {
+    Builder(files, *values_, conflicts_).build(file);
 }
 
 std::string Skeleton::formatJson() const {
-    return jsonDocument(root_->describeMembers());
-}
-
-/// `count` is how many of the loops are around the name.
-Skeleton::Owner Skeleton::findOwner(std::string_view name, const std::vector<Loop>& loops,
-                                    std::size_t count, std::size_t inclusions) {
-    bool inOwnLoop = false;
-    for (std::size_t i = count; i-- > 0 && loops[i].inclusions == inclusions;) {
-        const std::string& variable = loops[i].variable;
-        inOwnLoop = true;
-        if (name.size() > variable.size() + 1 && name.starts_with(variable + ".")) {
-            return {&elementOf(loops, i), name.substr(variable.size() + 1)};
-        }
-    }
-    if (count == 0 || inOwnLoop) {
-        return {root_.get(), name};
-    }
-    return {&elementOf(loops, count - 1), name};
-}
-
-/// The element of the list that a loop walks.
-Skeleton::Value& Skeleton::elementOf(const std::vector<Loop>& loops, std::size_t index) {
-    const Loop& loop = loops[index];
-    const Owner owner = findOwner(loop.list, loops, index, loop.inclusions);
-    Value& list = owner.object->get(owner.name, ValueKind::List);
-    if (list.element == nullptr) {
-        list.element = std::make_unique<Value>(); // the name is asked for as another kind, too
-    }
-    return *list.element;
+    return values_->formatJson();
 }
 
 } // namespace kel::Stencilor::Analysis

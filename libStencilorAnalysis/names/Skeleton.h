@@ -5,7 +5,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace kel::Stencilor::Analysis {
@@ -17,28 +16,29 @@ namespace kel::Stencilor::Analysis {
 /// file, is a member of that loop's elements. In an included file the variables of the loops around
 /// the inclusion do not count; there, a name outside of the file's own loops is taken for a member
 /// of the innermost element. All others are members of the outermost object. A name with dots
-/// becomes objects in each other, unless a part of it is a name itself.
+/// becomes objects in each other, at most 32, unless a part of it is a name itself.
+///
+/// Limits: the names of one file become members of at most 100 different elements, so that files
+/// that include each other in several loops do not multiply, and nothing nests deeper than a
+/// context can.
 class Skeleton final : public Surveyor {
   public:
     Skeleton();
     ~Skeleton() override;
 
-    void visitName(const NameUse& use) override;
+    void visitTemplate(TemplateFiles& files, const TemplateFile& file) override;
 
     std::string formatJson() const;
 
-    /// The names that are asked for as two kinds. The first one counts.
+    /// The names that are asked for as two kinds, of which the first one counts, and what a limit
+    /// leaves out.
     const std::vector<std::string>& conflicts() const { return conflicts_; }
 
   private:
-    struct Value;
-    struct Owner;
+    class Values;
+    class Builder;
 
-    Owner findOwner(std::string_view name, const std::vector<Loop>& loops, std::size_t count,
-                    std::size_t inclusions);
-    Value& elementOf(const std::vector<Loop>& loops, std::size_t index);
-
-    std::unique_ptr<Value> root_;
+    std::unique_ptr<Values> values_;
     std::vector<std::string> conflicts_;
 };
 

@@ -1,8 +1,6 @@
 #include <libStencilorAnalysis/names/Survey.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <set>
+#include <unordered_set>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
@@ -16,36 +14,16 @@ class Survey final : private TemplateWalk {
     Survey(TemplateFiles& files, Surveyor& surveyor) : TemplateWalk(files), surveyor_(surveyor) {}
 
     std::vector<Finding> walk(const TemplateFile& file) {
-        enter(file);
+        walked_.insert(&file);
+        walkFile(file);
         return std::move(findings_);
     }
 
   private:
-    void enter(const TemplateFile& file) {
-        const std::size_t around = loops_.size();
-        walkFile(file);
-        loops_.resize(around); // a rejected file may leave some open
-    }
-
     std::size_t visit(const TemplateFile& file, std::size_t index) override {
-        const SyntaxElement& part = file.parts()[index];
-        switch (part.kind) {
-        case Kind::Substitution:
-            visitName(file, part.name, ValueKind::String);
-            break;
-        case Kind::If:
-            visitName(file, part.name, ValueKind::Boolean);
-            break;
-        case Kind::For:
-            visitName(file, part.list, ValueKind::List);
-            loops_.push_back({std::string(file.slice(part.name)),
-                              std::string(file.slice(part.list)), inclusions()});
-            break;
-        case Kind::EndFor:
-            loops_.pop_back();
-            break;
-        default:
-            break;
+        const NameUse use = nameOf(file, index);
+        if (!use.name.isEmpty()) {
+            surveyor_.visitName(use);
         }
         return index + 1;
     }
@@ -54,42 +32,18 @@ class Survey final : private TemplateWalk {
         surveyor_.visitInclusion(inclusion);
         const TemplateFile* const file = inclusion.to.file;
         if (file == nullptr) {
-            addOnce(describeFailure(inclusion));
-        } else if (!isOnPath(*file) && isNew(*file)) {
+            findings_.push_back(describeFailure(inclusion));
+        } else if (walked_.insert(file).second) {
             if (file->fault().isPresent()) {
-                addOnce(describeFault(*file));
+                findings_.push_back(describeFault(*file));
             }
-            enter(*file);
-        }
-    }
-
-    void visitName(const TemplateFile& file, SyntaxRange name, ValueKind kind) {
-        surveyor_.visitName({file, name, kind, loops_, inclusions()});
-    }
-
-    std::size_t inclusions() const { return path().size() - 1; }
-
-    bool isNew(const TemplateFile& file) {
-        const std::pair<const TemplateFile*, std::vector<Loop>> key(&file, loops_);
-        if (std::find(walked_.begin(), walked_.end(), key) != walked_.end()) {
-            return false;
-        }
-        walked_.push_back(key);
-        return true;
-    }
-
-    /// Once for each place.
-    void addOnce(Finding finding) {
-        if (places_.emplace(finding.place.file, finding.place.range.begin).second) {
-            findings_.push_back(std::move(finding));
+            enterFile(*file);
         }
     }
 
     Surveyor& surveyor_;
-    std::vector<Loop> loops_;
-    std::vector<std::pair<const TemplateFile*, std::vector<Loop>>> walked_;
+    std::unordered_set<const TemplateFile*> walked_;
     std::vector<Finding> findings_;
-    std::set<std::pair<const TemplateFile*, std::uint32_t>> places_; // of the findings
 };
 
 } // namespace
@@ -106,7 +60,22 @@ const char* kindName(ValueKind kind) {
     return "list";
 }
 
+NameUse nameOf(const TemplateFile& file, std::size_t part) {
+    const SyntaxElement& tag = file.parts()[part];
+    switch (tag.kind) {
+    case Kind::Substitution:
+        return {file, part, tag.name, ValueKind::String};
+    case Kind::If:
+        return {file, part, tag.name, ValueKind::Boolean};
+    case Kind::For:
+        return {file, part, tag.list, ValueKind::List};
+    default:
+        return {file, part, {}, ValueKind::String};
+    }
+}
+
 std::vector<Finding> survey(TemplateFiles& files, const TemplateFile& file, Surveyor& surveyor) {
+    surveyor.visitTemplate(files, file);
     return Survey(files, surveyor).walk(file);
 }
 

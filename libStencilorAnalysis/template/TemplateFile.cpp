@@ -23,13 +23,8 @@ class PartList final : public SyntaxVisitor {
     std::vector<SyntaxElement>& parts_;
 };
 
-std::vector<std::size_t> findLines(std::string_view text) {
-    std::vector<std::size_t> lines = {text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0};
-    for (std::size_t end = text.find('\n'); end != text.npos; end = text.find('\n', end + 1)) {
-        lines.push_back(end + 1);
-    }
-    return lines;
-}
+/// How far the marks in a long line are apart, at least, in bytes.
+constexpr std::size_t markDistance = 256;
 
 bool opens(Kind kind) {
     return kind == Kind::If || kind == Kind::For || kind == Kind::Else;
@@ -39,30 +34,60 @@ bool closes(Kind kind) {
     return kind == Kind::EndIf || kind == Kind::EndFor || kind == Kind::Else;
 }
 
-/// For each tag that opens something, the index of the tag that closes it. The parser has made sure
-/// that they fit.
-std::vector<std::size_t> findEnds(const std::vector<SyntaxElement>& parts) {
-    std::vector<std::size_t> ends(parts.size());
-    std::vector<std::size_t> open;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (closes(parts[i].kind)) {
-            ends[open.back()] = i;
-            open.pop_back();
-        }
-        if (opens(parts[i].kind)) {
-            open.push_back(i);
-        }
-    }
-    return ends;
-}
-
 } // namespace
 
 TemplateFile::TemplateFile(std::string name, std::string text)
-    : name_(std::move(name)), text_(std::move(text)), lines_(findLines(text_)) {
+    : name_(std::move(name)), text_(std::move(text)) {
     PartList parts(parts_);
     fault_ = readSyntax(String(text_), parts);
-    ends_ = findEnds(parts_);
+    findLines();
+    findBlocks();
+}
+
+void TemplateFile::findLines() {
+    std::size_t begin = text_.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    for (std::size_t end = text_.find('\n', begin); end != text_.npos;
+         end = text_.find('\n', begin)) {
+        markLine(begin, end);
+        begin = end + 1;
+    }
+    markLine(begin, text_.size());
+}
+
+void TemplateFile::markLine(std::size_t begin, std::size_t end) {
+    lines_.push_back(static_cast<unsigned int>(begin));
+    unsigned int points = 0;
+    for (std::size_t offset = begin; end - offset > markDistance;) {
+        for (const std::size_t next = offset + markDistance; offset < next; ++points) {
+            offset += firstCodePoint(std::string_view(text_).substr(offset)).size;
+        }
+        marks_.push_back({static_cast<unsigned int>(offset), points});
+    }
+}
+
+/// What of the blocks has no end, in a template that is rejected, keeps 0 for it.
+void TemplateFile::findBlocks() {
+    ends_.resize(parts_.size());
+    loops_.resize(parts_.size());
+    struct Block {
+        unsigned int part;
+        unsigned int loop; // around it
+    };
+    std::vector<Block> open;
+    unsigned int loop = none;
+    for (unsigned int i = 0; i < parts_.size(); ++i) {
+        const Kind kind = parts_[i].kind;
+        if (closes(kind)) {
+            ends_[open.back().part] = i;
+            loop = open.back().loop;
+            open.pop_back();
+        }
+        loops_[i] = loop;
+        if (opens(kind)) {
+            open.push_back({i, loop});
+            loop = kind == Kind::For ? i : loop;
+        }
+    }
 }
 
 std::size_t TemplateFile::afterBlock(std::size_t part) const {
@@ -77,16 +102,25 @@ std::string_view TemplateFile::slice(SyntaxRange range) const {
 Position TemplateFile::positionOf(std::size_t offset) const {
     const Line line = lineAt(offset);
     // The line break itself is the column after the last one, whether it is one byte or two.
-    const std::size_t length = offset - std::min(offset, line.begin); // 0 in a byte-order mark
-    return {line.number, countCodePoints(line.text.substr(0, length)) + 1};
+    const std::size_t end = std::clamp(offset, line.begin, line.begin + line.text.size());
+    Mark from{static_cast<unsigned int>(line.begin), 0};
+    const auto after =
+        std::upper_bound(marks_.begin(), marks_.end(), end,
+                         [](std::size_t value, const Mark& mark) { return value < mark.offset; });
+    if (after != marks_.begin() && after[-1].offset > line.begin) {
+        from = after[-1];
+    }
+    const std::string_view rest = std::string_view(text_).substr(from.offset, end - from.offset);
+    return {line.number, from.points + countCodePoints(rest) + 1};
 }
 
 Line TemplateFile::lineAt(std::size_t offset) const {
     const auto after = std::upper_bound(lines_.begin() + 1, lines_.end(), offset);
     const std::size_t begin = after[-1];
-    std::string_view line = std::string_view(text_).substr(begin);
-    line = line.substr(0, line.find('\n'));
-    if (line.ends_with('\r') && begin + line.size() < text_.size()) {
+    const bool isLast = after == lines_.end();
+    const std::size_t end = isLast ? text_.size() : *after - 1;
+    std::string_view line = std::string_view(text_).substr(begin, end - begin);
+    if (line.ends_with('\r') && !isLast) {
         line.remove_suffix(1);
     }
     return {static_cast<std::size_t>(after - lines_.begin()), begin, line};

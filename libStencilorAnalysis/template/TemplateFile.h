@@ -26,6 +26,7 @@ struct Line {
 
 /// A template with its syntax.
 ///
+/// Cost: made in linear time. A place or a line is found in logarithmic time.
 /// Ownership: owns its text; what it returns is borrowed from it.
 /// Copying: not possible, since findings refer to it.
 /// Errors: a text over 4 GiB - 1 byte throws `std::length_error`.
@@ -49,16 +50,34 @@ class TemplateFile {
     /// The index after the whole block that an `if` or a `for` opens.
     std::size_t afterBlock(std::size_t part) const;
 
+    /// No part.
+    static constexpr std::size_t none = 0xFFFFFFFF;
+
+    /// The index of the innermost `for` around a part, which is not its own; `none` outside loops.
+    std::size_t loopAround(std::size_t part) const { return loops_[part]; }
+
     std::string_view slice(SyntaxRange range) const;
     Position positionOf(std::size_t offset) const;
     Line lineAt(std::size_t offset) const;
 
   private:
+    /// A place in a long line, with the code points before it in that line.
+    struct Mark {
+        unsigned int offset;
+        unsigned int points;
+    };
+
+    void findLines();
+    void markLine(std::size_t begin, std::size_t end);
+    void findBlocks();
+
     std::string name_;
     std::string text_;
-    std::vector<std::size_t> lines_; // where they begin
+    std::vector<unsigned int> lines_; // where they begin
+    std::vector<Mark> marks_;
     std::vector<SyntaxElement> parts_;
-    std::vector<std::size_t> ends_; // of each part that opens something
+    std::vector<unsigned int> ends_;  // of each part that opens something
+    std::vector<unsigned int> loops_; // around each part
     SyntaxFault fault_;
 };
 

@@ -17,9 +17,9 @@ struct Sequence {
 };
 
 constexpr Sequence sequences[] = {
-    {0x00, 0x7F, 1, 0, 0},       {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF},
-    {0xE1, 0xEC, 3, 0x80, 0xBF}, {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF},
-    {0xF0, 0xF0, 4, 0x90, 0xBF}, {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
+    {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF}, {0xE1, 0xEC, 3, 0x80, 0xBF},
+    {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF}, {0xF0, 0xF0, 4, 0x90, 0xBF},
+    {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
 };
 
 const Sequence* findSequence(unsigned char lead) {
@@ -39,12 +39,15 @@ bool mayFollow(const Sequence& sequence, std::size_t index, unsigned char byte) 
 
 CodePoint firstCodePoint(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text.front());
+    if (lead < 0x80) {
+        return {lead, 1};
+    }
     const Sequence* const sequence = findSequence(lead);
     if (sequence == nullptr) {
         return {replacement, 1};
     }
     // The lead byte has one bit less for each byte of its sequence.
-    char32_t value = sequence->size == 1 ? lead : lead & (0x7Fu >> sequence->size);
+    char32_t value = lead & (0x7Fu >> sequence->size);
     for (std::size_t i = 1; i < sequence->size; ++i) {
         if (i == text.size() || !mayFollow(*sequence, i, static_cast<unsigned char>(text[i]))) {
             return {replacement, i};

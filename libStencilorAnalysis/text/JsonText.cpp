@@ -7,12 +7,51 @@ namespace kel::Stencilor::Analysis {
 
 using Json = nlohmann::ordered_json;
 
+namespace {
+
+constexpr int indentation = 2;
+
+std::string dump(const Json& document, int indent) {
+    return showJson(document.dump(indent, ' ', false, Json::error_handler_t::replace));
+}
+
+/// Appends text whose lines after the first one are indented further.
+void appendIndented(std::string& text, std::string_view lines, const std::string& margin) {
+    for (std::size_t end = lines.find('\n'); end != lines.npos; end = lines.find('\n')) {
+        text.append(lines.substr(0, end + 1)).append(margin);
+        lines.remove_prefix(end + 1);
+    }
+    text += lines;
+}
+
+} // namespace
+
 std::string jsonDocument(const Json& document) {
-    return showJson(document.dump(2, ' ', false, Json::error_handler_t::replace)) + "\n";
+    return dump(document, indentation) + "\n";
+}
+
+std::string jsonDocument(const Json& document, std::string_view member, std::size_t count,
+                         const std::function<Json(std::size_t)>& elementAt) {
+    std::string text = jsonDocument(document);
+    if (count == 0) {
+        return text;
+    }
+    const std::string name = "\"" + std::string(member) + "\": ";
+    const std::size_t at = text.rfind(name + "[]");
+    const std::string margin(at - text.rfind('\n', at) - 1, ' ');
+    const std::string rest = text.substr(at + name.size() + 2);
+    const std::string innerMargin = margin + std::string(indentation, ' ');
+    text.resize(at + name.size());
+    text += '[';
+    for (std::size_t i = 0; i < count; ++i) {
+        text += (i == 0 ? "\n" : ",\n") + innerMargin;
+        appendIndented(text, dump(elementAt(i), indentation), innerMargin);
+    }
+    return text + "\n" + margin + "]" + rest;
 }
 
 std::string jsonString(std::string_view text) {
-    return showJson(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace));
+    return dump(text, -1);
 }
 
 } // namespace kel::Stencilor::Analysis

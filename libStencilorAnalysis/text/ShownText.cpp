@@ -101,15 +101,18 @@ std::string quote(std::string_view text) {
 
 std::string showJson(std::string_view document) {
     std::string shown;
-    while (!document.empty()) {
-        const CodePoint point = firstCodePoint(document);
+    std::size_t copied = 0;
+    for (std::size_t at = 0; at < document.size();) {
+        const CodePoint point = firstCodePoint(document.substr(at));
         // Those of ASCII are escaped already, but for the line breaks between values.
-        shown += point.value >= 0x7F && isEscaped(point.value)
-                     ? escapeForJson(point.value)
-                     : std::string(document.substr(0, point.size));
-        document.remove_prefix(point.size);
+        if (point.value >= 0x7F && isEscaped(point.value)) {
+            shown.append(document, copied, at - copied);
+            shown += escapeForJson(point.value);
+            copied = at + point.size;
+        }
+        at += point.size;
     }
-    return shown;
+    return shown.append(document, copied);
 }
 
 } // namespace kel::Stencilor::Analysis

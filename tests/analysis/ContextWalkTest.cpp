@@ -43,6 +43,7 @@ std::string messageOf(const Occurrence& found) {
                    : "Could not load file \"" + name + "\"";
     case Problem::RejectedFile:
     case Problem::TooDeep:
+    case Problem::TooLong:
         break;
     }
     return "";

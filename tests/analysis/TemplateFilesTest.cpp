@@ -1,3 +1,5 @@
+#include "MemoryReader.h"
+
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/names/Dependencies.h>
@@ -10,29 +12,6 @@
 
 namespace kel::Stencilor::Analysis {
 namespace {
-
-/// Templates in memory. A path with the text "?" cannot be read.
-class MemoryReader final : public TemplateReader {
-  public:
-    explicit MemoryReader(std::map<std::string, std::string> texts) : texts_(std::move(texts)) {}
-
-    Answer find(const std::string& path, TemplateText& found) override {
-        ++asked_[path];
-        found = {"memory:" + path, path, ""};
-        const auto text = texts_.find(path);
-        if (text == texts_.end()) {
-            return Answer::Missing;
-        }
-        found.text = text->second;
-        return found.text == "?" ? Answer::Unreadable : Answer::Found;
-    }
-
-    const std::map<std::string, int>& asked() const { return asked_; }
-
-  private:
-    std::map<std::string, std::string> texts_;
-    std::map<std::string, int> asked_;
-};
 
 const char* const page = R"({% include "a" %}{% include "a" %}{% include "b" %}{% include "none" %}
 {% include "none" %}{% include "closed" %})";

@@ -30,7 +30,7 @@ TEST_F(NamesTest, AreListedWithWhereTheyStand) {
                   "item.tags\n"
                   "item.name   string   page.txt:3              for item in shop.items, for tag in "
                   "item.tags\n"
-                  "price       string   row.txt:1               for item in shop.items\n",
+                  "price       string   row.txt:1               included at page.txt:3\n",
                   "");
 }
 
@@ -42,11 +42,15 @@ TEST_F(NamesTest, AreListedAsJson) {
     EXPECT_EQ(names[0], Json::parse(R"({"name": "title", "kind": "string", "loops": [],
         "places": [{"file": "page.txt", "line": 1, "column": 4},
                    {"file": "page.txt", "line": 1, "column": 27},
-                   {"file": "page.txt", "line": 4, "column": 4}]})"));
+                   {"file": "page.txt", "line": 4, "column": 4}],
+        "moreLoops": 0, "includedAt": [], "moreInclusions": 0})"));
     EXPECT_EQ(names[5], Json::parse(R"({"name": "tag.x", "kind": "string",
         "loops": [{"variable": "item", "list": "shop.items"},
                   {"variable": "tag", "list": "item.tags"}],
-        "places": [{"file": "page.txt", "line": 3, "column": 30}]})"));
+        "places": [{"file": "page.txt", "line": 3, "column": 30}],
+        "moreLoops": 0, "includedAt": [], "moreInclusions": 0})"));
+    EXPECT_EQ(names[7]["includedAt"],
+              Json::parse(R"([{"file": "page.txt", "line": 3, "column": 77}])"));
 }
 
 TEST_F(NamesTest, MakeASkeletonToFillIn) {
@@ -122,7 +126,7 @@ TEST_F(NamesTest, AreListedInSpiteOfAnIncludedFileThatIsMissingOrRejected) {
     folder.writeFile("case.txt", R"({% include "none.txt" %}{% include "bad.txt" %}{{ a }})");
     folder.writeFile("bad.txt", "{{ b }}{{");
     expectOutcome(runStencilor({"names", "case.txt"}), 1,
-                  "b  string  bad.txt:1\na  string  case.txt:1\n",
+                  "b  string  bad.txt:1   included at case.txt:1\na  string  case.txt:1\n",
                   "case.txt:1:13: error: included file \"none.txt\" does not exist\n"
                   "{% include \"none.txt\" %}{% include \"bad.txt\" %}{{ a }}\n"
                   "            ^~~~~~~~\n"
@@ -133,7 +137,9 @@ TEST_F(NamesTest, AreListedOnceWhereAFileIncludesItself) {
     folder.writeFile("case.txt",
                      R"({% for x in xs %}{{ x.n }}{% include "case.txt" %}{% endfor %})");
     expectOutcome(runStencilor({"names", "case.txt"}), 0,
-                  "xs   list    case.txt:1\nx.n  string  case.txt:1  for x in xs\n", "");
+                  "xs   list    case.txt:1  included at case.txt:1\n"
+                  "x.n  string  case.txt:1  for x in xs; included at case.txt:1\n",
+                  "");
 }
 
 } // namespace
