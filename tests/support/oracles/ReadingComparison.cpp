@@ -21,7 +21,7 @@ struct Readings {
           acceptedOnceMore(readOnceMore(input.c_str(), read.nodes)) {}
 
     bool agree() const {
-        return accepted == acceptedOnceMore && areTheSame(parsed.nodes, read.nodes);
+        return accepted == acceptedOnceMore && describe(parsed.nodes) == describe(read.nodes);
     }
 
     syntax_tree parsed;

@@ -226,7 +226,8 @@ std::string findMistakeInReport(const std::string& input) {
     if (fault.isPresent()) {
         return findMistakeInFault(text, findOpenBlocks(parts.all), fault);
     }
-    return areTheSame(Builder(text, parts.all).build(), nodes) ? "" : "the parts make another tree";
+    const bool same = describe(Builder(text, parts.all).build()) == describe(nodes);
+    return same ? "" : "the parts make another tree";
 }
 
 } // namespace support

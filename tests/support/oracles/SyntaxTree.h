@@ -14,10 +14,6 @@ namespace support {
 /// An `if` without nodes behind the colon has no colon.
 std::string describe(const kel::Stencilor::internal::content_list& nodes);
 
-/// True if both lists hold equal nodes, all the way down.
-bool areTheSame(const kel::Stencilor::internal::content_list& some,
-                const kel::Stencilor::internal::content_list& others);
-
 } // namespace support
 
 #endif

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
-// Text comes back from UTF-16, and UTF-16 from text, as it was, but for what is malformed. The
-// input is taken for either.
+// What is decoded is what the obvious implementation makes of it. Text comes back from UTF-16, and
+// UTF-16 from text, as it was, but for what is malformed. The input is taken for either.
 
 namespace {
 
@@ -32,8 +32,11 @@ std::u16string obviouslyRepairedUtf16(std::u16string text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view input = fuzz::textOf(data, size);
-    fuzz::require(kel::String::fromUTF16(kel::String(input).toUTF16()).view() ==
-                      support::obviouslyRepairedUtf8(input),
+    kel::String decoded("what was there before");
+    decoded.UTF8Decode(input.data(), static_cast<unsigned int>(input.size()), false);
+    fuzz::require(decoded.view() == support::obviouslyRepairedUtf8(input),
+                  "each maximal malformed part becomes one U+FFFD");
+    fuzz::require(kel::String::fromUTF16(kel::String(input).toUTF16()) == decoded,
                   "text comes back from UTF-16");
 
     std::u16string units(size / sizeof(char16_t), u'\0');
