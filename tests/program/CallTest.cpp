@@ -10,45 +10,226 @@ TEST_F(CallTest, EndsWithStatus2WhereItIsWrong) {
     folder.writeFile("values.json", "{}");
     const struct {
         const char* name;
+        std::string command; // whose help is pointed to
         std::vector<std::string> arguments;
         std::string message;
     } cases[] = {
-        {"no arguments", {}, "A subcommand is required"},
-        {"an unknown command", {"frob"}, "The following argument was not expected: frob"},
+        {"no arguments", "", {}, "no command is given"},
+        {"an unknown command", "", {"frob"}, "unknown command \"frob\""},
+        {"a misspelt command",
+         "",
+         {"rendre", "page.txt"},
+         "unknown command \"rendre\"; did you mean \"render\"?"},
+        {"an unknown option of the program", "", {"--frob"}, "unknown option \"--frob\""},
+        {"a misspelt option of the program",
+         "",
+         {"--versoin"},
+         "unknown option \"--versoin\"; did you mean \"--version\"?"},
         {"an unknown option",
+         "render",
          {"render", "page.txt", "--frob"},
-         "The following argument was not expected: --frob"},
+         "unknown option \"--frob\""},
+        {"a misspelt option",
+         "check",
+         {"check", "page.txt", "--contxt", "values.json"},
+         "unknown option \"--contxt\"; did you mean \"--context\"?"},
         {"an unknown option and no template",
+         "render",
          {"render", "--frob"},
-         "The following argument was not expected: --frob"},
+         "unknown option \"--frob\""},
+        {"an option of another command",
+         "check",
+         {"check", "page.txt", "--strict"},
+         "unknown option \"--strict\""},
         {"an option before the command",
+         "render",
          {"--strict", "render", "page.txt"},
-         "The following argument was not expected: --strict"},
-        {"no template", {"render"}, "TEMPLATE is required"},
+         "\"--strict\" belongs after the command"},
+        {"no template", "render", {"render"}, "no TEMPLATE is given"},
+        {"no templates", "check", {"check", "--quiet"}, "no TEMPLATE is given"},
         {"a third file",
+         "render",
          {"render", "page.txt", "values.json", "more"},
-         "The following argument was not expected: more"},
+         "unexpected argument \"more\""},
+        {"a third file whose name begins with a dash",
+         "render",
+         {"render", "--", "page.txt", "values.json", "-x"},
+         "unexpected argument \"-x\""},
         {"two outputs",
+         "render",
          {"render", "page.txt", "-o", "a", "-o", "b"},
-         "--output: At Most 1 required but received 2"},
+         "--output is given twice"},
+        {"two contexts",
+         "render",
+         {"render", "page.txt", "values.json", "--context", "values.json"},
+         "two contexts are given: values.json and values.json"},
         {"a definition that is missing",
+         "render",
          {"render", "page.txt", "-D"},
-         "-D: 1 required NAME=VALUE missing"},
+         "-D needs a value"},
+        {"an output that is missing", "names", {"names", "page.txt", "-o"}, "-o needs a value"},
         {"the standard input twice",
+         "render",
          {"render", "-", "-"},
-         "TEMPLATE and CONTEXT: only one of them can be -"},
+         "only one file can be -, the standard input"},
+        {"the standard input as two templates",
+         "deps",
+         {"deps", "-", "-"},
+         "only one file can be -, the standard input"},
+        {"a name of the standard input that is not read",
+         "tree",
+         {"tree", "page.txt", "--stdin-name", "x.txt"},
+         "--stdin-name needs - as the template"},
         {"a flag with a value",
+         "render",
          {"render", "page.txt", "--strict=no"},
-         "strict was given a disallowed flag override"},
+         "--strict takes no value"},
+        {"an unknown choice",
+         "names",
+         {"names", "page.txt", "--format", "yaml"},
+         "--format: \"yaml\" is none of text, json, sarif"},
+        {"a misspelt choice",
+         "render",
+         {"render", "page.txt", "--escape", "htlm"},
+         "--escape: \"htlm\" is none of none, html, json; did you mean \"html\"?"},
+        {"an empty template",
+         "render",
+         {"render", ""},
+         "the file name given for TEMPLATE is empty"},
+        {"an empty context",
+         "render",
+         {"render", "page.txt", ""},
+         "the file name given for CONTEXT is empty"},
+        {"an empty context of another command",
+         "check",
+         {"check", "page.txt", "--context", ""},
+         "the file name given for --context is empty"},
+        {"an empty output",
+         "render",
+         {"render", "page.txt", "-o", ""},
+         "the file name given for --output is empty"},
+        {"an empty root",
+         "deps",
+         {"deps", "page.txt", "--root="},
+         "the file name given for --root is empty"},
+        {"no number",
+         "render",
+         {"render", "page.txt", "--max-steps", "many"},
+         "--max-steps: expected a number, or one with K, M or G, not \"many\""},
+        {"too large a number",
+         "render",
+         {"render", "page.txt", "--max-output", "17179869184G"},
+         "--max-output: expected a number, or one with K, M or G, not \"17179869184G\""},
+        {"too deep a limit",
+         "render",
+         {"render", "page.txt", "--max-depth", "101"},
+         "--max-depth: expected a number from 1 to 100, not \"101\""},
+        {"no limit of the depth",
+         "render",
+         {"render", "page.txt", "--max-depth", "0"},
+         "--max-depth: expected a number from 1 to 100, not \"0\""},
+        {"help for an unknown command",
+         "",
+         {"help", "chekc"},
+         "unknown command \"chekc\"; did you mean \"check\"?"},
+        {"help for two commands", "", {"help", "check", "names"}, "unexpected argument \"names\""},
         {"a long argument",
+         "",
          {std::string(300, 'x')},
-         "The following argument was not expected: " + std::string(159, 'x') + "..."},
+         "unknown command \"" + std::string(200, 'x') + "...\""},
     };
-    for (const auto& [name, arguments, message] : cases) {
+    for (const auto& [name, command, arguments, message] : cases) {
         SCOPED_TRACE(name);
         const Outcome outcome = runStencilor(arguments);
-        expectOutcome(outcome, 2, "", "stencilor: " + message + callHint);
+        expectOutcome(outcome, 2, "", "stencilor: " + message + helpHint(command));
     }
+}
+
+TEST_F(CallTest, TakesAContextAndAnyNumberOfTemplates) {
+    folder.writeFile("a.txt", R"({{ a }}{% include "b.txt" %})");
+    folder.writeFile("b.txt", R"({{ b }})");
+    folder.writeFile("values.json", R"({"b":"x"})");
+    const std::string warning = "a.txt:1:4: warning: no string is named \"a\"\n"
+                                "{{ a }}{% include \"b.txt\" %}\n   ^\n";
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        std::string output;
+        std::string errors;
+    } cases[] = {
+        {"render", {"a.txt"}, "x", warning},
+        {"check", {"a.txt", "b.txt"}, warning, ""},
+        {"names",
+         {"a.txt", "b.txt"},
+         "a  string  a.txt:1\nb  string  b.txt:1  included at a.txt:1\n",
+         warning},
+        {"deps", {"a.txt", "b.txt"}, "b.txt\n", warning},
+        {"tree",
+         {"a.txt", "b.txt"},
+         "a.txt:\n1:1 substitution a\n1:8 include \"b.txt\"\nb.txt:\n1:1 substitution b\n",
+         warning},
+    };
+    for (const auto& [name, templates, output, errors] : cases) {
+        SCOPED_TRACE(name);
+        std::vector<std::string> arguments = {name, "--context", "values.json"};
+        arguments.insert(arguments.end(), templates.begin(), templates.end());
+        expectOutcome(runStencilor(arguments), 1, output, errors);
+        arguments.push_back("--quiet");
+        expectOutcome(runStencilor(arguments), 1, errors.empty() ? "" : output, "");
+    }
+}
+
+TEST_F(CallTest, NamesATemplateOnTheStandardInput) {
+    folder.makeFolder("pages");
+    folder.writeFile("pages/page.txt", "saved");
+    folder.writeFile("pages/part.txt", "{{ b }}");
+    folder.writeFile("pages/loop.txt", R"({% include "page.txt" %})");
+    const Streams unsaved{.input = R"({{ a }}{% include "part.txt" %})"};
+    const std::vector<std::string> name = {"-", "--stdin-name", "pages/page.txt"};
+    const struct {
+        const char* command;
+        int status;
+        std::string output;
+        std::string errors;
+    } cases[] = {
+        {"render", 1, "",
+         "pages/page.txt:1:4: warning: no string is named \"a\"\n"
+         "{{ a }}{% include \"part.txt\" %}\n   ^\n"
+         "pages/part.txt:1:4: warning: no string is named \"b\"\n{{ b }}\n   ^\n"},
+        {"check", 0, "", ""},
+        {"names", 0,
+         "a  string  pages/page.txt:1\n"
+         "b  string  pages/part.txt:1  included at pages/page.txt:1\n",
+         ""},
+        {"deps", 0, "pages/part.txt\n", ""},
+    };
+    for (const auto& [command, status, output, errors] : cases) {
+        SCOPED_TRACE(command);
+        std::vector<std::string> arguments = {command};
+        arguments.insert(arguments.end(), name.begin(), name.end());
+        expectOutcome(runStencilor(arguments, unsaved), status, output, errors);
+    }
+    // What includes the file gets what is not saved.
+    const std::string text = R"({% if a %}{% include "loop.txt" %}{% endif %}new)";
+    expectOutcome(runStencilor({"render", "-", "--stdin-name", "pages/page.txt", "-D",
+                                R"(a:={"$boolean":true,"a":{"$boolean":false}})"},
+                               {.input = text}),
+                  0, "newnew", "");
+}
+
+TEST_F(CallTest, ColorsMessagesOnRequest) {
+    folder.writeFile("page.txt", "{{ a }}");
+    const std::string plain = "page.txt:1:4: warning: no string is named \"a\"\n{{ a }}\n   ^\n";
+    const std::string colored = "\x1B[1mpage.txt:1:4:\x1B[0m \x1B[1;35mwarning:\x1B[0m "
+                                "\x1B[1mno string is named \"a\"\x1B[0m\n{{ a }}\n"
+                                "\x1B[1;32m   ^\x1B[0m\n";
+    expectOutcome(runStencilor({"render", "page.txt"}), 1, "", plain);
+    expectOutcome(runStencilor({"render", "page.txt", "--color", "never"}), 1, "", plain);
+    expectOutcome(runStencilor({"render", "page.txt", "--color", "always"}), 1, "", colored);
+    expectOutcome(runStencilor({"check", "page.txt", "-D", "b=c", "--color=always"}), 1, colored,
+                  "");
+    runStencilor({"check", "page.txt", "-D", "b=c", "--color=always", "-o", "out.txt"});
+    EXPECT_EQ(support::readFile("out.txt"), plain);
 }
 
 TEST_F(CallTest, PrintsItsVersion) {
@@ -65,7 +246,12 @@ TEST_F(CallTest, PrintsItsHelp) {
         {"a command's",
          {"render", "--help"},
          {"Usage: stencilor render [OPTIONS] TEMPLATE [CONTEXT]\n", "-D NAME=VALUE", "--output",
-          "--root", "--strict", "--trace", "Exit status:\n", "\"trace: NAME:LINE\""}},
+          "--root", "--strict", "Exit status:\n"}},
+        {"a command's by its name",
+         {"help", "check"},
+         {"Usage: stencilor check [OPTIONS] TEMPLATE..."}},
+        {"the program's by its name", {"help"}, {"Usage: stencilor [OPTIONS] SUBCOMMAND\n"}},
+        {"the help's", {"help", "--help"}, {"Usage: stencilor help "}},
         {"a command's in short", {"render", "-h"}, {"Usage: stencilor render "}},
     };
     for (const auto& [name, arguments, parts] : cases) {
@@ -76,6 +262,7 @@ TEST_F(CallTest, PrintsItsHelp) {
         for (const std::string& part : parts) {
             EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
         }
+        EXPECT_EQ(outcome.output.find("--trace"), std::string::npos); // for the engine's makers
     }
 }
 

@@ -3,6 +3,8 @@
 #include "ProgramTest.h"
 
 #include <libStencilor/Stencilor.h>
+#include <libStencilor/Value.h>
+#include <libStencilorJson/JsonText.h>
 
 #include <filesystem>
 #include <set>
@@ -71,6 +73,28 @@ TEST_F(CheckCorpusTest, AgreesWithTheEngineOnRandomTemplates) {
         add(support::randomTemplate(random, 24, {}));
     }
     expectTheSame();
+}
+
+using RenderCorpusTest = ProgramTest;
+
+TEST_F(RenderCorpusTest, EqualsTheEngineByteForByte) {
+    const std::string json = R"({"a":"x","b":"<\u0000>","ab":true,"c":[{"a":"y"},null,"z"]})";
+    const kel::Stencilor::Context context(kel::Stencilor::valueFromJsonText(json));
+    folder.writeFile("values.json", json);
+    for (const char* const file : {"a", "b", "ab"}) {
+        folder.writeFile(file, "[{{ a }}\xE2{{ none }}]");
+    }
+    for (std::uint64_t seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        support::Random random(seed);
+        const std::string text = support::randomTemplate(random, 24, {});
+        folder.writeFile("page", text);
+        kel::String errors;
+        const kel::String expected = buildOutput(kel::String(text), context, errors);
+        const Outcome outcome = runStencilor({"render", "page", "values.json"});
+        EXPECT_EQ(outcome.output, expected.str());
+        EXPECT_TRUE(errors.empty() || outcome.status != 0);
+    }
 }
 
 } // namespace

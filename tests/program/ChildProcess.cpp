@@ -100,8 +100,8 @@ std::wstring quoted(const std::wstring& argument) {
     return result + L"\"";
 }
 
-Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
-    const StreamFiles files(streams);
+/// Starts the program. Returns the handle of its process.
+HANDLE start(const std::vector<std::string>& arguments, const StreamFiles& files) {
     const Handle input(openForChild(files.input, GENERIC_READ));
     const Handle output(openForChild(files.output, GENERIC_WRITE));
     const Handle errors(openForChild(files.errors, GENERIC_WRITE));
@@ -122,7 +122,12 @@ Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
         fail();
     }
     const Handle thread(child.hThread);
-    const Handle process(child.hProcess);
+    return child.hProcess;
+}
+
+Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
+    const StreamFiles files(streams);
+    const Handle process(start(arguments, files));
     DWORD status = 0;
     ::WaitForSingleObject(process.get(), INFINITE);
     if (::GetExitCodeProcess(process.get(), &status) == 0) {
@@ -186,9 +191,8 @@ int waitFor(pid_t child) {
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-Outcome spawn(const std::string& program, std::vector<std::string> arguments,
-              const Streams& streams) {
-    const StreamFiles files(streams);
+pid_t start(const std::string& program, std::vector<std::string> arguments,
+            const StreamFiles& files) {
     FileActions actions;
     actions.open(STDIN_FILENO, files.input, O_RDONLY);
     actions.open(STDOUT_FILENO, files.output, O_WRONLY);
@@ -201,13 +205,17 @@ Outcome spawn(const std::string& program, std::vector<std::string> arguments,
     pid_t child = 0;
     check(::posix_spawn(&child, program.c_str(), actions.get(), Attributes().get(), pointers.data(),
                         environ));
-    return files.outcome(waitFor(child));
+    return child;
+}
+
+pid_t start(std::vector<std::string> arguments, const StreamFiles& files) {
+    arguments.insert(arguments.begin(), stencilor.string());
+    return start(stencilor.string(), std::move(arguments), files);
 }
 
 Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
-    std::vector<std::string> all = {stencilor.string()};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    return spawn(stencilor.string(), std::move(all), streams);
+    const StreamFiles files(streams);
+    return files.outcome(waitFor(start(arguments, files)));
 }
 
 #endif
@@ -218,10 +226,43 @@ Outcome runStencilor(const std::vector<std::string>& arguments, const Streams& s
     return run(arguments, streams);
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+
+struct RunningStencilor::Child {
+    explicit Child(const std::vector<std::string>& arguments) : process(start(arguments, files)) {}
+    ~Child() {
+        ::TerminateProcess(process.get(), 0);
+        ::WaitForSingleObject(process.get(), INFINITE);
+    }
+
+    StreamFiles files{{}};
+    Handle process;
+};
+
+#else
+
+struct RunningStencilor::Child {
+    explicit Child(const std::vector<std::string>& arguments) : process(start(arguments, files)) {}
+    ~Child() {
+        ::kill(process, SIGTERM);
+        waitFor(process);
+    }
+
+    StreamFiles files{{}};
+    pid_t process;
+};
+
 Outcome runShell(const std::string& command, const Streams& streams) {
-    return spawn("/bin/sh", {"sh", "-c", command, stencilor.string()}, streams);
+    const StreamFiles files(streams);
+    return files.outcome(
+        waitFor(start("/bin/sh", {"sh", "-c", command, stencilor.string()}, files)));
 }
+
 #endif
+
+RunningStencilor::RunningStencilor(const std::vector<std::string>& arguments)
+    : child_(std::make_unique<Child>(arguments)) {}
+
+RunningStencilor::~RunningStencilor() = default;
 
 } // namespace program

@@ -1,6 +1,7 @@
 #ifndef TESTS_PROGRAM_CHILDPROCESS_H
 #define TESTS_PROGRAM_CHILDPROCESS_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,19 @@ struct Streams {
 /// Runs `stencilor` in the working directory and waits for its end.
 /// Errors: throws `std::system_error` where it cannot be started.
 Outcome runStencilor(const std::vector<std::string>& arguments, const Streams& streams = {});
+
+/// `stencilor` in the working directory, from which nothing is read. It is ended with this object.
+class RunningStencilor {
+  public:
+    explicit RunningStencilor(const std::vector<std::string>& arguments);
+    RunningStencilor(const RunningStencilor&) = delete;
+    RunningStencilor& operator=(const RunningStencilor&) = delete;
+    ~RunningStencilor();
+
+  private:
+    struct Child;
+    std::unique_ptr<Child> child_;
+};
 
 #ifndef _WIN32
 /// Runs a command of the shell, in which "$0" is `stencilor`.

@@ -70,13 +70,14 @@ TEST_F(ContextTest, LosesTheDottedNamesOfAnObjectThatIsReplaced) {
     folder.writeFile("values.json", R"({"user":{"first":"old"}})");
     expectOutcome(
         runStencilor({"render", "page.txt", "values.json", "-D", R"(user:={"name":"x"})"}), 1, "",
-        "stencilor: page.txt: Could not find expected replacement named \"user.first\"\n");
+        "page.txt:1:4: warning: no string is named \"user.first\"\n"
+        "{{ user.first }}\n   ^~~~~~~~~~\n");
 }
 
 TEST_F(ContextTest, IsEmptyWhereNoneIsGiven) {
     folder.writeFile("page.txt", "[{{ a }}]");
     expectOutcome(runStencilor({"render", "page.txt"}), 1, "[]",
-                  "stencilor: page.txt: Could not find expected replacement named \"a\"\n");
+                  "page.txt:1:5: warning: no string is named \"a\"\n[{{ a }}]\n    ^\n");
     expectOutcome(runStencilor({"render", "page.txt", "-D", "a=x"}), 0, "[x]", "");
 }
 

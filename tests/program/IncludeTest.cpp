@@ -19,7 +19,6 @@ class IncludeTest : public ProgramTest {
 };
 
 TEST_F(IncludeTest, FindsFilesBelowTheRootOnly) {
-    const std::string missing = ", file doesn't exist\n";
     const struct {
         const char* name;
         std::vector<std::string> arguments;
@@ -54,12 +53,14 @@ TEST_F(IncludeTest, FindsFilesBelowTheRootOnly) {
          {"pages/up.txt"},
          "",
          "[]",
-         "stencilor: pages/up.txt: Could not include file \"parts/../../part.txt\"" + missing},
+         "pages/up.txt:1:14: warning: included file \"parts/../../part.txt\" does not exist\n"
+         "[{% include \"parts/../../part.txt\" %}]\n             ^~~~~~~~~~~~~~~~~~~~\n"},
         {"not where another root has it",
          {"pages/deep.txt", "--root", "other"},
          "",
          "[]",
-         "stencilor: pages/deep.txt: Could not include file \"parts/part.txt\"" + missing},
+         "pages/deep.txt:1:14: warning: included file \"parts/part.txt\" does not exist\n"
+         "[{% include \"parts/part.txt\" %}]\n             ^~~~~~~~~~~~~~\n"},
     };
     for (const auto& [name, arguments, input, output, errors] : cases) {
         SCOPED_TRACE(name);
@@ -84,8 +85,8 @@ TEST_F(IncludeTest, IsRefusedThroughALinkThatLeavesTheRoot) {
     }
     folder.writeFile("pages/linked.txt", R"([{% include "link.txt" %}])");
     expectOutcome(runStencilor({"render", "pages/linked.txt"}), 1, "[]",
-                  "stencilor: pages/linked.txt: Could not include file \"link.txt\", file "
-                  "doesn't exist\n");
+                  "pages/linked.txt:1:14: warning: included file \"link.txt\" does not exist\n"
+                  "[{% include \"link.txt\" %}]\n             ^~~~~~~~\n");
 }
 
 } // namespace

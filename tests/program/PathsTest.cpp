@@ -57,8 +57,8 @@ TEST_F(PathsTest, MayLeadToARootInAnyLanguage) {
 TEST_F(PathsTest, AreToldAsTheyWereGiven) {
     folder.writeFile(page, "{{ missing }}");
     expectOutcome(runStencilor({"render", page}), 1, "",
-                  "stencilor: " + page +
-                      ": Could not find expected replacement named \"missing\"\n");
+                  page +
+                      ":1:4: warning: no string is named \"missing\"\n{{ missing }}\n   ^~~~~~~\n");
 }
 
 TEST_F(PathsTest, OfIncludedFilesAreInAsciiOrTheTemplateIsRejected) {
@@ -67,7 +67,7 @@ TEST_F(PathsTest, OfIncludedFilesAreInAsciiOrTheTemplateIsRejected) {
     const Outcome outcome = runStencilor({"render", page});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_TRUE(outcome.errors.starts_with("stencilor: " + page + ": ")) << outcome.errors;
+    EXPECT_TRUE(outcome.errors.starts_with(page + ":1:16: error: ")) << outcome.errors;
 }
 
 /// A folder whose path is longer than the 260 characters that Windows allows at first. What removes
@@ -152,7 +152,9 @@ TEST_F(PathsTest, OfLockedFilesAreRefused) {
     {
         const support::LockedFile locked(native(templates + "/part.txt"));
         expectOutcome(runStencilor({"render", page, context}), 1, "\u00DCberblick \u6A21\u677F[]\n",
-                      "stencilor: " + page + ": Could not load file \"part.txt\"\n");
+                      page + ":1:25: warning: included file \"part.txt\" cannot be read\n"
+                             "{{ title }}[{% include \"part.txt\" %}]\n"
+                             "                        ^~~~~~~~\n");
     }
 }
 

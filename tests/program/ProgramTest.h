@@ -17,8 +17,10 @@ class ProgramTest : public ::testing::Test {
     support::WorkingFolder inside_{folder.path()};
 };
 
-/// What comes behind the message about a wrong call.
-inline const std::string callHint = "\nRun 'stencilor --help' for how to call it.\n";
+/// What comes after the message about a wrong call.
+inline std::string helpHint(const std::string& command) {
+    return "\nRun 'stencilor " + command + (command.empty() ? "" : " ") + "--help' for usage.\n";
+}
 
 inline void expectOutcome(const Outcome& outcome, int status, const std::string& output,
                           const std::string& errors) {

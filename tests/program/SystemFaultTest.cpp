@@ -81,7 +81,7 @@ TEST_F(SystemFaultTest, LeavesAFileThatIsOldOrNew) {
                 break;
             case 1: // the included file could not be read
                 EXPECT_EQ(output, "[x]");
-                EXPECT_TRUE(outcome->errors.starts_with("stencilor: page.txt: Could not "));
+                EXPECT_TRUE(outcome->errors.starts_with("page.txt:1:21: warning: included file "));
                 break;
             default:
                 EXPECT_EQ(outcome->status, 2);

@@ -95,7 +95,7 @@ TEST_F(TerminalTest, IsSafeFromTheNamesOfFiles) {
     const std::string shown = "\\x1B[31m\\u009B\\u202E\\n.txt";
     folder.writeFile(hostile, "{{ a }}");
     expectOutcome(runStencilor({"render", hostile}), 1, "",
-                  "stencilor: " + shown + ": Could not find expected replacement named \"a\"\n");
+                  shown + ":1:4: warning: no string is named \"a\"\n{{ a }}\n   ^\n");
     expectOutcome(runStencilor({"names", hostile}), 0, "a  string  " + shown + ":1\n", "");
     folder.writeFile(hostile, "{{");
     expectOutcome(runStencilor({"check", hostile}), 1,
@@ -115,7 +115,7 @@ TEST_F(TerminalTest, ShowsAtMost200CharactersOfANameOrALine) {
              {"render", "page.txt", "-D", name + ":=[]"},
              {"render", "page.txt", "-D", name + ":=x"},
              {"render", "page.txt", "-D", name},
-             {"render", "page.txt", "-D", "b=c", "--explain"},
+             {"render", "page.txt", "-D", "b=c", "--strict"},
              {"check", "page.txt", "-D", "b=c"},
              {"check", "page.txt", "-D", name + "=b"},
              {"names", "page.txt", "--skeleton", "-o", "skeleton.json"},

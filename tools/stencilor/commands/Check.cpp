@@ -1,13 +1,8 @@
-#include <libStencilorAnalysis/check/ContextCheck.h>
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
-#include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <tools/stencilor/commands/Check.h>
-#include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/Messages.h>
-#include <tools/stencilor/commands/TemplateFolder.h>
-#include <tools/stencilor/system/System.h>
+#include <tools/stencilor/commands/NamedTemplates.h>
 
-#include <optional>
 #include <utility>
 
 namespace stencilor {
@@ -16,47 +11,37 @@ using namespace kel::Stencilor::Analysis;
 
 namespace {
 
-/// Without a context, names are not looked up.
-void checkTemplate(const NamedTemplates::Named& named,
-                   const std::optional<kel::Stencilor::Context>& context, CheckReport& report) {
+void checkTemplate(NamedTemplates& templates, const std::string& file, CheckReport& report) {
+    const NamedTemplates::Named named = templates.open(file);
     checkSyntax(named.files, named.file, report);
-    if (context && !named.file.fault().isPresent()) {
-        const auto faults =
-            findContextFaults(named.files, named.file, *context, ContextWalk::Extent::Whole);
+    if (!named.file.fault().isPresent()) {
+        const auto faults = templates.findContextFaults(named);
         report.findings.insert(report.findings.end(), faults.begin(), faults.end());
     }
 }
 
-std::string format(const std::vector<Finding>& findings, CheckFormat format) {
-    switch (format) {
-    case CheckFormat::Text:
-        return formatText(findings);
-    case CheckFormat::Json:
-        return formatJson(findings);
-    case CheckFormat::Sarif:
-        break;
-    }
-    return formatSarif(findings, system::uriOf);
-}
-
 } // namespace
 
-ExitStatus check(const CheckRequest& request) {
-    const auto context =
-        request.context.isGiven() ? std::optional(makeContext(request.context)) : std::nullopt;
-    NamedTemplates templates;
+ExitStatus check(const Request& request) {
+    Files files;
+    NamedTemplates templates(request, files);
     CheckReport report;
     bool failed = false;
-    for (const std::string& name : request.templateFiles) {
+    for (const std::string& file : request.templateFiles) {
         try {
-            checkTemplate(templates.open(name, request.root), context, report);
+            checkTemplate(templates, file, report);
         } catch (const Failure& failure) {
             printError(failure.what());
             failed = true;
         }
     }
     const std::vector<Finding> findings = sortFindings(std::move(report));
-    writeOutput(request.outputFile, format(findings, request.format));
+    const bool isShown = request.outputFile == standardStream;
+    if (!isShown || !request.quiet) {
+        Request shown = request;
+        shown.color = isShown ? request.color : Color::Never;
+        files.write(request.outputFile, formatFindings(findings, shown, false));
+    }
     return failed ? exitFailure : needAttention(findings) ? exitMessages : exitClean;
 }
 

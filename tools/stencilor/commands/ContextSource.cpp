@@ -2,7 +2,6 @@
 #include <libStencilorJson/JsonText.h>
 #include <tools/stencilor/commands/ContextSource.h>
 #include <tools/stencilor/commands/Failure.h>
-#include <tools/stencilor/commands/Files.h>
 
 #include <stdexcept>
 #include <string_view>
@@ -42,11 +41,11 @@ void applyDefinition(Value& context, std::string_view definition) {
     context.set(name, std::move(value));
 }
 
-Value loadContext(const ContextRequest& request) {
+Value loadContext(const ContextRequest& request, Files& files) {
     Value context;
     if (request.file) {
         const std::string name = inputName(*request.file);
-        context = parse(name, readInput(*request.file));
+        context = parse(name, files.read(*request.file));
         if (context.kind() != Value::Kind::Dictionary) {
             throw Failure(name + ": expected an object, whose members the template can name");
         }
@@ -59,8 +58,8 @@ Value loadContext(const ContextRequest& request) {
 
 } // namespace
 
-kel::Stencilor::Context makeContext(const ContextRequest& request) {
-    const Value values = loadContext(request);
+kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files) {
+    const Value values = loadContext(request, files);
     try {
         return kel::Stencilor::Context(values, {.positions = request.positions});
     } catch (const std::length_error& error) { // of the dotted names, not of a text

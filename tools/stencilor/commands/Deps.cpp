@@ -1,10 +1,12 @@
 #include <libStencilorAnalysis/names/Dependencies.h>
+#include <libStencilorAnalysis/text/JsonText.h>
 #include <tools/stencilor/commands/Deps.h>
-#include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/Messages.h>
-#include <tools/stencilor/commands/TemplateFolder.h>
+#include <tools/stencilor/commands/NamedTemplates.h>
 
-#include <string>
+#include <algorithm>
+#include <iterator>
+#include <set>
 #include <vector>
 
 namespace stencilor {
@@ -21,10 +23,20 @@ std::string writeList(const std::vector<std::string>& paths) {
     return text;
 }
 
+std::string writeJson(const std::vector<std::string>& paths) {
+    std::string text;
+    for (const std::string& path : paths) {
+        text += (text.empty() ? "\n    " : ",\n    ") + jsonString(path);
+    }
+    return "{\n  \"files\": [" + text + (text.empty() ? "" : "\n  ") + "]\n}\n";
+}
+
 std::string writeRule(const DepsRequest& request, const std::vector<std::string>& paths) {
     std::string rule = escapeForMake(*request.target) + ":";
-    if (request.templateFile != standardStream) {
-        rule += " " + escapeForMake(request.templateFile);
+    for (const std::string& file : request.templateFiles) {
+        if (file != standardStream) {
+            rule += " " + escapeForMake(file);
+        }
     }
     for (const std::string& path : paths) {
         rule += " \\\n  " + escapeForMake(path);
@@ -32,19 +44,33 @@ std::string writeRule(const DepsRequest& request, const std::vector<std::string>
     return rule + "\n";
 }
 
+std::string write(const DepsRequest& request, const std::vector<std::string>& paths) {
+    return request.target                   ? writeRule(request, paths)
+           : request.format == Format::Json ? writeJson(paths)
+                                            : writeList(paths);
+}
+
 } // namespace
 
 ExitStatus deps(const DepsRequest& request) {
-    NamedTemplates templates;
-    const auto [files, file] = templates.open(request.templateFile, request.root);
-    if (file.fault().isPresent()) {
-        printFindings({describeFault(file)});
+    Files files;
+    NamedTemplates templates(request, files);
+    const std::vector<NamedTemplates::Named> all = templates.openAll();
+    if (all.empty()) {
         return exitRejected;
     }
-    Dependencies found(file);
-    const ExitStatus status = printFindings(survey(files, file, found));
-    writeOutput(request.outputFile,
-                request.target ? writeRule(request, found.names()) : writeList(found.names()));
+    std::vector<Finding> findings;
+    std::vector<std::string> paths;
+    std::set<std::string> known;
+    for (const NamedTemplates::Named& named : all) {
+        Dependencies found(named.file);
+        addNew(findings, survey(named.files, named.file, found));
+        addNew(findings, templates.findContextFaults(named));
+        std::copy_if(found.names().begin(), found.names().end(), std::back_inserter(paths),
+                     [&known](const std::string& path) { return known.insert(path).second; });
+    }
+    const ExitStatus status = printFindings(findings, request);
+    files.write(request.outputFile, write(request, paths));
     return status;
 }
 

@@ -2,6 +2,7 @@
 #define TOOLS_STENCILOR_COMMANDS_DEPS_H
 
 #include <tools/stencilor/commands/Failure.h>
+#include <tools/stencilor/commands/Request.h>
 
 #include <optional>
 #include <string>
@@ -10,14 +11,11 @@
 namespace stencilor {
 
 /// What `stencilor deps` is asked for. With a target, the output is a rule of Make.
-struct DepsRequest {
-    std::string templateFile;
-    std::optional<std::string> root;
+struct DepsRequest : Request {
     std::optional<std::string> target;
-    std::string outputFile = "-";
 };
 
-/// Writes which files a template includes, directly or through others.
+/// Writes which files templates include, directly or through others.
 /// Errors: throws `Failure`.
 ExitStatus deps(const DepsRequest& request);
 

@@ -12,12 +12,19 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// A wrong call, after which the help is pointed to.
+class CallError : public Failure {
+  public:
+    using Failure::Failure;
+};
+
 /// How the program ends, as scripts see it.
 enum ExitStatus : int {
     exitClean = 0,
     exitMessages = 1,
     exitFailure = 2,
     exitRejected = 3,
+    exitLimit = 4,
 };
 
 } // namespace stencilor

@@ -1,9 +1,8 @@
 #include <libStencilorAnalysis/names/NameList.h>
 #include <libStencilorAnalysis/names/Skeleton.h>
-#include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/Messages.h>
+#include <tools/stencilor/commands/NamedTemplates.h>
 #include <tools/stencilor/commands/Names.h>
-#include <tools/stencilor/commands/TemplateFolder.h>
 
 namespace stencilor {
 
@@ -11,35 +10,44 @@ using namespace kel::Stencilor::Analysis;
 
 namespace {
 
-ExitStatus writeNames(const NamesRequest& request, const NamedTemplates::Named& named) {
-    NameList list;
-    const ExitStatus status = printFindings(survey(named.files, named.file, list));
-    writeOutput(request.outputFile,
-                request.format == NamesFormat::Json ? list.formatJson() : list.formatText());
-    return status;
-}
+using AllTemplates = std::vector<NamedTemplates::Named>;
 
-ExitStatus writeSkeleton(const NamesRequest& request, const NamedTemplates::Named& named) {
-    Skeleton skeleton;
-    const ExitStatus status = printFindings(survey(named.files, named.file, skeleton));
-    for (const std::string& conflict : skeleton.conflicts()) {
-        printError(named.file.name() + ": " + conflict);
+ExitStatus surveyAll(const NamesRequest& request, const NamedTemplates& templates,
+                     const AllTemplates& all, Surveyor& surveyor) {
+    std::vector<Finding> findings;
+    for (const NamedTemplates::Named& named : all) {
+        addNew(findings, survey(named.files, named.file, surveyor));
+        addNew(findings, templates.findContextFaults(named));
     }
-    writeOutput(request.outputFile, skeleton.formatJson());
-    return skeleton.conflicts().empty() ? status : exitMessages;
+    return printFindings(findings, request);
 }
 
 } // namespace
 
 ExitStatus names(const NamesRequest& request) {
-    NamedTemplates templates;
-    const NamedTemplates::Named named = templates.open(request.templateFile, request.root);
-    if (named.file.fault().isPresent()) {
-        printFindings({describeFault(named.file)});
+    Files files;
+    NamedTemplates templates(request, files);
+    const AllTemplates all = templates.openAll();
+    if (all.empty()) {
         return exitRejected;
     }
-    return request.format == NamesFormat::Skeleton ? writeSkeleton(request, named)
-                                                   : writeNames(request, named);
+    if (!request.skeleton) {
+        NameList list;
+        const ExitStatus status = surveyAll(request, templates, all, list);
+        files.write(request.outputFile,
+                    request.format == Format::Json ? list.formatJson() : list.formatText());
+        return status;
+    }
+    Skeleton skeleton;
+    const ExitStatus status = surveyAll(request, templates, all, skeleton);
+    const std::string prefix = all.size() == 1 ? all.front().file.name() + ": " : "";
+    for (const std::string& conflict : skeleton.conflicts()) {
+        if (!request.quiet) {
+            printError(prefix + conflict);
+        }
+    }
+    files.write(request.outputFile, skeleton.formatJson());
+    return skeleton.conflicts().empty() ? status : exitMessages;
 }
 
 } // namespace stencilor

@@ -2,23 +2,16 @@
 #define TOOLS_STENCILOR_COMMANDS_NAMES_H
 
 #include <tools/stencilor/commands/Failure.h>
-
-#include <optional>
-#include <string>
+#include <tools/stencilor/commands/Request.h>
 
 namespace stencilor {
 
-enum class NamesFormat { Text, Json, Skeleton };
-
 /// What `stencilor names` is asked for.
-struct NamesRequest {
-    std::string templateFile;
-    std::optional<std::string> root;
-    NamesFormat format = NamesFormat::Text;
-    std::string outputFile = "-";
+struct NamesRequest : Request {
+    bool skeleton = false;
 };
 
-/// Writes which names a template and what it includes ask a context for; or, as a skeleton, a
+/// Writes which names templates and what they include ask a context for; or, as a skeleton, a
 /// context that has them.
 /// Errors: throws `Failure`.
 ExitStatus names(const NamesRequest& request);

@@ -1,73 +1,99 @@
-#include <libKel/FileSystem.h>
 #include <libKel/String.h>
-#include <libStencilor/Stencilor.h>
-#include <libStencilorAnalysis/check/ContextCheck.h>
-#include <tools/stencilor/commands/EngineMessages.h>
-#include <tools/stencilor/commands/Files.h>
+#include <tools/stencilor/commands/ContextSource.h>
 #include <tools/stencilor/commands/Messages.h>
 #include <tools/stencilor/commands/Render.h>
-#include <tools/stencilor/commands/TemplateFolder.h>
+#include <tools/stencilor/commands/RenderMessages.h>
+#include <tools/stencilor/commands/RenderedTemplates.h>
 #include <tools/stencilor/commands/Trace.h>
 
+#include <algorithm>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace stencilor {
 
 using namespace kel::Stencilor::Analysis;
+using kel::Stencilor::RenderOptions;
+using kel::Stencilor::RenderResult;
+using kel::Stencilor::RenderStatus;
 
 namespace {
 
-void printMessages(const std::string& templateFile, std::string_view errors) {
-    for (const std::string_view message : splitMessages(errors)) {
-        printError(inputName(templateFile) + ": " + shortenQuotation(message));
+/// The bytes that included templates may have; nothing if the one that is rendered has too many.
+std::optional<std::uint64_t> bytesForIncludes(std::uint64_t limit, std::uint64_t size) {
+    if (limit == 0) {
+        return 0;
+    }
+    if (size > limit) {
+        return std::nullopt;
+    }
+    return std::max<std::uint64_t>(limit - size, 1); // 0 would be no limit
+}
+
+ExitStatus refuseLongTemplate(const RenderRequest& request, const std::string& name) {
+    const TemplateFile unread(name, "");
+    printFindings(
+        {{.rule = Rule::Limit,
+          .place = {&unread, {}},
+          .message = "the template has more bytes than " +
+                     std::to_string(request.limits.templateBytes) + " (--max-templates)"}},
+        request);
+    return exitLimit;
+}
+
+ExitStatus statusOf(const RenderResult& result) {
+    switch (result.status) {
+    case RenderStatus::Complete:
+        return result.usage.messages == 0 ? exitClean : exitMessages;
+    case RenderStatus::Rejected:
+        return exitRejected;
+    default:
+        return exitLimit;
     }
 }
 
-/// In place of the messages: what causes them, and where. To be called before anything is traced.
-void explain(const RenderRequest& request, const std::string& text,
-             const kel::Stencilor::ContextBase& context) {
-    NamedTemplates templates;
-    const auto [files, file] = templates.add(request.templateFile, text, request.root);
-    printFindings(file.fault().isPresent()
-                      ? std::vector{describeFault(file)}
-                      : findContextFaults(files, file, context, ContextWalk::Extent::Rendered));
+ExitStatus renderOnce(const RenderRequest& request, Files& files) {
+    RenderedTemplates templates(request, files);
+    const auto context = makeContext(request.context, files);
+    const kel::Stencilor::Template& root = templates.root();
+    RenderOptions options{.escape = request.escape, .source = &templates, .limits = request.limits};
+    const auto bytes = bytesForIncludes(request.limits.templateBytes, root.text().size());
+    if (!bytes) {
+        return refuseLongTemplate(request, root.name().str());
+    }
+    options.limits.templateBytes = *bytes;
+    if (request.trace) {
+        startTrace();
+    }
+    const RenderResult result = root.render(context, options);
+    endTrace(); // messages are made by rendering, too
+    printFindings(describeMessages(request, templates, context, result), request);
+    const ExitStatus status = statusOf(result);
+    if (status == exitClean || (status == exitMessages && !request.strict)) {
+        files.write(request.outputFile, result.text.view());
+    }
+    return status;
 }
 
-/// Has the engine look up included files below `root` and nowhere else.
-void confineIncludes(const std::string& root) {
-    if (!kel::FileSystem::setRoot(root)) {
-        failWithoutRoot(root);
+[[noreturn]] void watch(const RenderRequest& request) {
+    for (;;) {
+        Files files;
+        const int status = reportFailure([&] { return renderOnce(request, files); });
+        if (!request.quiet) {
+            printError(status == exitClean ? "rendered; waiting for a change"
+                                           : "waiting for a change");
+        }
+        files.waitForChange();
     }
 }
 
 } // namespace
 
 ExitStatus render(const RenderRequest& request) {
-    // Everything is read first: the root holds for whatever is read after it is set.
-    const std::string text = readInput(request.templateFile);
-    const auto context = makeContext(request.context);
-    confineIncludes(includeRoot(request.templateFile, request.root));
-    if (request.explain) {
-        explain(request, text, context);
+    if (request.watch) {
+        watch(request);
     }
-    if (request.trace) {
-        startTrace();
-    }
-
-    kel::String errors;
-    const kel::String output = kel::Stencilor::buildOutput(text, context, errors);
-    if (!request.explain) {
-        printMessages(request.templateFile, errors.view());
-    }
-    if (isRejection(errors.view())) {
-        return exitRejected;
-    }
-    if (errors.empty() || !request.strict) {
-        writeOutput(request.outputFile, output.view());
-    }
-    return errors.empty() ? exitClean : exitMessages;
+    Files files;
+    return renderOnce(request, files);
 }
 
 } // namespace stencilor

@@ -1,27 +1,26 @@
 #ifndef TOOLS_STENCILOR_COMMANDS_RENDER_H
 #define TOOLS_STENCILOR_COMMANDS_RENDER_H
 
-#include <tools/stencilor/commands/ContextSource.h>
+#include <libStencilor/Template.h>
 #include <tools/stencilor/commands/Failure.h>
-
-#include <optional>
-#include <string>
+#include <tools/stencilor/commands/Request.h>
 
 namespace stencilor {
 
-/// What `stencilor render` is asked for. In place of a file, `-` is a standard stream. No root is
-/// the template's folder.
-struct RenderRequest {
-    std::string templateFile;
-    ContextRequest context;
-    std::string outputFile = "-";
-    std::optional<std::string> root;
+/// What `stencilor render` is asked for.
+struct RenderRequest : Request {
+    kel::Stencilor::Escape escape = kel::Stencilor::Escape::none();
+    kel::Stencilor::RenderLimits limits = {
+        .steps = 100'000'000,
+        .outputBytes = std::uint64_t{1} << 30,
+        .templateBytes = std::uint64_t{256} << 20,
+    };
     bool strict = false;
-    bool explain = false;
     bool trace = false;
+    bool watch = false;
 };
 
-/// Renders a template, and writes the result and the engine's messages.
+/// Renders a template, and writes the result and the messages. Watching never returns.
 /// Errors: throws `Failure`; a text over 4 GiB - 1 byte throws `std::length_error`.
 ExitStatus render(const RenderRequest& request);
 

@@ -1,7 +1,6 @@
 #include <libKel/Buffer.h>
 #include <libKel/String.h>
 #include <tools/stencilor/commands/Failure.h>
-#include <tools/stencilor/commands/Files.h>
 #include <tools/stencilor/commands/TemplateFolder.h>
 #include <tools/stencilor/system/System.h>
 
@@ -17,32 +16,37 @@ kel::Folder openFolder(const std::string& path) {
     if (auto folder = kel::Folder::open(path)) {
         return *folder;
     }
-    failWithoutRoot(path);
+    throw Failure(path + ": not a folder that included files can be read from");
+}
+
+/// The file that a template belongs to; `-` where it is none.
+const std::string& fileOf(const std::string& templateFile, const Request& request) {
+    return templateFile == standardStream && request.standardInputName ? *request.standardInputName
+                                                                       : templateFile;
 }
 
 } // namespace
 
-void failWithoutRoot(const std::string& root) {
-    throw Failure(root + ": not a folder that included files can be read from");
+std::string includeRoot(const std::string& templateFile, const Request& request) {
+    const std::string& file = fileOf(templateFile, request);
+    return request.root ? *request.root : file == standardStream ? "." : system::folderOf(file);
 }
 
-std::string includeRoot(const std::string& templateFile, const std::optional<std::string>& root) {
-    if (root) {
-        return *root;
+TemplateText readTemplate(const std::string& templateFile, const Request& request, Files& files) {
+    const std::string& file = fileOf(templateFile, request);
+    if (file == standardStream) {
+        return {inputName(file), "", files.read(file)};
     }
-    return templateFile == standardStream ? "." : system::folderOf(templateFile);
+    files.note(file);
+    return {file, system::identityOf(file), files.read(templateFile)};
 }
 
-TemplateFolder::TemplateFolder(const std::string& root) : root_(root), folder_(openFolder(root)) {}
+TemplateFolder::TemplateFolder(const std::string& root, Files& files)
+    : root_(root), folder_(openFolder(root)), files_(files) {}
 
 TemplateReader::Answer TemplateFolder::find(const std::string& path, TemplateText& found) {
-    found.name = nameOf(path);
-    kel::Buffer<unsigned char> bytes;
-    kel::FileState state;
-    switch (folder_.load(path, system::longestText, bytes, state)) {
+    switch (load(path, system::longestText, found)) {
     case kel::Folder::Answer::Found:
-        found.identity = system::identityOf(found.name);
-        found.text.assign(reinterpret_cast<const char*>(bytes.data), bytes.size);
         return Answer::Found;
     case kel::Folder::Answer::Missing:
         return Answer::Missing;
@@ -51,24 +55,25 @@ TemplateReader::Answer TemplateFolder::find(const std::string& path, TemplateTex
     }
 }
 
+kel::Folder::Answer TemplateFolder::load(const std::string& path, std::uint64_t maxBytes,
+                                         TemplateText& found) const {
+    found.name = nameOf(path);
+    files_.note(found.name);
+    kel::Buffer<unsigned char> bytes;
+    kel::FileState state;
+    const kel::Folder::Answer answer = folder_.load(path, maxBytes, bytes, state);
+    if (answer == kel::Folder::Answer::Found) {
+        found.identity = system::identityOf(found.name);
+        found.text.assign(reinterpret_cast<const char*>(bytes.data), bytes.size);
+    }
+    return answer;
+}
+
 std::string TemplateFolder::nameOf(const std::string& path) const {
     if (root_ == ".") {
         return path;
     }
     return root_.ends_with('/') ? root_ + path : root_ + "/" + path;
-}
-
-NamedTemplates::Named NamedTemplates::open(const std::string& file,
-                                           const std::optional<std::string>& root) {
-    return add(file, readInput(file), root);
-}
-
-NamedTemplates::Named NamedTemplates::add(const std::string& file, std::string text,
-                                          const std::optional<std::string>& root) {
-    const std::string path = includeRoot(file, root);
-    TemplateFiles& files = roots_.try_emplace(path, path).first->second.files;
-    const std::string identity = file == standardStream ? "" : system::identityOf(file);
-    return {files, files.add({inputName(file), identity, std::move(text)})};
 }
 
 } // namespace stencilor

@@ -33,4 +33,8 @@ void startTrace() {
     kel::LogFactory::setPriority(kel::LoggerPriority::PRIORITY_TRACE);
 }
 
+void endTrace() {
+    kel::LogFactory::setPriority(kel::LoggerPriority::PRIORITY_WARNING);
+}
+
 } // namespace stencilor

@@ -3,10 +3,11 @@
 
 namespace stencilor {
 
-/// From now on each scope that the engine enters is written to the standard error stream, as
-/// `trace: NAME:LINE` with two spaces before the name for each scope around it. From 40 scopes on
-/// their number replaces the spaces, since lines would become ever longer.
+/// Until the trace ends each scope that the engine enters is written to the standard error stream,
+/// as `trace: NAME:LINE` with two spaces before the name for each scope around it. From 40 scopes
+/// on their number replaces the spaces, since lines would become ever longer.
 void startTrace();
+void endTrace();
 
 } // namespace stencilor
 

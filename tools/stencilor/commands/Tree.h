@@ -2,20 +2,14 @@
 #define TOOLS_STENCILOR_COMMANDS_TREE_H
 
 #include <tools/stencilor/commands/Failure.h>
-
-#include <string>
+#include <tools/stencilor/commands/Request.h>
 
 namespace stencilor {
 
-/// What `stencilor tree` is asked for.
-struct TreeRequest {
-    std::string templateFile;
-    std::string outputFile = "-";
-};
-
-/// Writes the syntax tree of a template, a line for each node. Included files are not looked at.
+/// Writes the syntax trees of templates, a line for each node, or JSON. Included files are not
+/// looked at.
 /// Errors: throws `Failure`.
-ExitStatus tree(const TreeRequest& request);
+ExitStatus tree(const Request& request);
 
 } // namespace stencilor
 

@@ -1,4 +1,4 @@
-#include <tools/stencilor/shell/CommandTable.h>
+#include <tools/stencilor/shell/ShellFiles.h>
 
 namespace stencilor {
 
@@ -57,12 +57,17 @@ std::string bashCompletion(const CommandTable& table) {
     std::string options;
     for (const CommandInfo& command : table.commands) {
         values += valueCases(command);
-        options += "        " + command.name + ") words='" + namesOf(command.options) + "' ;;\n";
+        std::string offered;
+        for (const OptionInfo& positional : command.positionals) {
+            offered += positional.choices.empty() ? "" : join(positional.choices, " ");
+        }
+        options += "        " + command.name + ") words='" + namesOf(command.options) + "'" +
+                   (offered.empty() ? "" : " offered='" + offered + "'") + " ;;\n";
     }
     return R"(# Completion of bash for stencilor.
 
 _stencilor() {
-    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' words i
+    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' words offered='' i
     COMPREPLY=()
 
     # Bash takes "--option=value" apart.
@@ -89,6 +94,8 @@ _stencilor() {
            R"(    esac
     if [[ $command == '' || $current == -* ]]; then
         COMPREPLY=($(compgen -W "$words" -- "$current"))
+    elif [[ $offered != '' ]]; then
+        COMPREPLY=($(compgen -W "$offered" -- "$current"))
     fi
 }
 

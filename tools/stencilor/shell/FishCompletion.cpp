@@ -1,4 +1,4 @@
-#include <tools/stencilor/shell/CommandTable.h>
+#include <tools/stencilor/shell/ShellFiles.h>
 
 #include <string_view>
 
@@ -55,6 +55,12 @@ std::string fishCompletion(const CommandTable& table) {
     for (const CommandInfo& command : table.commands) {
         text += "\ncomplete -c stencilor -n __fish_use_subcommand -f -a " + command.name + " -d " +
                 quote(command.description) + "\n";
+        for (const OptionInfo& positional : command.positionals) {
+            if (positional.type == ValueType::Choice) {
+                text += "complete -c stencilor -n '__fish_seen_subcommand_from " + command.name +
+                        "'" + valueOf(positional) + "\n";
+            }
+        }
         for (const OptionInfo& option : command.options) {
             text += completeOption("__fish_seen_subcommand_from " + command.name, option);
         }

@@ -1,4 +1,4 @@
-#include <tools/stencilor/shell/CommandTable.h>
+#include <tools/stencilor/shell/ShellFiles.h>
 
 #include <sstream>
 #include <string_view>
@@ -75,7 +75,7 @@ std::string describeCommand(const CommandInfo& command) {
     for (const OptionInfo& option : command.options) {
         text += describeOption(option);
     }
-    return text + describeNotes(command.notes);
+    return text + (command.notes.empty() ? "" : describeNotes(command.notes));
 }
 
 constexpr const char* examples = R"(.SH EXAMPLES
@@ -83,7 +83,7 @@ constexpr const char* examples = R"(.SH EXAMPLES
 Render a page with the values of a JSON file:
 .B stencilor render page.txt values.json \-o page.out
 .TP
-Tell what is wrong with all pages, and which names the values lack:
+Check all pages, and which names the values do not have:
 .B stencilor check \-\-context values.json pages/*.txt
 .TP
 Begin a file of values:
@@ -103,7 +103,7 @@ std::string manualPage(const CommandTable& table) {
     text += ".hy\n.SH DESCRIPTION\n"
             "Templates are text with tags: \\fB{{ name }}\\fR, \\fB{% if name %}\\fR, "
             "\\fB{% for item in list %}\\fR and \\fB{% include \"path\" %}\\fR.\n"
-            "Each command is given a template file, or \\fB\\-\\fR for the standard input.\n"
+            "Each command is given template files, or \\fB\\-\\fR for the standard input.\n"
             ".SH OPTIONS\n";
     for (const OptionInfo& option : table.options) {
         text += describeOption(option);

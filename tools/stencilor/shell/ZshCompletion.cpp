@@ -1,4 +1,4 @@
-#include <tools/stencilor/shell/CommandTable.h>
+#include <tools/stencilor/shell/ShellFiles.h>
 
 #include <string_view>
 
@@ -61,7 +61,11 @@ std::string positionalArgument(const OptionInfo& positional, std::size_t number)
     const std::string place = positional.repeated   ? "*"
                               : positional.required ? std::to_string(number)
                                                     : std::to_string(number) + ":";
-    return " \\\n                '" + place + ":" + positional.names.front() + ":_files'";
+    return " \\\n                '" + place + ":" + positional.names.front() +
+           (positional.type == ValueType::Choice
+                ? actionOf(positional).substr(positional.value.size() + 1)
+                : ":_files") +
+           "'";
 }
 
 } // namespace

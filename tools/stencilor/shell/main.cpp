@@ -1,14 +1,24 @@
-#include <tools/stencilor/shell/CommandTable.h>
+#include <tools/stencilor/shell/ShellFiles.h>
 
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <vector>
 
 // Writes what shells and the manual know of the program: stencilor_shell_files KIND FILE.
 
 namespace {
 
 using Writer = std::string (*)(const stencilor::CommandTable&);
+
+/// The table without what nobody shall be offered.
+stencilor::CommandTable shownTable() {
+    stencilor::CommandTable table = stencilor::makeCommandTable();
+    for (stencilor::CommandInfo& command : table.commands) {
+        std::erase_if(command.options, [](const auto& option) { return option.hidden; });
+    }
+    return table;
+}
 
 Writer findWriter(const std::string& kind) {
     return kind == "bash"   ? stencilor::bashCompletion
@@ -27,7 +37,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::ofstream file(argv[2], std::ios::binary);
-    file << write(stencilor::makeCommandTable());
+    file << write(shownTable());
     file.close();
     if (!file) {
         std::cerr << "stencilor_shell_files: cannot write " << argv[2] << '\n';

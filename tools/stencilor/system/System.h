@@ -2,6 +2,7 @@
 #define TOOLS_STENCILOR_SYSTEM_SYSTEM_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,24 @@ void writeStandardOutput(std::string_view text);
 
 /// Writes to the standard error stream. Where that fails, there is nowhere to report it.
 void writeStandardError(std::string_view text) noexcept;
+
+/// Whether a stream leads to a terminal that shows colours, which it is made to do.
+bool showsColors(bool standardError);
+
+/// What shows that a file has changed.
+struct FileState {
+    std::uint64_t size = 0;
+    std::int64_t modified = 0; ///< in units of the system
+    std::uint64_t index = 0;   ///< differs between files of one volume, as far as it is known
+
+    friend bool operator==(const FileState&, const FileState&) = default;
+};
+
+/// Nothing where there is no file.
+std::optional<FileState> stateOf(const std::string& path);
+
+/// True if both paths lead to the same regular file.
+bool isSameFile(const std::string& path, const std::string& other);
 
 /// The folder of `path`; `.` where it names none.
 std::string folderOf(const std::string& path);

@@ -4,9 +4,11 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 
 namespace stencilor::system {
@@ -69,6 +71,29 @@ void writeStandardError(std::string_view text) noexcept {
         writeAll(STDERR_FILENO, text);
     } catch (const std::system_error&) {
     }
+}
+
+bool showsColors(bool standardError) {
+    const char* const terminal = std::getenv("TERM");
+    return ::isatty(standardError ? STDERR_FILENO : STDOUT_FILENO) != 0 && terminal != nullptr &&
+           std::string_view(terminal) != "dumb";
+}
+
+std::optional<FileState> stateOf(const std::string& path) {
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    constexpr std::int64_t second = 1'000'000'000;
+    return FileState{static_cast<std::uint64_t>(status.st_size),
+                     status.st_mtim.tv_sec * second + status.st_mtim.tv_nsec, status.st_ino};
+}
+
+bool isSameFile(const std::string& path, const std::string& other) {
+    struct stat one;
+    struct stat two;
+    return ::stat(path.c_str(), &one) == 0 && ::stat(other.c_str(), &two) == 0 &&
+           S_ISREG(one.st_mode) && one.st_dev == two.st_dev && one.st_ino == two.st_ino;
 }
 
 std::string folderOf(const std::string& path) {

@@ -132,6 +132,31 @@ void writeStandardError(std::string_view text) noexcept {
     }
 }
 
+bool showsColors(bool standardError) {
+    constexpr DWORD obeysEscapes = 0x0004; // ENABLE_VIRTUAL_TERMINAL_PROCESSING
+    const HANDLE stream = ::GetStdHandle(standardError ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return ::GetConsoleMode(stream, &mode) != 0 &&
+           ::SetConsoleMode(stream, mode | obeysEscapes) != 0;
+}
+
+std::optional<FileState> stateOf(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (::GetFileAttributesExW(widePath(path).c_str(), GetFileExInfoStandard, &data) == 0) {
+        return std::nullopt;
+    }
+    const auto join = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
+    return FileState{.size = join(data.nFileSizeHigh, data.nFileSizeLow),
+                     .modified = static_cast<std::int64_t>(join(
+                         data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime))};
+}
+
+bool isSameFile(const std::string& path, const std::string& other) {
+    std::error_code failure;
+    return std::filesystem::is_regular_file(widePath(path), failure) &&
+           std::filesystem::equivalent(widePath(path), widePath(other), failure);
+}
+
 std::string folderOf(const std::string& path) {
     const std::filesystem::path folder = widePath(path).parent_path();
     return folder.empty() ? "." : kel::String::fromWide(folder.native()).str();

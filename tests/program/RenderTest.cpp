@@ -1,0 +1,239 @@
+#include "ProgramTest.h"
+
+#include <libStencilor/Stencilor.h>
+
+#include <nlohmann/json.hpp>
+
+#include <regex>
+
+namespace program {
+namespace {
+
+class RenderTest : public ProgramTest {
+  protected:
+    RenderTest() {
+        folder.writeFile("values.json", R"({"s":"x","no":false,"l":[{"a":"1"},{},{}],"o":{}})");
+        folder.writeFile("part.txt", "text\n{{ missing }}");
+        folder.writeFile("bad.txt", "{{");
+        folder.writeFile("out.txt", "before");
+    }
+};
+
+TEST_F(RenderTest, LeavesGapsAndSaysWhereUnlessItIsStrict) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string output;
+        std::string messages;
+    } cases[] = {
+        {"nothing", "{{ s }}", "x", ""},
+        {"an empty template", "", "", ""},
+        {"a name that is missing", "a\n{{ x }}b{{ s }}", "a\nbx",
+         "page.txt:2:4: warning: no string is named \"x\"\n{{ x }}b{{ s }}\n   ^\n"},
+        {"a list as a string", "{{ l }}", "",
+         "page.txt:1:4: warning: \"l\" is a list, not a string\n{{ l }}\n   ^\n"},
+        {"a condition that is missing", "{% if x %}{% endif %}", "",
+         "page.txt:1:7: warning: no boolean is named \"x\"\n{% if x %}{% endif %}\n      ^\n"},
+        {"a string as a condition", "{% if s %}{% endif %}", "",
+         "page.txt:1:7: warning: \"s\" is a string, not a boolean\n"
+         "{% if s %}{% endif %}\n      ^\n"},
+        {"a list that is missing", "{% for a in x %}{% endfor %}", "",
+         "page.txt:1:13: warning: no list is named \"x\"\n"
+         "{% for a in x %}{% endfor %}\n            ^\n"},
+        {"a string as a list", "{% for a in s %}{% endfor %}", "",
+         "page.txt:1:13: warning: \"s\" is a string, not a list\n"
+         "{% for a in s %}{% endfor %}\n            ^\n"},
+        {"each place once", "{% for i in l %}{{ i.a }}{% endfor %}", "1",
+         "page.txt:1:20: warning: no string is named \"i.a\" in element 2 of \"l\"\n"
+         "{% for i in l %}{{ i.a }}{% endfor %}\n                   ^~~\n"},
+        {"nothing of what is not rendered", "{% if no %}{{ x }}{% endif %}", "", ""},
+        {"an included file that is missing", R"(a{% include "none.txt" %}b)", "ab",
+         "page.txt:1:14: warning: included file \"none.txt\" does not exist\n"
+         "a{% include \"none.txt\" %}b\n             ^~~~~~~~\n"},
+        {"a name that is missing in an included file", R"({% include "part.txt" %})", "text\n",
+         "part.txt:2:4: warning: no string is named \"missing\"\n{{ missing }}\n   ^~~~~~~\n"},
+        {"an included file that is rejected", R"(a{% include "bad.txt" %}b)", "ab",
+         "bad.txt:1:3: warning: expected a name after \"{{\"\n{{\n  ^\n"
+         "page.txt:1:2: note: included here\n"
+         "a{% include \"bad.txt\" %}b\n ^~~~~~~~~~~~~~~~~~~~~~~\n"},
+    };
+    for (const auto& [name, text, output, messages] : cases) {
+        SCOPED_TRACE(name);
+        const int status = messages.empty() ? 0 : 1;
+        folder.writeFile("page.txt", text);
+        folder.writeFile("out.txt", "before");
+        expectOutcome(runStencilor({"render", "page.txt", "values.json"}), status, output,
+                      messages);
+        const std::string errors =
+            std::regex_replace(messages, std::regex(": warning: "), ": error: ");
+        expectOutcome(
+            runStencilor({"render", "page.txt", "values.json", "--strict", "-o", "out.txt"}),
+            status, "", errors);
+        EXPECT_EQ(support::readFile("out.txt"), messages.empty() ? output : "before");
+        expectOutcome(runStencilor({"render", "page.txt", "values.json", "--quiet"}), status,
+                      output, "");
+    }
+}
+
+TEST_F(RenderTest, DiagnosesATemplateThatIsRejected) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string messages;
+    } cases[] = {
+        {"a block without an end", "text {% if a %}",
+         "page.txt:1:16: error: expected \"{% else %}\" or \"{% endif %}\" before the end\n"
+         "text {% if a %}\n               ^\n"
+         "page.txt:1:6: note: opened here\ntext {% if a %}\n     ^~~~~~~~~~\n"},
+        {"a tag without an end", "{% if s }",
+         "page.txt:1:9: error: expected \"%}\" after the name\n{% if s }\n        ^\n"},
+    };
+    for (const auto& [name, text, messages] : cases) {
+        SCOPED_TRACE(name);
+        folder.writeFile("page.txt", text);
+        for (const std::vector<std::string>& arguments :
+             {std::vector<std::string>{"render", "page.txt", "values.json"},
+              {"render", "page.txt", "values.json", "--strict"},
+              {"render", "page.txt", "values.json", "-o", "out.txt"}}) {
+            expectOutcome(runStencilor(arguments), 3, "", messages);
+        }
+        EXPECT_EQ(support::readFile("out.txt"), "before");
+        EXPECT_EQ(runStencilor({"render", "-"}, {.input = text}).errors,
+                  std::regex_replace(messages, std::regex("page.txt:"), "<stdin>:"));
+    }
+}
+
+TEST_F(RenderTest, EndsAtALimit) {
+    folder.writeFile("endless.txt", R"({% include "endless.txt" %})");
+    folder.writeFile("page.txt", R"(12345{{ s }}{% include "long.txt" %})");
+    folder.writeFile("long.txt", "123456789012345");
+    folder.writeFile("loops.txt", "{% for a in t %}{% for b in t %}{% for c in t %}{% for d in t %}"
+                                  "{% for e in t %}{% endfor %}{% endfor %}{% endfor %}{% endfor %}"
+                                  "{% endfor %}");
+    std::string list = "t:=[{}";
+    for (int i = 1; i < 50; ++i) {
+        list += ",{}";
+    }
+    list += "]";
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        std::string message; // empty where there is no limit
+    } cases[] = {
+        {"a template that includes itself",
+         {"endless.txt"},
+         "endless.txt:1:13: error: includes are nested deeper than 100 (--max-depth)\n"},
+        {"a depth that is chosen",
+         {"page.txt", "values.json", "--max-depth", "1", "--max-output", "4"},
+         "page.txt:1:1: error: the output has more bytes than 4 (--max-output)\n"},
+        {"enough output", {"page.txt", "values.json", "--max-output", "21"}, ""},
+        {"any output", {"page.txt", "values.json", "--max-output", "0"}, ""},
+        {"output in KiB", {"page.txt", "values.json", "--max-output", "1K"}, ""},
+        {"too much output",
+         {"page.txt", "values.json", "--max-output", "20"},
+         "long.txt:1:1: error: the output has more bytes than 20 (--max-output)\n"},
+        {"enough templates", {"page.txt", "values.json", "--max-templates", "51"}, ""},
+        {"too long an included template",
+         {"page.txt", "values.json", "--max-templates", "50"},
+         "page.txt:1:25: error: the templates have more bytes than 50 (--max-templates)\n"},
+        {"nothing left for included templates",
+         {"page.txt", "values.json", "--max-templates", "36"},
+         "page.txt:1:25: error: the templates have more bytes than 36 (--max-templates)\n"},
+        {"too long a template",
+         {"page.txt", "values.json", "--max-templates", "35"},
+         "page.txt:1:1: error: the template has more bytes than 35 (--max-templates)\n"},
+        {"enough steps", {"page.txt", "values.json", "--max-steps", "4"}, ""},
+        {"too many steps",
+         {"page.txt", "values.json", "--max-steps", "3"},
+         "long.txt:1:1: error: rendering takes more steps than 3 (--max-steps)\n"},
+        {"more steps than anyone waits for",
+         {"loops.txt", "-D", list},
+         "loops.txt:1:77: error: rendering takes more steps than 100000000 (--max-steps)\n"},
+    };
+    for (const auto& [name, arguments, message] : cases) {
+        SCOPED_TRACE(name);
+        std::vector<std::string> all = {"render", "-o", "out.txt"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        folder.writeFile("out.txt", "before");
+        const Outcome outcome = runStencilor(all);
+        EXPECT_EQ(outcome.status, message.empty() ? 0 : 4);
+        EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find('\n') + 1), message);
+        EXPECT_EQ(support::readFile("out.txt") == "before", !message.empty());
+    }
+}
+
+TEST_F(RenderTest, WritesMessagesInOtherFormats) {
+    folder.writeFile("page.txt", "a{{ x }}");
+    const Outcome json = runStencilor({"render", "page.txt", "--format", "json"});
+    EXPECT_EQ(json.output, "a");
+    EXPECT_EQ(nlohmann::json::parse(json.errors), nlohmann::json::parse(R"({"findings": [
+        {"rule": "missing-name", "severity": "warning", "message": "no string is named \"x\"",
+         "file": "page.txt", "line": 1, "column": 5, "endLine": 1, "endColumn": 6, "notes": []}]})"));
+    const Outcome sarif = runStencilor({"render", "page.txt", "--strict", "--format", "sarif"});
+    const auto run = nlohmann::json::parse(sarif.errors)["runs"][0];
+    EXPECT_EQ(run["results"][0]["level"], "error");
+    EXPECT_EQ(run["results"][0]["ruleId"], "missing-name");
+    EXPECT_EQ(runStencilor({"render", "page.txt", "-D", "x=y", "--format", "json"}).errors, "");
+}
+
+TEST_F(RenderTest, EscapesValuesOnRequest) {
+    folder.writeFile("page.txt", "\"{{ a }}\"");
+    const std::string value = R"(a=<"&)";
+    for (const auto& [kind, output] : {std::pair<std::string, std::string>{"none", R"("<"&")"},
+                                       {"html", R"("&lt;&quot;&amp;")"},
+                                       {"json", R"("\u003c\"\u0026")"}}) {
+        expectOutcome(runStencilor({"render", "page.txt", "-D", value, "--escape", kind}), 0,
+                      output, "");
+    }
+}
+
+#ifndef _WIN32
+TEST_F(RenderTest, NamesAnIncludedFileThatCannotBeRead) {
+    folder.writeSparseFile("huge.txt", std::uint64_t{1} << 32);
+    folder.writeFile("page.txt", R"(a{% include "huge.txt" %}b)");
+    expectOutcome(runStencilor({"render", "page.txt", "--max-templates", "0"}), 1, "ab",
+                  "page.txt:1:14: warning: included file \"huge.txt\" cannot be read\n"
+                  "a{% include \"huge.txt\" %}b\n             ^~~~~~~~\n");
+}
+#endif
+
+TEST_F(RenderTest, ShowsTheTraceBeforeTheMessages) {
+    folder.writeFile("page.txt", R"(text{% for a in l %}{% if b %}{{ x }}{% endif %}{% endfor %})"
+                                 R"({% include "part.txt" %})");
+    folder.writeFile("part.txt", "text");
+    folder.writeFile("values.json", R"({"l":[null,null],"b":true})");
+    const std::string iteration = "trace:     applyVisitor:230\n"
+                                  "trace:       content_visit::if_expr:126\n"
+                                  "trace:         applyVisitor:230\n"
+                                  "trace:           content_visit::replace_expr:184\n";
+    const Outcome outcome = runStencilor({"render", "page.txt", "values.json", "--trace"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "texttext");
+    EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find("page.txt:")),
+              "trace: buildOutput:408\n"
+              "trace:   content_visit::string:120\n"
+              "trace:   content_visit::for_expr:151\n" +
+                  iteration + iteration +
+                  "trace:   content_visit::include_expr:205\n"
+                  "trace:     buildOutput:251\n"
+                  "trace:       applyVisitor:230\n"
+                  "trace:         content_visit::string:120\n");
+}
+
+TEST_F(RenderTest, ShowsATraceThatIsNotIndentedForEver) {
+    std::string text = "text";
+    for (int i = 0; i < 30; ++i) {
+        text = "{% if b %}" + text + "{% endif %}";
+    }
+    folder.writeFile("page.txt", text);
+    const Outcome outcome = runStencilor({"render", "page.txt", "-D", "b:=true", "--trace"});
+    EXPECT_NE(
+        outcome.errors.find("\ntrace: " + std::string(78, ' ') + "content_visit::if_expr:126\n"),
+        std::string::npos);
+    EXPECT_NE(outcome.errors.find("\ntrace: (40 scopes) applyVisitor:230\n"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("\ntrace: (61 scopes) content_visit::string:120\n"),
+              std::string::npos);
+}
+
+} // namespace
+} // namespace program

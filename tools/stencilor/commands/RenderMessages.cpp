@@ -1,0 +1,115 @@
+#include <libStencilorAnalysis/check/ContextCheck.h>
+#include <tools/stencilor/commands/NamedTemplates.h>
+#include <tools/stencilor/commands/RenderMessages.h>
+
+#include <algorithm>
+#include <string>
+
+namespace stencilor {
+
+using namespace kel::Stencilor::Analysis;
+using kel::Stencilor::IncludeSite;
+using kel::Stencilor::RenderLimits;
+using kel::Stencilor::RenderMessage;
+using kel::Stencilor::RenderResult;
+using kel::Stencilor::RenderStatus;
+
+namespace {
+
+using MessageKind = RenderMessage::Kind;
+
+/// A render of more steps is not walked once more to explain what it lacked.
+constexpr std::uint64_t mostSteps = 1'000'000;
+
+/// Of the includes around a message, so many are shown.
+constexpr std::size_t mostSites = 3;
+
+Rule ruleOf(MessageKind kind) {
+    switch (kind) {
+    case MessageKind::ReplacementNotFound:
+    case MessageKind::BooleanNotFound:
+    case MessageKind::ListNotFound:
+        return Rule::MissingName;
+    case MessageKind::ReplacementNotString:
+    case MessageKind::NotBoolean:
+    case MessageKind::NotIterable:
+        return Rule::WrongKind;
+    case MessageKind::FileNotFound:
+        return Rule::MissingInclude;
+    case MessageKind::FileNotLoaded:
+        return Rule::UnreadableInclude;
+    case MessageKind::TemplateRejected:
+        return Rule::Syntax;
+    default:
+        return Rule::Limit;
+    }
+}
+
+std::string describe(const RenderMessage& message, const RenderLimits& limits) {
+    const auto exceed = [](const char* what, std::uint64_t limit, const char* option) {
+        return std::string(what) + " " + std::to_string(limit) + " (" + option + ")";
+    };
+    switch (message.kind) {
+    case MessageKind::StepLimit:
+        return exceed("rendering takes more steps than", limits.steps, "--max-steps");
+    case MessageKind::OutputLimit:
+        return exceed("the output has more bytes than", limits.outputBytes, "--max-output");
+    case MessageKind::TemplateLimit:
+        return exceed("the templates have more bytes than", limits.templateBytes,
+                      "--max-templates");
+    case MessageKind::DepthLimit:
+        return exceed("includes are nested deeper than", limits.includeDepth, "--max-depth");
+    default:
+        return message.text().str();
+    }
+}
+
+Finding makeFinding(const RenderMessage& message, const RenderLimits& limits,
+                    RenderedTemplates& templates) {
+    const TemplateFile& file = templates.fileNamed(message.templateName);
+    if (message.kind == MessageKind::TemplateRejected) {
+        return describeFault(file);
+    }
+    Finding finding{.rule = ruleOf(message.kind),
+                    .place = {&file, message.range},
+                    .message = describe(message, limits)};
+    Place shown = finding.place;
+    for (const IncludeSite& site : message.includedFrom) {
+        const Place place = {&templates.fileNamed(site.templateName), site.range};
+        const bool isNew = place.file != shown.file || place.range.begin != shown.range.begin;
+        if (isNew && finding.notes.size() < mostSites) { // a file may include itself
+            finding.notes.push_back({place, "included here"});
+            shown = place;
+        }
+    }
+    return finding;
+}
+
+} // namespace
+
+std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemplates& templates,
+                                      const kel::Stencilor::ContextBase& context,
+                                      const RenderResult& result) {
+    std::vector<Finding> findings;
+    if (!result.messages.empty() && result.status == RenderStatus::Complete &&
+        result.usage.steps <= mostSteps) {
+        // Says more, since it knows the values.
+        findings = findContextFaults(templates.files(), templates.rootFile(), context,
+                                     ContextWalk::Extent::Rendered);
+    }
+    std::vector<Finding> reported;
+    for (const RenderMessage& message : result.messages) {
+        reported.push_back(makeFinding(message, request.limits, templates));
+    }
+    addNew(findings, std::move(reported));
+    if (result.status != RenderStatus::Rejected) {
+        for (Finding& finding : findings) {
+            if (finding.rule != Rule::Limit) {
+                finding.ownSeverity = request.strict ? Severity::Error : Severity::Warning;
+            }
+        }
+    }
+    return findings;
+}
+
+} // namespace stencilor
