@@ -40,7 +40,9 @@ class SharedChild {
 };
 
 template <typename Value>
-Value make();
+Value make() {
+    return Value();
+}
 template <>
 ContextString make() {
     return ContextString("a text that is longer than a few bytes");
@@ -53,20 +55,11 @@ template <>
 ContextBoolean make() {
     return ContextBoolean(true);
 }
-template <>
-ContextDictionary make() {
-    return ContextDictionary();
-}
-template <>
-ContextIterable make() {
-    return ContextIterable();
-}
-
 template <typename Value>
 class ContextKind : public testing::Test {};
 
-using Kinds = testing::Types<ContextString, ContextRawString, ContextBoolean, ContextDictionary,
-                             ContextIterable>;
+using Kinds = testing::Types<ContextBase, ContextString, ContextRawString, ContextBoolean,
+                             ContextDictionary, ContextIterable>;
 TYPED_TEST_SUITE(ContextKind, Kinds);
 
 TYPED_TEST(ContextKind, SharesItsChildrenWithCopies) {
@@ -76,7 +69,10 @@ TYPED_TEST(ContextKind, SharesItsChildrenWithCopies) {
     TypeParam copy(source);
     EXPECT_TRUE(child.isIn(copy));
     EXPECT_TRUE(child.isIn(source));
+    copy.insert("more", nullptr);
+    EXPECT_FALSE(source.containsKey("more"));
     child.takeFrom(copy);
+    EXPECT_TRUE(child.isIn(source));
     child.takeFrom(source);
 }
 
@@ -146,6 +142,9 @@ TYPED_TEST(ContextText, KeepsACopyOfItsText) {
 
 TYPED_TEST(ContextText, CopiesAndMovesItsText) {
     TypeParam source("a text that is longer than a few bytes");
+    TypeParam& same = source;
+    source = same;
+    source = std::move(same);
     TypeParam copy(source);
     EXPECT_EQ(textOf(copy), "a text that is longer than a few bytes");
     EXPECT_EQ(textOf(source), "a text that is longer than a few bytes");
@@ -160,15 +159,6 @@ TYPED_TEST(ContextText, CopiesAndMovesItsText) {
     assigned = std::move(copy);
     EXPECT_EQ(textOf(assigned), "a text that is longer than a few bytes");
     EXPECT_EQ(textOf(copy), "");
-}
-
-TYPED_TEST(ContextText, KeepsItsTextWhenItIsAssignedToItself) {
-    TypeParam value("text");
-    TypeParam& same = value;
-    value = same;
-    EXPECT_EQ(textOf(value), "text");
-    value = std::move(same);
-    EXPECT_EQ(textOf(value), "text");
 }
 
 TEST(ContextRawString, IsRenderedAsAString) {
@@ -202,26 +192,9 @@ TEST(ContextDictionary, CountsItsEntriesNullOnesIncluded) {
     EXPECT_EQ(value.size(), 3u);
 }
 
-TEST(ContextDictionary, HasAfterAssignmentTheKeysAndPointersOfItsSource) {
-    ContextBase children[2];
-    ContextDictionary source;
-    source.insert("a", &children[0]);
-    source.insert("b", &children[1]);
-    ContextDictionary target;
-    target.insert("former", nullptr);
-    target.insert("a", nullptr);
-    target = source;
-    EXPECT_EQ(target.size(), 2u);
-    EXPECT_EQ(target.find("a"), &children[0]);
-    EXPECT_EQ(target.find("b"), &children[1]);
-    for (ContextDictionary* const value : {&source, &target}) {
-        (*value)["a"] = nullptr;
-        (*value)["b"] = nullptr;
-    }
-}
-
 TEST(ContextIterable, HoldsItsElementsInTheOrderTheyWereAdded) {
     ContextIterable value;
+    value.insert("child", new ContextBase); // no element
     EXPECT_EQ(value.size(), 0u);
     auto* const first = new ContextBase;
     auto* const last = new ContextBase;
@@ -232,15 +205,6 @@ TEST(ContextIterable, HoldsItsElementsInTheOrderTheyWereAdded) {
     EXPECT_EQ(value[0], first);
     EXPECT_EQ(value[1], nullptr);
     EXPECT_EQ(value[2], last);
-}
-
-TEST(ContextIterable, CountsNoNamedChildren) {
-    ContextIterable value;
-    value.insert("child", new ContextBase);
-    EXPECT_EQ(value.size(), 0u);
-    value.add(new ContextBase);
-    EXPECT_EQ(value.size(), 1u);
-    EXPECT_TRUE(value.containsKey("child"));
 }
 
 TEST(ContextIterable, DeletesItsElementsInOrderAndThenItsNamedChildren) {
@@ -266,6 +230,8 @@ TEST(ContextIterable, SharesItsElementsWithCopiesAndIsCopiedWhenMoved) {
     auto& source = *new ContextIterable;
     source.add(&element);
     source.add(nullptr);
+    const ContextIterable& same = source;
+    source = same;
     auto& copy = *new ContextIterable(source);
     auto& moved = *new ContextIterable(std::move(source));
     auto& assigned = *new ContextIterable;
@@ -290,16 +256,6 @@ TEST(ContextIterable, SharesItsElementsWithCopiesAndIsCopiedWhenMoved) {
         delete value;
     }
     EXPECT_THAT(deletions, IsEmpty());
-}
-
-TEST(ContextIterable, KeepsItsElementsWhenItIsAssignedToItself) {
-    ContextIterable value;
-    auto* const element = new ContextBase;
-    value.add(element);
-    const ContextIterable& same = value;
-    value = same;
-    ASSERT_EQ(value.size(), 1u);
-    EXPECT_EQ(value[0], element);
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
 #include <string>
+#include <utility>
 
 namespace kel::Stencilor {
 namespace {
@@ -17,12 +19,21 @@ std::string errorIn(const std::string& text) {
     return "none";
 }
 
+struct Case {
+    const char* name;
+    std::string text;
+    std::string expected;
+};
+
+void expectErrors(std::span<const Case> cases) {
+    for (const auto& [name, text, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(errorIn(text), expected);
+    }
+}
+
 TEST(JsonErrors, TellWhatWasExpectedAndWhere) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"an empty text", "", "1:1: expected a value, found the end of the text"},
         {"blanks only", " \n ", "2:2: expected a value, found the end of the text"},
         {"a byte-order mark only", "\xEF\xBB\xBF",
@@ -83,18 +94,11 @@ TEST(JsonErrors, TellWhatWasExpectedAndWhere) {
         {"a string in single quotes", "['a']", "1:2: expected a value or ']', found \"'\""},
         {"a comment", "[1 // one\n]", "1:4: expected ',' or ']' after an array element, found '/'"},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, PointIntoStringsAndNumbers) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a string without an end", R"(["abc)",
          "1:6: expected '\"' at the end of a string, found the end of the text"},
         {"a line break in a string", "[\"ab\nc\"]",
@@ -121,18 +125,11 @@ TEST(JsonErrors, PointIntoStringsAndNumbers) {
         {"a number cut short", "1e+",
          "1:4: expected a digit in the exponent, found the end of the text"},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"the second line", "[\n x]", "2:2: expected a value or ']', found 'x'"},
         {"line breaks of Windows", "[\r\n\r\n1,\r\nx]",
          "4:1: expected a value after ',', found 'x'"},
@@ -146,19 +143,12 @@ TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
         {"on the line behind a byte-order mark", "\xEF\xBB\xBF\n[x]",
          "2:2: expected a value or ']', found 'x'"},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, QuoteLittleAndNothingThatControlsATerminal) {
     const std::string longName(1000, 'a');
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a control character", "[\x1B", "1:2: expected a value or ']', found '\\u001B'"},
         {"a control character beyond ASCII", "[\u009B",
          "1:2: expected a value or ']', found '\\u009B'"},
@@ -178,10 +168,7 @@ TEST(JsonErrors, QuoteLittleAndNothingThatControlsATerminal) {
         {"a control character in a string without a letter of its own", "\"\x1B\"",
          "1:2: a control character in a string must be written as \\u001B"},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
@@ -196,11 +183,7 @@ TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
 }
 
 TEST(JsonErrors, TellOfMalformedUtf8) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a byte that is never used", "[\"a\xFF\"]", "1:4: malformed UTF-8"},
         {"a continuation byte alone", "[\"a\x80\"]", "1:4: malformed UTF-8"},
         {"a sequence cut short by a quote", "[\"\xE2\x82\"]", "1:3: malformed UTF-8"},
@@ -222,18 +205,11 @@ TEST(JsonErrors, TellOfMalformedUtf8) {
          "1:1: expected a value, found '\\u0000'"},
         {"malformed bytes before a NUL", std::string("\xFF\0", 2), "1:1: malformed UTF-8"},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, TellOfNamesThatOccurTwice) {
-    const struct {
-        const char* name;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"side by side", R"({"a":1,"a":2})", "1:8: duplicate name \"a\""},
         {"with others between", "{\"a\":1,\"b\":{},\n  \"a\" : 2}", "2:3: duplicate name \"a\""},
         {"written differently", R"({"a":1,"\u0061":2})", R"(1:8: duplicate name "\u0061")"},
@@ -247,34 +223,34 @@ TEST(JsonErrors, TellOfNamesThatOccurTwice) {
         {"the boolean's member", R"({"$boolean":true,"$boolean":true})",
          "1:18: duplicate name \"$boolean\""},
     };
-    for (const auto& [name, text, expected] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(errorIn(text), expected);
-    }
+    expectErrors(cases);
 }
 
 TEST(JsonErrors, TellOfBooleansThatAreNone) {
-    const struct {
-        const char* name;
-        std::string value;
-    } cases[] = {
-        {"a string", "\"true\""},
-        {"a number", "1"},
-        {"null", "null"},
-        {"an array", "[]"},
-        {"an object", "{\"$boolean\":true}"},
-    };
-    for (const auto& [name, value] : cases) {
-        SCOPED_TRACE(name);
+    for (const std::string value : {"\"true\"", "1", "null", "[]", "{\"$boolean\":true}"}) {
+        SCOPED_TRACE(value);
         EXPECT_EQ(errorIn("[{\"x\":1,\n \"$boolean\": " + value + "}]"),
                   "2:14: expected true or false as the value of \"$boolean\"");
     }
 }
 
-TEST(JsonErrors, TellWhereItIsNestedTooDeep) {
+TEST(JsonErrors, TellWhereItIsNestedMoreThan512LevelsDeep) {
     EXPECT_EQ(errorIn("[\n" + std::string(512, '[')), "2:512: nested more than 512 levels deep");
-    EXPECT_EQ(errorIn(std::string(511, '[') + "{\"a\": {"),
-              "1:518: nested more than 512 levels deep");
+    const std::string arrays = std::string(512, '[') + std::string(512, ']');
+    EXPECT_EQ(errorIn(arrays), "none");
+    EXPECT_EQ(errorIn("[" + arrays + "]"), "1:513: nested more than 512 levels deep");
+    EXPECT_EQ(errorIn("[[]," + std::string(511, '[') + std::string(511, ']') + "]"), "none");
+
+    std::string objects = "1";
+    Value expected = 1;
+    for (int i = 0; i < 512; ++i) {
+        objects = "{\"a\":" + objects + "}";
+        Value around;
+        around.set("a", std::move(expected));
+        expected = std::move(around);
+    }
+    EXPECT_TRUE(valueFromJsonText(objects) == expected);
+    EXPECT_EQ(errorIn("{\"a\":" + objects + "}"), "1:2561: nested more than 512 levels deep");
 }
 
 } // namespace

@@ -3,19 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 namespace kel::Stencilor {
 namespace {
-
-std::string errorIn(const std::string& text) {
-    try {
-        valueFromJsonText(text);
-    } catch (const JsonError& error) {
-        return error.what();
-    }
-    return "none";
-}
 
 TEST(JsonText, BecomesWhatItSays) {
     const struct {
@@ -88,28 +78,6 @@ TEST(JsonText, KeepsNumbersAsTheyAreWritten) {
         EXPECT_EQ(valueFromJsonText("[1," + number + " ]").at(1).text().str(), number);
         EXPECT_EQ(valueFromJsonText("{\"a\":" + number + "}").find("a")->text().str(), number);
     }
-}
-
-TEST(JsonText, MayBeNested512LevelsDeep) {
-    const std::string arrays = std::string(512, '[') + std::string(512, ']');
-    EXPECT_EQ(errorIn(arrays), "none");
-    EXPECT_EQ(errorIn("[" + arrays + "]"), "1:513: nested more than 512 levels deep");
-    EXPECT_EQ(errorIn("[[]," + std::string(511, '[') + std::string(511, ']') + "]"), "none");
-
-    std::string objects = "1";
-    Value expected = 1;
-    for (int i = 0; i < 512; ++i) {
-        objects = "{\"a\":" + objects + "}";
-        Value around;
-        around.set("a", std::move(expected));
-        expected = std::move(around);
-    }
-    EXPECT_TRUE(valueFromJsonText(objects) == expected);
-    EXPECT_EQ(errorIn("{\"a\":" + objects + "}"), "1:2561: nested more than 512 levels deep");
-}
-
-TEST(JsonText, IsRefusedAtAnyDepthWithoutExhaustingTheStack) {
-    EXPECT_EQ(errorIn(std::string(1'000'000, '[')), "1:513: nested more than 512 levels deep");
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "../support/Context.h"
-
-#include <libStencilor/Value.h>
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -11,12 +9,6 @@
 
 namespace kel::Stencilor {
 namespace {
-
-/// What a template makes of a value, followed by the messages.
-std::string rendered(const Value& value, const std::string& text) {
-    const auto [output, errors] = support::render(text, Context(value));
-    return output + errors;
-}
 
 TEST(Context, GivesEachKindOfValueItsClass) {
     const Context made(Value{{"text", "a"},
@@ -43,12 +35,7 @@ TEST(Context, GivesEachKindOfValueItsClass) {
 }
 
 TEST(Context, IsRendered) {
-    const struct {
-        const char* name;
-        Value value;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a text", {{"a", "\u00E9\n"}}, "{{ a }}", "\u00E9\n"},
         {"a raw text", {{"a", Value::raw("<b>")}}, "{{ a }}", "<b>"},
         {"a text up to its NUL", {{"a", std::string("b\0c", 3)}}, "{{ a }}", "b"},
@@ -73,9 +60,7 @@ TEST(Context, IsRendered) {
          "{% for x in a %}{{ n }}{% endfor %}",
          "out"},
     };
-    for (const auto& [name, value, text, expected] : cases) {
-        EXPECT_EQ(rendered(value, text), expected) << name;
-    }
+    expectRendered(cases);
 }
 
 TEST(Context, HasElementsThatAreNoDictionariesAsValue) {
@@ -125,12 +110,7 @@ TEST(Context, AnswersAnOuterLoopVariableWithTheInnerElementWhereItHasTheKey) {
 }
 
 TEST(BooleanDictionaries, BecomeBooleansWithChildren) {
-    const struct {
-        const char* name;
-        Value value;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a true one",
          {{"n", "out"}, {"a", {{"$boolean", true}, {"n", "in"}}}},
          "{% if a %}{{ n }}{% endif %}",
@@ -153,9 +133,7 @@ TEST(BooleanDictionaries, BecomeBooleansWithChildren) {
          "11"},
         {"as the root", {{"$boolean", true}, {"a", "1"}}, "{{ a }}", "1"},
     };
-    for (const auto& [name, value, text, expected] : cases) {
-        EXPECT_EQ(rendered(value, text), expected) << name;
-    }
+    expectRendered(cases);
 }
 
 TEST(BooleanDictionaries, HaveNoChildForTheirKey) {

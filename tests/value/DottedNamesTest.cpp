@@ -1,6 +1,4 @@
-#include "../support/Context.h"
-
-#include <libStencilor/Value.h>
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -12,19 +10,8 @@
 namespace kel::Stencilor {
 namespace {
 
-/// What a template makes of a value, followed by the messages.
-std::string rendered(const Value& value, const std::string& text) {
-    const auto [output, errors] = support::render(text, Context(value));
-    return output + errors;
-}
-
 TEST(DottedNames, LeadToTheMembersOfNestedDictionaries) {
-    const struct {
-        const char* name;
-        Value value;
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const Case cases[] = {
         {"a member", {{"user", {{"name", "x"}}}}, "{{ user.name }}", "x"},
         {"a member of a member",
          {{"user", {{"address", {{"city", "x"}}}}}},
@@ -63,9 +50,7 @@ TEST(DottedNames, LeadToTheMembersOfNestedDictionaries) {
         {"keys with dots in them", {{"a", {{"b.c", "1"}}}}, "{{ a.b.c }}", "1"},
         {"an empty key", {{"a", {{"", "1"}}}}, "{{ a. }}", "1"},
     };
-    for (const auto& [name, value, text, expected] : cases) {
-        EXPECT_EQ(rendered(value, text), expected) << name;
-    }
+    expectRendered(cases);
 }
 
 TEST(DottedNames, GiveWayToKeys) {

@@ -1,6 +1,4 @@
-#include "../support/Context.h"
-
-#include <libStencilor/Value.h>
+#include "Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +7,7 @@
 namespace kel::Stencilor {
 namespace {
 
-/// What a template makes of a value with positions, followed by the messages.
-std::string rendered(const Value& value, const std::string& text) {
-    const auto [output, errors] = support::render(text, Context(value, {.positions = true}));
-    return output + errors;
-}
+constexpr ContextOptions positions{.positions = true};
 
 constexpr const char* all = "{% for x in l %}{{ x.index }}{% if x.first %}f{% endif %}"
                             "{% if x.last %}l{% endif %} {% endfor %}";
@@ -37,42 +31,39 @@ TEST(Positions, AreInEveryElement) {
          "1f 2 3 4 5 6 7 8 9 10 11l "},
     };
     for (const auto& [name, list, expected] : cases) {
-        EXPECT_EQ(rendered({{"l", list}}, all), expected) << name;
+        EXPECT_EQ(rendered({{"l", list}}, all, positions), expected) << name;
     }
 }
 
 TEST(Positions, GiveWayToKeys) {
     const Value list = Value::list({{{"index", "i"}, {"first", false}, {"last", true}}, Value{}});
-    EXPECT_EQ(rendered({{"l", list}}, all), "il 2l ");
+    EXPECT_EQ(rendered({{"l", list}}, all, positions), "il 2l ");
     // A key of null hides nothing, and is no position either.
     EXPECT_EQ(rendered({{"index", "out"}, {"l", Value::list({{{"index", nullptr}}})}},
-                       "{% for x in l %}{{ index }}{% endfor %}"),
+                       "{% for x in l %}{{ index }}{% endfor %}", positions),
               "out");
 }
 
 TEST(Positions, AreBesideTheValueOfAnElement) {
     EXPECT_EQ(rendered({{"l", Value::list({"a", "b"})}},
-                       "{% for x in l %}{{ x.index }}{{ x.value }}{% endfor %}"),
+                       "{% for x in l %}{{ x.index }}{{ x.value }}{% endfor %}", positions),
               "1a2b");
     EXPECT_EQ(rendered({{"l", Value::list({Value::list({"a", "b"}), Value::list({"c"})})}},
                        "{% for x in l %}{{ x.index }}:{% for y in x.value %}{{ y.index }}"
-                       "{{ y.value }}{% if y.last %};{% endif %}{% endfor %}{% endfor %}"),
+                       "{{ y.value }}{% if y.last %};{% endif %}{% endfor %}{% endfor %}",
+                       positions),
               "1:1a2b;2:1c;");
 }
 
 TEST(Positions, AreInListsUnderDottedNames) {
     EXPECT_EQ(rendered({{"a", {{"l", Value::list({"x", "y"})}}}},
-                       "{% for x in a.l %}{{ x.index }}{% endfor %}"),
+                       "{% for x in a.l %}{{ x.index }}{% endfor %}", positions),
               "12");
 }
 
 TEST(Positions, AreThereOnRequestAlone) {
-    const auto [output, errors] =
-        support::render("{% for x in l %}{{ x.index }}{% endfor %}",
-                        Context(Value{{"l", Value::list({"a", nullptr})}}));
-    EXPECT_EQ(output, "");
-    EXPECT_EQ(errors, "Could not find expected replacement named \"x.index\"\n"
-                      "Could not find expected replacement named \"x.index\"\n");
+    EXPECT_EQ(rendered({{"l", Value::list({"a"})}}, "{% for x in l %}{{ x.index }}{% endfor %}"),
+              "Could not find expected replacement named \"x.index\"\n");
 }
 
 } // namespace
