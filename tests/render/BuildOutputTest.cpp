@@ -55,6 +55,8 @@ TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
     const Case cases[] = {
         {"text of every language", "\u00E4 \u65E5\u672C \U0001F600",
          "\u00E4 \u65E5\u672C \U0001F600"},
+        {"a byte order mark, kept", "\xEF\xBB\xBFx", "\xEF\xBB\xBFx"},
+        {"line ends of all kinds, kept", "a\r\nb\rc\n\n", "a\r\nb\rc\n\n"},
         {"a stray byte", "a\xFFz", "a\uFFFDz"},
         {"a character cut by the end", "a\xE2\x82", "a\uFFFD"},
         {"a character cut by a substitution", "\xE2\x82{{ x }}\xAC", "\uFFFD\uFFFD\uFFFD"},
