@@ -71,8 +71,8 @@ enum class RenderStatus {
 /// before it does. 0 means no limit, except for `includeDepth`.
 struct RenderLimits {
     /// Each node visited is a step, each iteration of a loop one more, and each 64 keys that are
-    /// looked up for names one more. In a template whose loops strip names of many dots, so is each
-    /// 4 KiB of the keys that are made during the render.
+    /// looked up for names one more. Keys that are too long to be kept are made when they are
+    /// looked up; each 4 KiB of them is a step, too.
     std::uint64_t steps = 0;
 
     /// Bytes rendered, counted before malformed ones become U+FFFD.
