@@ -26,7 +26,7 @@ std::uint64_t measureAlias(const ContextBase* original) {
         return context_access::text(*string).size();
     }
     if (const auto* list = dynamic_cast<const ContextIterable*>(original)) {
-        return list->size() * sizeof(ContextBase*);
+        return list->size() * sizeof(void*);
     }
     std::uint64_t size = 0;
     if (const auto* boolean = dynamic_cast<const ContextBoolean*>(original)) {

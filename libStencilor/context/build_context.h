@@ -9,7 +9,7 @@
 namespace kel::Stencilor::internal {
 
 /// What the dotted names of a context may take, in bytes.
-inline constexpr std::uint64_t dotted_names_limit = 512u * 1024 * 1024;
+inline constexpr std::uint64_t dotted_names_limit = std::uint64_t{512} << 20;
 
 /// The tree of context classes that a value becomes; see `Context` for the rules and errors.
 std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,

@@ -40,6 +40,7 @@ Logger* loggerForTraces() {
 }
 
 void logErrors(const String& errors) {
+    // NOLINTNEXTLINE(readability-container-size-empty): not every base library has empty()
     if (errors.size() == 0 || !messagesAreLogged()) {
         return;
     }
