@@ -260,6 +260,11 @@ struct Place {
     }
 };
 
+Place placeOf(const RenderMessage& message, const std::string& source) {
+    return {message.templateName.str(), textIn(source, message.range), message.line, message.column,
+            message.includedFrom.size()};
+}
+
 TEST_F(Limits, NameThePlaceOfEachStep) {
     const std::string part = "\u00E9\n{{ t }}";
     source_.add("p", part);
@@ -283,9 +288,7 @@ TEST_F(Limits, NameThePlaceOfEachStep) {
         ASSERT_THAT(result.messages, SizeIs(1));
         const RenderMessage& message = result.messages[0];
         const std::string& source = message.templateName == "p" ? part : page;
-        EXPECT_EQ((Place{message.templateName.str(), textIn(source, message.range), message.line,
-                         message.column, message.includedFrom.size()}),
-                  expected[limit]);
+        EXPECT_EQ(placeOf(message, source), expected[limit]);
     }
 }
 
@@ -323,9 +326,7 @@ TEST_F(Limits, NameThePlaceOfTheTextOrValueThatIsTooLong) {
         ASSERT_THAT(result.messages, SizeIs(1));
         const RenderMessage& message = result.messages[0];
         const std::string source = message.templateName == "part" ? "ab{{ t }}" : row.input;
-        EXPECT_EQ((Place{message.templateName.str(), textIn(source, message.range), message.line,
-                         message.column, message.includedFrom.size()}),
-                  row.place);
+        EXPECT_EQ(placeOf(message, source), row.place);
     }
 }
 

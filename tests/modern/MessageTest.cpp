@@ -196,19 +196,11 @@ TEST(Messages, NameTheOpenIncludesInnermostFirst) {
     EXPECT_EQ(result.usage.includeDepth, 2u);
 }
 
-TEST(Messages, DescribeEachKindInOneLine) {
+TEST(Messages, DescribeWhatEndsARenderInOneLine) {
     const struct {
         Kind kind;
         const char* english;
     } cases[] = {
-        {Kind::ReplacementNotFound, "there is no value named \"n\""},
-        {Kind::ReplacementNotString, "the value \"n\" is not a text"},
-        {Kind::BooleanNotFound, "there is no boolean named \"n\""},
-        {Kind::NotBoolean, "the value \"n\" is not a boolean"},
-        {Kind::ListNotFound, "there is no list named \"n\""},
-        {Kind::NotIterable, "the value \"n\" is not a list"},
-        {Kind::FileNotFound, "there is no template \"n\""},
-        {Kind::FileNotLoaded, "the template \"n\" cannot be read"},
         {Kind::TemplateRejected,
          "the template is not well formed: expected \"{% endfor %}\" before the end"},
         {Kind::StepLimit, "the limit of steps is reached"},

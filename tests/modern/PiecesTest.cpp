@@ -48,6 +48,9 @@ TEST(Pieces, OfAShortTextAreOnePiece) {
 TEST(Pieces, OfNoTextAreNone) {
     EXPECT_THAT(renderPieces(Template(""), Context({})).pieces, IsEmpty());
     EXPECT_THAT(renderPieces(Template("{{ b }}"), Context({{"b", ""}})).pieces, IsEmpty());
+    const Pieces rejected = renderPieces(Template("a{{"), Context({}));
+    EXPECT_EQ(rejected.result.status, RenderStatus::Rejected);
+    EXPECT_THAT(rejected.pieces, IsEmpty());
 }
 
 TEST(Pieces, HaveTheMessagesAndTheUsageOfTheWholeText) {
@@ -61,26 +64,16 @@ TEST(Pieces, HaveTheMessagesAndTheUsageOfTheWholeText) {
     EXPECT_EQ(written.result.usage.outputBytes, 2u);
 }
 
-TEST(Pieces, NeverDivideACharacterOfALongTemplate) {
+TEST(Pieces, NeverDivideACharacterOfALongTemplateOrValue) {
     for (const std::string_view character : characters) {
         for (std::size_t shift = 0; shift < 4; ++shift) {
             SCOPED_TRACE(std::string(character) + " after " + std::to_string(shift));
             const std::string text = std::string(shift, 'x') + repeat(character, longSize);
-            expectSamePieces(Template(text), Context({}));
-            expectSamePieces(Template("{% for i in l %}" + text + "{% endfor %}"),
-                             Context({{"l", listOfNulls(2)}}));
-        }
-    }
-}
-
-TEST(Pieces, NeverDivideACharacterOfALongValue) {
-    for (const std::string_view character : characters) {
-        for (std::size_t shift = 0; shift < 4; ++shift) {
-            SCOPED_TRACE(std::string(character) + " after " + std::to_string(shift));
-            const std::string text = std::string(shift, 'x') + repeat(character, longSize);
-            expectSamePieces(Template("{{ v }}"), Context({{"v", text}}));
-            expectSamePieces(Template("a{{ v }}{{ v }}"), Context({{"v", text}}),
-                             {.escape = Escape::html()});
+            const Context context({{"v", text}, {"l", listOfNulls(2)}});
+            expectSamePieces(Template(text), context);
+            expectSamePieces(Template("{% for i in l %}" + text + "{% endfor %}"), context);
+            expectSamePieces(Template("{{ v }}"), context);
+            expectSamePieces(Template("a{{ v }}{{ v }}"), context, {.escape = Escape::html()});
         }
     }
 }
@@ -174,12 +167,6 @@ TEST(Pieces, AreABeginningOfTheTextWhereALimitEndsIt) {
         EXPECT_EQ(written.result.status, RenderStatus::OutputLimit);
         EXPECT_TRUE(whole.starts_with(written.joined()));
     }
-}
-
-TEST(Pieces, AreNoneOfARejectedTemplate) {
-    const Pieces written = renderPieces(Template("a{{"), Context({}));
-    EXPECT_EQ(written.result.status, RenderStatus::Rejected);
-    EXPECT_THAT(written.pieces, IsEmpty());
 }
 
 TEST(Pieces, ThatCannotBeWrittenEndTheRenderWithWhatWasThrown) {
