@@ -43,7 +43,9 @@ function(stencilor_install_library target package folder)
     )
 endfunction()
 
-# What find_package(PACKAGE) finds, made of cmake/package/<PACKAGE>Config.cmake.in.
+# stencilor_install_package(PACKAGE [FILES...])
+#
+# What find_package(PACKAGE) finds, made of cmake/package/<PACKAGE>Config.cmake.in, with files beside it.
 function(stencilor_install_package package)
     if(NOT STENCILOR_INSTALL)
         return()
@@ -63,6 +65,7 @@ function(stencilor_install_package package)
         FILES
             "${PROJECT_BINARY_DIR}/package/${package}Config.cmake"
             "${PROJECT_BINARY_DIR}/package/${package}ConfigVersion.cmake"
+            ${ARGN}
         DESTINATION "${destination}"
         COMPONENT development
     )

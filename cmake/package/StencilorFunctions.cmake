@@ -1,0 +1,102 @@
+# What builds do with templates. The program is the one in the variable STENCILOR, a command, or one
+# that is built along.
+
+function(stencilor_find_command result)
+    if(STENCILOR)
+        set(command ${STENCILOR})
+    elseif(TARGET stencilor_program)
+        set(command "$<TARGET_FILE:stencilor_program>")
+    else()
+        message(FATAL_ERROR "The program is missing: set STENCILOR to its path.")
+    endif()
+    set(${result} "${command}" PARENT_SCOPE)
+endfunction()
+
+# stencilor_read_call(FUNCTION VALUES LISTS REQUIRED ARGUMENTS...): sets stencilor_NAME for each.
+macro(stencilor_read_call function values lists required)
+    cmake_parse_arguments(stencilor "" "${values}" "${lists}" ${ARGN})
+    if(stencilor_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "${function} does not take ${stencilor_UNPARSED_ARGUMENTS}.")
+    endif()
+    foreach(name IN ITEMS ${required})
+        if(NOT stencilor_${name})
+            message(FATAL_ERROR "${function} needs ${name}.")
+        endif()
+    endforeach()
+    foreach(name IN ITEMS TEMPLATE TEMPLATES CONTEXT ROOT)
+        set(paths "")
+        foreach(path IN LISTS stencilor_${name})
+            cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
+            list(APPEND paths "${path}")
+        endforeach()
+        set(stencilor_${name} "${paths}")
+    endforeach()
+    set(stencilor_root "")
+    if(stencilor_ROOT)
+        set(stencilor_root --root "${stencilor_ROOT}")
+    endif()
+    stencilor_find_command(stencilor_command)
+endmacro()
+
+# stencilor_render(TARGET NAME TEMPLATE FILE [CONTEXT FILE] OUTPUT FILE [ROOT FOLDER] [OPTIONS OPTION...])
+#
+# Renders a template when the build runs, again where it, what it includes or the context has changed.
+# A gap in the output is an error. NAME is a target of this folder, which the output becomes a source
+# of, or a new one that makes it. OUTPUT is relative to the folder of the build, the others to that
+# of the sources. The options are those of `stencilor render`.
+function(stencilor_render)
+    stencilor_read_call(
+        stencilor_render
+        "TARGET;TEMPLATE;CONTEXT;OUTPUT;ROOT"
+        "OPTIONS"
+        "TARGET;TEMPLATE;OUTPUT"
+        ${ARGN}
+    )
+    cmake_path(
+        ABSOLUTE_PATH stencilor_OUTPUT
+        BASE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
+        NORMALIZE
+        OUTPUT_VARIABLE output
+    )
+    cmake_path(GET output PARENT_PATH folder)
+    file(MAKE_DIRECTORY "${folder}")
+    add_custom_command(
+        OUTPUT "${output}"
+        COMMAND
+            ${stencilor_command} render --strict ${stencilor_root} ${stencilor_OPTIONS} -o
+            "${output}" -- "${stencilor_TEMPLATE}" ${stencilor_CONTEXT}
+        COMMAND
+            ${stencilor_command} deps ${stencilor_root} --depfile "${output}" -o "${output}.d" --
+            "${stencilor_TEMPLATE}"
+        DEPENDS "${stencilor_TEMPLATE}" ${stencilor_CONTEXT}
+        DEPFILE "${output}.d"
+        COMMENT "Rendering ${stencilor_OUTPUT}"
+        VERBATIM
+    )
+    if(TARGET "${stencilor_TARGET}")
+        target_sources("${stencilor_TARGET}" PRIVATE "${output}")
+    else()
+        add_custom_target("${stencilor_TARGET}" ALL DEPENDS "${output}")
+    endif()
+endfunction()
+
+# stencilor_check(NAME NAME TEMPLATES FILE... [CONTEXT FILE] [ROOT FOLDER] [OPTIONS OPTION...])
+#
+# Adds a test that fails where `stencilor check`, with these options, finds errors or warnings.
+function(stencilor_check)
+    stencilor_read_call(
+        stencilor_check
+        "NAME;CONTEXT;ROOT"
+        "TEMPLATES;OPTIONS"
+        "NAME;TEMPLATES"
+        ${ARGN}
+    )
+    if(stencilor_CONTEXT)
+        list(APPEND stencilor_OPTIONS --context "${stencilor_CONTEXT}")
+    endif()
+    add_test(
+        NAME "${stencilor_NAME}"
+        COMMAND
+            ${stencilor_command} check ${stencilor_root} ${stencilor_OPTIONS} -- ${stencilor_TEMPLATES}
+    )
+endfunction()
