@@ -45,19 +45,6 @@ TEST(Content, HasItsMembersInTheDeclaredOrder) {
               "{name} include(path)");
 }
 
-TEST(Content, IsTheSameWithoutAnElsePartAndWithAnEmptyOne) {
-    syntax_tree without;
-    syntax_tree empty;
-    ASSERT_TRUE(parseTemplate("{% if a %}x{% endif %}", without.nodes));
-    ASSERT_TRUE(parseTemplate("{% if a %}x{% else %}{% endif %}", empty.nodes));
-    const auto& first = boost::get<if_expr>(without.nodes.at(0));
-    const auto& second = boost::get<if_expr>(empty.nodes.at(0));
-    EXPECT_EQ(first.name, second.name);
-    EXPECT_EQ(support::describe(first.then_list), support::describe(second.then_list));
-    EXPECT_TRUE(first.else_list.empty());
-    EXPECT_TRUE(second.else_list.empty());
-}
-
 TEST(Content, IsCopiedWithEverythingBelowIt) {
     auto source = std::make_unique<content_list>();
     ASSERT_TRUE(parseTemplate(
