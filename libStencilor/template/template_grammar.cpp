@@ -48,6 +48,17 @@ bool beginsTag(const char* at) {
     return at[0] == '{' && (at[1] == '%' || at[1] == '{');
 }
 
+/// Finds a brace, or the end. Most texts are short, and end before a call would have begun to look.
+const char* nextBrace(const char* at) {
+    for (const char* const few = at + 8; at != few; ++at) {
+        if (*at == '{' || *at == '\0') {
+            return at;
+        }
+    }
+    const char* const brace = std::strchr(at, '{');
+    return brace == nullptr ? at + std::strlen(at) : brace;
+}
+
 } // namespace
 
 template_grammar::template_grammar(const char* text) : begin_(text), position_(text) {}
@@ -65,51 +76,62 @@ bool template_grammar::parse(content_list& list) {
 
 // start = content end
 bool template_grammar::start() {
-    while (content_rule() || closing_tag()) {
+    while (content_rule()) {
     }
     return *position_ == '\0' && open_.empty();
 }
 
 // content_rule = text_rule | expr_rule
+// Both, since a text is followed by a tag or the end. False where no tag can be matched.
 bool template_grammar::content_rule() {
-    return text_rule() || expr_rule();
+    text_rule();
+    return expr_rule();
 }
 
 // text_rule = { byte that begins neither "{%" nor "{{" }, one or more
-bool template_grammar::text_rule() {
+void template_grammar::text_rule() {
     const char* const begin = position_;
     while (*position_ != '\0' && !beginsTag(position_)) {
-        const char* brace = std::strchr(position_ + 1, '{');
-        position_ = brace == nullptr ? position_ + std::strlen(position_) : brace;
+        position_ = nextBrace(position_ + 1);
     }
-    if (position_ == begin) {
-        return false;
+    if (position_ != begin) {
+        add(step_kind::text, spanFrom(begin), 0);
     }
-    add(step_kind::text, spanFrom(begin), 0);
-    return true;
 }
 
 // expr_rule = if_rule | for_rule | replace_rule | include_rule
-// What the rules begin with decides between them: only one of them can match the whole tag. A rule
-// that fails consumes nothing.
+// Also the tags that may follow the content of an open block. What a tag begins with decides: only
+// one rule can match the whole tag. One that fails consumes nothing.
 bool template_grammar::expr_rule() {
     const char* const begin = position_;
-    bool matched = false;
-    if (literal("{{")) {
-        matched = replace_rule();
-    } else if (literal("{%")) {
-        matched = literal("if")    ? if_rule()
-                  : literal("for") ? for_rule()
-                                   : literal("include") && include_rule();
+    if (*begin == '\0') {
+        return false;
     }
+    assert(beginsTag(begin));
+    position_ += 2;
+    const bool matched = begin[1] == '{' ? replace_rule() : keyword_rule();
     if (!matched) {
         position_ = begin;
     }
     return matched;
 }
 
+/// The rest of a tag that begins with "{%".
+bool template_grammar::keyword_rule() {
+    switch (*behindBlanks(position_)) {
+    case 'i':
+        return literal("if") ? if_rule() : literal("include") && include_rule();
+    case 'f':
+        return literal("for") && for_rule();
+    case 'e':
+        return !open_.empty() && (else_tag() || end_tag());
+    default:
+        return false;
+    }
+}
+
 // if_rule = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif" "%}"
-// The rest of the opening tag; the other tags are matched by closing_tag() behind the content.
+// The rest of the opening tag; the other tags are matched after the content.
 bool template_grammar::if_rule() {
     span name{};
     if (!identifier_rule(name)) {
@@ -187,16 +209,6 @@ bool template_grammar::identifier_rule(span& found) {
     }
     found = spanFrom(begin);
     return true;
-}
-
-/// The tags that may follow the content of the innermost open block.
-bool template_grammar::closing_tag() {
-    const char* const begin = position_;
-    const bool matched = !open_.empty() && literal("{%") && (else_tag() || end_tag());
-    if (!matched) {
-        position_ = begin;
-    }
-    return matched;
 }
 
 bool template_grammar::else_tag() {

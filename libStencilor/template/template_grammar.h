@@ -89,15 +89,15 @@ class template_grammar {
 
     bool start();
     inline bool content_rule();
-    inline bool text_rule();
+    inline void text_rule();
     inline bool expr_rule();
+    inline bool keyword_rule();
     inline bool if_rule();
     bool for_rule();
     inline bool replace_rule();
     bool include_rule();
     inline bool identifier_rule(span& found);
 
-    inline bool closing_tag();
     inline bool else_tag();
     inline bool end_tag();
 
