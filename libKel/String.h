@@ -89,7 +89,14 @@ class String {
 
     /// Copies all bytes, NUL bytes included.
     /// @{
-    String(std::string_view bytes) : String(bytes.data(), checkedSize(bytes.size())) {}
+    String(std::string_view bytes) : String() {
+        if (bytes.size() > inlineCapacity) {
+            assign(bytes.data(), checkedSize(bytes.size()));
+        } else if (!bytes.empty()) {
+            std::memcpy(inline_, bytes.data(), bytes.size());
+            size_ = static_cast<unsigned int>(bytes.size());
+        }
+    }
     String(const std::string& bytes) : String(std::string_view(bytes)) {}
     /// @}
 
@@ -125,8 +132,12 @@ class String {
     bool empty() const noexcept { return size_ == 0; }
 
     /// Returns the characters without copying them, valid until this string is changed or
-    /// destroyed.
+    /// destroyed. A NUL follows them.
     std::string_view view() const noexcept { return {data_, size_}; }
+
+    /// How many bytes can be read where `view` begins, however few the characters are; those past
+    /// the last one mean nothing.
+    static constexpr unsigned int readableBytes = 16;
 
     /// Returns a copy of the characters, NUL bytes included.
     std::string str() const { return std::string(view()); }
@@ -210,6 +221,7 @@ class String {
     // it; then it is only read. A copy shares it only where the size, too, is at least that, and
     // half of the capacity.
     char inline_[inlineCapacity + 1];
+    static_assert(sizeof(inline_) >= readableBytes); // a block has more
     char* data_;
     unsigned int size_;
     unsigned int capacity_; // without the NUL

@@ -11,6 +11,13 @@ struct context_access {
     static auto& children(Value& value) noexcept {
         return value.children;
     }
+
+    /// The child under `key`, or null.
+    static const ContextBase* findChild(const ContextBase& value, const String& key) noexcept {
+        const auto found = value.children.find(key);
+        return found == value.children.end() ? nullptr : found->second;
+    }
+
     static const String& text(const ContextString& string) noexcept { return string.value; }
     static bool isTrue(const ContextBoolean& boolean) noexcept { return boolean.value; }
     template <typename Iterable>

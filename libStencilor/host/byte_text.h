@@ -15,7 +15,19 @@ template <typename Text>
 concept byte_text = requires(const Text& text, std::string_view bytes) {
     { text.view() } -> std::same_as<std::string_view>;
     { Text::isUtf8(bytes) } -> std::same_as<bool>;
+    requires Text::readableBytes >= 16; // from where the view begins; the text ends with a NUL
+    Text(bytes);
 };
+
+/// A name of a template as a key of the context. It holds no NUL.
+template <typename Text>
+Text keyOf(std::string_view name) {
+    return Text(name.data());
+}
+template <byte_text Text>
+Text keyOf(std::string_view name) {
+    return Text(name);
+}
 
 } // namespace kel::Stencilor::internal
 

@@ -38,9 +38,12 @@ Logger* loggerForTraces();
 /// Traces the scope that it lives in. With tracing off it costs the test of the global priority.
 class trace_scope {
   public:
+    /// Whether a scope that begins now may be traced.
+    static bool isEnabled() { return LogFactory::getPriority() <= tracePriority; }
+
     explicit trace_scope(const trace_point& point)
-        : trace_(LogFactory::getPriority() > tracePriority ? nullptr : loggerForTraces(),
-                 point.function, traceFile, point.line) {}
+        : trace_(isEnabled() ? loggerForTraces() : nullptr, point.function, traceFile, point.line) {
+    }
 
   private:
     TraceLogger trace_;

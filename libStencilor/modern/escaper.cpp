@@ -1,5 +1,6 @@
 #include <libStencilor/modern/escaper.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -46,46 +47,54 @@ constexpr std::string_view htmlEscape(char byte) {
     }
 }
 
-constexpr std::size_t escapeCount = 128;
-constexpr std::array<bool, escapeCount> htmlEscapes = [] {
-    std::array<bool, escapeCount> escapes{};
-    for (std::size_t byte = 0; byte < escapeCount; ++byte) {
-        escapes[byte] = !htmlEscape(static_cast<char>(byte)).empty();
-    }
-    return escapes;
-}();
+constexpr std::size_t wordSize = sizeof(std::uint64_t);
 
-bool isHtmlEscaped(char byte) {
-    const auto index = static_cast<unsigned char>(byte);
-    return index < escapeCount && htmlEscapes[index];
+std::uint64_t wordAt(const char* at) {
+    std::uint64_t word;
+    std::memcpy(&word, at, wordSize);
+    return word;
 }
 
-/// How many bytes at the start of `text` HTML does not escape.
-std::size_t plainHtmlPrefix(std::string_view text) {
-    std::size_t at = 0;
-    std::uint64_t word;
-    while (text.size() - at >= sizeof(word)) {
-        std::memcpy(&word, text.data() + at, sizeof(word));
-        if (mayEscapeHtml(word)) {
-            break;
+/// False only where no byte of `text` is one that HTML escapes.
+bool mayEscapeHtml(std::string_view text) {
+    if (text.size() < wordSize) {
+        return std::any_of(text.begin(), text.end(),
+                           [](char byte) { return !htmlEscape(byte).empty(); });
+    }
+    for (std::size_t at = 0; at + wordSize < text.size(); at += wordSize) {
+        if (mayEscapeHtml(wordAt(text.data() + at))) {
+            return true;
         }
-        at += sizeof(word);
     }
-    while (at < text.size() && !isHtmlEscaped(text[at])) {
-        ++at;
+    return mayEscapeHtml(wordAt(text.data() + text.size() - wordSize));
+}
+
+constexpr std::size_t longestEscape = 6;
+
+/// Writes `text` escaped, which may take `longestEscape` times its size. Returns the end.
+char* writeHtml(std::string_view text, char* out) {
+    while (!text.empty()) {
+        const std::string_view few = text.substr(0, wordSize);
+        text.remove_prefix(few.size());
+        if (few.size() == wordSize && !mayEscapeHtml(wordAt(few.data()))) {
+            out = std::copy_n(few.data(), wordSize, out);
+            continue;
+        }
+        for (const char byte : few) {
+            const std::string_view escape = htmlEscape(byte);
+            *out = byte;
+            out = escape.empty() ? out + 1 : std::copy(escape.begin(), escape.end(), out);
+        }
     }
-    return at;
+    return out;
 }
 
 void appendHtml(std::string_view text, std::string& out) {
-    while (true) {
-        const std::size_t plain = plainHtmlPrefix(text);
-        out.append(text.substr(0, plain));
-        if (plain == text.size()) {
-            return;
-        }
-        out.append(htmlEscape(text[plain]));
-        text.remove_prefix(plain + 1);
+    std::array<char, 64 * longestEscape> escaped;
+    while (!text.empty()) {
+        const std::string_view part = text.substr(0, escaped.size() / longestEscape);
+        out.append(escaped.data(), writeHtml(part, escaped.data()));
+        text.remove_prefix(part.size());
     }
 }
 
@@ -160,8 +169,7 @@ Escape Escape::json() {
 
 std::string_view escaper::escape(std::string_view value) {
     const Escape::Kind kind = escape_.kind_;
-    if (kind == Escape::Kind::None ||
-        (kind == Escape::Kind::Html && plainHtmlPrefix(value) == value.size())) {
+    if (kind == Escape::Kind::None || (kind == Escape::Kind::Html && !mayEscapeHtml(value))) {
         return value;
     }
     escaped_.clear();

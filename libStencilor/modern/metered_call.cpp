@@ -34,7 +34,7 @@ struct record_of : boost::static_visitor<const void*> {
 node_place metered_call::place() const {
     const void* const record = boost::apply_visitor(record_of(), *node_);
     return record == nullptr ? placeOfText(in_, *node_)
-                             : placeOf(in_.names->use(record_memory::numberOf(record)));
+                             : placeOf(names_.use(record_memory::numberOf(record)));
 }
 
 void metered_call::endAtOutputLimit() {
@@ -43,13 +43,14 @@ void metered_call::endAtOutputLimit() {
 
 void metered_call::addMessage(fault reason, const name_use& use) {
     state_.addMessage(kinds[static_cast<std::size_t>(reason)], in_, placeOf(use),
-                      in_.names->nameOf(use));
+                      names_.nameOf(use));
 }
 
 /// `find` where some keys are not kept.
 const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const name_use& use) {
-    const auto kept = in_.names->keptKeys(use);
-    const auto prefixes = in_.names->prefixes(use);
+    const name_keys& keys = names_.keysOf(use);
+    const auto kept = names_.keptKeys(keys);
+    const auto prefixes = names_.prefixes(keys);
     const std::string_view name = in_.text.view().substr(use.begin, use.size);
     const auto here = [this] { return place(); };
     return scopes.findFirst([&](const ContextBase& scope) {
@@ -57,11 +58,11 @@ const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const 
         for (std::size_t index = 0; found == nullptr && index < prefixes.size(); ++index) {
             state_.countKey(in_, here);
             if (index < kept.size()) {
-                found = findIn(scope, kept[index]);
+                found = context_access::findChild(scope, kept[index]);
             } else {
                 const std::string_view key = name.substr(prefixes[index]);
                 state_.countKeyBytes(key.size(), in_, here);
-                found = findIn(scope, String(key));
+                found = context_access::findChild(scope, String(key));
             }
         }
         return found;
@@ -70,7 +71,7 @@ const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const 
 
 void metered_call::include(const include_expr& node, scope_stack& scopes) {
     const name_use& use = useOf(node);
-    const included_template& included = state_.findTemplate(use, in_.names->nameOf(use));
+    const included_template& included = state_.findTemplate(use, names_.nameOf(use));
     switch (included.answer) {
     case TemplateSource::Answer::Found:
         renderIncluded(*included.found, use, scopes);

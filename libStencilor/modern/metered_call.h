@@ -9,8 +9,6 @@
 #include <libStencilor/render/scopes.h>
 #include <libStencilor/template/syntax_tree.h>
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -31,7 +29,8 @@ struct render_tools {
 class metered_call {
   public:
     metered_call(const render_tools& tools, const parsed_template& in)
-        : state_(tools.state), text_(tools.text), escape_(tools.escape), in_(in) {}
+        : state_(tools.state), text_(tools.text), escape_(tools.escape), in_(in),
+          names_(*in.names) {}
     metered_call(const metered_call&) = delete;
     metered_call& operator=(const metered_call&) = delete;
 
@@ -45,11 +44,9 @@ class metered_call {
     }
 
     void appendText(const std::string& text) {
-        if (!state_.hasRoomFor(text.size())) {
+        if (!text_.text(text)) {
             endAtOutputLimit();
         }
-        state_.countOutput(text.size());
-        text_.text(text);
     }
 
     void appendValue(const ContextString& string) {
@@ -64,15 +61,17 @@ class metered_call {
     template <typename Record>
     const ContextBase* find(const scope_stack& scopes, const std::string&, const Record& node) {
         const name_use& use = useOf(node);
-        if (!in_.names->keepsAllKeys(use)) {
+        const name_keys& keys = names_.keysOf(use);
+        if (!keys.areAllKept()) {
             return findByAllKeys(scopes, use);
         }
-        const auto keys = in_.names->keptKeys(use);
-        return scopes.findFirst(searchOf(use), [this, keys](const ContextBase& scope) {
+        const auto remembered = [this, &keys]() -> outer_search& { return state_.searchOf(keys); };
+        return scopes.findFirst(remembered, [this, &keys](const ContextBase& scope) {
             const ContextBase* found = nullptr;
-            for (auto key = keys.begin(); found == nullptr && key != keys.end(); ++key) {
+            const auto kept = names_.keptKeys(keys);
+            for (auto key = kept.begin(); found == nullptr && key != kept.end(); ++key) {
                 state_.countKey(in_, [this] { return place(); });
-                found = findIn(scope, *key);
+                found = context_access::findChild(scope, *key);
             }
             return found;
         });
@@ -93,22 +92,7 @@ class metered_call {
   private:
     template <typename Record>
     const name_use& useOf(const Record& node) const {
-        return in_.names->use(record_memory::numberOf(&node));
-    }
-
-    /// What is remembered for the keys of a name, as far as there is room.
-    outer_search& searchOf(const name_use& use) {
-        remembered& slot = remembered_[use.keys % remembered_.size()];
-        if (slot.keys != use.keys) {
-            slot = {use.keys, {}};
-        }
-        return slot.search;
-    }
-
-    static const ContextBase* findIn(const ContextBase& scope, const String& key) {
-        const auto& children = context_access::children(scope);
-        const auto found = children.find(key);
-        return found == children.end() ? nullptr : found->second;
+        return names_.use(record_memory::numberOf(&node));
     }
 
     static bool isRaw(const ContextString& string) {
@@ -117,10 +101,9 @@ class metered_call {
     }
 
     void appendBytes(std::string_view value) {
-        if (!state_.hasRoomFor(value.size()) && !state_.hasRoomFor(upToNul(value).size())) {
+        if (!text_.value(value)) {
             endAtOutputLimit();
         }
-        state_.countOutput(text_.value(value));
     }
 
     node_place place() const;
@@ -133,13 +116,8 @@ class metered_call {
     piecewise_output& text_;
     escaper& escape_;
     const parsed_template& in_;
+    const name_table& names_;
     const content* node_ = nullptr; // the one that is rendered
-
-    struct remembered {
-        std::uint32_t keys = 0;
-        outer_search search{};
-    };
-    std::array<remembered, 16> remembered_{};
 };
 
 } // namespace kel::Stencilor::internal

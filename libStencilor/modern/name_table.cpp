@@ -80,16 +80,16 @@ class name_table::builder final : public SyntaxVisitor {
     };
 
     bool isTriedAlike(const known_list& known, std::string_view name) const {
-        const key_list& list = table_.lists_[known.index];
+        const name_keys& list = table_.lists_[known.index];
         const auto first = table_.prefixes_.begin() + static_cast<std::ptrdiff_t>(list.firstPrefix);
         return known.name == name && std::equal(prefixLengths_.begin(), prefixLengths_.end(), first,
                                                 first + static_cast<std::ptrdiff_t>(list.count));
     }
 
-    key_list makeList(std::string_view name) {
-        key_list list{static_cast<std::uint32_t>(table_.keys_.size()), 0,
-                      static_cast<std::uint32_t>(table_.prefixes_.size()),
-                      static_cast<std::uint32_t>(prefixLengths_.size())};
+    name_keys makeList(std::string_view name) {
+        name_keys list{static_cast<std::uint32_t>(table_.keys_.size()), 0,
+                       static_cast<std::uint32_t>(table_.prefixes_.size()),
+                       static_cast<std::uint32_t>(prefixLengths_.size())};
         table_.prefixes_.insert(table_.prefixes_.end(), prefixLengths_.begin(),
                                 prefixLengths_.end());
         for (const std::uint32_t length : prefixLengths_) {
@@ -119,8 +119,8 @@ class name_table::builder final : public SyntaxVisitor {
 };
 
 const String& name_table::nameOf(const name_use& use) const noexcept {
-    const key_list& list = lists_[use.keys];
-    const auto first = prefixes(use).begin();
+    const name_keys& list = lists_[use.keys];
+    const auto first = prefixes(list).begin();
     const auto whole = std::find(first, first + list.kept, 0u); // the end, where it is kept apart
     return keys_[list.firstKey + static_cast<std::size_t>(whole - first)];
 }

@@ -24,6 +24,16 @@ struct name_use {
     SyntaxRange range() const noexcept { return {begin, begin + size}; }
 };
 
+/// Which of a table's keys a name is tried as. Names that are tried alike share them.
+struct name_keys {
+    std::uint32_t firstKey;
+    std::uint32_t kept;
+    std::uint32_t firstPrefix;
+    std::uint32_t count;
+
+    bool areAllKept() const noexcept { return kept == count; }
+};
+
 /// The names of one template, by the number of the record that holds each.
 ///
 /// A name is tried as the keys that the loops around it make of it, which the template alone
@@ -41,39 +51,27 @@ class name_table {
         return uses_[number];
     }
 
-    /// The keys of a name that are kept, in the order they are tried.
-    std::span<const String> keptKeys(const name_use& use) const noexcept {
-        const key_list& list = lists_[use.keys];
-        return {keys_.data() + list.firstKey, list.kept};
+    const name_keys& keysOf(const name_use& use) const noexcept { return lists_[use.keys]; }
+
+    /// The keys that are kept, in the order they are tried.
+    std::span<const String> keptKeys(const name_keys& keys) const noexcept {
+        return {keys_.data() + keys.firstKey, keys.kept};
     }
 
     /// How many bytes at the start of the name are stripped for each of its keys. The kept ones are
     /// those of the first.
-    std::span<const std::uint32_t> prefixes(const name_use& use) const noexcept {
-        const key_list& list = lists_[use.keys];
-        return {prefixes_.data() + list.firstPrefix, list.count};
+    std::span<const std::uint32_t> prefixes(const name_keys& keys) const noexcept {
+        return {prefixes_.data() + keys.firstPrefix, keys.count};
     }
 
     /// The name itself, for messages and paths: one of the kept keys, or kept after them.
     const String& nameOf(const name_use& use) const noexcept;
 
-    bool keepsAllKeys(const name_use& use) const noexcept {
-        const key_list& list = lists_[use.keys];
-        return list.kept == list.count;
-    }
-
   private:
     class builder;
 
-    struct key_list {
-        std::uint32_t firstKey;
-        std::uint32_t kept;
-        std::uint32_t firstPrefix;
-        std::uint32_t count;
-    };
-
     std::vector<name_use> uses_;
-    std::vector<key_list> lists_;
+    std::vector<name_keys> lists_;
     std::vector<String> keys_;
     std::vector<std::uint32_t> prefixes_;
 };

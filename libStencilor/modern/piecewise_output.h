@@ -18,39 +18,38 @@ class piecewise_output {
   public:
     using writer = std::function<void(std::string_view)>;
 
-    /// `write` may be null, for a text all at once. `wellFormed` as for `joined_output`; `size` is
-    /// that of the template.
-    piecewise_output(const writer* write, bool wellFormed, std::size_t size)
-        : text_(wellFormed), write_(write),
-          enough_(write == nullptr ? std::numeric_limits<std::size_t>::max() : pieceSize) {
+    /// `write` may be null, for a text all at once. `allowed` is how many bytes it may have.
+    /// `wellFormed` as for `joined_output`; `size` is that of the template.
+    piecewise_output(const writer* write, std::uint64_t allowed, bool wellFormed, std::size_t size)
+        : text_(wellFormed), write_(write), allowed_(allowed) {
         if (write == nullptr) {
             text_.reserve(size); // most outputs are longer than their template
         }
+        renewBounds();
     }
 
-    void text(std::string_view text) {
-        if (text.size() < enough_) {
-            text_.text(text);
-            handOverEnough();
-        } else {
-            inSlices(text, [this](std::string_view slice) { text_.text(slice); });
-        }
+    /// Appends a text of the template. False, with nothing appended, where that is not allowed.
+    bool text(std::string_view text) {
+        return text_.textIfRoom(text) ||
+               appendWithCare(text, [this](std::string_view slice) { text_.text(slice); });
     }
 
-    /// Appends bytes that may be malformed, up to their first NUL. Returns how many they are.
-    std::size_t value(std::string_view bytes) {
-        if (bytes.size() < enough_) {
-            const std::size_t appended = text_.valueBytes(bytes);
-            handOverEnough();
-            return appended;
-        }
-        const std::string_view value = upToNul(bytes);
-        inSlices(value, [this](std::string_view slice) { text_.bytes(slice); });
-        return value.size();
+    /// Appends bytes that may be malformed, up to their first NUL. False, with nothing appended,
+    /// where that is not allowed.
+    bool value(std::string_view bytes) {
+        return text_.plainIfRoom(bytes) ||
+               appendWithCare(upToNul(bytes),
+                              [this](std::string_view slice) { text_.bytes(slice); });
     }
 
     void beginIncluded(bool wellFormed) { text_.beginIncluded(wellFormed); }
-    void endNode() { text_.endNode(); }
+    void endNode() {
+        text_.endNode();
+        renewBounds();
+    }
+
+    /// How many bytes were appended, before any decoding.
+    std::uint64_t appended() const noexcept { return text_.appended(); }
 
     /// The text, or the last pieces of it.
     String finish() {
@@ -68,13 +67,20 @@ class piecewise_output {
     static constexpr std::size_t sliceSize = 16384;
 
     template <typename Append>
-    void inSlices(std::string_view text, Append append) {
-        while (!text.empty()) {
-            const std::size_t size = nextSlice(text);
-            append(text.substr(0, size));
-            handOverEnough();
-            text.remove_prefix(size);
+    bool appendWithCare(std::string_view text, Append append) {
+        if (text.size() > allowed_ - appended()) {
+            return false;
         }
+        while (!text.empty()) {
+            const std::size_t size = write_ == nullptr ? text.size() : nextSlice(text);
+            append(text.substr(0, size));
+            text.remove_prefix(size);
+            if (write_ != nullptr && text_.size() >= pieceSize) {
+                handOver();
+            }
+        }
+        renewBounds();
+        return true;
     }
 
     /// A slice divides no character, unless the text is malformed there.
@@ -87,17 +93,17 @@ class piecewise_output {
         return size;
     }
 
-    void handOverEnough() {
-        if (text_.size() >= enough_) {
-            handOver();
-        }
+    /// To be called where bytes were handed over or decoded.
+    void renewBounds() {
+        text_.setBounds(allowed_,
+                        write_ == nullptr ? std::numeric_limits<std::size_t>::max() : pieceSize);
     }
 
     void handOver();
 
     joined_output<String> text_;
     const writer* write_;
-    const std::size_t enough_; // bytes to hand over
+    const std::uint64_t allowed_;
 };
 
 } // namespace kel::Stencilor::internal

@@ -47,7 +47,7 @@ render_state::render_state(const RenderOptions& options)
     : options_(options),
       includeDepth_(options.limits.includeDepth - 1 < greatestDepth ? options.limits.includeDepth
                                                                     : greatestDepth),
-      outputBytes_(limitOf(options.limits.outputBytes)), pause_(0), outputLeft_(outputBytes_),
+      outputBytes_(limitOf(options.limits.outputBytes)), pause_(0),
       templates_(options.source, limitOf(options.limits.templateBytes)) {
     pause_ = nextPause();
 }
@@ -111,11 +111,12 @@ void render_state::enterInclude(const parsed_template& in, const name_use& use) 
     deepest_ = std::max(deepest_, depth);
 }
 
-RenderResult render_state::takeResult(RenderStatus status) {
+RenderResult render_state::takeResult(RenderStatus status, std::uint64_t outputBytes, String text) {
     return {.status = status,
+            .text = std::move(text),
             .messages = std::move(messages_),
             .usage = {.steps = steps_,
-                      .outputBytes = outputBytes_ - outputLeft_,
+                      .outputBytes = outputBytes,
                       .templateBytes = templates_.bytes(),
                       .messages = messageCount_,
                       .includeDepth = deepest_}};

@@ -4,9 +4,13 @@
 #include <libStencilor/Template.h>
 #include <libStencilor/modern/included_templates.h>
 #include <libStencilor/modern/parsed_template.h>
+#include <libStencilor/render/scopes.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -55,8 +59,22 @@ class render_state {
         }
     }
 
-    bool hasRoomFor(std::uint64_t bytes) const noexcept { return bytes <= outputLeft_; }
-    void countOutput(std::uint64_t bytes) noexcept { outputLeft_ -= bytes; }
+    /// How many bytes may be rendered.
+    std::uint64_t outputBytes() const noexcept { return outputBytes_; }
+
+    /// What is remembered for the keys of a name, as far as there is room.
+    outer_search& searchOf(const name_keys& keys) {
+        if (searches_ == nullptr) {
+            searches_ = std::make_unique<std::array<remembered_search, searchCount>>();
+        }
+        constexpr std::size_t apart = sizeof(name_keys); // keys of one table
+        const std::size_t place = std::hash<const name_keys*>()(&keys) / apart % searchCount;
+        remembered_search& remembered = (*searches_)[place];
+        if (remembered.keys != &keys) {
+            remembered = {&keys, {}};
+        }
+        return remembered.search;
+    }
 
     /// Counts a message. True if it is to be made and added.
     bool wantsMessage() {
@@ -84,10 +102,16 @@ class render_state {
     void enterInclude(const parsed_template& in, const name_use& use);
     void leaveInclude() noexcept { includes_.pop_back(); }
 
-    /// What was taken and said, moved out.
-    RenderResult takeResult(RenderStatus status);
+    /// What was taken and said, moved out. `outputBytes` were rendered.
+    RenderResult takeResult(RenderStatus status, std::uint64_t outputBytes = 0, String text = {});
 
   private:
+    struct remembered_search {
+        const name_keys* keys = nullptr;
+        outer_search search{};
+    };
+    static constexpr std::size_t searchCount = 16;
+
     struct open_include {
         const parsed_template* in;
         const name_use* use;
@@ -109,8 +133,7 @@ class render_state {
     const unsigned int includeDepth_;
     const std::uint64_t outputBytes_; // allowed
     std::uint64_t steps_ = 0;
-    std::uint64_t pause_; // how many steps are taken before one is asked about
-    std::uint64_t outputLeft_;
+    std::uint64_t pause_;      // how many steps are taken before one is asked about
     unsigned int keys_ = 0;    // that were looked up and are not a step yet
     std::size_t keyBytes_ = 0; // that were made and are not a step yet
     std::uint64_t messageCount_ = 0;
@@ -118,6 +141,7 @@ class render_state {
     included_templates templates_;
     std::vector<open_include> includes_;
     std::vector<RenderMessage> messages_;
+    std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // none outside of loops
 };
 
 } // namespace kel::Stencilor::internal

@@ -30,17 +30,15 @@ RenderResult renderTemplate(const parsed_template& parsed, const ContextBase& co
         }
         return state.takeResult(RenderStatus::Rejected);
     }
-    piecewise_output text(write, parsed.isUtf8, parsed.text.size());
+    piecewise_output text(write, state.outputBytes(), parsed.isUtf8, parsed.text.size());
     escaper escape(options.escape);
     try {
         renderNodes(parsed, context, {state, text, escape});
     } catch (const render_end& end) {
-        return state.takeResult(end.status);
+        return state.takeResult(end.status, text.appended());
     }
-    String rendered = text.finish();
-    RenderResult result = state.takeResult(RenderStatus::Complete);
-    result.text = std::move(rendered);
-    return result;
+    const std::uint64_t size = text.appended();
+    return state.takeResult(RenderStatus::Complete, size, text.finish());
 }
 
 } // namespace kel::Stencilor::internal

@@ -2,6 +2,7 @@
 #define LIBSTENCILOR_RENDER_CONTENT_VISIT_H
 
 #include <libStencilor/context/context_access.h>
+#include <libStencilor/host/byte_text.h>
 #include <libStencilor/host/trace.h>
 #include <libStencilor/render/messages.h>
 #include <libStencilor/render/scopes.h>
@@ -14,8 +15,7 @@
 
 #include <cassert>
 #include <cstddef>
-#include <memory>
-#include <optional>
+#include <forward_list>
 #include <string>
 #include <typeinfo>
 
@@ -49,7 +49,6 @@ class content_visit : public boost::static_visitor<> {
     content_visit(Call& call, scope_stack& scopes) : call_(call), scopes_(scopes) {}
     content_visit(const content_visit&) = delete;
     content_visit& operator=(const content_visit&) = delete;
-    ~content_visit();
 
     /// Renders one node and all below it.
     void dispatch(const content& node);
@@ -63,8 +62,6 @@ class content_visit : public boost::static_visitor<> {
   private:
     /// A block that is being rendered: how far, and for a loop also which iteration.
     struct block {
-        std::optional<trace_scope> visit;
-        std::optional<trace_scope> apply;
         scope_stack::position scope = 0;
         const content* next = nullptr; // of the list that is rendered
         const content* end = nullptr;
@@ -76,8 +73,9 @@ class content_visit : public boost::static_visitor<> {
 
     template <typename Kind, typename Record>
     const Kind* find(const std::string& name, const Record& node, fault notFound, fault wrongKind);
-    block& enterBlock(const trace_point& point);
-    void leaveBlock();
+    bool renderLeaf(const content& node);
+    void beginTrace(const trace_point& point);
+    void endTrace();
     void enterList(block& current, const content_list& list, const ContextBase* scope);
     bool enterNextIteration(block& loop);
     bool renderToNextBlock(block& current);
@@ -86,74 +84,88 @@ class content_visit : public boost::static_visitor<> {
 
     Call& call_;
     scope_stack& scopes_;
+    boost::container::small_vector<block, 4> blocks_; // those that are open
 
-    // The first depth_ of them are open. Those that were left are used again. Each is allocated
-    // apart, since traced scopes cannot move.
-    boost::container::small_vector<std::unique_ptr<block>, 4> blocks_;
-    std::size_t depth_ = 0;
+    // Asked once, since most nodes take hardly more time than to ask. Another base library sees
+    // that it is asked, and is asked by each scope.
+    const bool traced_ = !byte_text<String> || trace_scope::isEnabled();
+    std::forward_list<trace_scope> traces_; // the innermost first, which is also how they close
 };
 
 // Most nodes take less time than a call would: what is done for each node and each iteration is
 // inline, and so are the lookups.
 
-/// Where an exception passes, the traced scopes still close innermost first.
-template <typename Call>
-content_visit<Call>::~content_visit() {
-    while (depth_ > 0) {
-        leaveBlock();
-    }
-}
-
 template <typename Call>
 void content_visit<Call>::dispatch(const content& node) {
     call_.beginNode(node);
-    boost::apply_visitor(*this, node);
-    if (depth_ > 0) {
-        renderOpenBlocks();
+    if (!renderLeaf(node)) {
+        boost::apply_visitor(*this, node);
+        if (!blocks_.empty()) {
+            renderOpenBlocks();
+        }
     }
+}
+
+/// Renders a text or a substitution, which nearly all nodes are: a test is quicker than choosing
+/// among five kinds. False for the others. (get, which checks more at compile time, makes the
+/// compiler place calls worse.)
+template <typename Call>
+inline bool content_visit<Call>::renderLeaf(const content& node) {
+    if (const auto* text = boost::relaxed_get<std::string>(&node)) {
+        (*this)(*text);
+        return true;
+    }
+    if (const auto* substitution = boost::relaxed_get<replace_expr>(&node)) {
+        (*this)(*substitution);
+        return true;
+    }
+    return false;
 }
 
 template <typename Call>
 inline void content_visit<Call>::operator()(const std::string& text) {
-    const trace_scope trace(trace_points::visitString);
+    beginTrace(trace_points::visitString);
     call_.appendText(text);
+    endTrace();
 }
 
 template <typename Call>
-void content_visit<Call>::operator()(const replace_expr& node) {
-    const trace_scope trace(trace_points::visitReplace);
+inline void content_visit<Call>::operator()(const replace_expr& node) {
+    beginTrace(trace_points::visitReplace);
     const auto* string = find<ContextString>(node.name, node, fault::replacementNotFound,
                                              fault::replacementNotString);
     if (string != nullptr) {
         call_.appendValue(*string);
     }
+    endTrace();
 }
 
 template <typename Call>
 void content_visit<Call>::operator()(const if_expr& node) {
-    block& opened = enterBlock(trace_points::visitIf);
+    beginTrace(trace_points::visitIf);
     const auto* boolean =
         find<ContextBoolean>(node.name, node, fault::booleanNotFound, fault::notBoolean);
     if (boolean == nullptr) {
-        leaveBlock();
+        endTrace();
         return;
     }
-    opened.loop = nullptr;
-    enterList(opened, context_access::isTrue(*boolean) ? node.then_list : node.else_list, boolean);
+    blocks_.emplace_back();
+    enterList(blocks_.back(), context_access::isTrue(*boolean) ? node.then_list : node.else_list,
+              boolean);
 }
 
 template <typename Call>
 void content_visit<Call>::operator()(const for_expr& node) {
-    block& opened = enterBlock(trace_points::visitFor);
+    beginTrace(trace_points::visitFor);
     const auto* iterable =
         find<ContextIterable>(node.list_name, node, fault::listNotFound, fault::notIterable);
     if (iterable == nullptr || context_access::elements(*iterable).empty()) {
-        leaveBlock();
+        endTrace();
         return;
     }
+    block& opened = blocks_.emplace_back();
     opened.loop = &node;
     opened.elements = iterable;
-    opened.index = 0;
     call_.enterLoop(node.variable);
     call_.beginIteration(node);
     enterList(opened, node.body, context_access::elements(*iterable)[0]);
@@ -161,8 +173,24 @@ void content_visit<Call>::operator()(const for_expr& node) {
 
 template <typename Call>
 void content_visit<Call>::operator()(const include_expr& node) {
-    const trace_scope trace(trace_points::visitInclude);
+    beginTrace(trace_points::visitInclude);
     call_.include(node, scopes_);
+    endTrace();
+}
+
+template <typename Call>
+inline void content_visit<Call>::beginTrace(const trace_point& point) {
+    if (traced_) {
+        traces_.emplace_front(point);
+    }
+}
+
+/// Ends the newest trace.
+template <typename Call>
+inline void content_visit<Call>::endTrace() {
+    if (traced_) {
+        traces_.pop_front();
+    }
 }
 
 /// The value that `name` refers to, where it is a `Kind`; otherwise null, and a message.
@@ -182,31 +210,11 @@ inline const Kind* content_visit<Call>::find(const std::string& name, const Reco
     return value;
 }
 
-template <typename Call>
-inline typename content_visit<Call>::block&
-content_visit<Call>::enterBlock(const trace_point& point) {
-    if (depth_ == blocks_.size()) {
-        blocks_.push_back(std::make_unique<block>());
-    }
-    block& opened = *blocks_[depth_++];
-    opened.visit.emplace(point);
-    return opened;
-}
-
-/// Closes the traced scopes of the innermost block.
-template <typename Call>
-inline void content_visit<Call>::leaveBlock() {
-    assert(depth_ > 0);
-    block& closed = *blocks_[--depth_];
-    closed.apply.reset();
-    closed.visit.reset();
-}
-
 /// What `applyVisitor` does at its beginning, for a list of an open block.
 template <typename Call>
 inline void content_visit<Call>::enterList(block& current, const content_list& list,
                                            const ContextBase* scope) {
-    current.apply.emplace(trace_points::applyVisitor);
+    beginTrace(trace_points::applyVisitor);
     current.scope = scopes_.enter(scope);
     current.next = list.data();
     current.end = current.next + list.size();
@@ -221,7 +229,8 @@ inline bool content_visit<Call>::enterNextIteration(block& loop) {
         return false;
     }
     call_.beginIteration(*loop.loop);
-    loop.apply.emplace(trace_points::applyVisitor);
+    endTrace();
+    beginTrace(trace_points::applyVisitor);
     loop.scope = scopes_.replace(loop.scope, elements[loop.index]);
     loop.next = loop.loop->body.data();
     return true;
@@ -231,21 +240,18 @@ inline bool content_visit<Call>::enterNextIteration(block& loop) {
 /// opened.
 template <typename Call>
 inline bool content_visit<Call>::renderToNextBlock(block& current) {
-    const std::size_t depth = depth_;
+    const std::size_t depth = blocks_.size();
     const content* next = current.next;
     const content* const end = current.end;
     while (next != end) {
         const content& node = *next++;
         call_.beginNode(node);
-        // At least half of the nodes are texts, and one test is quicker than choosing among five
-        // kinds. (get, which checks more at compile time, makes the compiler place calls worse.)
-        if (const auto* text = boost::relaxed_get<std::string>(&node)) {
-            (*this)(*text);
+        if (renderLeaf(node)) {
             continue;
         }
         current.next = next;
         boost::apply_visitor(*this, node);
-        if (depth_ != depth) {
+        if (blocks_.size() != depth) {
             return true;
         }
     }
@@ -254,8 +260,8 @@ inline bool content_visit<Call>::renderToNextBlock(block& current) {
 
 template <typename Call>
 void content_visit<Call>::renderOpenBlocks() {
-    while (depth_ > 0) {
-        block& current = *blocks_[depth_ - 1];
+    while (!blocks_.empty()) {
+        block& current = blocks_.back();
         const bool goesOn =
             renderToNextBlock(current) || (current.loop != nullptr && enterNextIteration(current));
         if (!goesOn) {
@@ -271,7 +277,9 @@ inline void content_visit<Call>::closeBlock(block& current) {
     if (current.loop != nullptr) {
         call_.leaveLoop();
     }
-    leaveBlock();
+    blocks_.pop_back();
+    endTrace(); // of applyVisitor
+    endTrace(); // of the block
 }
 
 /// Renders the nodes of an included template: inside a scope that holds no names, without a loop

@@ -48,16 +48,11 @@ class joined_output {
     void text(std::string_view text) { sink_.append(text); }
 
     /// Appends the text of a value up to its first NUL.
-    void value(const Text& value) { valueBytes(value.view()); }
-
-    /// Appends bytes that may be malformed, up to their first NUL. Returns how many they are.
-    std::size_t valueBytes(std::string_view value) {
-        if (sink_.appendPlain(value)) {
-            return value.size();
+    void value(const Text& value) {
+        const std::string_view text = value.view();
+        if (!sink_.appendPlainIfRoom(text)) {
+            bytes(upToNul(text));
         }
-        const std::string_view appended = upToNul(value);
-        bytes(appended);
-        return appended.size();
     }
 
     /// Appends bytes that may be malformed.
@@ -65,6 +60,21 @@ class joined_output {
         sink_.append(bytes);
         doubtful_ = doubtful_ || !Text::isUtf8(bytes);
     }
+
+    /// As `text_sink`: false, with nothing appended, where a bound or the bytes need more care.
+    /// @{
+    bool textIfRoom(std::string_view text) { return sink_.appendIfRoom(text); }
+    bool plainIfRoom(std::string_view bytes) { return sink_.appendPlainIfRoom(bytes); }
+    /// @}
+
+    /// Sets how many bytes may be appended in total before these answer false, and how many may be
+    /// held.
+    void setBounds(std::uint64_t appended, std::uint64_t held) {
+        sink_.setBound(std::min(appended - changed_, held));
+    }
+
+    /// How many bytes were appended, before any decoding.
+    std::uint64_t appended() const noexcept { return changed_ + sink_.size(); }
 
     /// Begins an included template, whose texts are `wellFormed` or not.
     void beginIncluded(bool wellFormed) { doubtful_ = doubtful_ || !wellFormed; }
@@ -87,12 +97,14 @@ class joined_output {
     void drain(Write write) {
         const std::string_view all = sink_.view();
         if (!doubtful_) {
+            changed_ += all.size();
             write(all);
             sink_.clear();
             begin_ = 0;
             return;
         }
         const std::string unfinished(all.substr(all.size() - unfinishedSize(all.substr(begin_))));
+        changed_ += all.size() - unfinished.size();
         write(all.substr(0, begin_));
         write(decode(all.substr(begin_, all.size() - begin_ - unfinished.size())).view());
         sink_.clear();
@@ -108,9 +120,11 @@ class joined_output {
     }
 
     void decodeNode() {
+        const std::uint64_t before = appended();
         const Text decoded = decode(sink_.view().substr(begin_));
         sink_.truncate(begin_);
         sink_.append(decoded.view());
+        changed_ = before - sink_.size();
     }
 
     /// How many bytes at the end begin a character that is longer: at most three.
@@ -126,8 +140,9 @@ class joined_output {
     }
 
     text_sink sink_;
-    std::size_t begin_ = 0; // of the top-level node
-    bool doubtful_;         // whether the node may be malformed
+    std::size_t begin_ = 0;     // of the top-level node
+    std::uint64_t changed_ = 0; // how many more bytes were appended than are held; may wrap
+    bool doubtful_;             // whether the node may be malformed
     const bool wellFormed_;
 };
 

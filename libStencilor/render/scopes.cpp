@@ -1,3 +1,4 @@
+#include <libStencilor/host/byte_text.h>
 #include <libStencilor/render/scopes.h>
 
 #include <algorithm>
@@ -14,7 +15,7 @@ template <typename Keys>
 void collectKeys(const std::string& name, const prefix_stack& prefixes, Keys& keys) {
     keys.clear();
     const auto add = [&name, &keys](std::size_t prefix) {
-        String key(name.c_str() + prefix);
+        auto key = keyOf<String>(std::string_view(name).substr(prefix));
         const auto same = [&key](const String& other) { return other.size() == key.size(); };
         if (std::none_of(keys.begin(), keys.end(), same)) {
             keys.push_back(std::move(key));
@@ -61,7 +62,7 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
 
 const ContextBase* name_lookup::findOutsideLoops(const scope_stack& scopes,
                                                  const std::string& name) {
-    const String key(name.c_str());
+    const auto key = keyOf<String>(name);
     return scopes.findFirst(
         [&key](const ContextBase& scope) { return findInScope(scope, std::span(&key, 1)); });
 }

@@ -79,12 +79,13 @@ class scope_stack {
     /// The first value that `findIn` finds in a scope, from the innermost outwards.
     template <typename FindIn>
     const ContextBase* findFirst(FindIn findIn) const {
-        return findFirst(scopes_.size(), findIn);
+        return findBelow(scopes_.size(), findIn);
     }
 
-    /// The same, where `known` is what the last search from the same place found.
-    template <typename FindIn>
-    const ContextBase* findFirst(outer_search& known, FindIn findIn) const;
+    /// The same. `remembered` gives what the last search from the same place found; it is asked
+    /// where there is more than one scope.
+    template <typename Remembered, typename FindIn>
+    const ContextBase* findFirst(Remembered remembered, FindIn findIn) const;
 
   private:
     struct kept_scope {
@@ -112,7 +113,7 @@ class scope_stack {
     }
 
     template <typename FindIn>
-    const ContextBase* findFirst(std::size_t end, FindIn findIn) const {
+    const ContextBase* findBelow(std::size_t end, FindIn findIn) const {
         const ContextBase* found = nullptr;
         while (found == nullptr && end > 0) {
             found = findIn(*scopes_[--end].scope);
@@ -128,18 +129,19 @@ class scope_stack {
     std::uint64_t stamp_ = 0; // the newest
 };
 
-template <typename FindIn>
-const ContextBase* scope_stack::findFirst(outer_search& known, FindIn findIn) const {
+template <typename Remembered, typename FindIn>
+const ContextBase* scope_stack::findFirst(Remembered remembered, FindIn findIn) const {
     const std::size_t size = scopes_.size();
     if (size < 2) {
-        return findFirst(size, findIn);
+        return findBelow(size, findIn);
     }
     if (const ContextBase* innermost = findIn(*scopes_[size - 1].scope)) {
         return innermost;
     }
     const std::uint64_t outer = scopes_[size - 2].stamp;
+    outer_search& known = remembered();
     if (known.stamp != outer) {
-        known.found = findFirst(size - 1, findIn);
+        known.found = findBelow(size - 1, findIn);
         known.stamp = outer; // not before nothing can throw
     }
     return known.found;
@@ -189,11 +191,9 @@ class name_lookup {
 
 /// The value that one of `keys` refers to in a scope.
 inline const ContextBase* findInScope(const ContextBase& scope, std::span<const String> keys) {
-    const auto& children = context_access::children(scope);
     for (const String& key : keys) {
-        const auto found = children.find(key);
-        if (found != children.end() && found->second != nullptr) {
-            return found->second;
+        if (const ContextBase* found = context_access::findChild(scope, key)) {
+            return found;
         }
     }
     return nullptr;
@@ -215,7 +215,8 @@ inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
     if (kept == nullptr || kept->name != &name) {
         kept = &keep(name, prefixes);
     }
-    return scopes.findFirst(kept->outside, [kept](const ContextBase& scope) {
+    const auto remembered = [kept]() -> outer_search& { return kept->outside; };
+    return scopes.findFirst(remembered, [kept](const ContextBase& scope) {
         return findInScope(scope, {kept->keys.data(), kept->keys.size()});
     });
 }

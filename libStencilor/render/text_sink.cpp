@@ -14,30 +14,38 @@ constexpr std::size_t longest = std::numeric_limits<std::uint32_t>::max();
 
 } // namespace
 
-bool text_sink::appendLongPlain(std::string_view text) {
-    std::size_t at = 0;
-    std::uint64_t notPlain = 0;
-    const auto test = [&text, &notPlain](std::size_t from) {
-        const std::uint64_t word = loadBytes<std::uint64_t>(text.data() + from);
-        notPlain |= (word - 0x0101010101010101u) | word;
+/// Copies more than eight bytes. True if all of them are plain.
+bool text_sink::copyPlain(char* to, std::string_view text) {
+    std::uint64_t found = 0;
+    const auto test = [&text, &found](std::size_t at) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + at, sizeof(word));
+        found |= notPlainBits(word);
     };
-    for (; at + 8 <= text.size(); at += 8) {
+    for (std::size_t at = 0; at + 8 <= text.size(); at += 8) {
         test(at);
     }
     test(text.size() - 8);
-    if ((notPlain & 0x8080808080808080u) != 0) {
-        return false;
+    copy(to, text.data(), text.size());
+    return found == 0;
+}
+
+void text_sink::appendAndGrow(std::string_view text) {
+    if (text.size() > capacity_ - size()) {
+        grow(text.size());
     }
-    append(text);
-    return true;
+    std::memcpy(end_, text.data(), text.size());
+    end_ += text.size();
+    renewLimit();
 }
 
 void text_sink::clear() noexcept {
     end_ = begin_;
-    if (room() > longText) {
+    if (capacity_ > longText) {
         std::free(begin_ - headroom);
         forgetBlock();
     }
+    renewLimit();
 }
 
 /// Makes room for `added` bytes and a NUL.
@@ -46,10 +54,10 @@ void text_sink::grow(std::size_t added) {
     if (added > longest - size) {
         throw std::length_error("the rendered text is longer than 4 GiB - 1 byte");
     }
-    const std::size_t capacity = std::max(size + added, std::min(room() * 2, longest));
+    const std::size_t capacity = std::max(size + added, std::min(capacity_ * 2, longest));
     const bool wasInline = begin_ == inline_;
     void* const block =
-        std::realloc(wasInline ? nullptr : begin_ - headroom, headroom + capacity + 1);
+        std::realloc(wasInline ? nullptr : begin_ - headroom, headroom + capacity + shortSize);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
@@ -58,26 +66,29 @@ void text_sink::grow(std::size_t added) {
         std::memcpy(begin_, inline_, size);
     }
     end_ = begin_ + size;
-    limit_ = begin_ + capacity;
+    capacity_ = capacity;
+    renewLimit();
 }
 
 /// Gives back the room that a long text does not take.
 void text_sink::shrink() noexcept {
     const std::size_t size = this->size();
-    if (room() - size < longText) {
+    if (capacity_ - size < longText) {
         return;
     }
     void* const block = std::realloc(begin_ - headroom, headroom + size + 1);
     if (block != nullptr) { // otherwise it stays as it was
         begin_ = static_cast<char*>(block) + headroom;
         end_ = begin_ + size;
-        limit_ = end_;
+        capacity_ = size;
+        renewLimit();
     }
 }
 
 void text_sink::forgetBlock() noexcept {
     begin_ = end_ = inline_;
-    limit_ = inline_ + inlineRoom;
+    capacity_ = inlineRoom;
+    renewLimit();
 }
 
 } // namespace kel::Stencilor::internal

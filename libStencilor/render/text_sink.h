@@ -1,26 +1,24 @@
 #ifndef LIBSTENCILOR_RENDER_TEXT_SINK_H
 #define LIBSTENCILOR_RENDER_TEXT_SINK_H
 
+#include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace kel::Stencilor::internal {
 
-/// True if no byte of `word` is 0 or above 127.
-constexpr bool arePlain(std::uint64_t word) noexcept {
-    return (((word - 0x0101010101010101u) | word) & 0x8080808080808080u) == 0;
-}
+constexpr std::uint64_t onePerByte = 0x0101010101010101u;
+constexpr std::uint64_t highBits = 0x8080808080808080u;
 
-/// As many bytes as `Number` has.
-template <typename Number>
-std::uint64_t loadBytes(const char* from) noexcept {
-    Number number;
-    std::memcpy(&number, from, sizeof(number));
-    return number;
+/// Has high bits exactly where a byte of `word` is 0 or above 127, or follows one that is 0.
+constexpr std::uint64_t notPlainBits(std::uint64_t word) noexcept {
+    return ((word - onePerByte) | word) & highBits;
 }
 
 /// The text that rendering appends to. Unlike a `std::string` it keeps no terminator up to date, so
@@ -33,7 +31,7 @@ class text_sink {
     /// The bytes before the text in a block of `malloc`.
     static constexpr std::size_t headroom = 16;
 
-    text_sink() noexcept : begin_(inline_), end_(inline_), limit_(inline_ + inlineRoom) {}
+    text_sink() noexcept { forgetBlock(); }
     text_sink(const text_sink&) = delete;
     text_sink& operator=(const text_sink&) = delete;
     ~text_sink() {
@@ -43,29 +41,46 @@ class text_sink {
     }
 
     void append(std::string_view text) {
-        char* const to = roomFor(text.size());
-        copy(to, text.data(), text.size());
-        end_ = to + text.size();
+        if (!appendIfRoom(text)) {
+            appendAndGrow(text);
+        }
     }
 
-    /// Appends `text` if it is all ASCII and holds no NUL, as most values are. False, with nothing
-    /// appended, if not. What is short is tested and copied by the same loads.
-    bool appendPlain(std::string_view text) {
-        const std::size_t size = text.size();
-        if (size > 16) {
-            return appendLongPlain(text);
+    /// Appends `text` if there is room for it below the bound. False, with nothing appended, if
+    /// not.
+    bool appendIfRoom(std::string_view text) {
+        if (!hasRoomFor(text.size())) {
+            return false;
         }
-        char* const to = roomFor(size);
-        const bool plain = size >= 8   ? copyPlainEnds<std::uint64_t>(to, text.data(), size)
-                           : size >= 4 ? copyPlainEnds<std::uint32_t>(to, text.data(), size)
-                                       : copyPlainBytes(to, text.data(), size);
+        char* const to = end_; // as far as the compiler knows, what is written could be `end_`
+        copy(to, text.data(), text.size());
+        end_ = to + text.size();
+        return true;
+    }
+
+    /// The same, and false where `text` is not all ASCII or holds a NUL, as few values do. 16 bytes
+    /// can be read where it begins. What is short is copied and tested without a branch: lengths
+    /// are hard to predict.
+    bool appendPlainIfRoom(std::string_view text) {
+        const std::size_t size = text.size();
+        if (!hasRoomFor(size)) {
+            return false;
+        }
+        char* const to = end_;
+        const bool plain = size > shortSize ? copyPlain(to, text) : copyPlainShort(to, text);
         end_ = to + (plain ? size : 0);
         return plain;
     }
 
+    /// How many bytes the text has before `appendIfRoom` answers false; `append` goes on.
+    void setBound(std::uint64_t bytes) noexcept {
+        bound_ = bytes;
+        renewLimit();
+    }
+
     /// Makes room for a text of so many bytes.
     void reserve(std::size_t size) {
-        if (size > room()) {
+        if (size > capacity_) {
             grow(size);
         }
     }
@@ -97,20 +112,15 @@ class text_sink {
     // at once.
     static constexpr std::size_t longText = 65536;
 
-    /// Where so many bytes can be written. A local copy of `end_`: what is written could be any
-    /// member as far as the compiler knows, which would be read again after each byte.
-    char* roomFor(std::size_t added) {
-        if (added > static_cast<std::size_t>(limit_ - end_)) {
-            grow(added);
-        }
-        return end_;
+    bool hasRoomFor(std::size_t added) const noexcept {
+        return added <= static_cast<std::size_t>(limit_ - end_);
     }
 
     /// Most pieces are short. Two overlapping moves of a fixed size are much cheaper than a call.
     static void copy(char* to, const char* from, std::size_t size) {
         if (size > 64) {
             std::memcpy(to, from, size);
-        } else if (size >= 16) {
+        } else if (size > 16) {
             size > 32 ? copyEnds<32>(to, from, size) : copyEnds<16>(to, from, size);
         } else if (size >= 4) {
             size >= 8 ? copyEnds<8>(to, from, size) : copyEnds<4>(to, from, size);
@@ -130,49 +140,59 @@ class text_sink {
     }
 
     // Enough for a line or two, which then cost no allocation.
-    static constexpr std::size_t inlineRoom = 255;
+    static constexpr std::size_t inlineRoom = 240;
 
-    /// Copies the first and the last bytes. True if all of them are plain.
-    template <typename Number>
-    static bool copyPlainEnds(char* to, const char* from, std::size_t size) {
-        constexpr std::uint64_t none = 0x0101010101010101u;
-        constexpr std::uint64_t padding = sizeof(Number) == 8 ? 0 : none << 32;
-        const std::uint64_t first = loadBytes<Number>(from);
-        const std::uint64_t last = loadBytes<Number>(from + size - sizeof(Number));
-        copyEnds<sizeof(Number)>(to, from, size);
-        return arePlain(first | padding) && arePlain(last | padding);
+    // There are so many bytes past the room.
+    static constexpr std::size_t shortSize = 16;
+
+    // From the place that is so many bytes before the middle, those past as many are set.
+    static constexpr std::array<unsigned char, 2 * shortSize> bytesPast = [] {
+        std::array<unsigned char, 2 * shortSize> bytes{};
+        std::fill(bytes.begin() + shortSize, bytes.end(), static_cast<unsigned char>(0xFF));
+        return bytes;
+    }();
+
+    /// Copies `shortSize` bytes. True if those of `text` are plain.
+    static bool copyPlainShort(char* to, std::string_view text) {
+        std::array<std::uint64_t, 2> words;
+        static_assert(sizeof(words) == shortSize);
+        std::memcpy(words.data(), text.data(), sizeof(words));
+        std::memcpy(to, words.data(), sizeof(words));
+        std::array<std::uint64_t, 2> past;
+        std::memcpy(past.data(), &bytesPast[shortSize - text.size()], sizeof(past));
+        return (notPlainBits((words[0] & ~past[0]) | (onePerByte & past[0])) |
+                notPlainBits((words[1] & ~past[1]) | (onePerByte & past[1]))) == 0;
     }
 
-    static bool copyPlainBytes(char* to, const char* from, std::size_t size) {
-        bool plain = true;
-        for (std::size_t at = 0; at < size; ++at) {
-            to[at] = from[at];
-            plain = plain && from[at] != '\0' && static_cast<unsigned char>(from[at]) < 0x80;
-        }
-        return plain;
-    }
-
-    std::size_t room() const noexcept { return static_cast<std::size_t>(limit_ - begin_); }
-    bool appendLongPlain(std::string_view text);
+    static bool copyPlain(char* to, std::string_view text);
+    void appendAndGrow(std::string_view text);
     void grow(std::size_t added);
     void shrink() noexcept;
     void forgetBlock() noexcept;
 
+    /// To be called where the block, the size beyond the bound, or the bound has changed.
+    void renewLimit() noexcept {
+        const std::uint64_t limit = bound_ < capacity_ ? bound_ : capacity_;
+        limit_ = begin_ + (limit < size() ? size() : static_cast<std::size_t>(limit));
+    }
+
     char* begin_; // inline_, or headroom bytes into a block of malloc
     char* end_;
-    char* limit_; // where the last NUL fits
-    char inline_[inlineRoom + 1];
+    char* limit_; // where the capacity ends, or the bound if that is lower; never below end_
+    std::size_t capacity_; // without the bytes past the room
+    std::uint64_t bound_ = std::numeric_limits<std::uint64_t>::max();
+    char inline_[inlineRoom + shortSize];
 };
 
 template <typename Text>
 Text text_sink::take() {
-    if constexpr (requires { Text::adopt(begin_, size(), room()); }) {
+    if constexpr (requires { Text::adopt(begin_, size(), capacity_); }) {
         static_assert(Text::adoptedOffset == headroom);
         if (begin_ != inline_) {
             shrink();
             char* const block = begin_ - headroom;
             const std::size_t length = size();
-            const std::size_t capacity = room();
+            const std::size_t capacity = capacity_;
             forgetBlock();
             return Text::adopt(block, length, capacity);
         }

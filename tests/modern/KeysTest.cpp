@@ -130,12 +130,12 @@ Kept keptFor(const parsed_template& parsed, std::uint32_t names) {
     std::vector<const kel::String*> seen;
     for (std::uint32_t number = 0; number < names; ++number) {
         const name_table& table = *parsed.names;
-        const auto keys = table.keptKeys(table.use(number));
+        const auto keys = table.keptKeys(table.keysOf(table.use(number)));
         if (std::find(seen.begin(), seen.end(), keys.data()) != seen.end()) {
             continue;
         }
         seen.push_back(keys.data());
-        kept.prefixes += table.prefixes(table.use(number)).size();
+        kept.prefixes += table.prefixes(table.keysOf(table.use(number))).size();
         for (const kel::String& key : keys) {
             kept.bytes += key.size();
         }
