@@ -1,4 +1,5 @@
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
+#include <libStencilorAnalysis/finding/Habit.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -141,8 +142,9 @@ class SyntaxCheck final : private TemplateWalk {
         }
         report_.files.push_back(&file);
         if (file.fault().isPresent()) {
-            report_.findings.push_back(describeFault(file));
+            describeFaults(file, report_.findings);
         }
+        findWellFormedHabits(file, report_.findings);
         openBlocks_.push_back(0);
         return true;
     }

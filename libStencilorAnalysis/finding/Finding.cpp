@@ -1,7 +1,9 @@
 #include <libStencilorAnalysis/finding/Finding.h>
+#include <libStencilorAnalysis/finding/Habit.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace kel::Stencilor::Analysis {
 
@@ -17,15 +19,36 @@ const char* severityName(Severity severity) {
     return "note";
 }
 
-Finding describeFault(const TemplateFile& file) {
-    const SyntaxFault& fault = file.fault();
+namespace {
+
+Finding describeFault(const TemplateFile& file, const TagFault& found) {
+    const SyntaxFault& fault = found.fault;
     Finding finding{.rule = Rule::Syntax,
                     .place = {&file, {fault.offset, fault.offset}},
-                    .message = std::string("expected ") + describe(fault.expected)};
+                    .message = explainFault(file, found)};
+    for (std::string& note : findHabits(file, found)) {
+        finding.notes.push_back({{&file, found.tag}, std::move(note)});
+    }
     if (!fault.block.isEmpty()) {
         finding.notes.push_back({{&file, fault.block}, "opened here"});
     }
     return finding;
+}
+
+} // namespace
+
+Finding describeFault(const TemplateFile& file) {
+    return describeFault(file, file.faults().faults.front());
+}
+
+void describeFaults(const TemplateFile& file, std::vector<Finding>& findings) {
+    for (const TagFault& found : file.faults().faults) {
+        findings.push_back(describeFault(file, found));
+    }
+    if (!file.faults().areAll) {
+        const Place& last = findings.back().place;
+        findings.back().notes.push_back({last, "what comes after this is not checked"});
+    }
 }
 
 Finding describeFailure(const Inclusion& inclusion) {

@@ -24,6 +24,7 @@ enum class Rule {
     MissingName,
     WrongKind,
     Limit,
+    Habit,
 };
 
 struct RuleInfo {
@@ -42,6 +43,7 @@ inline constexpr RuleInfo rules[] = {
     {"missing-name", Severity::Warning, "The context has no value of this name."},
     {"wrong-kind", Severity::Warning, "The context has a value of another kind."},
     {"limit", Severity::Error, "Rendering reached a limit."},
+    {"habit", Severity::Note, "A tag or a text means something else in other template languages."},
 };
 
 inline const RuleInfo& infoOf(Rule rule) {
@@ -69,8 +71,11 @@ struct Finding {
     Severity severity() const { return ownSeverity.value_or(infoOf(rule).severity); }
 };
 
-/// What is wrong with the syntax of a file, which must have a fault.
+/// What is wrong with the syntax of a file, which must have a fault: what the engine lacks first.
 Finding describeFault(const TemplateFile& file);
+
+/// Adds all that is wrong with the syntax of a file.
+void describeFaults(const TemplateFile& file, std::vector<Finding>& findings);
 
 /// Why an inclusion has no file, which must be missing or unreadable.
 Finding describeFailure(const Inclusion& inclusion);

@@ -99,8 +99,15 @@ void NameList::visitInclusion(const Inclusion& inclusion) {
 }
 
 NameList::LoopsId NameList::loopsAround(const NameUse& use) const {
-    const std::size_t loop = use.file.loopAround(use.part);
-    return loop == TemplateFile::none ? 0 : inside_.at({&use.file, loop});
+    std::size_t loop = use.file.loopAround(use.part);
+    while (loop != TemplateFile::none) {
+        const auto found = inside_.find({&use.file, loop});
+        if (found != inside_.end()) {
+            return found->second;
+        }
+        loop = use.file.loopAround(loop); // of a `for` at fault neither variable nor list is known
+    }
+    return 0;
 }
 
 /// `use` is the list of a loop. Loops that read the same, one after the other, are the same.

@@ -259,14 +259,15 @@ class Skeleton::Builder {
         switch (part.kind) {
         case Kind::Substitution:
         case Kind::If:
-            addName(visit, nameOf(file, index));
+            if (!part.name.isEmpty()) {
+                addName(visit, nameOf(file, index));
+            }
             break;
         case Kind::For:
             openLoop(visit, nameOf(file, index), file.slice(part.name));
             break;
         case Kind::EndFor:
-            visit.byVariable[visit.loops.back().variable].pop_back();
-            visit.loops.pop_back();
+            closeLoop(visit);
             break;
         case Kind::Include:
             if (const auto* const next = files_.include(std::string(file.slice(part.name))).file) {
@@ -292,7 +293,20 @@ class Skeleton::Builder {
                                            : nullptr;
     }
 
+    static void closeLoop(Visit& visit) {
+        const std::string_view variable = visit.loops.back().variable;
+        if (!variable.empty()) {
+            visit.byVariable[variable].pop_back();
+        }
+        visit.loops.pop_back();
+    }
+
     void openLoop(Visit& visit, const NameUse& list, std::string_view variable) {
+        if (variable.empty()) { // of a `for` at fault nothing is known
+            visit.loops.push_back(
+                {variable, visit.loops.empty() ? visit.object : visit.loops.back().element});
+            return;
+        }
         Value* const element = addName(visit, list);
         if (element == nullptr) {
             complain("the loops nest deeper than a context can; those inside are left out");

@@ -1,6 +1,5 @@
 #include <libStencilorAnalysis/names/Survey.h>
 
-#include <unordered_set>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
@@ -14,8 +13,9 @@ class Survey final : private TemplateWalk {
     Survey(TemplateFiles& files, Surveyor& surveyor) : TemplateWalk(files), surveyor_(surveyor) {}
 
     std::vector<Finding> walk(const TemplateFile& file) {
-        walked_.insert(&file);
-        walkFile(file);
+        if (surveyor_.enter(file)) {
+            walkFile(file);
+        }
         return std::move(findings_);
     }
 
@@ -33,16 +33,15 @@ class Survey final : private TemplateWalk {
         const TemplateFile* const file = inclusion.to.file;
         if (file == nullptr) {
             findings_.push_back(describeFailure(inclusion));
-        } else if (walked_.insert(file).second) {
+        } else if (surveyor_.enter(*file)) {
             if (file->fault().isPresent()) {
-                findings_.push_back(describeFault(*file));
+                describeFaults(*file, findings_);
             }
             enterFile(*file);
         }
     }
 
     Surveyor& surveyor_;
-    std::unordered_set<const TemplateFile*> walked_;
     std::vector<Finding> findings_;
 };
 

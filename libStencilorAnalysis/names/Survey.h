@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace kel::Stencilor::Analysis {
@@ -42,12 +43,19 @@ class Surveyor {
     /// The name of a substitution, a condition, or the list of a loop.
     virtual void visitName(const NameUse&) {}
     virtual void visitInclusion(const Inclusion&) {}
+
+    /// False for a file whose names and inclusions it has received already.
+    bool enter(const TemplateFile& file) { return entered_.insert(&file).second; }
+
+  private:
+    std::unordered_set<const TemplateFile*> entered_;
 };
 
-/// Walks a template and all that it includes, whatever the values are, each file once.
+/// Walks a template and all that it includes, whatever the values are, each file once, also in
+/// several surveys for the same surveyor.
 ///
-/// Returns what is wrong with the files. Of one that is rejected, the part before its fault is
-/// walked.
+/// Returns what is wrong with the files. Of one that is rejected, the tags that are not
+/// at fault are walked.
 std::vector<Finding> survey(TemplateFiles& files, const TemplateFile& file, Surveyor& surveyor);
 
 } // namespace kel::Stencilor::Analysis

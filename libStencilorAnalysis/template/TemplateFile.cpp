@@ -1,4 +1,3 @@
-#include <libKel/String.h>
 #include <libStencilorAnalysis/template/TemplateFile.h>
 #include <libStencilorAnalysis/text/CodePoint.h>
 
@@ -12,16 +11,6 @@ namespace {
 using Kind = SyntaxElement::Kind;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-class PartList final : public SyntaxVisitor {
-  public:
-    explicit PartList(std::vector<SyntaxElement>& parts) : parts_(parts) {}
-
-    void visit(const SyntaxElement& element) override { parts_.push_back(element); }
-
-  private:
-    std::vector<SyntaxElement>& parts_;
-};
 
 /// How far the marks in a long line are apart, at least, in bytes.
 constexpr std::size_t markDistance = 256;
@@ -38,8 +27,8 @@ bool closes(Kind kind) {
 
 TemplateFile::TemplateFile(std::string name, std::string text)
     : name_(std::move(name)), text_(std::move(text)) {
-    PartList parts(parts_);
-    fault_ = readSyntax(String(text_), parts);
+    faults_ = readTemplate(text_, parts_);
+    fault_ = faults_.faults.empty() ? SyntaxFault() : faults_.faults.front().fault;
     findLines();
     findBlocks();
 }

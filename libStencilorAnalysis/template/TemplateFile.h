@@ -1,7 +1,7 @@
 #ifndef LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEFILE_H
 #define LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEFILE_H
 
-#include <libStencilor/Syntax.h>
+#include <libStencilorAnalysis/template/TagRepair.h>
 
 #include <cstddef>
 #include <string>
@@ -38,9 +38,16 @@ class TemplateFile {
     TemplateFile& operator=(const TemplateFile&) = delete;
 
     const std::string& name() const { return name_; }
+    const std::string& text() const { return text_; }
+
+    /// Why the engine rejects the template, if it does.
     const SyntaxFault& fault() const { return fault_; }
 
-    /// The texts and tags in their order. Where there is a fault, those before it.
+    /// That fault, and those that are found after it.
+    const TemplateFaults& faults() const { return faults_; }
+
+    /// The texts and tags in their order; in a template that is rejected, those that `readTemplate`
+    /// finds.
     const std::vector<SyntaxElement>& parts() const { return parts_; }
 
     /// The index of the tag that ends what an `if`, a `for` or an `else` opens. The template must
@@ -78,6 +85,7 @@ class TemplateFile {
     std::vector<SyntaxElement> parts_;
     std::vector<unsigned int> ends_;  // of each part that opens something
     std::vector<unsigned int> loops_; // around each part
+    TemplateFaults faults_;
     SyntaxFault fault_;
 };
 

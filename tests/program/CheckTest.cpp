@@ -14,11 +14,21 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
         {"two names", "Dear {{ title name }},\n",
          "page.txt:1:15: error: expected \"}}\" after the name\n"
          "Dear {{ title name }},\n"
-         "              ^\n"},
+         "              ^\n"
+         "page.txt:1:6: note: a substitution is one name; have the context provide the value as it "
+         "is to be shown\n"
+         "Dear {{ title name }},\n"
+         "     ^~~~~~~~~~~~~~~~\n"},
         {"a block that is open", "a\n {% if b %}\nc {% endfor %}\n",
          "page.txt:3:6: error: expected \"if\", \"for\", \"include\", \"else\" or \"endif\"\n"
          "c {% endfor %}\n"
          "     ^\n"
+         "page.txt:2:2: note: opened here\n"
+         " {% if b %}\n"
+         " ^~~~~~~~~~\n"
+         "page.txt:4:1: error: expected \"{% else %}\" or \"{% endif %}\" before the end\n"
+         "\n"
+         "^\n"
          "page.txt:2:2: note: opened here\n"
          " {% if b %}\n"
          " ^~~~~~~~~~\n"},
@@ -29,26 +39,29 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "page.txt:1:1: note: opened here\n"
          "{% for a in b %}\n"
          "^~~~~~~~~~~~~~~~\n"},
-        {"letters of several bytes", "\u00E9\u65E5\U0001F600{{ 1",
+        {"letters of several bytes", "\u00E9\u65E5\U0001F600{{ }",
          "page.txt:1:7: error: expected a name after \"{{\"\n"
-         "\u00E9\u65E5\U0001F600{{ 1\n"
+         "\u00E9\u65E5\U0001F600{{ }\n"
          "      ^\n"},
-        {"bytes that are no letters", "\xFF\xE2\x82{{ 1",
+        {"bytes that are no letters", "\xFF\xE2\x82{{ }",
          "page.txt:1:6: error: expected a name after \"{{\"\n"
-         "\uFFFD\uFFFD{{ 1\n"
+         "\uFFFD\uFFFD{{ }\n"
          "     ^\n"},
-        {"tabs", "\t\u00E9\t{{ 1",
+        {"tabs", "\t\u00E9\t{{ }",
          "page.txt:1:7: error: expected a name after \"{{\"\n"
-         "\t\u00E9\t{{ 1\n"
+         "\t\u00E9\t{{ }\n"
          "\t \t   ^\n"},
-        {"a byte-order mark", "\xEF\xBB\xBF{{ 1",
+        {"a byte-order mark", "\xEF\xBB\xBF{{ }",
          "page.txt:1:4: error: expected a name after \"{{\"\n"
-         "{{ 1\n"
+         "{{ }\n"
          "   ^\n"},
         {"line ends of CR LF", "a\r\n{{ b\r\n}}\r\n",
          "page.txt:2:5: error: expected \"}}\" after the name\n"
          "{{ b\n"
-         "    ^\n"},
+         "    ^\n"
+         "page.txt:2:1: note: a tag is on one line\n"
+         "{{ b\n"
+         "^~~~\n"},
         {"a CR alone", "a\r{{ b }\r",
          "page.txt:1:8: error: expected \"}}\" after the name\n"
          "a\\r{{ b }\\r\n"
@@ -64,11 +77,15 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
         {"characters that a terminal obeys", "\x1B[1m\u009B\u202E\uFEFF{{ \u2028",
          "page.txt:1:11: error: expected a name after \"{{\"\n"
          "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
-         "                            ^~~~~~\n"},
-        {"a long line", std::string(300, 'a') + "{{ 1" + std::string(300, 'b'),
+         "                            ^~~~~~\n"
+         "page.txt:1:8: note: where text needs these two characters, have the context provide a "
+         "value with them\n"
+         "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
+         "                         ^~~~~~~~~\n"},
+        {"a long line", std::string(300, 'a') + "{{ }" + std::string(300, 'b'),
          "page.txt:1:304: error: expected a name after \"{{\"\n"
          "..." +
-             std::string(76, 'a') + "{{ 1" + std::string(80, 'b') + "...\n" + "   " +
+             std::string(76, 'a') + "{{ }" + std::string(80, 'b') + "...\n" + "   " +
              std::string(79, ' ') + "^\n"},
     };
     for (const auto& [name, text, findings] : cases) {

@@ -85,7 +85,7 @@ TEST_F(RenderTest, DiagnosesATemplateThatIsRejected) {
          "page.txt:1:16: error: expected \"{% else %}\" or \"{% endif %}\" before the end\n"
          "text {% if a %}\n               ^\n"
          "page.txt:1:6: note: opened here\ntext {% if a %}\n     ^~~~~~~~~~\n"},
-        {"a tag without an end", "{% if s }",
+        {"a tag without an end", "{% if s }\n{% endif %}",
          "page.txt:1:9: error: expected \"%}\" after the name\n{% if s }\n        ^\n"},
     };
     for (const auto& [name, text, messages] : cases) {

@@ -28,9 +28,9 @@ std::vector<NamedTemplates::Named> NamedTemplates::openAll() {
     std::vector<Finding> faults;
     for (const std::string& file : request_.templateFiles) {
         all.push_back(open(file));
-        if (all.back().file.fault().isPresent()) {
-            addNew(faults, {describeFault(all.back().file)});
-        }
+        std::vector<Finding> found;
+        describeFaults(all.back().file, found);
+        addNew(faults, std::move(found));
     }
     printFindings(faults, request_);
     return faults.empty() ? all : std::vector<Named>();

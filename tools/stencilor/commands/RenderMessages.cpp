@@ -67,9 +67,6 @@ std::string describe(const RenderMessage& message, const RenderLimits& limits) {
 Finding makeFinding(const RenderMessage& message, const RenderLimits& limits,
                     RenderedTemplates& templates) {
     const TemplateFile& file = templates.fileNamed(message.templateName);
-    if (message.kind == MessageKind::TemplateRejected) {
-        return describeFault(file);
-    }
     Finding finding{.rule = ruleOf(message.kind),
                     .place = {&file, message.range},
                     .message = describe(message, limits)};
@@ -99,7 +96,11 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
     }
     std::vector<Finding> reported;
     for (const RenderMessage& message : result.messages) {
-        reported.push_back(makeFinding(message, request.limits, templates));
+        if (message.kind == MessageKind::TemplateRejected) {
+            describeFaults(templates.fileNamed(message.templateName), reported);
+        } else {
+            reported.push_back(makeFinding(message, request.limits, templates));
+        }
     }
     addNew(findings, std::move(reported));
     if (result.status != RenderStatus::Rejected) {
