@@ -160,7 +160,7 @@ TEST_F(CallTest, TakesAContextAndAnyNumberOfTemplates) {
         {"render", {"a.txt"}, "x", warning},
         {"check", {"a.txt", "b.txt"}, warning, ""},
         {"names",
-         {"a.txt", "b.txt"},
+         {"a.txt", "b.txt", "a.txt"},
          "a  string  a.txt:1\nb  string  b.txt:1  included at a.txt:1\n",
          warning},
         {"deps", {"a.txt", "b.txt"}, "b.txt\n", warning},

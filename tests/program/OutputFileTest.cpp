@@ -127,6 +127,21 @@ TEST_F(OutputFileTest, IsNamedWhereItCannotBeWritten) {
 
 #ifndef _WIN32
 
+TEST_F(OutputFileTest, IsNeverAFileThatIsRedirected) {
+    folder.writeFile("page.txt", "text");
+    for (const auto& [command, name] :
+         {std::pair<std::string, std::string>{"\"$0\" render - -o page.txt <page.txt", "page.txt"},
+          {"\"$0\" render page.txt >>page.txt", "<stdout>"},
+          {"\"$0\" render - <page.txt >>page.txt", "<stdout>"},
+          {"\"$0\" render page.txt -o /dev/stdout >>page.txt", "/dev/stdout"}}) {
+        SCOPED_TRACE(command);
+        expectOutcome(runShell(command), 2, "",
+                      "stencilor: " + name +
+                          ": the result would replace a file that it is made of\n");
+        EXPECT_EQ(support::readFile("page.txt"), "text");
+    }
+}
+
 fs::perms permissions(const char* file) {
     return fs::status(file).permissions();
 }

@@ -105,6 +105,35 @@ TEST_F(TerminalTest, IsSafeFromTheNamesOfFiles) {
 }
 #endif
 
+#ifndef _WIN32
+TEST_F(TerminalTest, ShowsColorsUnlessTheyAreUnwanted) {
+    if (runShell("command -v script").status != 0) {
+        GTEST_SKIP() << "no terminal without script";
+    }
+    folder.writeFile("page.txt", "{{");
+    const std::string call = "script -qec \"'$0' check page.txt $OPTION\" /dev/null";
+    const struct {
+        const char* name;
+        std::string environment;
+        bool colored;
+    } cases[] = {
+        {"a terminal", "TERM=xterm", true},
+        {"an empty NO_COLOR", "TERM=xterm NO_COLOR=", true},
+        {"NO_COLOR", "TERM=xterm NO_COLOR=1", false},
+        {"NO_COLOR and a choice", "TERM=xterm NO_COLOR=1 OPTION=--color=always", true},
+        {"no colors wanted", "TERM=xterm OPTION=--color=never", false},
+        {"a terminal that shows none", "TERM=dumb", false},
+        {"an unknown terminal", "TERM=", false},
+    };
+    for (const auto& [name, environment, colored] : cases) {
+        SCOPED_TRACE(name);
+        const Outcome outcome = runShell("export " + environment + "; " + call);
+        EXPECT_NE(outcome.output.find("expected a name"), std::string::npos) << outcome.errors;
+        EXPECT_EQ(outcome.output.find('\x1B') != std::string::npos, colored);
+    }
+}
+#endif
+
 TEST_F(TerminalTest, ShowsAtMost200CharactersOfANameOrALine) {
     const std::string name(10'000, 'a');
     folder.writeFile("page.txt", "{{ " + name + " }}{% if " + name + " %}{% endif %}{% for x in " +

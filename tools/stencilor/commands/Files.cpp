@@ -14,6 +14,10 @@ namespace {
     throw Failure(name + ": " + error.code().message());
 }
 
+std::string outputName(const std::string& file) {
+    return file == standardStream ? "<stdout>" : file;
+}
+
 } // namespace
 
 std::string inputName(const std::string& file) {
@@ -23,6 +27,7 @@ std::string inputName(const std::string& file) {
 std::string Files::read(const std::string& file) {
     try {
         if (file == standardStream) {
+            note("/dev/stdin"); // leads to a file where one is redirected
             return system::readStandardInput();
         }
         note(file);
@@ -40,18 +45,20 @@ void Files::note(const std::string& path) {
 
 void Files::write(const std::string& file, std::string_view text) const {
     try {
+        const std::string path = file == standardStream ? "/dev/stdout" : file;
+        if (std::any_of(states_.begin(), states_.end(), [&path](const auto& read) {
+                return system::isSameFile(read.first, path);
+            })) {
+            throw Failure(outputName(file) +
+                          ": the result would replace a file that it is made of");
+        }
         if (file == standardStream) {
             system::writeStandardOutput(text);
-            return;
+        } else {
+            system::writeFile(file, text);
         }
-        if (std::any_of(states_.begin(), states_.end(), [&file](const auto& read) {
-                return system::isSameFile(read.first, file);
-            })) {
-            throw Failure(file + ": the result would replace a file that it is made of");
-        }
-        system::writeFile(file, text);
     } catch (const std::system_error& error) {
-        failAt(file == standardStream ? "<stdout>" : file, error);
+        failAt(outputName(file), error);
     }
 }
 

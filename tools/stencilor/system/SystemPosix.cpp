@@ -76,7 +76,7 @@ void writeStandardError(std::string_view text) noexcept {
 bool showsColors(bool standardError) {
     const char* const terminal = std::getenv("TERM");
     return ::isatty(standardError ? STDERR_FILENO : STDOUT_FILENO) != 0 && terminal != nullptr &&
-           std::string_view(terminal) != "dumb";
+           *terminal != '\0' && std::string_view(terminal) != "dumb";
 }
 
 std::optional<FileState> stateOf(const std::string& path) {
