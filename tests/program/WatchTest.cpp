@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <stdexcept>
 #include <thread>
 
 namespace program {
@@ -9,13 +10,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// True if the file has the content soon.
+/// True if the file has the content soon. While it is read it cannot be replaced on Windows, and
+/// the other way round, so it is rarely looked at.
 bool becomes(const std::string& file, const std::string& content) {
-    for (int i = 0; i < 1000; ++i) {
-        if (std::filesystem::exists(file) && support::readFile(file) == content) {
-            return true;
+    for (int i = 0; i < 200; ++i) {
+        std::this_thread::sleep_for(150ms);
+        try {
+            if (support::readFile(file) == content) {
+                return true;
+            }
+        } catch (const std::runtime_error&) { // it is not there, or being replaced
         }
-        std::this_thread::sleep_for(20ms);
     }
     return false;
 }
