@@ -43,6 +43,9 @@ std::vector<Finding> NamedTemplates::findContextFaults(const Named& named) const
 }
 
 void addNew(std::vector<Finding>& findings, std::vector<Finding> more) {
+    if (more.empty()) {
+        return;
+    }
     const auto keyOf = [](const Finding& finding) {
         return std::tuple(finding.place.file, finding.place.range.begin, finding.rule);
     };
