@@ -1,5 +1,7 @@
 #include "ProgramTest.h"
 
+#include <nlohmann/json.hpp>
+
 namespace program {
 namespace {
 
@@ -177,6 +179,43 @@ TEST_F(CallTest, TakesAContextAndAnyNumberOfTemplates) {
         arguments.push_back("--quiet");
         expectOutcome(runStencilor(arguments), 1, errors.empty() ? "" : output, "");
     }
+}
+
+TEST_F(CallTest, WritesMessagesAndResultsInEveryFormat) {
+    using Json = nlohmann::json;
+    folder.writeFile("page.txt",
+                     R"({{ a }}{% if b %}x{% else %}{% for c in d %}{% endfor %}{% endif %})"
+                     R"({% include "part.txt" %})");
+    folder.writeFile("part.txt", "part");
+    folder.writeFile("values.json", R"({"b":false,"d":[]})");
+    for (const std::string command : {"render", "check", "names", "deps", "tree"}) {
+        SCOPED_TRACE(command);
+        std::vector<std::string> arguments = {command,       "page.txt", "--context",
+                                              "values.json", "--format", "json"};
+        const auto messagesOf = [&command](const Outcome& outcome) {
+            EXPECT_EQ(outcome.status, 1);
+            return Json::parse(command == "check" ? outcome.output : outcome.errors);
+        };
+        EXPECT_EQ(messagesOf(runStencilor(arguments))["findings"][0]["rule"], "missing-name");
+        arguments.back() = "sarif";
+        EXPECT_EQ(messagesOf(runStencilor(arguments))["runs"][0]["results"][0]["ruleId"],
+                  "missing-name");
+        arguments.insert(arguments.end(), {"--quiet", "-o", "out.txt"});
+        expectOutcome(runStencilor(arguments), 1, "", "");
+        EXPECT_NE(support::readFile("out.txt"), "");
+    }
+    const auto resultOf = [](const std::string& command) {
+        return Json::parse(runStencilor({command, "page.txt", "--format", "json"}).output);
+    };
+    EXPECT_EQ(resultOf("names")["names"].size(), 3u);
+    EXPECT_EQ(resultOf("deps"), Json::parse(R"({"files": ["part.txt"]})"));
+    EXPECT_EQ(resultOf("tree"), Json::parse(R"({"files": [{"file": "page.txt", "nodes": [
+        {"line": 1, "column": 1, "depth": 0, "kind": "substitution", "name": "a"},
+        {"line": 1, "column": 8, "depth": 0, "kind": "if", "name": "b"},
+        {"line": 1, "column": 18, "depth": 1, "kind": "text", "text": "x"},
+        {"line": 1, "column": 19, "depth": 0, "kind": "else"},
+        {"line": 1, "column": 29, "depth": 1, "kind": "for", "variable": "c", "list": "d"},
+        {"line": 1, "column": 68, "depth": 0, "kind": "include", "path": "part.txt"}]}]})"));
 }
 
 TEST_F(CallTest, NamesATemplateOnTheStandardInput) {
