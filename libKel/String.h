@@ -75,7 +75,7 @@ class CString {
 class String {
   public:
     /// An empty string.
-    String() noexcept : inline_(), data_(inline_), size_(0), capacity_(inlineCapacity) {}
+    constexpr String() noexcept : inline_(), data_(inline_), size_(0), capacity_(inlineCapacity) {}
 
     /// Copies the bytes up to the first NUL; a null pointer is an empty string.
     String(const char* bytes) : String() {

@@ -10,6 +10,10 @@ namespace kel::Stencilor {
 
 namespace {
 
+// Made when the library is loaded: a child of a process that forks while another thread makes it
+// would wait for ever.
+const String noText;
+
 using internal::value_access;
 
 template <Value::Kind kind>
@@ -152,10 +156,9 @@ bool Value::isTrue() const noexcept {
 }
 
 const String& Value::text() const noexcept {
-    static const String none;
     const String* const text = kind() == Kind::RawText ? getIf<Kind::RawText>(data_) //
                                                        : getIf<Kind::Text>(data_);
-    return text == nullptr ? none : *text;
+    return text == nullptr ? noText : *text;
 }
 
 std::size_t Value::size() const noexcept {
