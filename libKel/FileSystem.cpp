@@ -4,7 +4,6 @@
 
 #include <limits>
 #include <optional>
-#include <utility>
 
 namespace kel {
 

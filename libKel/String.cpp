@@ -12,7 +12,6 @@
 #include <new>
 #include <ostream>
 #include <stdexcept>
-#include <utility>
 
 namespace kel {
 

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
-#include <utility>
 
 namespace kel {
 

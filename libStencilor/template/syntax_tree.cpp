@@ -31,8 +31,12 @@ content_list* nestedList(content& node) {
 
 /// A string of the block `node` that is no longer needed.
 std::string& spareString(content& node) {
-    auto* const conditional = boost::get<if_expr>(&node);
-    return conditional != nullptr ? conditional->name : boost::get<for_expr>(&node)->variable;
+    if (auto* const conditional = boost::get<if_expr>(&node)) {
+        return conditional->name;
+    }
+    auto* const loop = boost::get<for_expr>(&node);
+    assert(loop != nullptr);
+    return loop->variable;
 }
 
 /// Keeps a pointer in the characters of a string, where every string has room for it.

@@ -5,7 +5,6 @@
 #include <limits>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace kel::Stencilor {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <functional>
 #include <sstream>
 #include <stdexcept>
 #include <string>

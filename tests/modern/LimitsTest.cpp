@@ -5,8 +5,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 

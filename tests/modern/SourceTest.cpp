@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>

@@ -9,7 +9,6 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 // A library to be loaded before all others (LD_PRELOAD), which lets one call of one function of C

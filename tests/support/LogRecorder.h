@@ -5,7 +5,6 @@
 
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace support {

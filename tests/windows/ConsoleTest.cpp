@@ -9,7 +9,6 @@
 #include <regex>
 #include <string>
 #include <thread>
-#include <vector>
 
 // What a user reads in a console window: the program runs in a console that is not shown but
 // written to a pipe, as UTF-8.

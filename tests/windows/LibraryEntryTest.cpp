@@ -2,8 +2,6 @@
 #include <windows.h>
 
 #include <atomic>
-#include <cstddef>
-#include <string>
 #include <thread>
 #include <vector>
 

@@ -10,7 +10,6 @@
 #include <iostream>
 #include <memory>
 #include <new>
-#include <utility>
 
 namespace support {
 

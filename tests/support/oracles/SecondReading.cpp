@@ -3,8 +3,6 @@
 #include <boost/fusion/include/adapt_struct.hpp>
 #include <boost/spirit/include/qi.hpp>
 
-#include <vector>
-
 // The order of binding, which is not the order of the members.
 BOOST_FUSION_ADAPT_STRUCT(kel::Stencilor::internal::if_expr, name, then_list, else_list)
 BOOST_FUSION_ADAPT_STRUCT(kel::Stencilor::internal::for_expr, variable, list_name, body)

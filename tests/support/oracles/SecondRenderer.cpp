@@ -54,17 +54,11 @@ struct Trace {
 };
 
 void logMessages(const String& errors) {
-    if (errors.size() == 0) {
-        return;
-    }
-    if (kel::LogFactory::getPriority() > 2) {
+    if (errors.size() == 0 || kel::LogFactory::getPriority() > 2) {
         return;
     }
     makeLogger();
-    if (logger->threshold > 2) {
-        return;
-    }
-    if (logger->resolvePriority() > 2) {
+    if (logger->threshold > 2 || logger->resolvePriority() > 2) {
         return;
     }
     kel::LoggerStream stream;
