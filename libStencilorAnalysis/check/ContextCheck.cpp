@@ -10,6 +10,9 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
+/// Finding out what was meant takes longer than to find what is missing.
+constexpr std::size_t mostSuggestions = 1000;
+
 const char* describeKind(const ContextBase& value) {
     if (dynamic_cast<const ContextString*>(&value) != nullptr) {
         return "a string";
@@ -87,11 +90,17 @@ Finding describe(const Occurrence& found) {
 std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
                                        const ContextBase& context, ContextWalk::Extent extent) {
     std::vector<Finding> findings;
+    std::size_t suggestions = 0;
     std::set<std::tuple<const TemplateFile*, unsigned int, Rule>> known;
     ContextWalk walk(files, extent, [&](const Occurrence& found) {
         Finding finding = describe(found);
         const Place& place = finding.place;
         if (known.emplace(place.file, place.range.begin, finding.rule).second) {
+            if (suggestions < mostSuggestions &&
+                (finding.rule == Rule::MissingName || finding.rule == Rule::WrongKind)) {
+                finding.message += walk.suggest(found);
+                ++suggestions;
+            }
             findings.push_back(std::move(finding));
         }
     });

@@ -1,3 +1,4 @@
+#include <libStencilor/context/context_access.h>
 #include <libStencilorAnalysis/check/ContextWalk.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 
@@ -273,6 +274,149 @@ std::string ContextWalk::describePlace() const {
 void ContextWalk::report(Occurrence occurrence) const {
     occurrence.where = describePlace();
     report_(occurrence);
+}
+
+// What may have been meant.
+
+namespace {
+
+/// Of the innermost scopes, as many are searched for a name that was meant.
+constexpr int mostScopes = 32;
+
+bool isOfKind(const ContextBase& value, Problem problem) {
+    switch (problem) {
+    case Problem::NoBoolean:
+    case Problem::NotBoolean:
+        return dynamic_cast<const ContextBoolean*>(&value) != nullptr;
+    case Problem::NoList:
+    case Problem::NotList:
+        return dynamic_cast<const ContextIterable*>(&value) != nullptr;
+    default:
+        return dynamic_cast<const ContextString*>(&value) != nullptr;
+    }
+}
+
+std::string loopOver(std::string_view list, std::string_view member) {
+    return "; " + quote(list) + " is a list, so loop over it: {% for x in " + shorten(list) +
+           " %}{{ x." + shorten(member) + " }}{% endfor %}";
+}
+
+} // namespace
+
+std::string ContextWalk::suggest(const Occurrence& found) {
+    const bool ofList = found.problem == Problem::NoList || found.problem == Problem::NotList;
+    const std::string name(found.file->slice(ofList ? found.part->list : found.part->name));
+    std::string text;
+    if (found.value == nullptr) {
+        text = suggestForVariable(found, name);
+        text = text.empty() ? suggestLoop(name) : text;
+    }
+    if (text.empty() && found.problem == Problem::NotString &&
+        dynamic_cast<const ContextIterable*>(found.value) != nullptr) {
+        return "; loop over it: {% for x in " + shorten(name) + " %}...{% endfor %}";
+    }
+    return text.empty() ? suggestSimilar(name, found.problem) : text;
+}
+
+bool ContextWalk::isFound(const std::string& name, Problem problem) {
+    const Value value = find(name);
+    return value != nullptr && isOfKind(*value, problem);
+}
+
+/// The variable of a loop is only a prefix.
+std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::string& name) {
+    const auto& blocks = state().blocks;
+    const auto loop = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
+        return block.list != nullptr &&
+               found.file->slice(found.file->parts()[block.begin].name) == name;
+    });
+    if (loop == blocks.rend()) {
+        return "";
+    }
+    std::string text = "; " + quote(name) + " is the variable of a loop, which is only a prefix";
+    const ContextBase* const element = elementOf(*loop->list, loop->iteration);
+    if (element == nullptr) {
+        return text;
+    }
+    const auto isHidden = [&](const String& key) { // by what a loop inside answers
+        return std::any_of(blocks.rbegin(), loop, [&key](const Block& inside) {
+            const ContextBase* const other =
+                inside.list == nullptr ? nullptr : elementOf(*inside.list, inside.iteration);
+            return other != nullptr && other->find(key) != nullptr;
+        });
+    };
+    for (const bool asValue : {true, false}) {
+        for (const auto& [key, value] : internal::context_access::children(*element)) {
+            const std::string member = name + "." + key.str();
+            if ((key.view() == "value") == asValue && value != nullptr &&
+                isOfKind(*value, found.problem) && !isHidden(key) && find(member) == value) {
+                return text + (asValue ? ": write " : ": write a member, such as ") + quote(member);
+            }
+        }
+    }
+    return element->find("value") == nullptr
+               ? text
+               : text + ", and a loop inside answers to " + quote(name + ".value") +
+                     ": have the context give the elements a key of their own";
+}
+
+/// A beginning of the name may be a list.
+std::string ContextWalk::suggestLoop(const std::string& name) {
+    std::size_t dot = name.rfind('.');
+    for (int count = 0; dot != name.npos && dot > 0 && count < mostScopes; ++count) {
+        const std::string list = name.substr(0, dot);
+        if (dynamic_cast<const ContextIterable*>(find(list)) != nullptr) {
+            return loopOver(list, std::string_view(name).substr(dot + 1));
+        }
+        dot = name.rfind('.', dot - 1);
+    }
+    return "";
+}
+
+/// A name that is spelt alike, or that has other names in front of it.
+std::string ContextWalk::suggestSimilar(const std::string& name, Problem problem) {
+    std::vector<std::string_view> prefixes = {""}; // what is taken off before a name is looked up
+    for (auto variable = state().variables.newestFirst();
+         variable != state().variables.end() && prefixes.size() < mostScopes; ++variable) {
+        const std::string_view rest = withoutPrefix(name, *variable);
+        if (rest.size() < name.size()) {
+            prefixes.push_back(std::string_view(name).substr(0, name.size() - rest.size()));
+        }
+    }
+    int count = 0;
+    for (auto scope = scopes_.newestFirst(); scope != scopes_.end() && count < mostScopes;
+         ++scope, ++count) {
+        const ScopeWords& words = wordsOf(**scope);
+        for (const std::string_view prefix : prefixes) {
+            const std::string_view word =
+                words.all.findNearest(std::string_view(name).substr(prefix.size()));
+            const std::string meant = std::string(prefix) + std::string(word);
+            if (!word.empty() && isFound(meant, problem)) {
+                return didYouMean(meant);
+            }
+        }
+        const auto longer = words.byEnd.find(name);
+        if (longer != words.byEnd.end() && isFound(std::string(longer->second), problem)) {
+            return didYouMean(longer->second);
+        }
+    }
+    const std::size_t dot = name.find('.');
+    const std::string rest = name.substr(dot == name.npos ? name.size() : dot + 1);
+    return !rest.empty() && isFound(rest, problem) ? didYouMean(rest) : "";
+}
+
+const ContextWalk::ScopeWords& ContextWalk::wordsOf(const ContextBase& scope) {
+    const auto [known, added] = words_.try_emplace(&scope);
+    if (added) {
+        for (const auto& [key, value] : internal::context_access::children(scope)) {
+            const std::string_view name = key.view();
+            known->second.all.add(name);
+            if (const std::size_t dot = name.rfind('.'); dot != name.npos) {
+                known->second.byEnd.emplace(name.substr(dot + 1), name);
+            }
+        }
+    }
+    return known->second;
 }
 
 } // namespace kel::Stencilor::Analysis

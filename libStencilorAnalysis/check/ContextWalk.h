@@ -4,6 +4,7 @@
 #include <libStencilor/Stencilor.h>
 #include <libStencilor/render/recent_stack.h>
 #include <libStencilorAnalysis/template/TemplateWalk.h>
+#include <libStencilorAnalysis/text/Suggestion.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -59,6 +61,11 @@ class ContextWalk final : private TemplateWalk {
     ContextWalk(TemplateFiles& files, Extent extent, Report report);
     ~ContextWalk();
 
+    /// What may have been meant by a name that was not found or is of another kind, as the end of a
+    /// message: `; did you mean "title"?`. Empty if nothing comes near. What it suggests is found
+    /// at that place. To be called while it is reported.
+    std::string suggest(const Occurrence& found);
+
     /// `file` must be well formed.
     void walk(const TemplateFile& file, const ContextBase& context);
 
@@ -68,6 +75,12 @@ class ContextWalk final : private TemplateWalk {
     using VariableStack = internal::recent_stack<std::string_view>;
     struct Block;
     struct FileState;
+
+    /// The names in a scope.
+    struct ScopeWords {
+        KnownWords all;
+        std::unordered_map<std::string_view, std::string_view> byEnd; // what follows the last dot
+    };
 
     void enter(const TemplateFile& file);
     void leaveFile() override;
@@ -89,6 +102,12 @@ class ContextWalk final : private TemplateWalk {
     void closeScope(Block& block);
 
     Value find(std::string_view name);
+    bool isFound(const std::string& name, Problem problem);
+    std::string suggestForVariable(const Occurrence& found, const std::string& name);
+    std::string suggestLoop(const std::string& name);
+    std::string suggestSimilar(const std::string& name, Problem problem);
+    const ScopeWords& wordsOf(const ContextBase& scope);
+
     FileState& state() { return *states_.back(); }
     const FileState& state() const { return *states_.back(); }
     std::string describePlace() const;
@@ -99,6 +118,7 @@ class ContextWalk final : private TemplateWalk {
     std::uint64_t steps_ = 0;
     ScopeStack scopes_;
     std::vector<std::unique_ptr<FileState>> states_; // of the files that are being walked
+    std::unordered_map<const ContextBase*, ScopeWords> words_;
     std::set<std::pair<const TemplateFile*, std::vector<const ContextBase*>>> entered_;
 };
 

@@ -13,6 +13,9 @@ constexpr std::size_t longestCompared = 64;
 /// Of the words that have the same letters, as many are compared.
 constexpr int mostCompared = 8;
 
+/// As few words are all compared, which is faster.
+constexpr std::size_t mostComparedAll = 32;
+
 constexpr std::string_view alphabet = "abcdefghijklmnopqrstuvwxyz0123456789./";
 
 /// Without what is easily confused: case, and the separators of the parts of a word.
@@ -73,8 +76,12 @@ Distance compare(std::string_view one, std::string_view other) {
         const bool longer = left.size() > right.size();
         return (longer ? left.substr(1) == right : left == right.substr(1)) ? LetterMore : Far;
     }
-    if (left.size() > 1 && left[0] == right[1] && left[1] == right[0] &&
-        left.substr(2) == right.substr(2)) {
+    std::size_t last = left.size() - 1;
+    while (left[last] == right[last]) {
+        --last;
+    }
+    if (last > 0 && left[0] == right[last] && left[last] == right[0] &&
+        left.substr(1, last - 1) == right.substr(1, last - 1)) {
         return Exchanged;
     }
     return left.substr(1) == right.substr(1) && one.size() > 3 && !isDigit(left[0]) &&
@@ -107,6 +114,22 @@ std::vector<std::uint64_t> findSums(const std::string& folded) {
     return sums;
 }
 
+struct Search {
+    std::string folded;
+    Distance nearest = Far;
+    std::size_t found = 0;
+
+    /// False for the word itself.
+    bool compareWith(std::string_view word, std::string_view known, std::size_t index) {
+        const Distance distance = compare(folded, foldWord(known));
+        if (distance < nearest || (distance == nearest && index < found)) {
+            nearest = distance;
+            found = index;
+        }
+        return known != word;
+    }
+};
+
 } // namespace
 
 KnownWords::KnownWords(const std::vector<std::string>& words) {
@@ -121,23 +144,24 @@ void KnownWords::add(std::string_view word) {
 }
 
 std::string_view KnownWords::findNearest(std::string_view word) const {
-    const std::string folded = foldWord(word);
-    Distance nearest = Far;
-    std::size_t found = 0;
-    for (const std::uint64_t sum : findSums(folded)) {
-        auto [at, end] = byLetters_.equal_range(sum);
-        for (int count = 0; at != end && count < mostCompared; ++at, ++count) {
-            if (words_[at->second] == word) {
+    Search search{foldWord(word)};
+    if (words_.size() <= mostComparedAll) {
+        for (std::size_t index = 0; index < words_.size(); ++index) {
+            if (!search.compareWith(word, words_[index], index)) {
                 return {};
             }
-            const Distance distance = compare(folded, foldWord(words_[at->second]));
-            if (distance < nearest || (distance == nearest && at->second < found)) {
-                nearest = distance;
-                found = at->second;
+        }
+    } else {
+        for (const std::uint64_t sum : findSums(search.folded)) {
+            auto [at, end] = byLetters_.equal_range(sum);
+            for (int count = 0; at != end && count < mostCompared; ++at, ++count) {
+                if (!search.compareWith(word, words_[at->second], at->second)) {
+                    return {};
+                }
             }
         }
     }
-    return nearest == Far ? std::string_view() : words_[found];
+    return search.nearest == Far ? std::string_view() : words_[search.found];
 }
 
 std::string didYouMean(std::string_view word) {

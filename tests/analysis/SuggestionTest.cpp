@@ -17,6 +17,7 @@ TEST(KnownWords, AreFoundForOnesThatAreMisspelt) {
     } cases[] = {
         {"two letters exchanged", "tilte", {"size", "title"}, "title"},
         {"two letters exchanged at the end", "chekc", {"check"}, "check"},
+        {"two letters exchanged that are apart", "costumer", {"customer"}, "customer"},
         {"a missing letter", "tile", {"title"}, "title"},
         {"a missing first letter", "itle", {"title"}, "title"},
         {"a doubled letter", "tittle", {"title"}, "title"},
@@ -46,6 +47,12 @@ TEST(KnownWords, AreFoundForOnesThatAreMisspelt) {
     };
     for (const auto& [name, word, known, found] : cases) {
         EXPECT_EQ(KnownWords(known).findNearest(word), found) << name;
+        std::vector<std::string> more = known; // so many that not all are compared
+        for (char letter = 'A'; letter <= 'Z'; ++letter) {
+            more.push_back(std::string(40, letter));
+            more.push_back(std::string(50, letter));
+        }
+        EXPECT_EQ(KnownWords(more).findNearest(word), found) << name;
     }
     EXPECT_EQ(didYouMean("title"), "; did you mean \"title\"?");
     EXPECT_EQ(didYouMean(""), "");

@@ -252,7 +252,8 @@ TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
         {"values of other kinds",
          "{{ b }}{{ items }}{{ o }}{% if s %}{% endif %}{% for a in b %}{% endfor %}",
          {"1:4: warning: \"b\" is a boolean, not a string",
-          "1:11: warning: \"items\" is a list, not a string",
+          "1:11: warning: \"items\" is a list, not a string; loop over it: {% for x in items "
+          "%}...{% endfor %}",
           "1:22: warning: \"o\" is a dictionary, not a string",
           "1:32: warning: \"s\" is a string, not a boolean",
           "1:59: warning: \"b\" is a boolean, not a list"}},
@@ -275,7 +276,8 @@ TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
         {"an included file, where variables do not reach",
          R"({% for item in items %}{% include "part.txt" %}{% endfor %})",
          {"part.txt:1:4: warning: no string is named \"name\" in element 3 of \"items\"",
-          "part.txt:1:14: warning: no string is named \"item.name\" in element 1 of \"items\""}},
+          "part.txt:1:14: warning: no string is named \"item.name\" in element 1 of \"items\"; did "
+          "you mean \"name\"?"}},
     };
     for (const auto& [name, text, warnings] : cases) {
         SCOPED_TRACE(name);

@@ -31,7 +31,8 @@ TEST_F(RenderTest, LeavesGapsAndSaysWhereUnlessItIsStrict) {
         {"a name that is missing", "a\n{{ x }}b{{ s }}", "a\nbx",
          "page.txt:2:4: warning: no string is named \"x\"\n{{ x }}b{{ s }}\n   ^\n"},
         {"a list as a string", "{{ l }}", "",
-         "page.txt:1:4: warning: \"l\" is a list, not a string\n{{ l }}\n   ^\n"},
+         "page.txt:1:4: warning: \"l\" is a list, not a string; loop over it: {% for x in l "
+         "%}...{% endfor %}\n{{ l }}\n   ^\n"},
         {"a condition that is missing", "{% if x %}{% endif %}", "",
          "page.txt:1:7: warning: no boolean is named \"x\"\n{% if x %}{% endif %}\n      ^\n"},
         {"a string as a condition", "{% if s %}{% endif %}", "",

@@ -1,0 +1,75 @@
+#include "MemoryReader.h"
+
+#include <libStencilor/Value.h>
+#include <libStencilorAnalysis/check/ContextCheck.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kel::Stencilor::Analysis {
+namespace {
+
+Context makeContext() {
+    const Value tags = Value::list({"new", "cheap"});
+    const Value items = Value::list(
+        {Value{{"title", "Tea"}, {"tags", tags}, {"sold", true}, {"maker", Value{{"name", "A"}}}}});
+    return Context(Value{{"items", items},
+                         {"title", "Shop"},
+                         {"user", Value{{"name", "Ada"}, {"admin", true}}},
+                         {"tags", tags},
+                         {"first_name", "Ada"}});
+}
+
+TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::string end; ///< of the only message
+    } cases[] = {
+        {"a misspelt name", "{{ tilte }}", R"(no string is named "tilte"; did you mean "title"?)"},
+        {"another case", "{{ firstName }}", R"(; did you mean "first_name"?)"},
+        {"the singular of a list", "{% for x in item %}{% endfor %}", R"(; did you mean "items"?)"},
+        {"a misspelt name with dots", "{{ user.nmae }}", R"(; did you mean "user.name"?)"},
+        {"a name that others belong in front of", "{{ name }}", R"(; did you mean "user.name"?)"},
+        {"a misspelt member of an element", "{% for x in items %}{{ x.titel }}{% endfor %}",
+         R"(in element 1 of "items"; did you mean "x.title"?)"},
+        {"a condition", "{% for x in items %}{% if x.slod %}{% endif %}{% endfor %}",
+         R"(; did you mean "x.sold"?)"},
+        {"nothing of another kind", "{% if tilte %}{% endif %}", R"(no boolean is named "tilte")"},
+        {"nothing that is near", "{{ price }}", R"(no string is named "price")"},
+        {"the variable of a loop over texts", "{% for x in tags %}{{ x }}{% endfor %}",
+         R"(; "x" is the variable of a loop, which is only a prefix: write "x.value")"},
+        {"the variable of a loop over objects", "{% for x in items %}{{ x }}{% endfor %}",
+         R"(; "x" is the variable of a loop, which is only a prefix: write a member, such as )"
+         R"("x.maker.name")"},
+        {"a variable where a loop inside answers",
+         "{% for x in tags %}{% for y in tags %}{{ x }}{% endfor %}{% endfor %}",
+         R"(; "x" is the variable of a loop, which is only a prefix, and a loop inside answers to )"
+         R"("x.value": have the context give the elements a key of their own)"},
+        {"a variable in a loop inside over what has no value",
+         "{% for x in tags %}{% for y in items %}{{ x }}{% endfor %}{% endfor %}",
+         R"(: write "x.value")"},
+        {"a member of a list", "{{ items.title }}",
+         R"(; "items" is a list, so loop over it: {% for x in items %}{{ x.title }}{% endfor %})"},
+        {"a list as a text", "{{ items }}",
+         R"("items" is a list, not a string; loop over it: {% for x in items %}...{% endfor %})"},
+        {"the variable of a loop around an include",
+         R"({% for x in items %}{% include "row" %}{% endfor %})", R"(; did you mean "title"?)"},
+    };
+    const std::map<std::string, std::string> texts = {{"row", "{{ x.title }}"}};
+    MemoryReader reader(texts);
+    const Context context = makeContext();
+    for (const auto& [name, text, end] : cases) {
+        SCOPED_TRACE(name);
+        TemplateFiles files(reader);
+        const std::vector<Finding> found = findContextFaults(files, files.add({"page", text, text}),
+                                                             context, ContextWalk::Extent::Whole);
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_TRUE(found[0].message.ends_with(end)) << found[0].message;
+    }
+}
+
+} // namespace
+} // namespace kel::Stencilor::Analysis
