@@ -1,4 +1,5 @@
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
+#include <libStencilorAnalysis/check/TextCheck.h>
 #include <libStencilorAnalysis/finding/Habit.h>
 
 #include <algorithm>
@@ -145,6 +146,7 @@ class SyntaxCheck final : private TemplateWalk {
             describeFaults(file, report_.findings);
         }
         findWellFormedHabits(file, report_.findings);
+        checkText(file, report_.findings);
         openBlocks_.push_back(0);
         return true;
     }

@@ -25,6 +25,8 @@ enum class Rule {
     WrongKind,
     Limit,
     Habit,
+    DamagedText,
+    UnusedName,
 };
 
 struct RuleInfo {
@@ -44,6 +46,8 @@ inline constexpr RuleInfo rules[] = {
     {"wrong-kind", Severity::Warning, "The context has a value of another kind."},
     {"limit", Severity::Error, "Rendering reached a limit."},
     {"habit", Severity::Note, "A tag or a text means something else in other template languages."},
+    {"damaged-text", Severity::Warning, "The bytes of a template are not as they should be."},
+    {"unused-name", Severity::Warning, "No template uses this name of the context."},
 };
 
 inline const RuleInfo& infoOf(Rule rule) {

@@ -44,6 +44,9 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "\u00E9\u65E5\U0001F600{{ }\n"
          "      ^\n"},
         {"bytes that are no letters", "\xFF\xE2\x82{{ }",
+         "page.txt:1:1: warning: malformed UTF-8, which becomes U+FFFD in the output\n"
+         "\uFFFD\uFFFD{{ }\n"
+         "^\n"
          "page.txt:1:6: error: expected a name after \"{{\"\n"
          "\uFFFD\uFFFD{{ }\n"
          "     ^\n"},
@@ -52,6 +55,10 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "\t\u00E9\t{{ }\n"
          "\t \t   ^\n"},
         {"a byte-order mark", "\xEF\xBB\xBF{{ }",
+         "page.txt:1:1: warning: the file begins with a byte-order mark, which is written to the "
+         "output\n"
+         "{{ }\n"
+         "^\n"
          "page.txt:1:4: error: expected a name after \"{{\"\n"
          "{{ }\n"
          "   ^\n"},
@@ -72,6 +79,9 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "    ^\n"},
         {"a NUL byte", std::string("a{{ b \0}}", 9),
          "page.txt:1:7: error: expected \"}}\" after the name\n"
+         "a{{ b \\x00}}\n"
+         "      ^~~~\n"
+         "page.txt:1:7: warning: a NUL byte: the template ends here, and what follows is ignored\n"
          "a{{ b \\x00}}\n"
          "      ^~~~\n"},
         {"characters that a terminal obeys", "\x1B[1m\u009B\u202E\uFEFF{{ \u2028",
@@ -95,9 +105,19 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
     }
 }
 
+TEST_F(CheckTest, ReportsNamesThatNoTemplateUses) {
+    folder.writeFile("page.txt", "{{ a }}");
+    folder.writeFile("more.txt", "{{ b }}");
+    folder.writeFile("values.json", R"({"a":"1","b":"2","c":"3"})");
+    expectOutcome(
+        runStencilor({"check", "page.txt", "more.txt", "--context", "values.json", "--unused"}), 1,
+        "values.json:1:1: warning: no template uses \"c\"\n\n^\n", "");
+    EXPECT_EQ(runStencilor({"check", "page.txt", "--unused"}).status, 2);
+}
+
 TEST_F(CheckTest, FindsNothingInATemplate) {
     folder.writeFile("page.txt", R"({% if a %}{{ b }}{% endif %}{% include "part.txt" %})");
-    folder.writeFile("part.txt", std::string("{{ c }}\0{{", 10));
+    folder.writeFile("part.txt", "{{ c }}");
     expectOutcome(runStencilor({"check", "page.txt"}), 0, "", "");
     expectOutcome(runStencilor({"check", "-"}, {.input = "{{ a }}"}), 0, "", "");
 }

@@ -45,11 +45,25 @@ TEST_F(StreamsTest, CarryEveryByteAsItIs) {
     for (const auto& [name, text, expected] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        expectOutcome(runStencilor({"render", "page.txt"}), 0, expected, "");
-        expectOutcome(runStencilor({"render", "-"}, {.input = text}), 0, expected, "");
-        expectOutcome(runStencilor({"render", "-", "-o", "out.txt"}, {.input = text}), 0, "", "");
+        expectOutcome(runStencilor({"render", "page.txt", "--quiet"}), 0, expected, "");
+        expectOutcome(runStencilor({"render", "-", "--quiet"}, {.input = text}), 0, expected, "");
+        expectOutcome(runStencilor({"render", "-", "-o", "out.txt", "--quiet"}, {.input = text}), 0,
+                      "", "");
         EXPECT_EQ(support::readFile("out.txt"), expected);
     }
+}
+
+TEST_F(StreamsTest, AreWarnedOfWhereTheirBytesAreDamaged) {
+    expectOutcome(runStencilor({"render", "-"}, {.input = std::string("a\0b", 3)}), 0, "a",
+                  "<stdin>:1:2: warning: a NUL byte: the template ends here, and what follows is "
+                  "ignored\na\\x00b\n ^~~~\n");
+    folder.writeFile("page.txt", R"({% include "part.txt" %})");
+    folder.writeFile("part.txt", "a\xFF");
+    const std::string warning =
+        "part.txt:1:2: warning: malformed UTF-8, which becomes U+FFFD in the "
+        "output\na\uFFFD\n ^\n";
+    expectOutcome(runStencilor({"render", "page.txt"}), 0, "a\uFFFD", warning);
+    expectOutcome(runStencilor({"check", "page.txt"}), 1, warning, "");
 }
 
 TEST_F(StreamsTest, KeepANulInAContext) {

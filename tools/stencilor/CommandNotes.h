@@ -37,7 +37,8 @@ cannot be read, and files that include themselves with no condition and no loop
 around the includes; in other ways this is a note. With --context or -D, names
 that the context does not have, or has as another kind of value, are warnings:
 both parts of each condition are checked, and each element of each list that the
-context holds.
+context holds. With --unused, so are names of the context that no template uses.
+A file with a NUL byte, a byte-order mark or malformed UTF-8 is a warning, too.
 
 Exit status:
   0  nothing was found, notes aside

@@ -218,13 +218,22 @@ CommandInfo renderCommand() {
 }
 
 CommandInfo checkCommand() {
-    const auto request = std::make_shared<Request>();
-    return {"check",
-            "Check templates and report errors with their locations",
-            checkNotes,
-            {templates(*request)},
-            commonOptions(*request, checkedContext),
-            runner<Request, check>(request)};
+    const auto request = std::make_shared<CheckRequest>();
+    CommandInfo command{"check",
+                        "Check templates and report errors with their locations",
+                        checkNotes,
+                        {templates(*request)},
+                        commonOptions(*request, checkedContext)};
+    add(command.options, {flag("--unused", "Also report names of the context that no template uses",
+                               request->unused)});
+    command.run = [request] {
+        checkStreams(*request);
+        if (request->unused && !request->context.isGiven()) {
+            throw CallError("--unused needs a context");
+        }
+        return check(*request);
+    };
+    return command;
 }
 
 CommandInfo namesCommand() {

@@ -6,11 +6,16 @@
 
 namespace stencilor {
 
+/// What `stencilor check` is asked for.
+struct CheckRequest : Request {
+    bool unused = false; ///< also report the names of the context that no template uses
+};
+
 /// Writes what is wrong with templates and what they include. With neither a context nor
 /// definitions, names are not looked up.
 /// Errors: throws `Failure`; a template that cannot be read is reported, and the others are
 /// checked.
-ExitStatus check(const Request& request);
+ExitStatus check(const CheckRequest& request);
 
 } // namespace stencilor
 

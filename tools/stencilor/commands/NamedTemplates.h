@@ -38,6 +38,11 @@ class NamedTemplates {
     /// Which names the context, if there is one, does not have for a template.
     std::vector<kel::Stencilor::Analysis::Finding> findContextFaults(const Named& named) const;
 
+    /// Null where none is given.
+    const kel::Stencilor::ContextBase* context() const {
+        return context_ ? &static_cast<const kel::Stencilor::ContextBase&>(*context_) : nullptr;
+    }
+
   private:
     /// With another root, other files are included.
     struct Root {

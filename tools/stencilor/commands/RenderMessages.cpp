@@ -1,4 +1,5 @@
 #include <libStencilorAnalysis/check/ContextCheck.h>
+#include <libStencilorAnalysis/check/TextCheck.h>
 #include <tools/stencilor/commands/NamedTemplates.h>
 #include <tools/stencilor/commands/RenderMessages.h>
 
@@ -109,6 +110,9 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
                 finding.ownSeverity = request.strict ? Severity::Error : Severity::Warning;
             }
         }
+    }
+    for (const TemplateFile* file : templates.damagedFiles()) {
+        checkText(*file, findings);
     }
     return findings;
 }

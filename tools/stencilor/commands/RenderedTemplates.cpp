@@ -1,3 +1,4 @@
+#include <libStencilorAnalysis/check/TextCheck.h>
 #include <tools/stencilor/commands/RenderedTemplates.h>
 
 #include <algorithm>
@@ -60,6 +61,19 @@ const TemplateFile& RenderedTemplates::fileNamed(const kel::String& name) {
         named = &files_.add(found == known_.end() ? root_.text() : found->second.text());
     }
     return *named;
+}
+
+std::vector<const TemplateFile*> RenderedTemplates::damagedFiles() {
+    std::vector<const TemplateFile*> damaged;
+    if (isDamaged(root().text().view())) {
+        damaged.push_back(&rootFile());
+    }
+    for (const auto& [path, known] : known_) {
+        if (known.found && isDamaged(known.found->text().view())) {
+            damaged.push_back(&fileNamed(known.found->name()));
+        }
+    }
+    return damaged;
 }
 
 TemplateReader::Answer RenderedTemplates::Reader::find(const std::string& path,

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace stencilor {
 
@@ -30,6 +31,9 @@ class RenderedTemplates final : public kel::Stencilor::TemplateSource {
     kel::Stencilor::Analysis::TemplateFiles& files() { return files_; }
     const kel::Stencilor::Analysis::TemplateFile& rootFile();
     const kel::Stencilor::Analysis::TemplateFile& fileNamed(const kel::String& name);
+
+    /// Those that were rendered whose bytes are not as they should be.
+    std::vector<const kel::Stencilor::Analysis::TemplateFile*> damagedFiles();
 
   private:
     /// What was found at a path.

@@ -1,0 +1,70 @@
+#include <libStencilor/context/context_access.h>
+#include <libStencilorAnalysis/check/UnusedNames.h>
+
+#include <set>
+#include <string_view>
+
+namespace kel::Stencilor::Analysis {
+
+namespace {
+
+using internal::context_access;
+
+/// What of a name may be a name itself: so many parts at its beginning and at its end.
+constexpr int mostParts = 32;
+
+/// Contexts are not nested as deeply.
+struct Level {
+    const ContextBase* value;
+    std::string prefix;
+};
+
+} // namespace
+
+void UnusedNames::visitName(const NameUse& use) {
+    std::string_view rest = use.text();
+    // Loop variables may be in front, and members behind.
+    for (int front = 0; front < mostParts; ++front) {
+        std::size_t dot = rest.find('.');
+        for (int back = 0; back < mostParts && dot != rest.npos; ++back) {
+            used_.emplace(rest.substr(0, dot));
+            dot = rest.find('.', dot + 1);
+        }
+        used_.emplace(rest);
+        const std::size_t first = rest.find('.');
+        if (first == rest.npos) {
+            break;
+        }
+        rest.remove_prefix(first + 1);
+    }
+}
+
+std::vector<std::string> UnusedNames::find(const ContextBase& context) const {
+    std::set<std::string> unused;
+    std::vector<Level> levels = {{&context, ""}};
+    while (!levels.empty()) {
+        const Level level = std::move(levels.back());
+        levels.pop_back();
+        for (const auto& [key, value] : context_access::children(*level.value)) {
+            const std::string name = key.str();
+            const std::size_t dot = name.rfind('.');
+            if (!used_.contains(name)) {
+                // What holds it is reported, if that is not used either.
+                if (dot == name.npos || used_.contains(name.substr(0, dot))) {
+                    unused.insert(level.prefix + name);
+                }
+                continue;
+            }
+            if (const auto* const list = dynamic_cast<const ContextIterable*>(value)) {
+                for (const ContextBase* element : context_access::elements(*list)) {
+                    if (element != nullptr) {
+                        levels.push_back({element, level.prefix + name + "."});
+                    }
+                }
+            }
+        }
+    }
+    return {unused.begin(), unused.end()};
+}
+
+} // namespace kel::Stencilor::Analysis
