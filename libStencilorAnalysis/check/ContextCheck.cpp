@@ -37,6 +37,20 @@ Finding describeWrongKind(const Occurrence& found, SyntaxRange name, const std::
                        ", not a " + kind + (found.where.empty() ? "" : "," + found.where)};
 }
 
+Finding describeOtherLoop(const Occurrence& found, SyntaxRange name) {
+    const OtherLoop& other = found.otherLoop;
+    const std::string_view text = found.file->slice(name);
+    return {.rule = Rule::OtherLoop,
+            .place = {found.file, name},
+            .message = quote(text) + " is found in element " + std::to_string(other.element + 1) +
+                       " of " + quote(other.file->slice(other.tag->list)) +
+                       (other.isInside
+                            ? ", a loop inside; have the context give the elements a key of their "
+                              "own"
+                            : ", a loop around the one of its variable"),
+            .notes = {{{other.file, other.tag->whole}, "this loop answers"}}};
+}
+
 Finding describeRejection(const Occurrence& found) {
     Finding finding = describeFault(*found.inclusion->file);
     finding.notes.push_back({{found.file, found.part->whole}, "included here"});
@@ -77,6 +91,8 @@ Finding describe(const Occurrence& found) {
         return describeFailure({*found.file, *found.part, *found.inclusion});
     case Problem::RejectedFile:
         return describeRejection(found);
+    case Problem::OtherLoop:
+        return describeOtherLoop(found, found.part->kind == SyntaxElement::Kind::For ? list : name);
     case Problem::TooLong:
         return describeEnd(found);
     case Problem::TooDeep:

@@ -61,9 +61,12 @@ struct ContextWalk::Block {
 
     // Of a loop:
     std::string_view listName{};
+    std::string_view variable{};
     ContextIterable* list = nullptr;
-    std::size_t iteration = 0; // from 0
-    VariableStack::position variable{};
+    std::size_t iteration = 0;        // from 0
+    VariableStack::position before{}; // of the variable
+
+    const ContextBase* element() const { return elementOf(*list, iteration); }
 };
 
 /// What holds inside one file. The variables of the loops around an inclusion do not.
@@ -122,7 +125,7 @@ std::size_t ContextWalk::visit(const TemplateFile& file, std::size_t index) {
 }
 
 void ContextWalk::visitSubstitution(const TemplateFile& file, const SyntaxElement& part) {
-    const Value value = find(file.slice(part.name));
+    const Value value = lookUp(file, part, part.name);
     if (value == nullptr) {
         report({.problem = Problem::NoString, .file = &file, .part = &part});
     } else if (dynamic_cast<const ContextString*>(value) == nullptr) {
@@ -132,7 +135,7 @@ void ContextWalk::visitSubstitution(const TemplateFile& file, const SyntaxElemen
 
 std::size_t ContextWalk::openConditional(const TemplateFile& file, std::size_t index) {
     const SyntaxElement& part = file.parts()[index];
-    const Value value = find(file.slice(part.name));
+    const Value value = lookUp(file, part, part.name);
     auto* const boolean = dynamic_cast<ContextBoolean*>(value);
     if (boolean == nullptr) {
         const Problem problem = value == nullptr ? Problem::NoBoolean : Problem::NotBoolean;
@@ -163,7 +166,7 @@ std::size_t ContextWalk::closeConditional(std::size_t index) {
 std::size_t ContextWalk::openLoop(const TemplateFile& file, std::size_t index) {
     const SyntaxElement& part = file.parts()[index];
     const std::string_view listName = file.slice(part.list);
-    const Value value = find(listName);
+    const Value value = lookUp(file, part, part.list);
     auto* const list = dynamic_cast<ContextIterable*>(value);
     if (list == nullptr) {
         const Problem problem = value == nullptr ? Problem::NoList : Problem::NotList;
@@ -173,16 +176,18 @@ std::size_t ContextWalk::openLoop(const TemplateFile& file, std::size_t index) {
     if (list->size() == 0) {
         return file.afterBlock(index);
     }
+    const std::string_view variable = file.slice(part.name);
     state().blocks.push_back({.begin = index,
                               .listName = listName,
+                              .variable = variable,
                               .list = list,
-                              .variable = state().variables.enter(file.slice(part.name))});
+                              .before = state().variables.enter(variable)});
     return openIteration();
 }
 
 std::size_t ContextWalk::openIteration() {
     Block& loop = state().blocks.back();
-    openScope(loop, elementOf(*loop.list, loop.iteration));
+    openScope(loop, loop.element());
     return loop.begin + 1;
 }
 
@@ -192,7 +197,7 @@ std::size_t ContextWalk::closeIteration(std::size_t index) {
     if (++loop.iteration < loop.list->size()) {
         return openIteration();
     }
-    state().variables.leave(loop.variable);
+    state().variables.leave(loop.before);
     state().blocks.pop_back();
     return index + 1;
 }
@@ -242,22 +247,68 @@ void ContextWalk::closeScope(Block& block) {
     }
 }
 
-ContextWalk::Value ContextWalk::find(std::string_view name) {
+ContextWalk::Value ContextWalk::lookUp(const TemplateFile& file, const SyntaxElement& part,
+                                       SyntaxRange range) {
+    const std::string_view name = file.slice(range);
+    const ContextBase* answering = nullptr;
+    const Value value = find(name, &answering);
+    if (value != nullptr && extent_ == Extent::Whole) {
+        if (const OtherLoop other = findOtherLoop(name, answering); other.tag != nullptr) {
+            report(
+                {.problem = Problem::OtherLoop, .file = &file, .part = &part, .otherLoop = other});
+        }
+    }
+    return value;
+}
+
+/// @param answering if not null, receives the scope that the value is found in
+ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** answering) {
+    const auto answer = [answering](const ContextBase* scope, Value value) {
+        if (answering != nullptr) {
+            *answering = scope;
+        }
+        return value;
+    };
     const VariableStack& variables = state().variables;
     for (auto scope = scopes_.newestFirst(); scope != scopes_.end(); ++scope) {
         for (auto variable = variables.newestFirst(); variable != variables.end(); ++variable) {
             if (const Value value = (*scope)->find(withoutPrefix(name, *variable))) {
-                return value;
+                return answer(*scope, value);
             }
             if (++steps_ > mostSteps && extent_ == Extent::Whole) {
                 return nullptr; // the walk ends at the next tag
             }
         }
         if (const Value value = (*scope)->find(name)) {
-            return value;
+            return answer(*scope, value);
         }
     }
     return nullptr;
+}
+
+/// The engine takes a prefix off in every scope, not only in the one of the variable's loop.
+OtherLoop ContextWalk::findOtherLoop(std::string_view name, const ContextBase* answering) {
+    const auto& blocks = state().blocks;
+    const auto named = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
+        ++steps_;
+        return block.list != nullptr && withoutPrefix(name, block.variable).size() < name.size();
+    });
+    if (named == blocks.rend() || named->element() == answering) {
+        return {};
+    }
+    for (std::size_t depth = states_.size(); depth > 0; --depth) {
+        const auto& around = states_[depth - 1]->blocks;
+        for (auto block = around.rbegin(); block != around.rend(); ++block, ++steps_) {
+            if (block->list != nullptr && block->element() == answering) {
+                const TemplateFile& file = *path()[depth - 1];
+                return {.file = &file,
+                        .tag = &file.parts()[block->begin],
+                        .element = block->iteration,
+                        .isInside = depth == states_.size() && block < named};
+            }
+        }
+    }
+    return {};
 }
 
 /// Which element of the innermost loop is visited.
@@ -319,29 +370,29 @@ std::string ContextWalk::suggest(const Occurrence& found) {
 }
 
 bool ContextWalk::isFound(const std::string& name, Problem problem) {
-    const Value value = find(name);
-    return value != nullptr && isOfKind(*value, problem);
+    const ContextBase* answering = nullptr;
+    const Value value = find(name, &answering);
+    return value != nullptr && isOfKind(*value, problem) &&
+           findOtherLoop(name, answering).tag == nullptr;
 }
 
 /// The variable of a loop is only a prefix.
 std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::string& name) {
     const auto& blocks = state().blocks;
     const auto loop = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
-        return block.list != nullptr &&
-               found.file->slice(found.file->parts()[block.begin].name) == name;
+        return block.list != nullptr && block.variable == name;
     });
     if (loop == blocks.rend()) {
         return "";
     }
     std::string text = "; " + quote(name) + " is the variable of a loop, which is only a prefix";
-    const ContextBase* const element = elementOf(*loop->list, loop->iteration);
+    const ContextBase* const element = loop->element();
     if (element == nullptr) {
         return text;
     }
     const auto isHidden = [&](const String& key) { // by what a loop inside answers
         return std::any_of(blocks.rbegin(), loop, [&key](const Block& inside) {
-            const ContextBase* const other =
-                inside.list == nullptr ? nullptr : elementOf(*inside.list, inside.iteration);
+            const ContextBase* const other = inside.list == nullptr ? nullptr : inside.element();
             return other != nullptr && other->find(key) != nullptr;
         });
     };

@@ -28,8 +28,17 @@ enum class Problem {
     NotList,
     NoFile,       ///< an inclusion of a file that is missing or unreadable
     RejectedFile, ///< an inclusion of one that is rejected
+    OtherLoop,    ///< a member of a loop's variable that is found in another loop's element
     TooDeep,      ///< an inclusion inside so many others that there may be no end
     TooLong,      ///< a tag where so much has been looked at that the walk ends
+};
+
+/// The loop that answers to a name with the variable of another one.
+struct OtherLoop {
+    const TemplateFile* file = nullptr;
+    const SyntaxElement* tag = nullptr; ///< null if there is none
+    std::size_t element = 0;            ///< the one that answers, from 0
+    bool isInside = false;              ///< inside the loop of the variable
 };
 
 /// One problem, each time it occurs.
@@ -39,6 +48,7 @@ struct Occurrence {
     const SyntaxElement* part;
     const ContextBase* value = nullptr;                 ///< the one of the wrong kind
     const TemplateFiles::Included* inclusion = nullptr; ///< what an inclusion leads to
+    OtherLoop otherLoop{};
     std::string where{}; ///< ` in element 2 of "items"`; empty outside loops
 };
 
@@ -101,7 +111,9 @@ class ContextWalk final : private TemplateWalk {
     void openScope(Block& block, const ContextBase* scope);
     void closeScope(Block& block);
 
-    Value find(std::string_view name);
+    Value lookUp(const TemplateFile& file, const SyntaxElement& part, SyntaxRange range);
+    Value find(std::string_view name, const ContextBase** answering = nullptr);
+    OtherLoop findOtherLoop(std::string_view name, const ContextBase* answering);
     bool isFound(const std::string& name, Problem problem);
     std::string suggestForVariable(const Occurrence& found, const std::string& name);
     std::string suggestLoop(const std::string& name);

@@ -71,5 +71,75 @@ TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
     }
 }
 
+TEST(ContextCheck, WarnsWhereAnotherLoopAnswers) {
+    const std::string hint =
+        ", a loop inside; have the context give the elements a key of their own";
+    const struct {
+        const char* name;
+        std::string text;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"a value of the loop inside",
+         "{% for x in tags %}{% for y in words %}{{ x.value }}{% endfor %}{% endfor %}",
+         {R"("x.value" is found in element 1 of "words")" + hint + " @19"}},
+        {"the same list in both loops",
+         "{% for x in tags %}{% for y in tags %}{{ x.value }}{% endfor %}{% endfor %}",
+         {R"("x.value" is found in element 2 of "tags")" + hint + " @19"}},
+        {"a position",
+         "{% for x in tags %}{% for y in words %}{{ x.index }}{% endfor %}{% endfor %}",
+         {R"("x.index" is found in element 1 of "words")" + hint + " @19"}},
+        {"a condition",
+         "{% for x in tags %}{% for y in words %}{% if x.last %}{% endif %}{% endfor %}{% endfor "
+         "%}",
+         {R"("x.last" is found in element 1 of "words")" + hint + " @19"}},
+        {"a list",
+         "{% for x in rows %}{% for y in rows %}{% for z in x.cells %}{% endfor %}{% endfor %}"
+         "{% endfor %}",
+         {R"("x.cells" is found in element 2 of "rows")" + hint + " @19"}},
+        {"a loop around",
+         "{% for x in rows %}{% for y in words %}{{ y.title }}{% endfor %}{% endfor %}",
+         {R"("y.title" is found in element 1 of "rows", a loop around the one of its variable @0)"}},
+        {"a loop around the include",
+         R"({% for x in rows %}{% include "words" %}{% endfor %})",
+         {R"("y.title" is found in element 1 of "rows", a loop around the one of its variable @0)"}},
+        {"a name of several loops",
+         "{% for x in tags %}{% for x in words %}{{ x.value }}{% endfor %}{% endfor %}",
+         {}},
+        {"a loop over what the one around has",
+         "{% for x in rows %}{% for y in x.cells %}{{ y.value }}{{ x.title }}{% endfor %}"
+         "{% endfor %}",
+         {}},
+        {"an element without the key",
+         "{% for x in tags %}{% for y in rows %}{{ x.value }}{% endfor %}{% endfor %}",
+         {}},
+        {"a name without a prefix",
+         "{% for x in tags %}{% for y in words %}{{ value }}{% endfor %}{% endfor %}",
+         {}},
+        {"a name outside of loops", "{% for x in tags %}{{ x.shop }}{% endfor %}", {}},
+    };
+    const Value row{{"title", "1"}, {"cells", Value::list({"a", "b"})}};
+    const Context context(Value{{"tags", Value::list({"new", "cheap"})},
+                                {"words", Value::list({"a"})},
+                                {"rows", Value::list({row, row})},
+                                {"shop", "S"}},
+                          {.positions = true});
+    const std::map<std::string, std::string> texts = {
+        {"words", "{% for y in words %}{{ y.title }}{% endfor %}"}};
+    MemoryReader reader(texts);
+    for (const auto& [name, text, expected] : cases) {
+        SCOPED_TRACE(name);
+        TemplateFiles files(reader);
+        std::vector<std::string> found;
+        for (const Finding& finding : findContextFaults(files, files.add({"page", text, text}),
+                                                        context, ContextWalk::Extent::Whole)) {
+            found.push_back(finding.message);
+            for (const Note& note : finding.notes) {
+                found.back() += " @" + std::to_string(note.place.range.begin);
+            }
+        }
+        EXPECT_EQ(found, expected);
+    }
+}
+
 } // namespace
 } // namespace kel::Stencilor::Analysis

@@ -42,6 +42,7 @@ std::string messageOf(const Occurrence& found) {
                    ? "Could not include file \"" + name + "\", file doesn't exist"
                    : "Could not load file \"" + name + "\"";
     case Problem::RejectedFile:
+    case Problem::OtherLoop:
     case Problem::TooDeep:
     case Problem::TooLong:
         break;

@@ -35,10 +35,11 @@ below it. Lines and columns count from 1, columns in code points.
 Errors are templates that are rejected, included files that do not exist or
 cannot be read, and files that include themselves with no condition and no loop
 around the includes; in other ways this is a note. With --context or -D, names
-that the context does not have, or has as another kind of value, are warnings:
-both parts of each condition are checked, and each element of each list that the
-context holds. With --unused, so are names of the context that no template uses.
-A file with a NUL byte, a byte-order mark or malformed UTF-8 is a warning, too.
+that the context does not have, has as another kind of value, or has in another
+loop than the one of their variable are warnings: both parts of each condition
+are checked, and each element of each list that the context holds. With --unused,
+so are names of the context that no template uses. A file with a NUL byte, a
+byte-order mark or malformed UTF-8 is a warning, too.
 
 Exit status:
   0  nothing was found, notes aside
