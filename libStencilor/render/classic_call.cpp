@@ -8,17 +8,31 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
+/// The bytes of a file, followed by a NUL. They are those of `file`, if it has room for one more,
+/// as it nearly always has; otherwise of `copy`.
+template <typename Text>
+std::string_view terminated(Buffer<unsigned char>& file, Text& copy) {
+    const std::string_view bytes(reinterpret_cast<const char*>(file.data), file.size);
+    if (file.size == file.capacity) {
+        copy = Text(bytes);
+        return copy.view();
+    }
+    file.data[file.size] = 0;
+    return bytes;
+}
+
 /// Parses and renders an included template. A template that is rejected renders as nothing, and
 /// the messages of one that is not are dropped.
-template <typename Text>
-requires byte_text<Text>
-void renderIncluded(const Text& source, scope_stack& scopes, joined_output<Text>& text) {
+template <byte_text Text>
+void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes, joined_output<Text>& text) {
+    Text copy;
+    const std::string_view source = terminated(file, copy);
     const trace_scope trace(trace_points::renderIncluded);
     syntax_tree tree;
-    if (!parseTemplate(source, tree.nodes)) {
+    if (!parseTemplate(source.data(), tree.nodes)) {
         return;
     }
-    text.beginIncluded(isWellFormed(source));
+    text.beginIncluded(Text::isUtf8(source));
     classic_call call(text, nullptr);
     applyVisitor(tree.nodes, scopes, call);
 }
@@ -42,7 +56,11 @@ Text convertIncluded(const Text& source, scope_stack& scopes, Text& errors) {
 }
 
 template <typename Text>
-void renderIncluded(const Text& source, scope_stack& scopes, converted_output<Text>& text) {
+void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes,
+                    converted_output<Text>& text) {
+    // The low 32 bits of the size: no base library loads more.
+    const Text source(reinterpret_cast<const char*>(file.data),
+                      static_cast<unsigned int>(file.size));
     Text dropped;
     text.text(convertIncluded(source, scopes, dropped).getUTF8String().c_str());
 }
@@ -59,10 +77,7 @@ void classic_call::include(const include_expr& node, scope_stack& scopes) {
         report(fault::fileNotLoaded, node.path, node);
         return;
     }
-    // The low 32 bits of the size: no base library loads more.
-    const String source(reinterpret_cast<const char*>(file.data),
-                        static_cast<unsigned int>(file.size));
-    renderIncluded(source, scopes, text_);
+    renderIncluded(file, scopes, text_);
 }
 
 void classic_call::append(const message& text, const std::string& name) {

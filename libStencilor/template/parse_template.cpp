@@ -14,13 +14,17 @@ bool parse(const Text& text, content_list& list) {
 
 template <byte_text Text>
 bool parse(const Text& text, content_list& list) {
-    return template_grammar(text.view().data()).parse(list);
+    return parseTemplate(text.view().data(), list);
 }
 
 } // namespace
 
 bool parseTemplate(const String& text, content_list& list) {
     return parse(text, list);
+}
+
+bool parseTemplate(const char* text, content_list& list) {
+    return template_grammar(text).parse(list);
 }
 
 } // namespace kel::Stencilor::internal

@@ -10,6 +10,9 @@ namespace kel::Stencilor::internal {
 /// otherwise the list may hold the nodes before the fault. A template ends at its first NUL byte.
 bool parseTemplate(const String& text, content_list& list);
 
+/// The same for bytes up to a NUL.
+bool parseTemplate(const char* text, content_list& list);
+
 } // namespace kel::Stencilor::internal
 
 #endif
