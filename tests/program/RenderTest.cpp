@@ -15,6 +15,7 @@ class RenderTest : public ProgramTest {
         folder.writeFile("values.json", R"({"s":"x","no":false,"l":[{"a":"1"},{},{}],"o":{}})");
         folder.writeFile("part.txt", "text\n{{ missing }}");
         folder.writeFile("bad.txt", "{{");
+        folder.writeFile("latin.txt", "\xE9");
         folder.writeFile("out.txt", "before");
     }
 };
@@ -57,6 +58,15 @@ TEST_F(RenderTest, LeavesGapsAndSaysWhereUnlessItIsStrict) {
          "bad.txt:1:3: warning: expected a name after \"{{\"\n{{\n  ^\n"
          "page.txt:1:2: note: included here\n"
          "a{% include \"bad.txt\" %}b\n ^~~~~~~~~~~~~~~~~~~~~~~\n"},
+        {"a NUL byte", std::string("a\0b", 3), "a",
+         "page.txt:1:2: warning: a NUL byte: the template ends here, and what follows is ignored\n"
+         "a\\x00b\n ^~~~\n"},
+        {"a byte-order mark", "\xEF\xBB\xBFx", "\xEF\xBB\xBFx",
+         "page.txt:1:1: warning: the file begins with a byte-order mark, which is written to the "
+         "output\nx\n^\n"},
+        {"malformed UTF-8 in an included file", R"(a{% include "latin.txt" %})", "a\uFFFD",
+         "latin.txt:1:1: warning: malformed UTF-8, which becomes U+FFFD in the "
+         "output\n\uFFFD\n^\n"},
     };
     for (const auto& [name, text, output, messages] : cases) {
         SCOPED_TRACE(name);
@@ -104,6 +114,18 @@ TEST_F(RenderTest, DiagnosesATemplateThatIsRejected) {
     }
 }
 
+TEST_F(RenderTest, CountsTheMessagesThatAreNotKept) {
+    std::string text;
+    for (int i = 0; i < 1234; ++i) {
+        text += "{{ x }}\n";
+    }
+    folder.writeFile("page.txt", text);
+    const auto ended = runStencilor({"render", "page.txt", "--max-output", "1200"});
+    EXPECT_EQ(ended.errors.substr(ended.errors.rfind("note: ")),
+              "note: and 201 more messages, about these places or others\n{{ x }}\n       ^\n");
+    EXPECT_EQ(runStencilor({"render", "page.txt"}).errors.find("note: "), std::string::npos);
+}
+
 TEST_F(RenderTest, EndsAtALimit) {
     folder.writeFile("endless.txt", R"({% include "endless.txt" %})");
     folder.writeFile("page.txt", R"(12345{{ s }}{% include "long.txt" %})");
@@ -129,7 +151,7 @@ TEST_F(RenderTest, EndsAtALimit) {
          "page.txt:1:1: error: the output has more bytes than 4 (--max-output)\n"},
         {"enough output", {"page.txt", "values.json", "--max-output", "21"}, ""},
         {"any output", {"page.txt", "values.json", "--max-output", "0"}, ""},
-        {"output in KiB", {"page.txt", "values.json", "--max-output", "1K"}, ""},
+        {"output in KiB", {"page.txt", "values.json", "--max-output", "1200"}, ""},
         {"too much output",
          {"page.txt", "values.json", "--max-output", "20"},
          "long.txt:1:1: error: the output has more bytes than 20 (--max-output)\n"},

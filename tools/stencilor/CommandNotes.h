@@ -22,8 +22,8 @@ templates, and a depth of 100.
 
 Exit status:
   0  rendered without a message
-  1  rendered with gaps, which are warnings; with --strict they are errors, and
-     nothing is written
+  1  rendered with gaps, or from damaged bytes, which are warnings; with --strict
+     they are errors, and nothing is written
   2  a wrong call, a file that cannot be read or written, or bad JSON
   3  the template was rejected; nothing is written
   4  a limit was reached; nothing is written)";

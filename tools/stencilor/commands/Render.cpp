@@ -40,10 +40,10 @@ ExitStatus refuseLongTemplate(const RenderRequest& request, const std::string& n
     return exitLimit;
 }
 
-ExitStatus statusOf(const RenderResult& result) {
+ExitStatus statusOf(const RenderResult& result, const std::vector<Finding>& findings) {
     switch (result.status) {
     case RenderStatus::Complete:
-        return result.usage.messages == 0 ? exitClean : exitMessages;
+        return result.usage.messages == 0 && findings.empty() ? exitClean : exitMessages;
     case RenderStatus::Rejected:
         return exitRejected;
     default:
@@ -66,8 +66,9 @@ ExitStatus renderOnce(const RenderRequest& request, Files& files) {
     }
     const RenderResult result = root.render(context, options);
     endTrace(); // messages are made by rendering, too
-    printFindings(describeMessages(request, templates, context, result), request);
-    const ExitStatus status = statusOf(result);
+    const auto findings = describeMessages(request, templates, context, result);
+    printFindings(findings, request);
+    const ExitStatus status = statusOf(result, findings);
     if (status == exitClean || (status == exitMessages && !request.strict)) {
         files.write(request.outputFile, result.text.view());
     }

@@ -89,8 +89,9 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
                                       const kel::Stencilor::ContextBase& context,
                                       const RenderResult& result) {
     std::vector<Finding> findings;
-    if (!result.messages.empty() && result.status == RenderStatus::Complete &&
-        result.usage.steps <= mostSteps) {
+    const bool isWalked = !result.messages.empty() && result.status == RenderStatus::Complete &&
+                          result.usage.steps <= mostSteps;
+    if (isWalked) {
         // Says more, since it knows the values.
         findings = findContextFaults(templates.files(), templates.rootFile(), context,
                                      ContextWalk::Extent::Rendered);
@@ -104,15 +105,21 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
         }
     }
     addNew(findings, std::move(reported));
+    if (const std::uint64_t more = result.usage.messages - result.messages.size();
+        more > 0 && !isWalked) {
+        Finding& last = findings.back();
+        last.notes.push_back({last.place, "and " + std::to_string(more) +
+                                              " more messages, about these places or others"});
+    }
+    for (const TemplateFile* file : templates.damagedFiles()) {
+        checkText(*file, findings);
+    }
     if (result.status != RenderStatus::Rejected) {
         for (Finding& finding : findings) {
             if (finding.rule != Rule::Limit) {
                 finding.ownSeverity = request.strict ? Severity::Error : Severity::Warning;
             }
         }
-    }
-    for (const TemplateFile* file : templates.damagedFiles()) {
-        checkText(*file, findings);
     }
     return findings;
 }
