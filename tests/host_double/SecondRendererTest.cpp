@@ -74,7 +74,7 @@ class ForeignHost : public ComparedHost {
 
 TEST(SecondRenderer, AgreesOnAForeignBaseLibrary) {
     ForeignHost host;
-    compareRenderings(host, slow ? 5000 : 40000);
+    compareRenderings(host, slow ? 5000 : 20000);
 }
 
 } // namespace

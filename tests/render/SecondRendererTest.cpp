@@ -84,7 +84,7 @@ class OwnHost : public ComparedHost {
 
 TEST(SecondRenderer, AgreesOnRandomTemplatesContextsAndFiles) {
     OwnHost host;
-    compareRenderings(host, slow ? 10000 : 40000);
+    compareRenderings(host, slow ? 10000 : 20000);
 }
 
 } // namespace
