@@ -106,12 +106,25 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
 }
 
 TEST_F(CheckTest, ReportsNamesThatNoTemplateUses) {
-    folder.writeFile("page.txt", "{{ a }}");
+    folder.writeFile("page.txt", "{% for x in a %}{% endfor %}");
     folder.writeFile("more.txt", "{{ b }}");
-    folder.writeFile("values.json", R"({"a":"1","b":"2","c":"3"})");
-    expectOutcome(
-        runStencilor({"check", "page.txt", "more.txt", "--context", "values.json", "--unused"}), 1,
-        "values.json:1:1: warning: no template uses \"c\"\n\n^\n", "");
+    folder.writeFile("values.json",
+                     "{\"b\": {\"m\": 1, \"a.c\": 2},\n \"\u00E9\": 0, \"c\": [\"c\"],\n"
+                     " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}");
+    expectOutcome(runStencilor({"check", "page.txt", "more.txt", "--context", "values.json", "-D",
+                                "b=2", "-D", "d:=1", "--unused", "--positions"}),
+                  1,
+                  "-D:2:1: warning: no template uses \"d\"\nd:=1\n^\n"
+                  "values.json:2:2: warning: no template uses \"\u00E9\"\n"
+                  " \"\u00E9\": 0, \"c\": [\"c\"],\n ^~~\n"
+                  "values.json:2:10: warning: no template uses \"c\"\n"
+                  " \"\u00E9\": 0, \"c\": [\"c\"],\n         ^~~\n"
+                  "values.json:3:8: warning: no template uses \"a.value\"\n"
+                  " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n       ^\n"
+                  "values.json:3:29: warning: no template uses \"a.x\"\n"
+                  " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n" +
+                      std::string(28, ' ') + "^~~~~~~~\n",
+                  "");
     EXPECT_EQ(runStencilor({"check", "page.txt", "--unused"}).status, 2);
 }
 

@@ -41,13 +41,17 @@ void applyDefinition(Value& context, std::string_view definition) {
     context.set(name, std::move(value));
 }
 
-Value loadContext(const ContextRequest& request, Files& files) {
+Value loadContext(const ContextRequest& request, Files& files, std::string* text) {
     Value context;
     if (request.file) {
         const std::string name = inputName(*request.file);
-        context = parse(name, files.read(*request.file));
+        std::string json = files.read(*request.file);
+        context = parse(name, json);
         if (context.kind() != Value::Kind::Dictionary) {
             throw Failure(name + ": expected an object, whose members the template can name");
+        }
+        if (text != nullptr) {
+            *text = std::move(json);
         }
     }
     for (const std::string& definition : request.definitions) {
@@ -58,8 +62,9 @@ Value loadContext(const ContextRequest& request, Files& files) {
 
 } // namespace
 
-kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files) {
-    const Value values = loadContext(request, files);
+kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,
+                                    std::string* text) {
+    const Value values = loadContext(request, files, text);
     try {
         return kel::Stencilor::Context(values, {.positions = request.positions});
     } catch (const std::length_error& error) { // of the dotted names, not of a text

@@ -8,8 +8,10 @@
 namespace stencilor {
 
 /// Makes the context.
+/// @param text if not null, receives the JSON text of the file
 /// Errors: throws `Failure`; for a JSON text with the line and column.
-kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files);
+kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,
+                                    std::string* text = nullptr);
 
 } // namespace stencilor
 

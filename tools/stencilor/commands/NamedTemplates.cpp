@@ -11,10 +11,11 @@ namespace stencilor {
 
 using namespace kel::Stencilor::Analysis;
 
-NamedTemplates::NamedTemplates(const Request& request, Files& files)
+NamedTemplates::NamedTemplates(const Request& request, Files& files, std::string* contextText)
     : request_(request), files_(files),
-      context_(request.context.isGiven() ? std::optional(makeContext(request.context, files))
-                                         : std::nullopt) {}
+      context_(request.context.isGiven()
+                   ? std::optional(makeContext(request.context, files, contextText))
+                   : std::nullopt) {}
 
 NamedTemplates::Named NamedTemplates::open(const std::string& file) {
     TemplateText text = readTemplate(file, request_, files_);

@@ -26,7 +26,8 @@ class NamedTemplates {
     };
 
     /// Makes the context, where there is one.
-    NamedTemplates(const Request& request, Files& files);
+    /// @param contextText if not null, receives the JSON text of its file
+    NamedTemplates(const Request& request, Files& files, std::string* contextText = nullptr);
 
     /// Reads a template, `-` for the standard input.
     Named open(const std::string& file);
