@@ -60,7 +60,7 @@ Texts chain(std::size_t count, const std::string& text) {
 
 struct Case {
     const char* name;
-    std::size_t size; ///< of a thorough test; otherwise a part of it
+    std::size_t size; ///< the largest; above 100 a part of it is tested
     std::function<Texts(std::size_t)> make;
 };
 
@@ -189,8 +189,9 @@ Cost measure(const Texts& texts, const Command& command) {
 
 // Four times as much takes about four times as long; what is quadratic would take sixteen times.
 TEST(Analysis, TakesTimeLinearInWhatItReadsAndWritesOnASmallStack) {
+    const std::uint64_t percent = support::numberFromEnvironment("STENCILOR_SIZE", 5);
     for (const Case& one : cases) {
-        const std::size_t size = one.size > 100 && !support::thorough() ? one.size / 20 : one.size;
+        const std::size_t size = one.size > 100 ? one.size * percent / 100 : one.size;
         const Texts whole = one.make(size);
         const Texts quarter = one.make(size / 4);
         for (const Command& command : commands) {
