@@ -187,21 +187,35 @@ Cost measure(const Texts& texts, const Command& command) {
     return cost;
 }
 
-// Four times as much takes about four times as long; what is quadratic would take sixteen times.
+/// Four times as much takes about four times as long; what is quadratic would take sixteen times. A
+/// machine that was busy with something else meanwhile gets another try.
+template <typename Whole, typename Quarter>
+void expectLinear(Whole whole, Quarter quarter) {
+    Cost cost{};
+    Cost less{};
+    for (int tries = 5; tries > 0; --tries) {
+        cost = whole();
+        less = quarter();
+        if (cost.seconds < 0.2 || cost.seconds < 9 * less.seconds) {
+            break;
+        }
+    }
+    EXPECT_LT(cost.bytes, 100'000'000 + 8 * less.bytes);
+    EXPECT_TRUE(cost.seconds < 0.2 || cost.seconds < 9 * less.seconds)
+        << cost.seconds << " s, and a quarter of it in " << less.seconds << " s";
+}
+
 TEST(Analysis, TakesTimeLinearInWhatItReadsAndWritesOnASmallStack) {
-    const std::uint64_t percent = support::numberFromEnvironment("STENCILOR_SIZE", 5);
+    const std::uint64_t percent =
+        support::numberFromEnvironment("STENCILOR_SIZE", support::slow ? 1 : 2);
     for (const Case& one : cases) {
         const std::size_t size = one.size > 100 ? one.size * percent / 100 : one.size;
         const Texts whole = one.make(size);
         const Texts quarter = one.make(size / 4);
         for (const Command& command : commands) {
             SCOPED_TRACE(std::string(one.name) + ", " + command.name);
-            const Cost cost = measure(whole, command);
-            const Cost less = measure(quarter, command);
-            EXPECT_LT(cost.bytes, 100'000'000 + 8 * less.bytes);
-            if (cost.seconds > 0.2) {
-                EXPECT_LT(cost.seconds, 9 * less.seconds);
-            }
+            expectLinear([&] { return measure(whole, command); },
+                         [&] { return measure(quarter, command); });
         }
     }
 }
