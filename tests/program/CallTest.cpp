@@ -281,15 +281,18 @@ TEST_F(CallTest, PrintsItsHelp) {
         std::vector<std::string> arguments;
         std::vector<std::string> parts;
     } cases[] = {
-        {"the program's", {"--help"}, {"Usage: stencilor [OPTIONS] SUBCOMMAND\n", "  render "}},
+        {"the program's",
+         {"--help"},
+         {"Usage: stencilor [OPTIONS] COMMAND\n", "\nCommands:\n  render "}},
         {"a command's",
          {"render", "--help"},
          {"Usage: stencilor render [OPTIONS] TEMPLATE [CONTEXT]\n", "-D NAME=VALUE", "--output",
           "--root", "--strict", "Exit status:\n"}},
         {"a command's by its name",
          {"help", "check"},
-         {"Usage: stencilor check [OPTIONS] TEMPLATE..."}},
-        {"the program's by its name", {"help"}, {"Usage: stencilor [OPTIONS] SUBCOMMAND\n"}},
+         {"Usage: stencilor check [OPTIONS] TEMPLATE...",
+          "\nArguments:\n  TEMPLATE ... (required) ", "--format text|json|sarif"}},
+        {"the program's by its name", {"help"}, {"Usage: stencilor [OPTIONS] COMMAND\n"}},
         {"the help's", {"help", "--help"}, {"Usage: stencilor help "}},
         {"a command's in short", {"render", "-h"}, {"Usage: stencilor render "}},
     };

@@ -71,6 +71,7 @@ class ParsedCommand {
   public:
     ParsedCommand(const CommandInfo& command, CLI::App& program)
         : command_(command), parser_(*program.add_subcommand(command.name, command.description)) {
+        parser_.group("Commands");
         parser_.footer(command.notes);
         parser_.set_help_flag("-h,--help", "Print this help and exit");
         for (const OptionInfo& option : command.positionals) {
@@ -121,8 +122,7 @@ class ParsedCommand {
     }
 
     static std::string describeValue(const OptionInfo& option) {
-        return option.value +
-               (option.choices.empty() ? "" : ":{" + join(option.choices, ",") + "}");
+        return option.choices.empty() ? option.value : join(option.choices, "|");
     }
 
     static void setAll(const Values& given) {
@@ -155,6 +155,10 @@ class Call {
         // A path may begin with a slash on every system.
         program_.allow_windows_style_options(false);
         program_.name("stencilor");
+        // The commands share it.
+        program_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        program_.get_formatter()->label("Positionals", "Arguments");
+        program_.get_formatter()->label("REQUIRED", "(required)");
         program_.require_subcommand(1);
         program_.set_help_flag("-h,--help", table_.options.front().description);
         program_.set_version_flag("--version", "stencilor " STENCILOR_VERSION,
