@@ -140,8 +140,10 @@ const NameList::Inclusions& NameList::inclusionsOf(const Entry& entry) const {
 
 std::string NameList::describeLoops(const Entry& entry) const {
     const std::size_t count = loops_[entry.loops].count;
-    std::string text =
-        count > mostListed ? std::to_string(count - mostListed) + " loops around" : "";
+    std::string text = count > mostListed
+                           ? std::to_string(count - mostListed) +
+                                 (count == mostListed + 1 ? " loop" : " loops") + " around"
+                           : "";
     for (const Loops* loop : innermostLoops(entry)) {
         text += (text.empty() ? "for " : ", for ") + shorten(loop->variable) + " in " +
                 shorten(loop->list);

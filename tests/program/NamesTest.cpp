@@ -53,6 +53,33 @@ TEST_F(NamesTest, AreListedAsJson) {
               Json::parse(R"([{"file": "page.txt", "line": 3, "column": 77}])"));
 }
 
+TEST_F(NamesTest, AreListedWithFivePlacesOfEachKindAndTheNumberOfTheOthers) {
+    std::string page;
+    std::string loops;
+    std::string names;
+    std::string ends;
+    for (const std::string variable : {"a", "b", "c", "d", "e", "f"}) {
+        page += "{% include \"part.txt\" %}\n";
+        loops += "{% for " + variable + " in " + variable + "s %}";
+        names += "\n{{ x }}";
+        ends += "{% endfor %}";
+    }
+    folder.writeFile("case.txt", page);
+    folder.writeFile("part.txt", loops + names + ends);
+    const std::string list = runStencilor({"names", "case.txt"}).output;
+    EXPECT_EQ(
+        list.substr(list.find("x ")),
+        "x   string  part.txt:2, part.txt:3, part.txt:4, part.txt:5, part.txt:6 and 1 more  "
+        "1 loop around, for b in bs, for c in cs, for d in ds, for e in es, for f in fs; "
+        "included at case.txt:1, case.txt:2, case.txt:3, case.txt:4, case.txt:5 and 1 more\n");
+    const Json json = Json::parse(runStencilor({"names", "case.txt", "--format", "json"}).output);
+    const Json& last = json["names"].back();
+    EXPECT_EQ(last["places"].size(), 6u);
+    EXPECT_EQ(last["moreLoops"], 1);
+    EXPECT_EQ(last["includedAt"].size(), 5u);
+    EXPECT_EQ(last["moreInclusions"], 1);
+}
+
 TEST_F(NamesTest, MakeASkeletonToFillIn) {
     const Outcome outcome = runStencilor({"names", "page.txt", "--skeleton"});
     EXPECT_EQ(outcome.status, 0);
