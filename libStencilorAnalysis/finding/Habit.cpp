@@ -392,6 +392,9 @@ void findWellFormedHabits(const TemplateFile& file, std::vector<Finding>& findin
                    isNamePart(file.text()[name.begin - 1])) {
             const auto word = trim(text.substr(2, name.begin - part.whole.begin - 2), " \t");
             add(part.whole, noteRunTogether(word, file.slice(name)));
+        } else if (part.kind == SyntaxElement::Kind::For && !part.list.isEmpty() &&
+                   isNamePart(file.text()[part.list.begin - 1])) {
+            add(part.whole, noteRunTogether("in", file.slice(part.list)));
         } else if (part.kind != SyntaxElement::Kind::Include &&
                    file.slice(name).starts_with("loop.") &&
                    file.loopAround(i) != TemplateFile::none &&

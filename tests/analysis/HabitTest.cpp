@@ -190,6 +190,7 @@ TEST(Habits, OfOtherEnginesAreNotesWhereTheyAreWellFormed) {
         {"a {#if}", ""},
         {"{% iffy %}{% endif %}", "page:1:1: note: this is read as \"if\" and \"fy\""},
         {"{%format in xs%}{%endfor%}", "page:1:1: note: this is read as \"for\" and \"mat\""},
+        {"{% for x inys %}{% endfor %}", "page:1:1: note: this is read as \"in\" and \"ys\""},
         {R"({%include"x"%})", ""},
         {"{% for x in xs %}{{ loop.index }}{% endfor %}",
          "page:1:21: note: there is no loop object: with positions (--positions) elements have "
