@@ -1,3 +1,4 @@
+#include "../support/Build.h"
 #include "../support/Environment.h"
 #include "../support/SmallStackThread.h"
 #include "MemoryReader.h"
