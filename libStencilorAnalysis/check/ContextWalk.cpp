@@ -288,6 +288,9 @@ ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** 
 
 /// The engine takes a prefix off in every scope, not only in the one of the variable's loop.
 OtherLoop ContextWalk::findOtherLoop(std::string_view name, const ContextBase* answering) {
+    if (name.find('.') == name.npos) {
+        return {};
+    }
     const auto& blocks = state().blocks;
     const auto named = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
         ++steps_;
