@@ -39,6 +39,19 @@ void UnusedNames::visitName(const NameUse& use) {
     }
 }
 
+/// Inside its block, a boolean's members are named alone.
+bool UnusedNames::isUsedInBoolean(const ContextBase& scope, const std::string& name) const {
+    std::size_t dot = name.find('.');
+    for (int count = 0; dot != name.npos && count < mostParts; ++count) {
+        if (dynamic_cast<const ContextBoolean*>(scope.find(name.substr(0, dot))) != nullptr &&
+            used_.contains(name.substr(dot + 1))) {
+            return true;
+        }
+        dot = name.find('.', dot + 1);
+    }
+    return false;
+}
+
 std::vector<std::string> UnusedNames::find(const ContextBase& context) const {
     std::set<std::string> unused;
     std::vector<Level> levels = {{&context, ""}};
@@ -48,7 +61,7 @@ std::vector<std::string> UnusedNames::find(const ContextBase& context) const {
         for (const auto& [key, value] : context_access::children(*level.value)) {
             const std::string name = key.str();
             const std::size_t dot = name.rfind('.');
-            if (!used_.contains(name)) {
+            if (!used_.contains(name) && !isUsedInBoolean(*level.value, name)) {
                 // What holds it is reported, if that is not used either.
                 if (dot == name.npos || used_.contains(name.substr(0, dot))) {
                     unused.insert(level.prefix + name);

@@ -13,7 +13,8 @@ namespace kel::Stencilor::Analysis {
 /// Finds the names in a context that no template uses, whatever the values are.
 ///
 /// A value is used if some tag has its name, a name that begins with it and a dot, or such a name
-/// after the variable of a loop. So a name that is used anywhere counts as used everywhere.
+/// after the variable of a loop, or if it is a member of a boolean, which its block names alone. So
+/// a name that is used anywhere counts as used everywhere.
 class UnusedNames final : public Surveyor {
   public:
     void visitName(const NameUse& use) override;
@@ -23,6 +24,8 @@ class UnusedNames final : public Surveyor {
     std::vector<std::string> find(const ContextBase& context) const;
 
   private:
+    bool isUsedInBoolean(const ContextBase& scope, const std::string& name) const;
+
     std::unordered_set<std::string> used_;
 };
 

@@ -56,6 +56,7 @@ TEST(UnusedNames, AreThoseOfTheContextThatNoTemplateUses) {
     const Context context(Value{{"title", "x"},
                                 {"old", "x"},
                                 {"user", Value{{"name", "x"}, {"mail", "x"}}},
+                                {"notice", Value{{"$boolean", true}, {"text", "x"}, {"by", "x"}}},
                                 {"gone", Value{{"a", "x"}, {"b", "x"}}},
                                 {"items", Value::list({Value{{"title", "x"}, {"price", "x"}},
                                                        Value{{"title", "x"}, {"size", "x"}}})},
@@ -67,10 +68,10 @@ TEST(UnusedNames, AreThoseOfTheContextThatNoTemplateUses) {
     survey(files,
            files.add({"page", "page",
                       R"({{ user.name }}{% for i in items %}{{ i.price }}{% include "part" %})"
-                      "{% endfor %}"}),
+                      "{% endfor %}{% if notice %}{{ text }}{% endif %}"}),
            names);
-    EXPECT_EQ(names.find(context),
-              (std::vector<std::string>{"gone", "items.size", "old", "unusedItems", "user.mail"}));
+    EXPECT_EQ(names.find(context), (std::vector<std::string>{"gone", "items.size", "notice.by",
+                                                             "old", "unusedItems", "user.mail"}));
 }
 
 } // namespace
