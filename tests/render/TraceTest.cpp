@@ -49,7 +49,7 @@ TEST(Traces, NameEachScopeWithItsLineAndDepth) {
     const WorkingFolder working(folder.path());
     folder.writeFile("good.txt", "a");
     folder.writeFile("rejected.txt", "a{{");
-    folder.writeSparseFile("large", 4ul << 30);
+    folder.writeSparseFile("large", 4ull << 30);
     const Root root({
         {"x", text("value")},
         {"yes", truth(true)},
