@@ -23,7 +23,7 @@ struct Level {
 
 void UnusedNames::visitName(const NameUse& use) {
     std::string_view rest = use.text();
-    // Loop variables may be in front, and members behind.
+    // Loop variables may precede the name, and members follow it.
     for (int front = 0; front < mostParts; ++front) {
         std::size_t dot = rest.find('.');
         for (int back = 0; back < mostParts && dot != rest.npos; ++back) {

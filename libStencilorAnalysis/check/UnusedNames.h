@@ -20,7 +20,7 @@ class UnusedNames final : public Surveyor {
     void visitName(const NameUse& use) override;
 
     /// The names in `context`, sorted, as a template names them: `user.name`, and `items.title` for
-    /// a member of the elements of a list. A value that is not used stands for all that it holds.
+    /// a member of the elements of a list. The members of a value that is not used are left out.
     std::vector<std::string> find(const ContextBase& context) const;
 
   private:

@@ -43,7 +43,7 @@ bool isName(std::string_view text) {
 struct Tag {
     Expected expected;
     std::string_view text;    ///< all of it
-    std::string_view inside;  ///< what is between its pairs, without blanks and signs around it
+    std::string_view inside;  ///< what is between its pairs, without spaces and signs around it
     std::string_view rest;    ///< what of `inside` follows what could be read
     std::string keyword;      ///< its first word in small letters
     std::string_view written; ///< that word as it is written
