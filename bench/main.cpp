@@ -11,7 +11,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <map>
+#include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -22,6 +25,9 @@ using namespace bench;
 constexpr const char* classic = "buildOutput";
 constexpr const char* modern = "Template";
 constexpr const char* byHandName = "hand";
+constexpr const char* pieces = "renderTo";
+constexpr const char* ofValue = "Context";
+constexpr const char* ofClasses = "classes";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
 const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
 
@@ -29,15 +35,24 @@ const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, pa
 struct contender {
     std::string engine;
     renderer call;
+    std::size_t calls = 0; // in a slice
+};
+
+/// One of our calls, and those of which the better one is compared with it.
+struct race {
+    std::string engine;
+    std::vector<std::string> rivals;
+    std::string ratio() const { return engine + ", ratio"; }
 };
 
 struct contest {
     workload work;
     std::vector<contender> contenders;
+    std::vector<race> races;
 };
 
 contest prepare(workload work) {
-    contest made{std::move(work), {}};
+    contest made{std::move(work), {}, {}};
     const workload& each = made.work;
     auto& all = made.contenders;
     if (!each.escaped) {
@@ -54,8 +69,12 @@ contest prepare(workload work) {
     }
     all.push_back({byHandName, each.hand});
     if (each.name == "W2-1000") {
-        all.push_back({"renderTo", renderToRenderer(each)});
+        all.push_back({pieces, renderToRenderer(each)});
     }
+    made.races = {{classic, each.inFiles ? std::vector<std::string>{byHandName} : peers},
+                  {modern, parsedPeers},
+                  {pieces, {modern}},
+                  {ofValue, {ofClasses}}};
     return made;
 }
 
@@ -77,43 +96,79 @@ void check(const contest& each) {
     }
 }
 
-/// Keeps the medians of the time on the processor, which other work on the machine disturbs less
-/// than the time on the clock, and prints nothing: the table follows at the end.
+/// Nanoseconds on the processor, which other work on the machine disturbs less than those on the
+/// clock.
+double timeOf(const contender& engine, std::size_t calls) {
+    const std::clock_t begin = std::clock();
+    for (; calls > 0; --calls) {
+        benchmark::DoNotOptimize(engine.call.render());
+    }
+    return static_cast<double>(std::clock() - begin) * (1e9 / CLOCKS_PER_SEC);
+}
+
+/// Sets how many calls fill a slice: one, or so many that they take two to four milliseconds.
+void setCalls(contender& engine) {
+    constexpr double enough = 2e6;
+    for (engine.calls = 1; timeOf(engine, engine.calls) < enough;) {
+        engine.calls *= 2;
+    }
+}
+
+using figures = std::map<std::string, double>;
+
+/// The better of those that were measured; null if none was.
+const figures::value_type* bestOf(const figures& times, const std::vector<std::string>& engines) {
+    const figures::value_type* best = nullptr;
+    for (const std::string& engine : engines) {
+        const auto time = times.find(engine);
+        if (time != times.end() && (best == nullptr || time->second < best->second)) {
+            best = &*time;
+        }
+    }
+    return best;
+}
+
+/// Measures the engines in turns of a slice each, so that what disturbs the machine meets all of
+/// them, and reports their times and ratios.
+void measure(benchmark::State& state, contest& each) {
+    std::minstd_rand random;
+    figures times;
+    for (auto _ : state) {
+        std::shuffle(each.contenders.begin(), each.contenders.end(), random);
+        for (const contender& engine : each.contenders) {
+            const double time = timeOf(engine, engine.calls) / static_cast<double>(engine.calls);
+            times[engine.engine] += time / static_cast<double>(state.max_iterations);
+        }
+    }
+    state.counters.insert(times.begin(), times.end());
+    for (const race& one : each.races) {
+        const auto* best = bestOf(times, one.rivals);
+        if (best != nullptr && times.contains(one.engine)) {
+            state.counters[one.ratio()] = times[one.engine] / best->second;
+        }
+    }
+}
+
+/// Keeps the medians and prints nothing: the table follows at the end.
 class median_reporter : public benchmark::BenchmarkReporter {
   public:
     bool ReportContext(const Context&) override { return true; }
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.aggregate_name == "median") {
-                medians_[run.run_name.function_name] = run.GetAdjustedCPUTime();
+                medians[run.run_name.function_name].insert(run.counters.begin(),
+                                                           run.counters.end());
             }
         }
     }
 
-    /// @return nanoseconds; 0 if it was not measured
-    double median(const std::string& work, const std::string& engine) const {
-        const auto found = medians_.find(work + "/" + engine);
-        return found == medians_.end() ? 0 : found->second;
-    }
-
-  private:
-    std::map<std::string, double> medians_;
+    std::map<std::string, figures> medians; // by workload
 };
-
-void add(const std::string& name, const std::function<std::size_t()>& call) {
-    benchmark::RegisterBenchmark(name.c_str(), [call](benchmark::State& state) {
-        for (auto _ : state) {
-            benchmark::DoNotOptimize(call());
-        }
-    });
-}
 
 /// @return false where an argument is wrong
 bool run(std::vector<std::string> arguments, median_reporter& reporter) {
-    // The order of the runs is drawn by chance, so that a disturbance of the machine meets all.
     arguments.insert(arguments.begin() + 1,
-                     {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=7",
-                      "--benchmark_min_time=0.05"});
+                     {"--benchmark_repetitions=7", "--benchmark_min_time=0.5"});
     std::vector<char*> pointers;
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
@@ -134,32 +189,25 @@ const char* verdict(double figure, double target, bool atLeast = false) {
 }
 
 /// The columns of one of our calls: its time, the better rival's, their ratio, and the target.
-void printCall(const median_reporter& times, const std::string& work, const char* call,
-               std::vector<std::string> rivals, std::optional<double> target) {
-    std::erase_if(rivals, [&](const auto& each) { return times.median(work, each) == 0; });
-    const double own = times.median(work, call);
-    if (own == 0 || rivals.empty()) {
+void printRace(const figures& medians, const race& each, std::optional<double> target) {
+    const auto ratio = medians.find(each.ratio());
+    if (ratio == medians.end()) {
         std::printf(" | %11s | %9s %-9s | %5s | %6s %-7s", "-", "-", "", "-", "-", "");
         return;
     }
-    const std::string best = *std::min_element(
-        rivals.begin(), rivals.end(), [&](const std::string& left, const std::string& right) {
-            return times.median(work, left) < times.median(work, right);
-        });
-    const double other = times.median(work, best);
-    std::printf(" | %11.2f | %9.2f %-9s | %5.2f", own / 1e3, other / 1e3,
-                best.substr(0, best.find(',')).c_str(), own / other);
+    const auto& [rival, time] = *bestOf(medians, each.rivals);
+    std::printf(" | %11.2f | %9.2f %-9s | %5.2f", medians.at(each.engine) / 1e3, time / 1e3,
+                rival.substr(0, rival.find(',')).c_str(), ratio->second);
     if (target) {
-        std::printf(" | %6.2f %-7s", *target, verdict(own / other, *target));
+        std::printf(" | %6.2f %-7s", *target, verdict(ratio->second, *target));
     } else {
         std::printf(" | %6s %-7s", "-", "");
     }
 }
 
-void printTable(const median_reporter& times, const std::vector<contest>& contests) {
+void printTable(const median_reporter& measured, const std::vector<contest>& contests) {
     std::printf("\nMicroseconds on the processor: buildOutput and peers that parse in every call; "
-                "Template and "
-                "peers, parsed beforehand.\n\n");
+                "Template and peers, parsed beforehand.\n\n");
     std::printf("| %-43s", "workload");
     for (const char* call : {classic, modern}) {
         std::printf(" | %-11s | %-19s | %-5s | %-14s", call, "better peer", "ratio", "target");
@@ -167,16 +215,14 @@ void printTable(const median_reporter& times, const std::vector<contest>& contes
     std::printf(" | %-7s |\n|---|---|---|---|---|---|---|---|---|---|\n", byHandName);
     for (const contest& each : contests) {
         const workload& work = each.work;
-        const double hand = times.median(work.name, byHandName);
-        if (hand == 0) {
+        const auto medians = measured.medians.find(work.name);
+        if (medians == measured.medians.end()) {
             continue;
         }
         std::printf("| %-7s %-35s", work.name.c_str(), work.what.c_str());
-        printCall(times, work.name, classic,
-                  work.inFiles ? std::vector<std::string>{byHandName} : peers,
-                  work.buildOutputTarget);
-        printCall(times, work.name, modern, parsedPeers, work.templateTarget);
-        std::printf(" | %7.2f |\n", hand / 1e3);
+        printRace(medians->second, each.races[0], work.buildOutputTarget);
+        printRace(medians->second, each.races[1], work.templateTarget);
+        std::printf(" | %7.2f |\n", medians->second.at(byHandName) / 1e3);
     }
 }
 
@@ -205,19 +251,22 @@ double memoryOfTemplate(const workload& work) {
     return static_cast<double>(stopCounting().heldBytes) / static_cast<double>(text.size());
 }
 
-void printFigures(const median_reporter& times, const std::vector<contest>& contests) {
+void printFigures(const median_reporter& measured, const std::vector<contest>& contests) {
     std::printf("\n| %-66s | %-6s | %-22s |\n|---|---|---|\n", "", "figure", "target");
     for (const contest& each : contests) {
         const std::string& name = each.work.name;
-        if (times.median(name, "renderTo") != 0) {
-            printFigure("W2-1000: renderTo, of render",
-                        times.median(name, "renderTo") / times.median(name, modern), 1.0);
+        if (!measured.medians.contains(name)) {
+            continue;
+        }
+        const figures& medians = measured.medians.at(name);
+        if (name == "W2-1000") {
+            printFigure("W2-1000: renderTo, of render", medians.at(each.races[2].ratio()), 1.0);
             printFigure("W2-1000: Context of a Value, of the same by the classic classes",
-                        times.median(name, "Context") / times.median(name, "classes"), 1.3);
+                        medians.at(each.races[3].ratio()), 1.3);
             printFigure("W2-1000: two threads on one Template, of two with a Template each",
                         ratioInThreads(each.work), 0.95, true);
         }
-        if (name == "W5" && times.median(name, modern) != 0) {
+        if (name == "W5") {
             printFigure("W5: bytes that a Template holds, of its text", memoryOfTemplate(each.work),
                         13);
         }
@@ -229,16 +278,17 @@ void printFigures(const median_reporter& times, const std::vector<contest>& cont
 int main(int argc, char** argv) {
     std::vector<contest> contests;
     for (workload& work : allWorkloads()) {
-        contests.push_back(prepare(std::move(work)));
-        const contest& made = contests.back();
+        contest& made = contests.emplace_back(prepare(std::move(work)));
         check(made);
-        for (const contender& engine : made.contenders) {
-            add(made.work.name + "/" + engine.engine, engine.call.render);
-        }
         if (made.work.name == "W2-1000") {
-            add("W2-1000/Context", contextOfValue(made.work));
-            add("W2-1000/classes", contextByHand(made.work));
+            made.contenders.push_back({ofValue, {contextOfValue(made.work), {}}});
+            made.contenders.push_back({ofClasses, {contextByHand(made.work), {}}});
         }
+    }
+    for (contest& each : contests) {
+        std::for_each(each.contenders.begin(), each.contenders.end(), setCalls);
+        benchmark::RegisterBenchmark(each.work.name.c_str(),
+                                     [&each](benchmark::State& state) { measure(state, each); });
     }
     median_reporter reporter;
     if (!run({argv, argv + argc}, reporter)) {
