@@ -55,12 +55,23 @@ bool isLetter(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
 }
 
+/// The end of a quoted text that comes first in a tag, which may contain braces; else `begin`.
+std::size_t skipLiteral(std::string_view text, std::size_t begin) {
+    const std::size_t opened = text.find_first_not_of(" \t", begin);
+    if (opened == text.npos || (text[opened] != '\'' && text[opened] != '"')) {
+        return begin;
+    }
+    const std::size_t closed = text.find_first_of(std::string{text[opened], '\n'}, opened + 1);
+    return closed != text.npos && text[closed] == text[opened] ? closed + 1 : begin;
+}
+
 /// Where a tag at fault ends: after its closing pair, or else before the next tag or the line's
 /// end.
 std::size_t findTagEnd(std::string_view text, std::size_t begin) {
     const bool substitution = text[begin + 1] == '{';
-    const std::size_t inside = std::min(text.find_first_not_of('{', begin + 2), text.size());
-    const bool triple = substitution && inside > begin + 2;
+    const std::size_t first = std::min(text.find_first_not_of('{', begin + 2), text.size());
+    const bool triple = substitution && first > begin + 2;
+    const std::size_t inside = skipLiteral(text, first);
     const std::string_view closer = triple ? "}}}" : substitution ? "}}" : "%}";
     const std::size_t next =
         std::min({text.find("{{", inside), text.find("{%", inside), text.size()});

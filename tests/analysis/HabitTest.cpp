@@ -21,75 +21,113 @@ struct Case {
     std::string message{}; ///< of the first finding, unless it is what was expected
 };
 
-const std::string context = "have the context provide ";
 const std::string filter = "there are no filters";
 const std::string call = "nothing can be called";
 const std::string compare = "there are no comparisons";
-const std::string both = "there is no and, no or";
+const std::string both = "there is no \"and\" or \"or\"";
 const std::string condition = "a condition is one name";
 const std::string one = "a substitution is one name";
 const std::string elif = "there is no elif";
-const std::string trim = "tags do not trim";
-const std::string value = "templates set no values";
+const std::string trim = "tags do not trim whitespace";
+const std::string value = "templates cannot set values";
 const std::string macro = "there are no macros";
 const std::string inherit = "there is no inheritance";
 const std::string comment = "there are no comments";
-const std::string letters = "keywords are written in small letters";
+const std::string letters = "keywords are in lower case";
+const std::string translation = "nothing is translated";
+const std::string choice = "write {% if x %}...{% else %}";
+const std::string loop = "there is no loop object";
+const std::string literal = "a tag holds the name of a value";
+const std::string operators = "there are no operators";
+const std::string wholeList = "a loop visits the whole list";
+const std::string space = "this character looks like a space";
 const std::string section = "write {% for x in list %}...{% endfor %} for a list, ";
-const std::string path = "a path has letters, digits";
-const std::string text = "where text needs these two characters";
-const std::string block = "a block is closed by the end of its own kind";
+const std::string path = "a path consists of letters, digits";
+const std::string text = "to output these two characters";
+const std::string block = "close each block with its own tag";
 
 /// As people write them who know other engines; none is followed by what is only a consequence.
 const std::vector<Case> cases = {
     {"{{ name | upper }}", filter},
     {R"({{ title|default("none")|e }})", filter},
-    {R"({{ "literal" }})", "a tag holds the name of a value"},
-    {R"({{ user.name if user else "anonymous" }})", "write {% if x %}...{% else %}"},
-    {R"({{ x ? "a" : "b" }})", "write {% if x %}...{% else %}"},
-    {R"({{ x ?? "a" }})", "write {% if x %}...{% else %}"},
-    {"{{ items[0].name }}", "nothing is indexed"},
-    {"{{ config['key'] }}", "nothing is indexed"},
+    {R"({{ "literal" }})", literal},
+    {R"({{ user.name if user else "anonymous" }})", choice},
+    {R"({{ x ? "a" : "b" }})", choice},
+    {R"({{ x ?? "a" }})", choice},
+    {"{{ items[0].name }}", "there is no indexing"},
+    {"{{ config['key'] }}", "there is no indexing"},
     {"{{ url_for('index') }}", call},
-    {"{{ super() }}", call},
+    {"{{ super() }}", inherit},
+    {"{{ caller() }}", macro},
     {R"({{ f({"a": 1}) }})", call},
-    {"{{ a + b }}", one},
+    {"{{ a + b }}", operators},
+    {R"({{ a ~ "-" ~ b }})", operators},
+    {"{{ '%d' % n }}", operators},
+    {"{{ n-1 }}", "a name consists of letters", "'-' is not allowed in a name"},
+    {"{{ a or b }}", choice},
+    {"{{ '{{' }}", text},
+    {"{{ '}}' }}", literal},
+    {"{{ 'is it? | no' }}", literal},
+    {R"({{ f("if this (or that) is <b>") }})", call},
+    {"{{ f(\n  a='{{ b }}') }}", call},
+    {"{{ _('Hello') }}", translation},
+    {"{% trans %}Hello{% endtrans %}", translation},
+    {"{% trans count=n %}line{% pluralize %}lines{% endtrans %}", translation + "\n" + translation},
+    {R"({% blocktrans %}Hello{% endblocktrans %})", translation},
+    {"{{\u00A0name }}", space},
+    {"{{ name\u00A0}}", space},
+    {"{% if\u00A0x %}y{% endif %}", space},
+    {"{% include \u201Cx\u201D %}", "write straight quotation marks"},
     {"{{ 42 }}", one},
     {"{{ $x }}", one},
     {"{{ x, y }}", one},
     {R"({{t "key"}})", one},
-    {"{{ a-b }}", "a name has letters", "'-' is not allowed in a name"},
+    {"{{ a-b }}", "a name consists of letters", "'-' is not allowed in a name"},
     {"{{ x -}}", trim},
     {"{{- x }}", trim},
     {"{{~x~}}", trim},
     {"{{- x | y }}", trim + "\n" + filter},
+    {"{{- '' -}}", trim + "\n" + literal},
+    {"{% if x -%}y{% endif %}", trim},
+    {"{%- if x == 1 -%}y{% endif %}", trim + "\n" + compare},
+    {"{% for x in xs -%}y{%- endfor %}", trim + "\n" + trim},
+    {"{%- for k, v in d.items() %}y{% endfor %}", trim + "\n" + "a loop has one variable"},
+    {"{% for x in xs %}y{%- else %}n{% endfor %}", trim + "\n" + "a loop has no else"},
+    {"{%- set x = 1 %}", trim + "\n" + value},
+    {"{%+ if x %}y{% endif %}", trim},
     {"{%- if a -%}x{%- endif -%}", trim + "\n" + trim},
-    {"{{ name\n}}", "a tag is on one line"},
+    {"{{ name\n}}", "a tag cannot span lines"},
     {"text {{ name } text", ""},
     {"Now 50{% off!", text},
     {"{{ is how a tag begins", text},
     {"{% if user %}a{% elif admin %}b{% else %}c{% endif %}", elif},
     {"{% if user %}a{% elseif admin %}b{% endif %}", elif},
     {"{% if user %}a{% else if admin %}b{% endif %}", elif},
-    {"{% if not user %}x{% endif %}", "there is no not"},
-    {"{% if !a %}x{% endif %}", "there is no not"},
+    {"{% if not user %}x{% endif %}", "there is no \"not\""},
+    {"{% if !a %}x{% endif %}", "there is no \"not\""},
     {"{% if a == b %}x{% endif %}", compare},
     {R"({% if a != "x" %}x{% endif %})", compare},
     {"{% if a > 3 %}x{% endif %}", compare},
     {"{% if a and b %}x{% endif %}", both},
     {"{% if a || b %}x{% endif %}", both},
     {"{% if user is defined %}x{% endif %}", "there are no tests"},
-    {R"({% if "a" in list %}x{% endif %})", condition},
+    {R"({% if "a" in list %}x{% endif %})", compare},
+    {"{% if a not in list %}x{% endif %}", compare},
+    {"{% for x in xs %}{% if not loop.last %}, {% endif %}{% endfor %}",
+     "there is no \"not\"\n" + loop},
+    {"{% for x in xs %}{{ f(loop.index) }}{% endfor %}", call + "\n" + loop},
+    {"{% for x in xs %}{% if forloop.counter > 1 %}, {% endif %}{% endfor %}",
+     compare + "\n" + loop},
     {"{% if (a) %}x{% endif %}", condition},
     {"{% ifequal a b %}x{% endifequal %}", condition},
     {"{% if items|length %}x{% endif %}", filter},
     {"{% if user.is_admin() %}x{% endif %}", call},
     {"{% for k, v in d.items() %}{{ k }}{% endfor %}", "a loop has one variable"},
-    {"{% for x in range(3) %}x{% endfor %}", "a loop walks a list"},
+    {"{% for x in range(3) %}x{% endfor %}", "a loop needs a list"},
     {"{% for x in items|sort %}{{ x.n }}{% endfor %}", filter},
-    {"{% for x in items if x.ok %}{{ x.n }}{% endfor %}", "write {% for x in list %}: one"},
-    {"{% for x in 1..5 %}x{% endfor %}", "write {% for x in list %}: one"},
-    {"{% for x of items %}x{% endfor %}", "write {% for x in list %}: one"},
+    {"{% for x in items if x.ok %}{{ x.n }}{% endfor %}", wholeList},
+    {"{% for x in 1..5 %}x{% endfor %}", "a loop has one variable and the name"},
+    {"{% for x of items %}x{% endfor %}", "a loop has one variable and the name"},
     {"{% for x in items %}{{ x.n }}{% else %}none{% endfor %}", "a loop has no else"},
     {"{% set x = 1 %}{{ x }}", value},
     {"{% set x %}text{% endset %}", value},
@@ -100,15 +138,20 @@ const std::vector<Case> cases = {
     {"{% call f() %}x{% endcall %}", macro},
     {"{% block title %}x{% endblock title %}", inherit},
     {R"({% extends "base.html" %})", inherit},
-    {"{% raw %}{{ x | y }}{% for %}{% endraw %}after{{ z }}", "there is no raw text"},
-    {"{% verbatim %}{{ x | y }}{% endverbatim %}", "there is no raw text"},
+    {"{% raw %}{{ x | y }}{% for %}{% endraw %}after{{ z }}", "there are no raw blocks"},
+    {"{% verbatim %}{{ x | y }}{% endverbatim %}", "there are no raw blocks"},
     {"{% comment %}old {{ x|y }}{% endcomment %}", comment},
     {"{%# comment %}", comment},
-    {"{% autoescape true %}{{ x }}{% endautoescape %}", "nothing processes the text of a block"},
+    {"{% autoescape true %}{{ x }}{% endautoescape %}", "a block cannot change its text"},
     {"{% unless x %}a{% else %}b{% endunless %}", "there is no unless"},
     {"{% foreach xs as x %}a{% endforeach %}", "the only loop is"},
-    {"{% break %}", "a loop always visits the whole list"},
+    {"{% break %}", wholeList},
     {"{% load static %}", "there is no \"load\" tag"},
+    {"{% url 'index' %}", "there is no \"url\" tag, and none can be added"},
+    {"{% do xs.append(x) %}", value},
+    {"{% for x in xs %}y{% empty %}n{% endfor %}", "a loop has no else"},
+    {"\\newcommand*{%\n", "a tag cannot span lines; to output"},
+    {"{{\n  name\n", "a tag cannot span lines; to output"},
     {"{% if x %}a{% end %}", block},
     {"{% for x in xs %}a{% end %}", block},
     {"{% IF x %}a{% ENDIF %}", letters + "\n" + letters},
@@ -117,26 +160,28 @@ const std::vector<Case> cases = {
     {"{% ifs a b %}x{% endif %}", condition},
     {"{% forx %}x{% endfor %}", "this is read as \"for\" and \"x\""},
     {"{% include 'x.html' %}", "write the path in double quotes"},
+    {"{% include 'a/' ~ b ~ '.html' %}", "a path cannot be computed"},
+    {"{% include 'C++.html' %}", "write the path in double quotes"},
     {R"({% include "x-y.html" %})", path, "'-' is not allowed in a path"},
-    {R"({% include "my file.html" %})", path, "a path cannot have spaces or tabs in it"},
+    {R"({% include "my file.html" %})", path, "a path cannot contain spaces or tabs"},
     {R"({% include "./x.html" %})", "write the path from the folder",
      "a path cannot begin with '.'"},
     {R"({% include "/x.html" %})", "a path is relative", "a path cannot begin with '/'"},
     {R"({% include "2026.txt" %})", path, "a path cannot begin with '2'"},
-    {R"({% include "x.html" with context %})", "an include is a path and nothing else"},
-    {"{% include x %}", "write the path itself in double quotes"},
+    {R"({% include "x.html" with context %})", "an include takes a path and nothing else"},
+    {"{% include x %}", "a path is written out, in double quotes"},
     {"{{{ raw }}}", "write {{ x }}"},
     {"{{&raw}}", "write {{ x }}"},
     {"{{> header}}", "write {% include \"x\" %}"},
     {"{{#items}}{{name}}{{/items}}", section},
     {"{{^items}}none{{/items}}", "write {% if x %}{% else %}"},
     {"{{#if a}}x{{else}}y{{/if}}", "write {% if x %}...{% endif %}"},
-    {"{{#each items}}{{@index}}{{/each}}",
-     "write {% for x in list %}...{% endfor %} for a list\nwith positions (--positions)"},
+    {"{{#each items}}{{@index}}{{/each}}", "write {% for x in list %}...{% endfor %} for a "
+                                           "list\nwith --positions, list elements have an index"},
     {"{{! comment }}", comment},
     {"{{.}}", "write {{ name }} without a dot"},
-    {"{{../name}}", "names of the blocks around"},
-    {"{{=<% %>=}}", "the pairs that open and close tags are fixed"},
+    {"{{../name}}", "names of outer blocks"},
+    {"{{=<% %>=}}", "the delimiters of tags cannot be changed"},
     {"{% for x in xs %}{% if a %}b{% endfor %}", ""},
     {"{% if a %}{% for x in xs %}b{% endif %}{% endfor %}", ""},
     {"{% if x %}a{% else %}b{% else %}c{% endif %}", ""},
@@ -193,8 +238,12 @@ TEST(Habits, OfOtherEnginesAreNotesWhereTheyAreWellFormed) {
         {"{% for x inys %}{% endfor %}", "page:1:1: note: this is read as \"in\" and \"ys\""},
         {R"({%include"x"%})", ""},
         {"{% for x in xs %}{{ loop.index }}{% endfor %}",
-         "page:1:21: note: there is no loop object: with positions (--positions) elements have "
-         "index (from 1), first and last, as in \"x.index\""},
+         "page:1:21: note: there is no loop object: with --positions, elements have index (from "
+         "1), first and last, as in \"x.index\""},
+        {"{% for x in xs %}{% if forloop.last %}{% endif %}{% endfor %}",
+         "page:1:24: note: there is no loop object"},
+        {"a {# {{ x }} #} b", "page:1:3: note: there are no comments"},
+        {"${#array[@]} and #}", ""},
         {"{% for loop in xs %}{{ loop.index }}{% endfor %}{{ loop.index }}", ""},
     };
     for (const auto& [page, line] : wellFormed) {

@@ -12,7 +12,7 @@ class CheckFormatTest : public ProgramTest {
     CheckFormatTest() {
         folder.makeFolder("pages \u00E9");
         folder.writeFile("pages \u00E9/page.txt",
-                         "\u00E9{% if a %}\n{% include \"none.txt\" %}{{ \n{% endif %}");
+                         "\u00E9{% if a %}\n{% include \"none.txt\" %}{{ }\n{% endif %}");
     }
 
     Json check(const std::string& format, const std::vector<std::string>& more = {}) {

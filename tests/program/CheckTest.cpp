@@ -15,8 +15,8 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "page.txt:1:15: error: expected \"}}\" after the name\n"
          "Dear {{ title name }},\n"
          "              ^\n"
-         "page.txt:1:6: note: a substitution is one name; have the context provide the value as it "
-         "is to be shown\n"
+         "page.txt:1:6: note: a substitution is one name: have the context provide the value as it "
+         "should appear\n"
          "Dear {{ title name }},\n"
          "     ^~~~~~~~~~~~~~~~\n"},
         {"a block that is open", "a\n {% if b %}\nc {% endfor %}\n",
@@ -66,7 +66,7 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "page.txt:2:5: error: expected \"}}\" after the name\n"
          "{{ b\n"
          "    ^\n"
-         "page.txt:2:1: note: a tag is on one line\n"
+         "page.txt:2:1: note: a tag cannot span lines\n"
          "{{ b\n"
          "^~~~\n"},
         {"a CR alone", "a\r{{ b }\r",
@@ -88,8 +88,8 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
          "page.txt:1:11: error: expected a name after \"{{\"\n"
          "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
          "                            ^~~~~~\n"
-         "page.txt:1:8: note: where text needs these two characters, have the context provide a "
-         "value with them\n"
+         "page.txt:1:8: note: to output these two characters, have the context provide a value "
+         "that holds them\n"
          "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
          "                         ^~~~~~~~~\n"},
         {"a long line", std::string(300, 'a') + "{{ }" + std::string(300, 'b'),
