@@ -82,9 +82,11 @@ void ValueMaker::refuseAsBoolean(std::size_t offset) const {
 
 } // namespace
 
-JsonError::JsonError(std::size_t line, std::size_t column, const std::string& reason)
+JsonError::JsonError(std::size_t line, std::size_t column, const std::string& reason,
+                     std::size_t offset)
     : std::runtime_error(std::to_string(line) + ":" + std::to_string(column) + ": " + reason),
-      line_(line), column_(column) {}
+      line_(line), column_(column), offset_(offset),
+      reasonBegin_(std::string_view(what()).size() - reason.size()) {}
 
 JsonError::JsonError(const std::string& reason) : std::runtime_error(reason) {}
 

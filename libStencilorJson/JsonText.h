@@ -45,7 +45,9 @@ class JsonError : public std::runtime_error {
     /// @param line counted from 1
     /// @param column counted from 1, in code points
     /// @param reason what is wrong there
-    JsonError(std::size_t line, std::size_t column, const std::string& reason);
+    /// @param offset the place in bytes from the beginning
+    JsonError(std::size_t line, std::size_t column, const std::string& reason,
+              std::size_t offset = 0);
 
     /// A fault that is not in a text.
     /// @param reason what is wrong
@@ -59,9 +61,19 @@ class JsonError : public std::runtime_error {
     /// @return the column, counted from 1, in code points; 0 where the fault is not in a text
     std::size_t column() const { return column_; }
 
+    /// Says where the fault is.
+    /// @return the bytes before it; 0 where the fault is not in a text
+    std::size_t offset() const { return offset_; }
+
+    /// Says what is wrong.
+    /// @return `what()` without the line and the column, valid as long as this error
+    std::string_view reason() const { return std::string_view(what()).substr(reasonBegin_); }
+
   private:
     std::size_t line_ = 0;
     std::size_t column_ = 0;
+    std::size_t offset_ = 0;
+    std::size_t reasonBegin_ = 0; // in what()
 };
 
 /// Reads a JSON text.

@@ -135,7 +135,7 @@ JsonPosition positionAt(std::string_view text, std::size_t offset) {
 
 JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason) {
     const JsonPosition position = positionAt(text, offset);
-    return {position.line, position.column, reason};
+    return {position.line, position.column, reason, offset};
 }
 
 bool isValidUtf8(std::string_view text) {

@@ -253,5 +253,17 @@ TEST(JsonErrors, TellWhereItIsNestedMoreThan512LevelsDeep) {
     EXPECT_EQ(errorIn("{\"a\":" + objects + "}"), "1:2561: nested more than 512 levels deep");
 }
 
+TEST(JsonErrors, HaveAnOffsetAndAReason) {
+    try {
+        valueFromJsonText("[\n\"\u20AC\", }");
+        FAIL() << "it is accepted";
+    } catch (const JsonError& error) {
+        EXPECT_EQ(error.offset(), 9u);
+        EXPECT_EQ(error.reason(), "expected a value after ',', found '}'");
+    }
+    EXPECT_EQ(JsonError("why").reason(), "why");
+    EXPECT_EQ(JsonError("why").offset(), 0u);
+}
+
 } // namespace
 } // namespace kel::Stencilor
