@@ -1,4 +1,4 @@
-#include <libStencilorAnalysis/check/SyntaxCheck.h>
+#include <libStencilorAnalysis/check/TemplateCheck.h>
 #include <libStencilorAnalysis/check/UnusedNames.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 #include <tools/stencilor/commands/Check.h>
@@ -22,11 +22,7 @@ void checkTemplate(NamedTemplates& templates, const std::string& file, CheckRepo
                    UnusedNames& unused) {
     const NamedTemplates::Named named = templates.open(file);
     survey(named.files, named.file, unused);
-    checkSyntax(named.files, named.file, report);
-    if (!named.file.fault().isPresent()) {
-        const auto faults = templates.findContextFaults(named);
-        report.findings.insert(report.findings.end(), faults.begin(), faults.end());
-    }
+    kel::Stencilor::Analysis::checkTemplate(named.files, named.file, templates.context(), report);
 }
 
 std::string joinLines(const std::vector<std::string>& lines) {
