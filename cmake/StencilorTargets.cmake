@@ -81,3 +81,29 @@ function(stencilor_limit_exports target)
     target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
     set_target_properties(${target} PROPERTIES LINK_DEPENDS "${map}")
 endfunction()
+
+# The settings of objects that are linked into a library of another name, with nothing to export or
+# import themselves.
+function(stencilor_embed_settings target)
+    stencilor_compile_settings(${target})
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_compile_definitions(${target} PRIVATE KEL_STATIC STENCILOR_STATIC)
+endfunction()
+
+# TARGET_embedded: the sources of a target, compiled with these settings.
+function(stencilor_add_embedded_objects target include_folders)
+    get_target_property(sources ${target} SOURCES)
+    get_target_property(folder ${target} SOURCE_DIR)
+    list(TRANSFORM sources PREPEND "${folder}/")
+    add_library(${target}_embedded OBJECT ${sources})
+    stencilor_embed_settings(${target}_embedded)
+    target_include_directories(${target}_embedded PRIVATE ${include_folders})
+    target_compile_definitions(
+        ${target}_embedded
+        PRIVATE "STENCILOR_VERSION=\"${PROJECT_VERSION}\""
+    )
+    target_link_libraries(
+        ${target}_embedded
+        PRIVATE Boost::headers nlohmann_json::nlohmann_json
+    )
+endfunction()

@@ -1,0 +1,87 @@
+#ifndef LIBSTENCILORC_BORDER_H
+#define LIBSTENCILORC_BORDER_H
+
+#include <libStencilorC/stencilor.h>
+
+#include <cstddef>
+#include <string_view>
+#include <type_traits>
+
+// Where C calls C++: exceptions become statuses, pointers that are null become exceptions.
+
+namespace kel::Stencilor::internal {
+
+/// Ends a call with a status.
+struct call_failure {
+    int status;
+};
+
+/// Ends a call since a callback returned a number other than 0.
+struct call_stop {
+    int code;
+};
+
+inline void stopUnlessZero(int code) {
+    if (code != 0) {
+        throw call_stop{code};
+    }
+}
+
+inline void failUnlessOk(int status) {
+    if (status != STENCILOR_OK) {
+        throw call_failure{status};
+    }
+}
+
+/// The status of the exception that is being handled. Describes it, where it says more than its
+/// status; `error` may be null.
+int statusOfException(stencilor_error** error) noexcept;
+
+/// Calls a function whose exceptions become a status. It returns a status, or nothing for
+/// `STENCILOR_OK`.
+template <typename Function>
+int guarded(Function function, stencilor_error** error = nullptr) noexcept {
+    if (error != nullptr) {
+        *error = nullptr;
+    }
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Function>>) {
+            function();
+            return STENCILOR_OK;
+        } else {
+            return function();
+        }
+    } catch (...) {
+        return statusOfException(error);
+    }
+}
+
+/// What a pointer points to, which may not be null.
+template <typename T>
+T& given(T* pointer) {
+    failUnlessOk(pointer == nullptr ? STENCILOR_INVALID_ARGUMENT : STENCILOR_OK);
+    return *pointer;
+}
+
+/// A text that was passed.
+std::string_view given(const char* text, std::size_t size);
+
+/// Where a call stores what it makes; null until then.
+template <typename T>
+T*& placeOf(T** made) {
+    T*& place = given(made);
+    place = nullptr;
+    return place;
+}
+
+/// Returns a text, which a NUL must follow.
+inline const char* returned(std::string_view text, std::size_t* size) noexcept {
+    if (size != nullptr) {
+        *size = text.size();
+    }
+    return text.data();
+}
+
+} // namespace kel::Stencilor::internal
+
+#endif

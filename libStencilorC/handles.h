@@ -1,0 +1,102 @@
+#ifndef LIBSTENCILORC_HANDLES_H
+#define LIBSTENCILORC_HANDLES_H
+
+#include <libStencilor/Template.h>
+#include <libStencilorC/stencilor.h>
+#include <libStencilorJson/JsonText.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// What the handles of the interface are.
+
+struct stencilor_error {
+    int status;
+    std::string text;
+    std::size_t offset = 0;
+    std::size_t line = 0;
+    std::size_t column = 0;
+};
+
+struct stencilor_text {
+    std::string text;
+};
+
+struct stencilor_value {
+    kel::Stencilor::Value value;
+};
+
+struct stencilor_context {
+    kel::Stencilor::Context context;
+};
+
+struct stencilor_message {
+    explicit stencilor_message(kel::Stencilor::RenderMessage source)
+        : message(std::move(source)), text(message.text()) {}
+
+    kel::Stencilor::RenderMessage message;
+    kel::String text;
+};
+
+struct stencilor_template {
+    kel::Stencilor::Template parsed;
+    std::optional<stencilor_message> fault{};
+};
+
+struct stencilor_source {
+    std::shared_ptr<kel::Stencilor::TemplateSource> source;
+    kel::Stencilor::MemoryTemplates* memory = nullptr; // the same one, where it is in memory
+};
+
+struct stencilor_request {
+    const kel::String& path;
+    std::uint64_t maxSize;
+    std::optional<kel::Stencilor::Template>& found;
+    kel::Stencilor::TemplateSource::Answer answer = kel::Stencilor::TemplateSource::Answer::Missing;
+    int failure = STENCILOR_OK;
+};
+
+struct stencilor_output {
+    std::string& text;
+    int failure = STENCILOR_OK;
+};
+
+namespace kel::Stencilor::internal {
+
+/// A source without templates.
+class no_templates final : public TemplateSource {
+  public:
+    Answer find(const String&, std::uint64_t, std::optional<Template>&) override {
+        return Answer::Missing;
+    }
+};
+
+} // namespace kel::Stencilor::internal
+
+struct stencilor_options {
+    stencilor_options() { options.source = &none; }
+    stencilor_options(const stencilor_options&) = delete;
+    stencilor_options& operator=(const stencilor_options&) = delete;
+
+    kel::Stencilor::RenderOptions options{};
+    kel::Stencilor::internal::no_templates none{};
+    std::shared_ptr<kel::Stencilor::TemplateSource> source{}; // null where it is `none`
+    stencilor_poll_function poll = nullptr;
+    void* pollPayload = nullptr;
+};
+
+struct stencilor_result {
+    int status = STENCILOR_OK;
+    int stopCode = 0;
+    kel::String text{};
+    kel::Stencilor::RenderUsage usage{};
+    std::vector<stencilor_message> messages{};
+};
+
+#endif

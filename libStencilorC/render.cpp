@@ -1,0 +1,72 @@
+#include <libStencilorC/result.h>
+
+#include <string_view>
+
+using namespace kel::Stencilor;
+using namespace kel::Stencilor::internal;
+
+namespace {
+
+/// Why a template is not well formed: what rendering it reports.
+stencilor_message faultOf(const Template& parsed) {
+    return stencilor_message(std::move(parsed.render(Context(Value())).messages.at(0)));
+}
+
+} // namespace
+
+int stencilor_template_parse(const char* text, size_t size, const char* name, size_t nameSize,
+                             stencilor_template** parsed) {
+    return guarded([&] {
+        stencilor_template*& made = placeOf(parsed);
+        auto handle = std::make_unique<stencilor_template>(
+            stencilor_template{Template(given(text, size), given(name, nameSize))});
+        const bool isWellFormed = handle->parsed.isWellFormed();
+        if (!isWellFormed) {
+            handle->fault = faultOf(handle->parsed);
+        }
+        made = handle.release();
+        return isWellFormed ? STENCILOR_OK : STENCILOR_REJECTED;
+    });
+}
+
+const char* stencilor_template_name(const stencilor_template* parsed, size_t* size) {
+    return returned(parsed == nullptr ? "" : parsed->parsed.name().view(), size);
+}
+
+const char* stencilor_template_text(const stencilor_template* parsed, size_t* size) {
+    return returned(parsed == nullptr ? "" : parsed->parsed.text().view(), size);
+}
+
+const stencilor_message* stencilor_template_fault(const stencilor_template* parsed) {
+    return parsed == nullptr || !parsed->fault ? nullptr : &*parsed->fault;
+}
+
+int stencilor_template_render(const stencilor_template* parsed, const stencilor_context* context,
+                              const stencilor_options* options, stencilor_result** result) {
+    return renderToResult(options, result, [&](const RenderOptions& how) {
+        return given(parsed).parsed.render(given(context).context, how);
+    });
+}
+
+int stencilor_template_render_to(const stencilor_template* parsed, const stencilor_context* context,
+                                 stencilor_write_function write, void* payload,
+                                 const stencilor_options* options, stencilor_result** result) {
+    return renderToResult(options, result, [&](const RenderOptions& how) {
+        given(write);
+        const auto pass = [write, payload](std::string_view piece) {
+            stopUnlessZero(write(payload, piece.data(), piece.size()));
+        };
+        return given(parsed).parsed.renderTo(given(context).context, pass, how);
+    });
+}
+
+int stencilor_render_path(const char* path, size_t pathSize, const stencilor_context* context,
+                          const stencilor_options* options, stencilor_result** result) {
+    return renderToResult(options, result, [&](const RenderOptions& how) {
+        return renderFile(given(path, pathSize), given(context).context, how);
+    });
+}
+
+void stencilor_template_free(stencilor_template* parsed) {
+    delete parsed;
+}

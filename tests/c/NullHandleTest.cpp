@@ -1,0 +1,176 @@
+#include "Handles.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace support {
+namespace {
+
+int neverWrite(void*, const char*, std::size_t) {
+    return 1;
+}
+
+int neverFind(void*, const char*, std::size_t, stencilor_request*) {
+    return 1;
+}
+
+// Each argument in turn is the one that is null.
+TEST(NullHandles, AreInvalidArguments) {
+    const ValueHandle held = valueOf("{}");
+    const TemplateHandle parsed = parse("");
+    const ContextHandle contextHeld = contextOf("{}");
+    const SourceHandle memory = makeMemory();
+    stencilor_value* const value = held.get();
+    stencilor_value* made = nullptr;
+    stencilor_context* context = nullptr;
+    stencilor_template* page = nullptr;
+    stencilor_source* source = nullptr;
+    stencilor_text* text = nullptr;
+    const struct {
+        const char* name;
+        int status;
+    } calls[] = {
+        {"escape nothing", stencilor_escape(1, nullptr, 1, &text)},
+        {"escape to nowhere", stencilor_escape(1, "", 0, nullptr)},
+        {"null", stencilor_value_null(nullptr)},
+        {"boolean", stencilor_value_boolean(1, nullptr)},
+        {"text", stencilor_value_text("", 0, nullptr)},
+        {"text of nothing", stencilor_value_text(nullptr, 1, &made)},
+        {"text of nothing up to its NUL",
+         stencilor_value_text(nullptr, STENCILOR_NUL_TERMINATED, &made)},
+        {"raw text", stencilor_value_raw_text("", 0, nullptr)},
+        {"raw text of nothing", stencilor_value_raw_text(nullptr, 1, &made)},
+        {"integer", stencilor_value_integer(1, nullptr)},
+        {"double", stencilor_value_double(1, nullptr)},
+        {"list", stencilor_value_list(nullptr)},
+        {"dictionary", stencilor_value_dictionary(nullptr)},
+        {"JSON of nothing", stencilor_value_parse_json(nullptr, 1, &made, nullptr)},
+        {"JSON to nowhere", stencilor_value_parse_json("1", 1, nullptr, nullptr)},
+        {"copy of nothing", stencilor_value_copy(nullptr, &made)},
+        {"copy to nowhere", stencilor_value_copy(value, nullptr)},
+        {"add to nothing", stencilor_value_add(nullptr, value)},
+        {"add nothing", stencilor_value_add(value, nullptr)},
+        {"add null", stencilor_value_add_null(nullptr)},
+        {"add boolean", stencilor_value_add_boolean(nullptr, 1)},
+        {"add text", stencilor_value_add_text(nullptr, "", 0)},
+        {"add raw text", stencilor_value_add_raw_text(nullptr, "", 0)},
+        {"add integer", stencilor_value_add_integer(nullptr, 1)},
+        {"add double", stencilor_value_add_double(nullptr, 1)},
+        {"set of nothing", stencilor_value_set(nullptr, "", 0, value)},
+        {"set nothing", stencilor_value_set(value, "", 0, nullptr)},
+        {"set without a key", stencilor_value_set_null(value, nullptr, 1)},
+        {"set null", stencilor_value_set_null(nullptr, "", 0)},
+        {"set boolean", stencilor_value_set_boolean(nullptr, "", 0, 1)},
+        {"set text", stencilor_value_set_text(nullptr, "", 0, "", 0)},
+        {"set raw text", stencilor_value_set_raw_text(nullptr, "", 0, "", 0)},
+        {"set integer", stencilor_value_set_integer(nullptr, "", 0, 1)},
+        {"set double", stencilor_value_set_double(nullptr, "", 0, 1)},
+        {"context of nothing", stencilor_context_create(nullptr, 0, &context, nullptr)},
+        {"context to nowhere", stencilor_context_create(value, 0, nullptr, nullptr)},
+        {"template of nothing", stencilor_template_parse(nullptr, 1, "", 0, &page)},
+        {"template without a name", stencilor_template_parse("", 0, nullptr, 1, &page)},
+        {"template to nowhere", stencilor_template_parse("", 0, "", 0, nullptr)},
+        {"render nothing", stencilor_template_render(nullptr, contextHeld.get(), nullptr, nullptr)},
+        {"render with nothing", stencilor_template_render(parsed.get(), nullptr, nullptr, nullptr)},
+        {"render nothing to", stencilor_template_render_to(nullptr, contextHeld.get(), neverWrite,
+                                                           nullptr, nullptr, nullptr)},
+        {"render to nothing", stencilor_template_render_to(parsed.get(), contextHeld.get(), nullptr,
+                                                           nullptr, nullptr, nullptr)},
+        {"render with nothing to", stencilor_template_render_to(parsed.get(), nullptr, neverWrite,
+                                                                nullptr, nullptr, nullptr)},
+        {"render no path", stencilor_render_path(nullptr, 1, contextHeld.get(), nullptr, nullptr)},
+        {"render path with nothing", stencilor_render_path("", 0, nullptr, nullptr, nullptr)},
+        {"options", stencilor_options_create(nullptr)},
+        {"escape kind", stencilor_options_set_escape(nullptr, 0)},
+        {"escape function",
+         stencilor_options_set_escape_function(
+             nullptr, [](void*, const char*, std::size_t, stencilor_output*) { return 1; },
+             nullptr)},
+        {"no escape function",
+         stencilor_options_set_escape_function(makeOptions().get(), nullptr, nullptr)},
+        {"limit", stencilor_options_set_limit(nullptr, 0, 0)},
+        {"poll", stencilor_options_set_poll(nullptr, nullptr, nullptr)},
+        {"source of options", stencilor_options_set_source(nullptr, memory.get())},
+        {"memory", stencilor_source_memory(nullptr)},
+        {"add to no source", stencilor_source_add(nullptr, "", 0, "", 0)},
+        {"add no path", stencilor_source_add(memory.get(), nullptr, 1, "", 0)},
+        {"add no template", stencilor_source_add(memory.get(), "", 0, nullptr, 1)},
+        {"folder of nothing", stencilor_source_folder(nullptr, 1, &source)},
+        {"folder to nowhere", stencilor_source_folder(".", 1, nullptr)},
+        {"callback of nothing", stencilor_source_callback(nullptr, nullptr, &source)},
+        {"callback to nowhere", stencilor_source_callback(neverFind, nullptr, nullptr)},
+        {"request text", stencilor_request_set_text(nullptr, "", 0)},
+        {"request template", stencilor_request_set_template(nullptr, parsed.get())},
+        {"request unreadable", stencilor_request_set_unreadable(nullptr)},
+        {"output", stencilor_output_append(nullptr, "", 0)},
+        {"check nothing", stencilor_check(nullptr, nullptr, nullptr, &text)},
+        {"check to nowhere", stencilor_check(parsed.get(), nullptr, nullptr, nullptr)},
+        {"names of nothing", stencilor_names(nullptr, nullptr, &text)},
+        {"names to nowhere", stencilor_names(parsed.get(), nullptr, nullptr)},
+    };
+    for (const auto& [name, status] : calls) {
+        EXPECT_EQ(status, STENCILOR_INVALID_ARGUMENT) << name;
+    }
+    EXPECT_TRUE(made == nullptr && context == nullptr && page == nullptr && source == nullptr &&
+                text == nullptr);
+}
+
+TEST(NullHandles, HaveNothingToRead) {
+    EXPECT_EQ(textOf(stencilor_error_text, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_text_data, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_template_name, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_template_text, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_result_text, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_message_text, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_message_name, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_message_template_name, nullptr), "");
+    EXPECT_EQ(textOf(stencilor_message_include_template_name, nullptr, 0u), "");
+    const std::uint64_t numbers[] = {static_cast<unsigned int>(stencilor_error_status(nullptr)),
+                                     stencilor_error_offset(nullptr),
+                                     stencilor_error_line(nullptr),
+                                     stencilor_error_column(nullptr),
+                                     static_cast<unsigned int>(stencilor_value_kind(nullptr)),
+                                     static_cast<unsigned int>(stencilor_result_status(nullptr)),
+                                     static_cast<unsigned int>(stencilor_result_stop_code(nullptr)),
+                                     stencilor_result_usage(nullptr, 0),
+                                     stencilor_result_message_count(nullptr),
+                                     static_cast<unsigned int>(stencilor_message_kind(nullptr)),
+                                     stencilor_message_line(nullptr),
+                                     stencilor_message_column(nullptr),
+                                     stencilor_message_begin(nullptr),
+                                     stencilor_message_end(nullptr),
+                                     stencilor_message_include_count(nullptr),
+                                     stencilor_message_include_line(nullptr, 0),
+                                     stencilor_message_include_column(nullptr, 0),
+                                     stencilor_message_include_begin(nullptr, 0),
+                                     stencilor_message_include_end(nullptr, 0),
+                                     stencilor_request_max_size(nullptr)};
+    for (const std::uint64_t number : numbers) {
+        EXPECT_EQ(number, 0u);
+    }
+    EXPECT_EQ(stencilor_template_fault(nullptr), nullptr);
+    EXPECT_EQ(stencilor_result_message(nullptr, 0), nullptr);
+}
+
+TEST(NullHandles, AreFreed) {
+    stencilor_error_free(nullptr);
+    stencilor_text_free(nullptr);
+    stencilor_value_free(nullptr);
+    stencilor_context_free(nullptr);
+    stencilor_template_free(nullptr);
+    stencilor_options_free(nullptr);
+    stencilor_source_free(nullptr);
+    stencilor_result_free(nullptr);
+}
+
+TEST(NullHandles, AreEmptyTextsOfNoSize) {
+    ValueHandle made;
+    EXPECT_EQ(stencilor_value_text(nullptr, 0, out(made)), STENCILOR_OK);
+    TemplateHandle page;
+    EXPECT_EQ(stencilor_template_parse(nullptr, 0, nullptr, 0, out(page)), STENCILOR_OK);
+    EXPECT_EQ(textOf(render(page, contextOf("{}"))), "");
+}
+
+} // namespace
+} // namespace support
