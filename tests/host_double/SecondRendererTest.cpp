@@ -1,4 +1,3 @@
-#include "../support/Build.h"
 #include "../support/oracles/RenderingComparison.h"
 #include "HostDouble.h"
 
@@ -74,7 +73,7 @@ class ForeignHost : public ComparedHost {
 
 TEST(SecondRenderer, AgreesOnAForeignBaseLibrary) {
     ForeignHost host;
-    compareRenderings(host, slow ? 5000 : 20000);
+    compareRenderings(host, 5000);
 }
 
 } // namespace

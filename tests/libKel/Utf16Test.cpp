@@ -1,3 +1,5 @@
+#include "../support/Environment.h"
+
 #include <libKel/String.h>
 
 #include <gtest/gtest.h>
@@ -61,9 +63,15 @@ TEST(ToUtf16, MakesPairsAndReplacesWhatIsMalformed) {
     }
 }
 
+// Every code point where tests are thorough; otherwise those around each border, and some others.
 TEST(Utf16, ComesBackTheSameForEveryCodePoint) {
+    const auto isTried = [](char32_t point) {
+        const char32_t inBlock = point % 0x400;
+        return support::thorough() || point < 0x1000 || inBlock < 2 || inBlock > 0x3FD ||
+               point % 17 == 0;
+    };
     for (char32_t point = 0; point <= 0x10FFFF; ++point) {
-        if (point >= 0xD800 && point <= 0xDFFF) {
+        if ((point >= 0xD800 && point <= 0xDFFF) || !isTried(point)) {
             continue;
         }
         std::u16string utf16(1, static_cast<char16_t>(point));

@@ -1,4 +1,3 @@
-#include "../support/Build.h"
 #include "../support/Context.h"
 #include "../support/Environment.h"
 #include "../support/LogRecorder.h"
@@ -86,7 +85,7 @@ class Size : public testing::Test {
     }
 
   private:
-    std::size_t percent_ = numberFromEnvironment("STENCILOR_SIZE", slow ? 2 : 10);
+    std::size_t percent_ = numberFromEnvironment("STENCILOR_SIZE", 2);
 };
 
 const Rendered rejected = {"",

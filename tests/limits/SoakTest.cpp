@@ -53,7 +53,7 @@ TEST(Soak, NeitherChangesWhatIsRenderedNorKeepsMemory) {
     std::uint64_t records = 0;
     kel::LogFactory::setSink([&records](const kel::LogRecord&) { ++records; });
 
-    const std::uint64_t count = numberFromEnvironment("STENCILOR_RENDERS", slow ? 20000 : 100000);
+    const std::uint64_t count = numberFromEnvironment("STENCILOR_RENDERS", 20000);
     const std::uint64_t warmUp = count / 10;
     EXPECT_EQ(renderOften(warmUp, root), 0u);
     const std::uint64_t before = memoryInUse();

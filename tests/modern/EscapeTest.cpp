@@ -1,3 +1,4 @@
+#include "../support/Environment.h"
 #include "Rendering.h"
 
 #include <gtest/gtest.h>
@@ -64,10 +65,11 @@ std::string obviousJson(std::string_view text) {
 }
 
 TEST(Escaping, TreatsEachByteAtEachPlaceAsAnObviousImplementation) {
+    const std::string_view neighbours = thorough() ? "a<\x7F\xC3%" : "a<";
     for (int byte = 0; byte < 256; ++byte) {
         for (std::size_t before = 0; before < 18; ++before) {
             for (const std::size_t after : {0u, 1u, 7u, 8u, 9u}) {
-                for (const char around : {'a', '\x7F', '\xC3', '%', '<'}) {
+                for (const char around : neighbours) {
                     const std::string text = std::string(before, around) + static_cast<char>(byte) +
                                              std::string(after, around);
                     ASSERT_EQ(escapeHtml(text).str(), obviousHtml(text)) << byte;

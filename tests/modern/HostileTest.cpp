@@ -1,4 +1,3 @@
-#include "../support/Build.h"
 #include "../support/FailingAllocation.h"
 #include "../support/SmallStackThread.h"
 #include "../support/TemporaryFolder.h"
@@ -19,7 +18,7 @@ using kel::Stencilor::FileTemplates;
 using testing::SizeIs;
 
 constexpr std::size_t stackSize = 256 * 1024;
-constexpr std::uint64_t stepLimit = slow ? 100'000 : 1'000'000;
+constexpr std::uint64_t stepLimit = 100'000;
 
 /// The memory that a render may need: in proportion to its templates and its output, and for each
 /// message and the includes around it. All of them have limits.
@@ -102,7 +101,7 @@ TEST(HostileTemplates, ThatRenderLongTextsEndAtTheOutputLimit) {
 }
 
 TEST(HostileTemplates, ThatMissManyNamesKeepFewMessages) {
-    constexpr std::size_t count = slow ? 100'000 : 1'000'000;
+    constexpr std::size_t count = 100'000;
     const Value values{{"many", listOfNulls(count)}};
     for (const std::string& name : {std::string("gone"), "x." + std::string(10'000, 'n')}) {
         const RenderResult result =

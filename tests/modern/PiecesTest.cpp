@@ -1,4 +1,4 @@
-#include "../support/Build.h"
+#include "../support/Environment.h"
 #include "Rendering.h"
 
 #include <gmock/gmock.h>
@@ -18,10 +18,9 @@ using testing::SizeIs;
 // What is held back, sliced and handed over is decided at multiples of this many bytes.
 constexpr std::size_t slice = 16384;
 
-// A sanitizer takes fifty times as long for the obvious repairs.
-constexpr std::size_t longSize = sanitized ? 70'000 : 200'000;
-constexpr std::size_t mostBefore = sanitized ? 3 : 5;
-constexpr std::size_t lastEnd = sanitized ? 2 * slice : 4 * slice;
+const std::size_t longSize = thorough() ? 200'000 : 70'000;
+const std::size_t mostBefore = thorough() ? 5 : 3;
+const std::size_t lastEnd = thorough() ? 4 * slice : 2 * slice;
 
 constexpr std::string_view malformed[] = {
     "\xC3",         "\xE2\x82",         "\xF0\x9F\x93", "\x80",     "\x80\x80\x80\x80",

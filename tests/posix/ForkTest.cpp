@@ -1,3 +1,4 @@
+#include "../support/Environment.h"
 #include "../support/TemporaryFolder.h"
 
 #include <libKel/FileSystem.h>
@@ -45,6 +46,8 @@ class Busy {
     std::vector<std::thread> threads_;
 };
 
+const int turns = support::thorough() ? 300 : 50;
+
 bool logs(Logger& logger) {
     LoggerStream message;
     return logger.log(LoggerPriority::PRIORITY_FAILURE, message + "text");
@@ -69,7 +72,7 @@ TEST(Fork, LeavesTheLibraryUsableWhateverOtherThreadsDoMeanwhile) {
         const Busy busy({[logger] { logs(*logger); }, [logger] { logs(*logger); },
                          [] { FileSystem::exists("file"); },
                          [] { LogFactory::setSink([](const LogRecord&) {}); }});
-        for (int turn = 0; turn < 100 && !HasFailure(); ++turn) {
+        for (int turn = 0; turn < turns && !HasFailure(); ++turn) {
             const pid_t child = ::fork();
             if (child == 0) {
                 std::_Exit(works() ? EXIT_SUCCESS : EXIT_FAILURE);
@@ -104,7 +107,7 @@ TEST(Fork, LeavesSourcesUsableWhateverOtherThreadsDoMeanwhile) {
     };
     const Busy busy({[&] { find(files); }, [&] { find(files); }, [&] { find(texts); },
                      [&] { texts.add("part", "text"); }});
-    for (int turn = 0; turn < 300 && !::testing::Test::HasFailure(); ++turn) {
+    for (int turn = 0; turn < turns && !::testing::Test::HasFailure(); ++turn) {
         const pid_t child = ::fork();
         if (child == 0) {
             std::_Exit(renders(files) && renders(texts) ? EXIT_SUCCESS : EXIT_FAILURE);

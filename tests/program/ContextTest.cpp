@@ -154,11 +154,12 @@ TEST_F(ContextTest, HasPositionsOnRequest) {
 
 TEST_F(ContextTest, IsRefusedWhereItsDottedNamesWouldTakeTooMuch) {
     folder.writeFile("page.txt", "text");
-    std::string json = "\"" + std::string(2 * 1024 * 1024, 'x') + "\"";
+    std::string openings;
     for (int i = 0; i < 300; ++i) {
-        json = "{\"a\":" + json + "}";
+        openings += R"({"a":)";
     }
-    folder.writeFile("values.json", json);
+    const std::string value(2 * 1024 * 1024, 'x');
+    folder.writeFile("values.json", openings + '"' + value + '"' + std::string(300, '}'));
     expectOutcome(runStencilor({"render", "page.txt", "values.json"}), 2, "",
                   "stencilor: the context is too large: the dotted names of its nested "
                   "dictionaries would take over 512 MiB\n");

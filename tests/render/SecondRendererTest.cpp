@@ -1,4 +1,3 @@
-#include "../support/Build.h"
 #include "../support/LogRecorder.h"
 #include "../support/PrescribedMessages.h"
 #include "../support/TemporaryFolder.h"
@@ -84,7 +83,7 @@ class OwnHost : public ComparedHost {
 
 TEST(SecondRenderer, AgreesOnRandomTemplatesContextsAndFiles) {
     OwnHost host;
-    compareRenderings(host, slow ? 10000 : 20000);
+    compareRenderings(host, 10000);
 }
 
 } // namespace

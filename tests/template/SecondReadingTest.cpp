@@ -1,4 +1,3 @@
-#include "../support/Build.h"
 #include "../support/Environment.h"
 #include "../support/oracles/RandomTemplate.h"
 #include "../support/oracles/ReadingComparison.h"
@@ -29,12 +28,12 @@ void tryAllSequences(const std::string& begin, int count, int reported) {
 
 // Each token more takes 22 times as long. Blocks have seven: those take a quarter of an hour.
 TEST(EverySequence, OfAFewTokensIsReadTheSame) {
-    const std::uint64_t count = numberFromEnvironment("STENCILOR_TOKENS", slow ? 4 : 5);
-    tryAllSequences("", static_cast<int>(count), slow ? 3 : 4);
+    const std::uint64_t count = numberFromEnvironment("STENCILOR_TOKENS", 4);
+    tryAllSequences("", static_cast<int>(count), thorough() ? 4 : 3);
 }
 
 TEST(SecondReading, AgreesOnAllEndsOfStatementsThatBeganWell) {
-    const int count = slow ? 2 : 3;
+    const int count = thorough() ? 3 : 2;
     for (const char* const begin :
          {"{%if x", "{% if x %}", "{% if x %}{% else", "{% if x %}a{% else %}",
           "{% if x %}{% endif", "{% for x", "{% for x in", "{% for x in y %}",
@@ -50,8 +49,9 @@ TEST(SecondReading, AgreesOnRandomSequencesOfStatements) {
         "{%if a%}",   "{%else%}", "{%endif%}",       "{%for a in b%}", "{%endfor%}",
         "{{ a }}",    "text\t {", "{%\tifx%}",       "{% else %}",     "{%for a inb%}",
         "{%endif %}", "}} \n\t",  "{%include\"a\"%}"};
+    const int count = thorough() ? 200000 : 20000;
     std::mt19937 random(5);
-    for (int turn = 0; turn < (slow ? 20000 : 200000) && !testing::Test::HasFailure(); ++turn) {
+    for (int turn = 0; turn < count && !testing::Test::HasFailure(); ++turn) {
         std::string input;
         int open = 0;
         for (std::size_t left = random() % 16; left > 0; --left) {
@@ -70,18 +70,17 @@ TEST(SecondReading, AgreesOnRandomSequencesOfStatements) {
 // The environment chooses the cases as for renderings.
 TEST(SecondReading, AgreesOnRandomTemplates) {
     const std::uint64_t first = numberFromEnvironment("STENCILOR_SEED", 0);
-    const std::uint64_t last =
-        first + numberFromEnvironment("STENCILOR_CASES", slow ? 5000 : 25000);
+    const std::uint64_t last = first + numberFromEnvironment("STENCILOR_CASES", 5000);
     for (std::uint64_t seed = first; seed < last && !testing::Test::HasFailure(); ++seed) {
         Random random(seed);
         expectTheSameReading(randomTemplate(random, 24, {"a", "b/c.txt"}));
     }
 }
 
-/// All bytes; in a slow build those that mean something, and some others.
+/// Those that mean something, and some others; all of them where tests are thorough.
 std::string bytesToTry() {
     std::string bytes("{}% \t\r\n\"azAZ_09./\x01\x7F\x80\xFF\0", 22);
-    if (!slow) {
+    if (thorough()) {
         bytes.clear();
         for (int byte = 0; byte < 256; ++byte) {
             bytes += static_cast<char>(byte);
