@@ -30,8 +30,8 @@ std::string repaired(const std::string& text) {
 
 // The engine's output and what is shown of it agree on what is malformed.
 TEST(CodePoint, IsReplacedWhereTheEngineReplacesIt) {
-    for (std::uint64_t seed = 0; seed < 100'000 && !testing::Test::HasFailure(); ++seed) {
-        support::Random random(seed);
+    support::Random random(1);
+    for (int turn = 0; turn < 20'000 && !testing::Test::HasFailure(); ++turn) {
         const std::string text = randomBytes(random);
         const std::string expected = repaired(text);
         SCOPED_TRACE(testing::PrintToString(text));
