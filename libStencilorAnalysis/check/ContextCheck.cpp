@@ -104,7 +104,8 @@ Finding describe(const Occurrence& found) {
 } // namespace
 
 std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
-                                       const ContextBase& context, ContextWalk::Extent extent) {
+                                       const ContextBase& context, ContextWalk::Extent extent,
+                                       std::function<bool()> goOn) {
     std::vector<Finding> findings;
     std::size_t suggestions = 0;
     std::set<std::tuple<const TemplateFile*, unsigned int, Rule>> known;
@@ -120,6 +121,7 @@ std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile&
             findings.push_back(std::move(finding));
         }
     });
+    walk.askWhether(std::move(goOn));
     walk.walk(file, context);
     return findings;
 }

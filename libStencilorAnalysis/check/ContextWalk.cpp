@@ -105,6 +105,10 @@ std::size_t ContextWalk::visit(const TemplateFile& file, std::size_t index) {
         stop();
         return index + 1;
     }
+    if (goOn_ && ++visits_ % 1024 == 0 && !goOn_()) {
+        stop();
+        return index + 1;
+    }
     switch (file.parts()[index].kind) {
     case Kind::Substitution:
         visitSubstitution(file, file.parts()[index]);

@@ -76,6 +76,9 @@ class ContextWalk final : private TemplateWalk {
     /// at that place. To be called while it is reported.
     std::string suggest(const Occurrence& found);
 
+    /// Asked every 1,024 tags whether to go on; false ends the walk.
+    void askWhether(std::function<bool()> goOn) { goOn_ = std::move(goOn); }
+
     /// `file` must be well formed.
     void walk(const TemplateFile& file, const ContextBase& context);
 
@@ -127,6 +130,8 @@ class ContextWalk final : private TemplateWalk {
 
     Extent extent_;
     Report report_;
+    std::function<bool()> goOn_;
+    std::uint64_t visits_ = 0;
     std::uint64_t steps_ = 0;
     ScopeStack scopes_;
     std::vector<std::unique_ptr<FileState>> states_; // of the files that are being walked

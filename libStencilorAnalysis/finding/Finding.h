@@ -28,6 +28,7 @@ enum class Rule {
     Habit,
     DamagedText,
     UnusedName,
+    EmptyLine,
 };
 
 struct RuleInfo {
@@ -50,6 +51,7 @@ inline constexpr RuleInfo rules[] = {
     {"habit", Severity::Note, "A tag or a text means something else in other template languages."},
     {"damaged-text", Severity::Warning, "The bytes of a template are not as they should be."},
     {"unused-name", Severity::Warning, "No template uses this name of the context."},
+    {"empty-line", Severity::Note, "Tags alone on a line leave an empty line in the output."},
 };
 
 inline const RuleInfo& infoOf(Rule rule) {

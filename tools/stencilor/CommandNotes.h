@@ -81,6 +81,15 @@ Exit status:
   2  a wrong call, a file that cannot be read or written, or bad JSON
   3  a template was rejected; nothing is written)";
 
+inline constexpr const char* lspNotes =
+    R"(Editors start it; editors/README.md says how to set them up. It reads and writes
+version 3.17 of the protocol on the standard streams.
+
+Exit status:
+  0  the client shut it down
+  1  the client was gone before that
+  2  a wrong call, or output that cannot be written)";
+
 } // namespace stencilor
 
 #endif

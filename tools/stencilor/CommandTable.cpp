@@ -6,6 +6,7 @@
 #include <tools/stencilor/commands/Names.h>
 #include <tools/stencilor/commands/Render.h>
 #include <tools/stencilor/commands/Tree.h>
+#include <tools/stencilor/lsp/Serve.h>
 
 #include <algorithm>
 #include <charconv>
@@ -275,6 +276,16 @@ CommandInfo treeCommand() {
             runner<Request, tree>(request)};
 }
 
+CommandInfo lspCommand() {
+    CommandInfo command{"lsp", "Serve an editor with the Language Server Protocol", lspNotes};
+    // What many clients add, whichever server they start.
+    command.options = {{.names = {"--stdio"},
+                        .description = "Use the standard streams, as it always does",
+                        .set = [](const std::string&) {}}};
+    command.run = lsp::serve;
+    return command;
+}
+
 /// Only described here: the parser has the help.
 CommandInfo helpCommand(const std::vector<CommandInfo>& commands) {
     OptionInfo name{.names = {"COMMAND"},
@@ -293,8 +304,8 @@ CommandTable makeCommandTable() {
     CommandTable table;
     table.options = {{.names = {"-h", "--help"}, .description = "Print this help and exit"},
                      {.names = {"--version"}, .description = "Print the version and exit"}};
-    table.commands = {renderCommand(), checkCommand(), namesCommand(), depsCommand(),
-                      treeCommand()};
+    table.commands = {renderCommand(), checkCommand(), namesCommand(),
+                      depsCommand(),   treeCommand(),  lspCommand()};
     table.commands.push_back(helpCommand(table.commands));
     for (CommandInfo& command : table.commands) {
         command.options.insert(command.options.begin(), table.options.front());

@@ -1,6 +1,7 @@
 #ifndef TOOLS_STENCILOR_SYSTEM_SYSTEM_H
 #define TOOLS_STENCILOR_SYSTEM_SYSTEM_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,6 +21,10 @@ std::vector<std::string> start(int argc, char** argv);
 
 std::string readFile(const std::string& path);
 std::string readStandardInput();
+
+/// Waits for some bytes on the standard input, and reads at most `size`. Returns how many; 0 at the
+/// end.
+std::size_t readStandardInput(char* data, std::size_t size);
 
 void writeStandardOutput(std::string_view text);
 
@@ -52,6 +57,15 @@ std::string identityOf(const std::string& path);
 
 /// A path as a URI, relative where the path is.
 std::string uriOf(const std::string& path);
+
+/// The path of a file that a URI names; nothing for other URIs.
+std::optional<std::string> pathOfUri(std::string_view uri);
+
+bool isAbsolute(const std::string& path);
+
+/// The names of the files in a folder, and of its folders with a `/` after them, sorted; none where
+/// it cannot be read.
+std::vector<std::string> namesIn(const std::string& folder);
 
 /// Makes `content` the content of the file, wholly or not at all: it is written to a temporary file
 /// in the same folder, which then takes the file's place. Through a symbolic link the file that it

@@ -1,4 +1,5 @@
 #include <tools/stencilor/system/Descriptor.h>
+#include <tools/stencilor/system/FolderList.h>
 #include <tools/stencilor/system/PercentEncoding.h>
 #include <tools/stencilor/system/System.h>
 
@@ -57,6 +58,10 @@ std::string readStandardInput() {
     return readAll(STDIN_FILENO);
 }
 
+std::size_t readStandardInput(char* data, std::size_t size) {
+    return transfer(STDIN_FILENO, POLLIN, [=] { return ::read(STDIN_FILENO, data, size); });
+}
+
 void writeStandardOutput(std::string_view text) {
     if (text.empty()) {
         return;
@@ -109,6 +114,18 @@ std::string identityOf(const std::string& path) {
 
 std::string uriOf(const std::string& path) {
     return (path.starts_with('/') ? "file://" : "") + percentEncode(path);
+}
+
+std::optional<std::string> pathOfUri(std::string_view uri) {
+    return decodeFileUri(uri);
+}
+
+bool isAbsolute(const std::string& path) {
+    return path.starts_with('/');
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    return listFolder(folder, [](const std::filesystem::path& path) { return path.string(); });
 }
 
 } // namespace stencilor::system

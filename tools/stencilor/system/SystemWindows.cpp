@@ -1,4 +1,5 @@
 #include <libKel/String.h>
+#include <tools/stencilor/system/FolderList.h>
 #include <tools/stencilor/system/Handle.h>
 #include <tools/stencilor/system/PercentEncoding.h>
 #include <tools/stencilor/system/System.h>
@@ -120,6 +121,18 @@ std::string readStandardInput() {
     return readAll(::GetStdHandle(STD_INPUT_HANDLE));
 }
 
+std::size_t readStandardInput(char* data, std::size_t size) {
+    DWORD count = 0;
+    const auto wanted = static_cast<DWORD>(std::min<std::size_t>(size, 1u << 30));
+    if (::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), data, wanted, &count, nullptr) == 0) {
+        if (::GetLastError() == ERROR_BROKEN_PIPE) {
+            return 0;
+        }
+        fail();
+    }
+    return count;
+}
+
 void writeStandardOutput(std::string_view text) {
     writeStandard(STD_OUTPUT_HANDLE, text);
 }
@@ -174,6 +187,26 @@ std::string uriOf(const std::string& path) {
     const bool hasDrive = rest.size() > 1 && rest[1] == ':';
     return hasDrive ? "file:///" + rest.substr(0, 2) + percentEncode(rest.substr(2))
                     : percentEncode(rest);
+}
+
+/// `/C:/folder/file`, where the colon may have been encoded. Other machines are not supported.
+std::optional<std::string> pathOfUri(std::string_view uri) {
+    auto path = decodeFileUri(uri);
+    if (path && path->size() > 2 && (*path)[2] == ':') {
+        path->erase(0, 1);
+    }
+    return path;
+}
+
+bool isAbsolute(const std::string& path) {
+    return widePath(path).is_absolute();
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    return listFolder(folder.empty() ? std::filesystem::path() : widePath(folder),
+                      [](const std::filesystem::path& path) {
+                          return kel::String::fromWide(path.native()).str();
+                      });
 }
 
 } // namespace stencilor::system

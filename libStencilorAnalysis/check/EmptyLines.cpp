@@ -1,0 +1,57 @@
+#include <libStencilorAnalysis/check/EmptyLines.h>
+
+namespace kel::Stencilor::Analysis {
+
+namespace {
+
+using Kind = SyntaxElement::Kind;
+
+bool isOfBlock(const SyntaxElement& part) {
+    return part.kind != Kind::Text && part.kind != Kind::Substitution && part.kind != Kind::Include;
+}
+
+bool isSpace(char byte) {
+    return byte == ' ' || byte == '\t' || byte == '\r';
+}
+
+/// What of a line has been seen.
+struct LineState {
+    const SyntaxElement* tag = nullptr; // the first one of a block
+    unsigned int tagsEnd = 0;
+    bool isWritten = false; // something else than spaces
+};
+
+} // namespace
+
+void findEmptyLines(const TemplateFile& file, std::vector<Finding>& findings) {
+    const std::string& text = file.text();
+    LineState line;
+    unsigned int at = 0; // up to here the text was looked at
+    const auto lookAtText = [&](unsigned int end) {
+        for (; at < end; ++at) {
+            if (text[at] != '\n') {
+                line.isWritten |= !isSpace(text[at]);
+                continue;
+            }
+            if (line.tag != nullptr && !line.isWritten) {
+                findings.push_back(
+                    {.rule = Rule::EmptyLine,
+                     .place = {&file, {line.tag->whole.begin, line.tagsEnd}},
+                     .message = "this line is empty in the output: only the tag is left out"});
+            }
+            line = {};
+        }
+    };
+    for (const SyntaxElement& part : file.parts()) {
+        lookAtText(part.kind == Kind::Text ? part.whole.end : part.whole.begin);
+        if (isOfBlock(part)) {
+            line.tag = line.tag != nullptr ? line.tag : &part;
+            line.tagsEnd = part.whole.end;
+        } else if (part.kind != Kind::Text) {
+            line.isWritten = true;
+        }
+        at = part.whole.end;
+    }
+}
+
+} // namespace kel::Stencilor::Analysis

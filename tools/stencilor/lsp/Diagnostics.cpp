@@ -1,0 +1,164 @@
+#include <libStencilorAnalysis/text/CodePoint.h>
+#include <libStencilorAnalysis/text/ShownText.h>
+#include <tools/stencilor/lsp/Diagnostics.h>
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+namespace stencilor::lsp {
+
+using namespace kel::Stencilor::Analysis;
+using kel::Stencilor::SyntaxRange;
+
+namespace {
+
+int severityOf(Severity severity) {
+    switch (severity) {
+    case Severity::Error:
+        return 1;
+    case Severity::Warning:
+        return 2;
+    case Severity::Note:
+        break;
+    }
+    return 3; // information
+}
+
+/// An empty range is shown nowhere, or as the word before it: the character after it, or at the end
+/// of a line the one before it.
+SyntaxRange visibleRange(const std::string& text, SyntaxRange range) {
+    if (!range.isEmpty()) {
+        return range;
+    }
+    const std::string_view rest = std::string_view(text).substr(range.begin);
+    if (!rest.empty() && rest.front() != '\n' && rest.front() != '\r') {
+        return {range.begin, range.begin + static_cast<unsigned int>(firstCodePoint(rest).size)};
+    }
+    const bool isLineBegin = range.begin == 0 || text[range.begin - 1] == '\n';
+    return {isLineBegin ? range.begin : range.begin - 1, range.begin};
+}
+
+/// The texts of files that are not open.
+class ClosedTexts {
+  public:
+    explicit ClosedTexts(Encoding encoding) : encoding_(encoding) {}
+
+    const IndexedText& of(const TemplateFile& file) {
+        return texts_.try_emplace(&file, encoding_, file.text()).first->second;
+    }
+
+  private:
+    Encoding encoding_;
+    std::unordered_map<const TemplateFile*, IndexedText> texts_;
+};
+
+Json locationOf(const Place& place, const Documents& documents) {
+    const std::string& name = place.file->name();
+    const Document* const document = documents.find(name);
+    ClosedTexts closed(documents.encoding());
+    const IndexedText& text = document != nullptr ? document->text : closed.of(*place.file);
+    return {{"uri", uriOf(documents, name)}, {"range", rangeIn(text, place.range)}};
+}
+
+/// What a note says about the place of its finding belongs to the message; the place of another one
+/// is shown by clients that can.
+bool belongsToMessage(const Note& note, const Finding& finding) {
+    return note.place.file == finding.place.file &&
+           note.place.range.begin <= finding.place.range.begin &&
+           finding.place.range.begin <= note.place.range.end;
+}
+
+} // namespace
+
+std::string uriOf(const Documents& documents, const std::string& name) {
+    const Document* const document = documents.find(name);
+    return document != nullptr ? document->uri : system::uriOf(name);
+}
+
+Json describeFinding(const Finding& finding, const IndexedText& text, const Documents& documents,
+                     const Client& client) {
+    std::string message = finding.message;
+    Json related = Json::array();
+    for (const Note& note : finding.notes) {
+        if (belongsToMessage(note, finding)) {
+            message += "\n" + note.message;
+        } else if (client.showsRelatedInformation) {
+            related.push_back({{"location", locationOf(note.place, documents)},
+                               {"message", showText(note.message)}});
+        }
+    }
+    Json described = {{"range", rangeIn(text, visibleRange(text.text(), finding.place.range))},
+                      {"severity", severityOf(finding.severity())},
+                      {"code", infoOf(finding.rule).id},
+                      {"source", "stencilor"},
+                      {"message", std::move(message)}};
+    if (!related.empty()) {
+        described["relatedInformation"] = std::move(related);
+    }
+    return described;
+}
+
+Json DiagnosticsPublisher::describe(const std::string& name) const {
+    Json diagnostics = Json::array();
+    const std::vector<Finding> findings = checks_.findingsIn(name);
+    if (findings.empty()) {
+        return diagnostics;
+    }
+    const Document* const document = documents_.find(name);
+    ClosedTexts closed(client_.encoding);
+    const IndexedText& text =
+        document != nullptr ? document->text : closed.of(*findings.front().place.file);
+    for (std::size_t i = 0; i < std::min(findings.size(), mostFindings); ++i) {
+        diagnostics.push_back(describeFinding(findings[i], text, documents_, client_));
+    }
+    if (findings.size() > mostFindings) {
+        diagnostics.back()["message"] = diagnostics.back()["message"].get<std::string>() + "\n" +
+                                        std::to_string(findings.size() - mostFindings) +
+                                        " more are not shown";
+    }
+    return diagnostics;
+}
+
+void DiagnosticsPublisher::send(const std::string& name, Json diagnostics) {
+    const std::string uri = uriOf(documents_, name);
+    const Document* const document = documents_.find(name);
+    Json& last = sent_.try_emplace(uri, Json::array()).first->second;
+    if (document == nullptr && last == diagnostics) {
+        return;
+    }
+    last = diagnostics;
+    Json params = {{"uri", uri}, {"diagnostics", std::move(diagnostics)}};
+    if (document != nullptr) {
+        params["version"] = document->version;
+    }
+    notify_("textDocument/publishDiagnostics", std::move(params));
+}
+
+void DiagnosticsPublisher::publish(std::set<std::string> names) {
+    std::map<std::string, Json> ofContexts;
+    for (const auto& context : checks_.contexts()) {
+        if (!context->context) {
+            const IndexedText text(client_.encoding, context->text);
+            ofContexts[context->name] = Json::array({Json{{"range", rangeIn(text, context->place)},
+                                                          {"severity", 1},
+                                                          {"code", "context"},
+                                                          {"source", "stencilor"},
+                                                          {"message", context->fault}}});
+        }
+    }
+    for (const std::string& name : std::exchange(contextNames_, {})) {
+        if (!ofContexts.contains(name)) {
+            send(name, Json::array());
+        }
+    }
+    for (auto& [name, diagnostics] : ofContexts) {
+        contextNames_.insert(name);
+        send(name, std::move(diagnostics));
+    }
+    for (const std::string& name : names) {
+        send(name, describe(name));
+    }
+}
+
+} // namespace stencilor::lsp

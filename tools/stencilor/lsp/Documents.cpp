@@ -1,0 +1,108 @@
+#include <tools/stencilor/lsp/Documents.h>
+#include <tools/stencilor/lsp/ResponseError.h>
+#include <tools/stencilor/system/System.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace stencilor::lsp {
+
+using kel::Stencilor::SyntaxRange;
+using kel::Stencilor::Analysis::TemplateFile;
+
+namespace {
+
+/// The engine reads templates of up to 4 GiB; nobody edits them.
+constexpr std::size_t longestDocument = std::size_t{256} << 20;
+
+void applyChange(IndexedText& text, const Json& change) {
+    const std::string& inserted = change.at("text").get_ref<const std::string&>();
+    std::size_t begin = 0;
+    std::size_t end = text.text().size();
+    if (const auto range = change.find("range"); range != change.end()) {
+        begin = text.offsetOf(positionFrom(range->at("start")));
+        end = text.offsetOf(positionFrom(range->at("end")));
+    }
+    if (begin > end) {
+        std::swap(begin, end);
+    }
+    if (text.text().size() - (end - begin) + inserted.size() > longestDocument) {
+        throw ResponseError(ErrorCode::RequestFailed, "the text is too long to be edited");
+    }
+    text.replace(begin, end, inserted);
+}
+
+} // namespace
+
+const TemplateFile& Document::syntax() const {
+    if (parsed == nullptr) {
+        parsed = std::make_unique<TemplateFile>(name, text.text());
+    }
+    return *parsed;
+}
+
+Json Document::rangeOf(SyntaxRange range) const {
+    return rangeIn(text, range);
+}
+
+Document& Documents::open(const Json& item) {
+    const std::string& uri = item.at("uri").get_ref<const std::string&>();
+    auto document =
+        std::make_unique<Document>(encoding_, item.at("text").get_ref<const std::string&>());
+    document->uri = uri;
+    document->languageId = item.value("languageId", "");
+    document->version = item.value("version", std::int64_t{0});
+    const auto path = system::pathOfUri(uri);
+    document->isFile = path.has_value();
+    document->name = path ? system::identityOf(*path) : uri;
+    if (const auto old = byUri_.find(uri); old != byUri_.end()) {
+        byName_.erase(old->second->name);
+        byUri_.erase(uri);
+    }
+    if (const auto same = byName_.find(document->name); same != byName_.end()) {
+        byUri_.erase(same->second->uri); // the same file by another path
+    }
+    Document& opened = *document;
+    byName_[opened.name] = std::move(document);
+    byUri_[uri] = &opened;
+    return opened;
+}
+
+Document& Documents::change(const Json& params) {
+    Document& document = of(params);
+    document.parsed = nullptr;
+    for (const Json& change : params.at("contentChanges")) {
+        applyChange(document.text, change);
+    }
+    document.version = params.at("textDocument").value("version", document.version + 1);
+    return document;
+}
+
+std::string Documents::close(const Json& params) {
+    const std::string uri = of(params).uri;
+    const std::string name = byUri_.at(uri)->name;
+    byUri_.erase(uri);
+    byName_.erase(name);
+    return name;
+}
+
+Document& Documents::of(const Json& params) {
+    const std::string& uri = params.at("textDocument").at("uri").get_ref<const std::string&>();
+    const auto found = byUri_.find(uri);
+    if (found == byUri_.end()) {
+        throw ResponseError(ErrorCode::InvalidParams, "this document is not open: " + uri);
+    }
+    return *found->second;
+}
+
+const Document* Documents::find(const std::string& name) const {
+    const auto found = byName_.find(name);
+    return found == byName_.end() ? nullptr : found->second.get();
+}
+
+Json rangeIn(const IndexedText& text, SyntaxRange range) {
+    return {{"start", toJson(text.positionOf(range.begin))},
+            {"end", toJson(text.positionOf(range.end))}};
+}
+
+} // namespace stencilor::lsp

@@ -1,0 +1,72 @@
+#ifndef TOOLS_STENCILOR_LSP_LANGUAGESERVER_H
+#define TOOLS_STENCILOR_LSP_LANGUAGESERVER_H
+
+#include <tools/stencilor/lsp/Diagnostics.h>
+#include <tools/stencilor/lsp/MessageQueue.h>
+#include <tools/stencilor/lsp/Session.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace stencilor::lsp {
+
+/// The Language Server Protocol, without the streams: it is given messages, and sends others.
+///
+/// Errors: what is wrong with a message is answered, or, where there is nothing to answer, reported
+///   as a message of the log. What `send` throws reaches the caller.
+/// Threads: one at a time.
+class LanguageServer {
+  public:
+    using Clock = std::chrono::steady_clock;
+    using Send = std::function<void(const Json& message)>;
+
+    /// So long after a change a document is checked: not after each key of a word.
+    static constexpr std::chrono::milliseconds delay{60};
+
+    explicit LanguageServer(Send send);
+    LanguageServer(const LanguageServer&) = delete;
+    LanguageServer& operator=(const LanguageServer&) = delete;
+
+    void receive(const Received& received);
+
+    /// When there is something to do without a message; nothing if there is not.
+    std::optional<Clock::time_point> due() const;
+
+    /// Does it. `goOn` returns false to have it interrupted; it is then due again.
+    void runDue(const Checks::GoOn& goOn);
+
+    bool hasEnded() const { return state_ == State::Ended; }
+
+    /// How the program ends: 0 if the client said so before.
+    int exitStatus() const { return wasShutDown_ ? 0 : 1; }
+
+  private:
+    enum class State { Started, Initialized, ShutDown, Ended };
+
+    void answer(const Json& message, const std::string& method, bool isCancelled);
+    Json callRequest(const std::string& method, const Json& params);
+    void callNotification(const std::string& method, const Json& params);
+    void takeNotification(const std::string& method, const Json& params);
+
+    Json initialize(const Json& params);
+    void watchFiles();
+    void changeFolders(const Json& event);
+    void noteChange(const std::string& name);
+    void noteChangeOfAll();
+
+    void notify(const char* method, Json params);
+    void sendError(const Json& id, ErrorCode code, const std::string& message);
+    void log(const std::string& message);
+
+    Send send_;
+    State state_ = State::Started;
+    bool wasShutDown_ = false;
+    Session session_;
+    DiagnosticsPublisher publisher_;
+    Clock::time_point due_{};
+};
+
+} // namespace stencilor::lsp
+
+#endif

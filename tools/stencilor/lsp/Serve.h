@@ -1,0 +1,14 @@
+#ifndef TOOLS_STENCILOR_LSP_SERVE_H
+#define TOOLS_STENCILOR_LSP_SERVE_H
+
+#include <tools/stencilor/commands/Failure.h>
+
+namespace stencilor::lsp {
+
+/// Serves a client on the standard streams until it says goodbye or is gone.
+/// Errors: throws `Failure` if nothing can be sent any more.
+ExitStatus serve();
+
+} // namespace stencilor::lsp
+
+#endif

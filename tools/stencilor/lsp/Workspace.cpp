@@ -1,0 +1,234 @@
+#include <libKel/Buffer.h>
+#include <libKel/String.h>
+#include <libStencilorAnalysis/text/CodePoint.h>
+#include <libStencilorAnalysis/text/ShownText.h>
+#include <libStencilorJson/JsonText.h>
+#include <tools/stencilor/commands/Failure.h>
+#include <tools/stencilor/lsp/Workspace.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace stencilor::lsp {
+
+using namespace kel::Stencilor::Analysis;
+using kel::Stencilor::Context;
+using kel::Stencilor::JsonError;
+using kel::Stencilor::SyntaxRange;
+using kel::Stencilor::Value;
+
+namespace {
+
+std::optional<std::string> textIn(const Json& settings, const char* name) {
+    const auto found = settings.find(name);
+    if (found == settings.end() || found->is_null() || *found == "") {
+        return std::nullopt;
+    }
+    return found->get<std::string>();
+}
+
+/// The character at a line and a column that count from 1.
+SyntaxRange placeIn(std::string_view text, std::size_t line, std::size_t column) {
+    std::size_t at = 0;
+    for (; line > 1; --line) {
+        at = std::min(text.find('\n', at), text.size() - 1) + 1;
+    }
+    for (; column > 1 && at < text.size(); --column) {
+        at += firstCodePoint(text.substr(at)).size;
+    }
+    const std::size_t size = at < text.size() ? firstCodePoint(text.substr(at)).size : 0;
+    return {static_cast<unsigned int>(at), static_cast<unsigned int>(at + size)};
+}
+
+ContextFile makeContext(const std::string& name, std::string text, bool positions) {
+    ContextFile file{.name = name, .text = std::move(text), .context = std::nullopt};
+    try {
+        const Value values = kel::Stencilor::valueFromJsonText(file.text);
+        file.context.emplace(values, kel::Stencilor::ContextOptions{.positions = positions});
+    } catch (const JsonError& error) {
+        const std::string fault = error.what();
+        const std::size_t reason = fault.find(": ");
+        file.fault = error.line() > 0 && reason != fault.npos ? fault.substr(reason + 2) : fault;
+        file.place = placeIn(file.text, error.line(), error.column());
+    } catch (const std::invalid_argument&) {
+        file.fault = "expected an object, whose members the template can name";
+    } catch (const std::length_error& error) {
+        file.fault = error.what();
+    }
+    return file;
+}
+
+} // namespace
+
+void Workspace::set(const Json& settings) {
+    Settings next;
+    if (settings.is_object()) {
+        next.root = textIn(settings, "root");
+        next.context = textIn(settings, "context");
+        next.positions = settings.value("positions", false);
+        next.emptyLines = settings.value("emptyLines", false);
+    }
+    settings_ = std::move(next);
+    reported_.clear();
+}
+
+/// The outermost folder that may say something about a document; empty for what is not a file.
+std::string Workspace::folderAround(const Document& document) const {
+    std::string folder = document.isFile ? system::folderOf(document.name) : "";
+    for (const std::string& each : folders_) {
+        if (isInside(document.name, each)) {
+            folder = each;
+        }
+    }
+    return !folder.empty() ? folder : folders_.empty() ? "." : folders_.front();
+}
+
+std::optional<Project> Workspace::projectOf(const Document& document) {
+    if (!document.isFile) {
+        return std::nullopt;
+    }
+    const auto file = findProjectFile(system::folderOf(document.name), folderAround(document),
+                                      [this](const std::string& name) { return exists(name); });
+    const auto text = file ? read(*file) : std::nullopt;
+    if (!text) {
+        return std::nullopt;
+    }
+    try {
+        return parseProject(*file, *text);
+    } catch (const Failure& failure) {
+        report(failure.what());
+        return std::nullopt;
+    }
+}
+
+/// A project may name a folder inside the root that is set, and no other one.
+std::string Workspace::rootOf(const Document& document, const std::optional<Project>& project) {
+    const auto openFolder = [this](const std::string& path) {
+        if (kel::Folder::open(path)) {
+            return true;
+        }
+        report("the root " + quote(path) + " is not a folder that can be read");
+        return false;
+    };
+    std::optional<std::string> root;
+    if (settings_.root) {
+        const std::string path =
+            system::identityOf(joinPath(folderAround(document), *settings_.root));
+        root = openFolder(path) ? std::optional(path) : std::nullopt;
+    }
+    if (project && project->root) {
+        if (root && !isInside(*project->root, *root)) {
+            report(project->file + ": the root " + quote(*project->root) +
+                   " is outside of the one that is set, " + quote(*root));
+        } else if (openFolder(*project->root)) {
+            root = project->root;
+        }
+    }
+    return root              ? *root
+           : document.isFile ? system::folderOf(document.name)
+                             : folderAround(document);
+}
+
+Surroundings Workspace::surroundingsOf(const Document& document) {
+    const std::optional<Project> project = projectOf(document);
+    Surroundings around{.root = rootOf(document, project), .context = nullptr};
+    const std::string own = document.name + ".context.json";
+    if (document.isFile && exists(own)) {
+        around.context = context(own);
+        around.isNamed = true;
+    } else if (project && project->context && project->hasContextFor(document.name)) {
+        around.context = context(*project->context);
+        around.isNamed = !project->patterns.empty();
+    } else if (settings_.context && !(project && project->context)) {
+        around.context = context(joinPath(folderAround(document), *settings_.context));
+    }
+    return around;
+}
+
+bool Workspace::exists(const std::string& name) const {
+    return documents_.find(name) != nullptr || system::stateOf(name).has_value();
+}
+
+std::optional<std::string> Workspace::read(const std::string& name) const {
+    if (const Document* const document = documents_.find(name)) {
+        return document->text.text();
+    }
+    try {
+        return system::readFile(name);
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    }
+}
+
+std::shared_ptr<const ContextFile> Workspace::context(const std::string& path) {
+    const std::string name = system::identityOf(path);
+    const Document* const document = documents_.find(name);
+    KnownContext next{.file = nullptr,
+                      .state = document != nullptr ? std::nullopt : system::stateOf(name),
+                      .version = document != nullptr ? document->version : -1,
+                      .positions = settings_.positions};
+    KnownContext& known = contexts_[name];
+    const bool isSame = known.file != nullptr && known.state == next.state &&
+                        known.version == next.version && known.positions == next.positions;
+    if (!isSame) {
+        auto text = read(name);
+        if (!text) {
+            report("the context " + quote(path) + " cannot be read");
+            contexts_.erase(name);
+            return nullptr;
+        }
+        next.file = std::make_shared<const ContextFile>(
+            makeContext(name, std::move(*text), settings_.positions));
+        known = std::move(next);
+    }
+    return known.file;
+}
+
+void Workspace::report(const std::string& fault) {
+    if (reported_.insert(fault).second) {
+        faults_.push_back(fault);
+    }
+}
+
+std::vector<std::string> Workspace::takeFaults() {
+    return std::exchange(faults_, {});
+}
+
+BufferedFolder::BufferedFolder(std::string root, const Documents& documents)
+    : root_(std::move(root)), folder_(kel::Folder::open(root_)), documents_(documents) {}
+
+TemplateReader::Answer BufferedFolder::find(const std::string& path, TemplateText& found) {
+    found.name = joinPath(root_, path);
+    if (!folder_ || !folder_->find(path)) {
+        return findBuffer(path, found);
+    }
+    found.identity = system::identityOf(found.name);
+    found.name = found.identity;
+    if (const Document* const document = documents_.find(found.identity)) {
+        found.text = document->text.text();
+        return Answer::Found;
+    }
+    kel::Buffer<unsigned char> bytes;
+    kel::FileState state;
+    if (folder_->load(path, longestFile, bytes, state) != kel::Folder::Answer::Found) {
+        return Answer::Unreadable;
+    }
+    found.text.assign(reinterpret_cast<const char*>(bytes.data), bytes.size);
+    return Answer::Found;
+}
+
+/// A file that has never been saved.
+TemplateReader::Answer BufferedFolder::findBuffer(const std::string& path,
+                                                  TemplateText& found) const {
+    const Document* const document = documents_.find(found.name);
+    if (document == nullptr || !isInside(found.name, root_) || path.find("..") != path.npos) {
+        return Answer::Missing;
+    }
+    found.identity = found.name;
+    found.text = document->text.text();
+    return Answer::Found;
+}
+
+} // namespace stencilor::lsp

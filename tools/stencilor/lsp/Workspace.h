@@ -1,0 +1,113 @@
+#ifndef TOOLS_STENCILOR_LSP_WORKSPACE_H
+#define TOOLS_STENCILOR_LSP_WORKSPACE_H
+
+#include <libKel/Folder.h>
+#include <libStencilor/Value.h>
+#include <libStencilorAnalysis/template/TemplateReader.h>
+#include <tools/stencilor/commands/ProjectFile.h>
+#include <tools/stencilor/lsp/Documents.h>
+#include <tools/stencilor/system/System.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace stencilor::lsp {
+
+/// What the client sets, of its `initializationOptions` or its configuration.
+struct Settings {
+    std::optional<std::string> root;
+    std::optional<std::string> context;
+    bool positions = false;  ///< as the option `--positions` of the commands
+    bool emptyLines = false; ///< report tags that leave an empty line
+};
+
+/// A context file as it was read.
+struct ContextFile {
+    std::string name;
+    std::string text;
+    std::optional<kel::Stencilor::Context> context; ///< nothing if the text is not as it must be
+    std::string fault{};                            ///< why it is not
+    kel::Stencilor::SyntaxRange place{};            ///< of the fault
+};
+
+/// Where a template looks up its includes and its names.
+struct Surroundings {
+    std::string root;
+    std::shared_ptr<const ContextFile> context; ///< null if none is known
+    bool isNamed = false; ///< a context belongs to this template, not only to those around it
+};
+
+/// The files around the documents, and what is set for them.
+///
+/// Ownership: borrows the documents.
+/// Errors: what is wrong with a setting or a project file is kept for `takeFaults`; the setting
+///   then counts as absent.
+class Workspace {
+  public:
+    explicit Workspace(const Documents& documents) : documents_(documents) {}
+
+    void setFolders(std::vector<std::string> folders) { folders_ = std::move(folders); }
+    const std::vector<std::string>& folders() const { return folders_; }
+
+    /// Errors: throws what the JSON library does where a setting is of another type.
+    void set(const Json& settings);
+    const Settings& settings() const { return settings_; }
+
+    Surroundings surroundingsOf(const Document& document);
+
+    /// The text of a buffer or a file; nothing where there is none.
+    std::optional<std::string> read(const std::string& name) const;
+
+    /// What was found wrong since the last call; each fault once.
+    std::vector<std::string> takeFaults();
+
+  private:
+    struct KnownContext {
+        std::shared_ptr<const ContextFile> file;
+        std::optional<system::FileState> state; // of a file
+        std::int64_t version = -1;              // of a buffer
+        bool positions = false;
+    };
+
+    std::string folderAround(const Document& document) const;
+    std::optional<Project> projectOf(const Document& document);
+    std::string rootOf(const Document& document, const std::optional<Project>& project);
+    bool exists(const std::string& name) const;
+    std::shared_ptr<const ContextFile> context(const std::string& path);
+    void report(const std::string& fault);
+
+    const Documents& documents_;
+    std::vector<std::string> folders_;
+    Settings settings_;
+    std::map<std::string, KnownContext> contexts_;
+    std::set<std::string> reported_;
+    std::vector<std::string> faults_;
+};
+
+/// The templates below a root, as they are in the editor's buffers, or else in their files.
+///
+/// Ownership: borrows the documents.
+class BufferedFolder final : public kel::Stencilor::Analysis::TemplateReader {
+  public:
+    /// What is longer is not read.
+    static constexpr std::uint64_t longestFile = std::uint64_t{64} << 20;
+
+    BufferedFolder(std::string root, const Documents& documents);
+
+    Answer find(const std::string& path, kel::Stencilor::Analysis::TemplateText& found) override;
+
+  private:
+    Answer findBuffer(const std::string& name, kel::Stencilor::Analysis::TemplateText& found) const;
+
+    std::string root_;
+    std::optional<kel::Folder> folder_;
+    const Documents& documents_;
+};
+
+} // namespace stencilor::lsp
+
+#endif
