@@ -29,17 +29,11 @@ std::optional<std::string> textIn(const Json& settings, const char* name) {
     return found->get<std::string>();
 }
 
-/// The character at a line and a column that count from 1.
-SyntaxRange placeIn(std::string_view text, std::size_t line, std::size_t column) {
-    std::size_t at = 0;
-    for (; line > 1; --line) {
-        at = std::min(text.find('\n', at), text.size() - 1) + 1;
-    }
-    for (; column > 1 && at < text.size(); --column) {
-        at += firstCodePoint(text.substr(at)).size;
-    }
-    const std::size_t size = at < text.size() ? firstCodePoint(text.substr(at)).size : 0;
-    return {static_cast<unsigned int>(at), static_cast<unsigned int>(at + size)};
+/// The character at an offset; empty at the end.
+SyntaxRange characterAt(std::string_view text, std::size_t offset) {
+    const std::size_t begin = std::min(offset, text.size());
+    const std::size_t size = begin < text.size() ? firstCodePoint(text.substr(begin)).size : 0;
+    return {static_cast<unsigned int>(begin), static_cast<unsigned int>(begin + size)};
 }
 
 ContextFile makeContext(const std::string& name, std::string text, bool positions) {
@@ -48,10 +42,8 @@ ContextFile makeContext(const std::string& name, std::string text, bool position
         const Value values = kel::Stencilor::valueFromJsonText(file.text);
         file.context.emplace(values, kel::Stencilor::ContextOptions{.positions = positions});
     } catch (const JsonError& error) {
-        const std::string fault = error.what();
-        const std::size_t reason = fault.find(": ");
-        file.fault = error.line() > 0 && reason != fault.npos ? fault.substr(reason + 2) : fault;
-        file.place = placeIn(file.text, error.line(), error.column());
+        file.fault = error.reason();
+        file.place = characterAt(file.text, error.offset());
     } catch (const std::invalid_argument&) {
         file.fault = "expected an object, whose members the template can name";
     } catch (const std::length_error& error) {
