@@ -13,131 +13,68 @@ TEST_F(CallTest, EndsWithStatus2WhereItIsWrong) {
     const struct {
         const char* name;
         std::string command; // whose help is pointed to
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::string message;
     } cases[] = {
-        {"no arguments", "", {}, "no command is given"},
-        {"an unknown command", "", {"frob"}, "unknown command \"frob\""},
-        {"a misspelt command",
-         "",
-         {"rendre", "page.txt"},
+        {"no arguments", "", "", "no command is given"},
+        {"an unknown command", "", "frob", "unknown command \"frob\""},
+        {"a misspelt command", "", "rendre page.txt",
          "unknown command \"rendre\"; did you mean \"render\"?"},
-        {"an unknown option of the program", "", {"--frob"}, "unknown option \"--frob\""},
-        {"a misspelt option of the program",
-         "",
-         {"--versoin"},
+        {"an unknown option of the program", "", "--frob", "unknown option \"--frob\""},
+        {"a misspelt option of the program", "", "--versoin",
          "unknown option \"--versoin\"; did you mean \"--version\"?"},
-        {"an unknown option",
-         "render",
-         {"render", "page.txt", "--frob"},
-         "unknown option \"--frob\""},
-        {"a misspelt option",
-         "check",
-         {"check", "page.txt", "--contxt", "values.json"},
+        {"an unknown option", "render", "render page.txt --frob", "unknown option \"--frob\""},
+        {"a misspelt option", "check", "check page.txt --contxt values.json",
          "unknown option \"--contxt\"; did you mean \"--context\"?"},
-        {"an unknown option and no template",
-         "render",
-         {"render", "--frob"},
+        {"an unknown option and no template", "render", "render --frob",
          "unknown option \"--frob\""},
-        {"an option of another command",
-         "check",
-         {"check", "page.txt", "--strict"},
+        {"an option of another command", "check", "check page.txt --strict",
          "unknown option \"--strict\""},
-        {"an option before the command",
-         "render",
-         {"--strict", "render", "page.txt"},
+        {"an option before the command", "render", "--strict render page.txt",
          "\"--strict\" belongs after the command"},
-        {"no template", "render", {"render"}, "no TEMPLATE is given"},
-        {"no templates", "check", {"check", "--quiet"}, "no TEMPLATE is given"},
-        {"a third file",
-         "render",
-         {"render", "page.txt", "values.json", "more"},
+        {"no template", "render", "render", "no TEMPLATE is given"},
+        {"no templates", "check", "check --quiet", "no TEMPLATE is given"},
+        {"a third file", "render", "render page.txt values.json more",
          "unexpected argument \"more\""},
-        {"a third file whose name begins with a dash",
-         "render",
-         {"render", "--", "page.txt", "values.json", "-x"},
-         "unexpected argument \"-x\""},
-        {"two outputs",
-         "render",
-         {"render", "page.txt", "-o", "a", "-o", "b"},
-         "--output is given twice"},
-        {"two contexts",
-         "render",
-         {"render", "page.txt", "values.json", "--context", "values.json"},
+        {"a third file whose name begins with a dash", "render",
+         "render -- page.txt values.json -x", "unexpected argument \"-x\""},
+        {"two outputs", "render", "render page.txt -o a -o b", "--output is given twice"},
+        {"two contexts", "render", "render page.txt values.json --context values.json",
          "two contexts are given: values.json and values.json"},
-        {"a definition that is missing",
-         "render",
-         {"render", "page.txt", "-D"},
-         "-D needs a value"},
-        {"an output that is missing", "names", {"names", "page.txt", "-o"}, "-o needs a value"},
-        {"the standard input twice",
-         "render",
-         {"render", "-", "-"},
+        {"a definition that is missing", "render", "render page.txt -D", "-D needs a value"},
+        {"an output that is missing", "names", "names page.txt -o", "-o needs a value"},
+        {"the standard input twice", "render", "render - -",
          "only one file can be -, the standard input"},
-        {"the standard input as two templates",
-         "deps",
-         {"deps", "-", "-"},
+        {"the standard input as two templates", "deps", "deps - -",
          "only one file can be -, the standard input"},
-        {"a name of the standard input that is not read",
-         "tree",
-         {"tree", "page.txt", "--stdin-name", "x.txt"},
-         "--stdin-name needs - as the template"},
-        {"a flag with a value",
-         "render",
-         {"render", "page.txt", "--strict=no"},
-         "--strict takes no value"},
-        {"an unknown choice",
-         "names",
-         {"names", "page.txt", "--format", "yaml"},
+        {"a name of the standard input that is not read", "tree",
+         "tree page.txt --stdin-name x.txt", "--stdin-name needs - as the template"},
+        {"a flag with a value", "render", "render page.txt --strict=no", "--strict takes no value"},
+        {"an unknown choice", "names", "names page.txt --format yaml",
          "--format: \"yaml\" is none of text, json, sarif"},
-        {"a misspelt choice",
-         "render",
-         {"render", "page.txt", "--escape", "htlm"},
+        {"a misspelt choice", "render", "render page.txt --escape htlm",
          "--escape: \"htlm\" is none of none, html, json; did you mean \"html\"?"},
-        {"an empty template",
-         "render",
-         {"render", ""},
-         "the file name given for TEMPLATE is empty"},
-        {"an empty context",
-         "render",
-         {"render", "page.txt", ""},
+        {"an empty template", "render", "render ''", "the file name given for TEMPLATE is empty"},
+        {"an empty context", "render", "render page.txt ''",
          "the file name given for CONTEXT is empty"},
-        {"an empty context of another command",
-         "check",
-         {"check", "page.txt", "--context", ""},
+        {"an empty context of another command", "check", "check page.txt --context ''",
          "the file name given for --context is empty"},
-        {"an empty output",
-         "render",
-         {"render", "page.txt", "-o", ""},
+        {"an empty output", "render", "render page.txt -o ''",
          "the file name given for --output is empty"},
-        {"an empty root",
-         "deps",
-         {"deps", "page.txt", "--root="},
-         "the file name given for --root is empty"},
-        {"no number",
-         "render",
-         {"render", "page.txt", "--max-steps", "many"},
+        {"an empty root", "deps",
+         "deps page.txt --root=", "the file name given for --root is empty"},
+        {"no number", "render", "render page.txt --max-steps many",
          "--max-steps: expected a number, or one with K, M or G, not \"many\""},
-        {"too large a number",
-         "render",
-         {"render", "page.txt", "--max-output", "17179869184G"},
+        {"too large a number", "render", "render page.txt --max-output 17179869184G",
          "--max-output: expected a number, or one with K, M or G, not \"17179869184G\""},
-        {"too deep a limit",
-         "render",
-         {"render", "page.txt", "--max-depth", "101"},
+        {"too deep a limit", "render", "render page.txt --max-depth 101",
          "--max-depth: expected a number from 1 to 100, not \"101\""},
-        {"no limit of the depth",
-         "render",
-         {"render", "page.txt", "--max-depth", "0"},
+        {"no limit of the depth", "render", "render page.txt --max-depth 0",
          "--max-depth: expected a number from 1 to 100, not \"0\""},
-        {"help for an unknown command",
-         "",
-         {"help", "chekc"},
+        {"help for an unknown command", "", "help chekc",
          "unknown command \"chekc\"; did you mean \"check\"?"},
-        {"help for two commands", "", {"help", "check", "names"}, "unexpected argument \"names\""},
-        {"a long argument",
-         "",
-         {std::string(300, 'x')},
+        {"help for two commands", "", "help check names", "unexpected argument \"names\""},
+        {"a long argument", "", std::string(300, 'x'),
          "unknown command \"" + std::string(200, 'x') + "...\""},
     };
     for (const auto& [name, command, arguments, message] : cases) {
@@ -155,29 +92,24 @@ TEST_F(CallTest, TakesAContextAndAnyNumberOfTemplates) {
                                 "{{ a }}{% include \"b.txt\" %}\n   ^\n";
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string templates;
         std::string output;
         std::string errors;
     } cases[] = {
-        {"render", {"a.txt"}, "x", warning},
-        {"check", {"a.txt", "b.txt"}, warning, ""},
-        {"names",
-         {"a.txt", "b.txt", "a.txt"},
-         "a  string  a.txt:1\nb  string  b.txt:1  included at a.txt:1\n",
-         warning},
-        {"deps", {"a.txt", "b.txt"}, "b.txt\n", warning},
-        {"tree",
-         {"a.txt", "b.txt"},
+        {"render", "a.txt", "x", warning},
+        {"check", "a.txt b.txt", warning, ""},
+        {"names", "a.txt b.txt a.txt",
+         "a  string  a.txt:1\nb  string  b.txt:1  included at a.txt:1\n", warning},
+        {"deps", "a.txt b.txt", "b.txt\n", warning},
+        {"tree", "a.txt b.txt",
          "a.txt:\n1:1 substitution a\n1:8 include \"b.txt\"\nb.txt:\n1:1 substitution b\n",
          warning},
     };
     for (const auto& [name, templates, output, errors] : cases) {
         SCOPED_TRACE(name);
-        std::vector<std::string> arguments = {name, "--context", "values.json"};
-        arguments.insert(arguments.end(), templates.begin(), templates.end());
-        expectOutcome(runStencilor(arguments), 1, output, errors);
-        arguments.push_back("--quiet");
-        expectOutcome(runStencilor(arguments), 1, errors.empty() ? "" : output, "");
+        const std::string call = std::string(name) + " --context values.json " + templates;
+        expectOutcome(runStencilor(call), 1, output, errors);
+        expectOutcome(runStencilor(call + " --quiet"), 1, errors.empty() ? "" : output, "");
     }
 }
 
@@ -190,22 +122,19 @@ TEST_F(CallTest, WritesMessagesAndResultsInEveryFormat) {
     folder.writeFile("values.json", R"({"b":false,"d":[]})");
     for (const std::string command : {"render", "check", "names", "deps", "tree"}) {
         SCOPED_TRACE(command);
-        std::vector<std::string> arguments = {command,       "page.txt", "--context",
-                                              "values.json", "--format", "json"};
+        const std::string call = command + " page.txt --context values.json --format ";
         const auto messagesOf = [&command](const Outcome& outcome) {
             EXPECT_EQ(outcome.status, 1);
             return Json::parse(command == "check" ? outcome.output : outcome.errors);
         };
-        EXPECT_EQ(messagesOf(runStencilor(arguments))["findings"][0]["rule"], "missing-name");
-        arguments.back() = "sarif";
-        EXPECT_EQ(messagesOf(runStencilor(arguments))["runs"][0]["results"][0]["ruleId"],
+        EXPECT_EQ(messagesOf(runStencilor(call + "json"))["findings"][0]["rule"], "missing-name");
+        EXPECT_EQ(messagesOf(runStencilor(call + "sarif"))["runs"][0]["results"][0]["ruleId"],
                   "missing-name");
-        arguments.insert(arguments.end(), {"--quiet", "-o", "out.txt"});
-        expectOutcome(runStencilor(arguments), 1, "", "");
+        expectOutcome(runStencilor(call + "sarif --quiet -o out.txt"), 1, "", "");
         EXPECT_NE(support::readFile("out.txt"), "");
     }
     const auto resultOf = [](const std::string& command) {
-        return Json::parse(runStencilor({command, "page.txt", "--format", "json"}).output);
+        return Json::parse(runStencilor(command + " page.txt --format json").output);
     };
     EXPECT_EQ(resultOf("names")["names"].size(), 3u);
     EXPECT_EQ(resultOf("deps"), Json::parse(R"({"files": ["part.txt"]})"));
@@ -224,7 +153,7 @@ TEST_F(CallTest, NamesATemplateOnTheStandardInput) {
     folder.writeFile("pages/part.txt", "{{ b }}");
     folder.writeFile("pages/loop.txt", R"({% include "page.txt" %})");
     const Streams unsaved{.input = R"({{ a }}{% include "part.txt" %})"};
-    const std::vector<std::string> name = {"-", "--stdin-name", "pages/page.txt"};
+    const std::string name = " - --stdin-name pages/page.txt";
     const struct {
         const char* command;
         int status;
@@ -244,9 +173,7 @@ TEST_F(CallTest, NamesATemplateOnTheStandardInput) {
     };
     for (const auto& [command, status, output, errors] : cases) {
         SCOPED_TRACE(command);
-        std::vector<std::string> arguments = {command};
-        arguments.insert(arguments.end(), name.begin(), name.end());
-        expectOutcome(runStencilor(arguments, unsaved), status, output, errors);
+        expectOutcome(runStencilor(command + name, unsaved), status, output, errors);
     }
     // What includes the file gets what is not saved.
     const std::string text = R"({% if a %}{% include "loop.txt" %}{% endif %}new)";
@@ -262,39 +189,38 @@ TEST_F(CallTest, ColorsMessagesOnRequest) {
     const std::string colored = "\x1B[1mpage.txt:1:4:\x1B[0m \x1B[1;35mwarning:\x1B[0m "
                                 "\x1B[1mno string is named \"a\"\x1B[0m\n{{ a }}\n"
                                 "\x1B[1;32m   ^\x1B[0m\n";
-    expectOutcome(runStencilor({"render", "page.txt"}), 1, "", plain);
-    expectOutcome(runStencilor({"render", "page.txt", "--color", "never"}), 1, "", plain);
-    expectOutcome(runStencilor({"render", "page.txt", "--color", "always"}), 1, "", colored);
-    expectOutcome(runStencilor({"check", "page.txt", "-D", "b=c", "--color=always"}), 1, colored,
-                  "");
-    runStencilor({"check", "page.txt", "-D", "b=c", "--color=always", "-o", "out.txt"});
+    expectOutcome(runStencilor("render page.txt"), 1, "", plain);
+    expectOutcome(runStencilor("render page.txt --color never"), 1, "", plain);
+    expectOutcome(runStencilor("render page.txt --color always"), 1, "", colored);
+    expectOutcome(runStencilor("check page.txt -D b=c --color=always"), 1, colored, "");
+    runStencilor("check page.txt -D b=c --color=always -o out.txt");
     EXPECT_EQ(support::readFile("out.txt"), plain);
 }
 
 TEST_F(CallTest, PrintsItsVersion) {
-    expectOutcome(runStencilor({"--version"}), 0, "stencilor " STENCILOR_VERSION "\n", "");
+    expectOutcome(runStencilor("--version"), 0, "stencilor " STENCILOR_VERSION "\n", "");
 }
 
 TEST_F(CallTest, PrintsItsHelp) {
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::vector<std::string> parts;
     } cases[] = {
         {"the program's",
-         {"--help"},
+         "--help",
          {"Usage: stencilor [OPTIONS] COMMAND\n", "\nCommands:\n  render "}},
         {"a command's",
-         {"render", "--help"},
+         "render --help",
          {"Usage: stencilor render [OPTIONS] TEMPLATE [CONTEXT]\n", "-D NAME=VALUE", "--output",
           "--root", "--strict", "Exit status:\n"}},
         {"a command's by its name",
-         {"help", "check"},
+         "help check",
          {"Usage: stencilor check [OPTIONS] TEMPLATE...",
           "\nArguments:\n  TEMPLATE ... (required) ", "--format text|json|sarif"}},
-        {"the program's by its name", {"help"}, {"Usage: stencilor [OPTIONS] COMMAND\n"}},
-        {"the help's", {"help", "--help"}, {"Usage: stencilor help "}},
-        {"a command's in short", {"render", "-h"}, {"Usage: stencilor render "}},
+        {"the program's by its name", "help", {"Usage: stencilor [OPTIONS] COMMAND\n"}},
+        {"the help's", "help --help", {"Usage: stencilor help "}},
+        {"a command's in short", "render -h", {"Usage: stencilor render "}},
     };
     for (const auto& [name, arguments, parts] : cases) {
         SCOPED_TRACE(name);
@@ -310,15 +236,15 @@ TEST_F(CallTest, PrintsItsHelp) {
 
 TEST_F(CallTest, TakesAFileWhoseNameBeginsWithADash) {
     folder.writeFile("-x.txt", "text");
-    expectOutcome(runStencilor({"render", "--", "-x.txt"}), 0, "text", "");
+    expectOutcome(runStencilor("render -- -x.txt"), 0, "text", "");
 }
 
 TEST_F(CallTest, TakesFullPathsAndNamesOutsideOfAscii) {
     folder.makeFolder("\u00E9t\u00E9");
     folder.writeFile("\u00E9t\u00E9/\u20AC \U0001F600.txt", "{{ a }}");
     folder.writeFile("\u00E9t\u00E9/\u20AC.json", R"({"a":"b"})");
-    expectOutcome(runStencilor({"render", "\u00E9t\u00E9/\u20AC \U0001F600.txt",
-                                "\u00E9t\u00E9/\u20AC.json", "-o", "\u20AC.out"}),
+    expectOutcome(runStencilor("render '\u00E9t\u00E9/\u20AC \U0001F600.txt' "
+                               "\u00E9t\u00E9/\u20AC.json -o \u20AC.out"),
                   0, "", "");
     EXPECT_EQ(support::readFile(folder.path("\u20AC.out")), "b");
     expectOutcome(runStencilor({"render", folder.path("\u00E9t\u00E9/\u20AC \U0001F600.txt"),
@@ -338,25 +264,21 @@ TEST_F(CallTest, NamesTheFileThatCannotBeRead) {
 #endif
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::string message;
     } cases[] = {
-        {"a template that is not there", {"none.txt"}, "none.txt: " + missing},
-        {"a template that is a folder", {"folder"}, "folder: " + isFolder},
-        {"a context that is not there", {"page.txt", "none.json"}, "none.json: " + missing},
-        {"a context that is a folder", {"page.txt", "folder"}, "folder: " + isFolder},
-        {"a root that is not there",
-         {"page.txt", "--root", "none"},
+        {"a template that is not there", "none.txt", "none.txt: " + missing},
+        {"a template that is a folder", "folder", "folder: " + isFolder},
+        {"a context that is not there", "page.txt none.json", "none.json: " + missing},
+        {"a context that is a folder", "page.txt folder", "folder: " + isFolder},
+        {"a root that is not there", "page.txt --root none",
          "none: not a folder that included files can be read from"},
-        {"a root that is a file",
-         {"page.txt", "--root", "page.txt"},
+        {"a root that is a file", "page.txt --root page.txt",
          "page.txt: not a folder that included files can be read from"},
     };
     for (const auto& [name, arguments, message] : cases) {
         SCOPED_TRACE(name);
-        std::vector<std::string> all = {"render"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        expectOutcome(runStencilor(all), 2, "", "stencilor: " + message + "\n");
+        expectOutcome(runStencilor("render " + arguments), 2, "", "stencilor: " + message + "\n");
     }
 }
 
@@ -364,8 +286,8 @@ TEST_F(CallTest, NamesTheFileThatIsTooLarge) {
     folder.writeFile("page.txt", "text");
     folder.writeSparseFile("huge.txt", std::uint64_t{1} << 32);
     const std::string message = "stencilor: huge.txt: File too large\n";
-    expectOutcome(runStencilor({"render", "huge.txt"}), 2, "", message);
-    expectOutcome(runStencilor({"render", "page.txt", "huge.txt"}), 2, "", message);
+    expectOutcome(runStencilor("render huge.txt"), 2, "", message);
+    expectOutcome(runStencilor("render page.txt huge.txt"), 2, "", message);
 }
 
 } // namespace

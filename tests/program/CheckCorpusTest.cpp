@@ -92,7 +92,7 @@ TEST_F(RenderCorpusTest, EqualsTheEngineByteForByte) {
         folder.writeFile("page", text);
         kel::String errors;
         const kel::String expected = buildOutput(kel::String(text), context, errors);
-        const Outcome outcome = runStencilor({"render", "page", "values.json"});
+        const Outcome outcome = runStencilor("render page values.json");
         EXPECT_EQ(outcome.output, expected.str());
         EXPECT_TRUE(errors.empty() || outcome.status != 0);
     }

@@ -15,10 +15,8 @@ class CheckFormatTest : public ProgramTest {
                          "\u00E9{% if a %}\n{% include \"none.txt\" %}{{ }\n{% endif %}");
     }
 
-    Json check(const std::string& format, const std::vector<std::string>& more = {}) {
-        std::vector<std::string> arguments = {"check", "pages \u00E9/page.txt", "--format", format};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const Outcome outcome = runStencilor(arguments);
+    Json check(const std::string& format) {
+        const Outcome outcome = runStencilor("check 'pages \u00E9/page.txt' --format " + format);
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.errors, "");
         return Json::parse(outcome.output);
@@ -85,9 +83,9 @@ TEST_F(CheckFormatTest, GivesAFullPathAsAUri) {
 
 TEST_F(CheckFormatTest, IsWholeWhereNothingIsFound) {
     folder.writeFile("good.txt", "text");
-    EXPECT_EQ(Json::parse(runStencilor({"check", "good.txt", "--format", "json"}).output),
+    EXPECT_EQ(Json::parse(runStencilor("check good.txt --format json").output),
               Json::parse(R"({"findings": []})"));
-    const Json log = Json::parse(runStencilor({"check", "good.txt", "--format", "sarif"}).output);
+    const Json log = Json::parse(runStencilor("check good.txt --format sarif").output);
     EXPECT_EQ(log["runs"][0]["results"], Json::array());
 }
 

@@ -101,7 +101,7 @@ TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
     for (const auto& [name, text, findings] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        expectOutcome(runStencilor({"check", "page.txt"}), 1, findings, "");
+        expectOutcome(runStencilor("check page.txt"), 1, findings, "");
     }
 }
 
@@ -111,28 +111,29 @@ TEST_F(CheckTest, ReportsNamesThatNoTemplateUses) {
     folder.writeFile("values.json",
                      "{\"b\": {\"m\": 1, \"a.c\": 2},\n \"\u00E9\": 0, \"c\": [\"c\"],\n"
                      " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}");
-    expectOutcome(runStencilor({"check", "page.txt", "more.txt", "--context", "values.json", "-D",
-                                "b=2", "-D", "d:=1", "--unused", "--positions"}),
-                  1,
-                  "-D:2:1: warning: no template uses \"d\"\nd:=1\n^\n"
-                  "values.json:2:2: warning: no template uses \"\u00E9\"\n"
-                  " \"\u00E9\": 0, \"c\": [\"c\"],\n ^~~\n"
-                  "values.json:2:10: warning: no template uses \"c\"\n"
-                  " \"\u00E9\": 0, \"c\": [\"c\"],\n         ^~~\n"
-                  "values.json:3:8: warning: no template uses \"a.value\"\n"
-                  " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n       ^\n"
-                  "values.json:3:29: warning: no template uses \"a.x\"\n"
-                  " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n" +
-                      std::string(28, ' ') + "^~~~~~~~\n",
-                  "");
-    EXPECT_EQ(runStencilor({"check", "page.txt", "--unused"}).status, 2);
+    expectOutcome(
+        runStencilor(
+            "check page.txt more.txt --context values.json -D b=2 -D d:=1 --unused --positions"),
+        1,
+        "-D:2:1: warning: no template uses \"d\"\nd:=1\n^\n"
+        "values.json:2:2: warning: no template uses \"\u00E9\"\n"
+        " \"\u00E9\": 0, \"c\": [\"c\"],\n ^~~\n"
+        "values.json:2:10: warning: no template uses \"c\"\n"
+        " \"\u00E9\": 0, \"c\": [\"c\"],\n         ^~~\n"
+        "values.json:3:8: warning: no template uses \"a.value\"\n"
+        " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n       ^\n"
+        "values.json:3:29: warning: no template uses \"a.x\"\n"
+        " \"a\": [[{\"b\": 1}], {\"b\": 2, \"\\u0078\": 3}]}\n" +
+            std::string(28, ' ') + "^~~~~~~~\n",
+        "");
+    EXPECT_EQ(runStencilor("check page.txt --unused").status, 2);
 }
 
 TEST_F(CheckTest, FindsNothingInATemplate) {
     folder.writeFile("page.txt", R"({% if a %}{{ b }}{% endif %}{% include "part.txt" %})");
     folder.writeFile("part.txt", "{{ c }}");
-    expectOutcome(runStencilor({"check", "page.txt"}), 0, "", "");
-    expectOutcome(runStencilor({"check", "-"}, {.input = "{{ a }}"}), 0, "", "");
+    expectOutcome(runStencilor("check page.txt"), 0, "", "");
+    expectOutcome(runStencilor("check -", {.input = "{{ a }}"}), 0, "", "");
 }
 
 TEST_F(CheckTest, FollowsInclusions) {
@@ -145,53 +146,30 @@ TEST_F(CheckTest, FollowsInclusions) {
     const struct {
         const char* name;
         std::string text;
-        std::vector<std::string> arguments;
+        std::string arguments;
         int status;
         std::string findings;
     } cases[] = {
-        {"a file that is rejected",
-         R"(a{% include "bad.txt" %})",
-         {},
-         1,
+        {"a file that is rejected", R"(a{% include "bad.txt" %})", "", 1,
          "pages/bad.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n"},
         {"each file once",
-         R"({% include "bad.txt" %}{% include "bad.txt" %}{% include "parts/../bad.txt" %})",
-         {},
-         1,
+         R"({% include "bad.txt" %}{% include "bad.txt" %}{% include "parts/../bad.txt" %})", "", 1,
          "pages/bad.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n"},
-        {"a file in a folder",
-         R"({% include "parts/bad.txt" %})",
-         {},
-         1,
+        {"a file in a folder", R"({% include "parts/bad.txt" %})", "", 1,
          "pages/parts/bad.txt:1:3: error: expected \"if\", \"for\" or \"include\"\n{%\n  ^\n"},
-        {"a file below another root",
-         R"({% include "bad.txt" %})",
-         {"--root", "other"},
-         1,
+        {"a file below another root", R"({% include "bad.txt" %})", "--root other", 1,
          "other/bad.txt:1:6: error: expected a name after \"if\"\n{% if\n     ^\n"},
-        {"a file that is missing",
-         "{% include \"none.txt\" %}",
-         {},
-         1,
+        {"a file that is missing", "{% include \"none.txt\" %}", "", 1,
          "pages/page.txt:1:13: " + missing + "{% include \"none.txt\" %}\n            ^~~~~~~~\n"},
-        {"a file outside of the root",
-         "{% include \"parts/../../none.txt\" %}",
-         {},
-         1,
+        {"a file outside of the root", "{% include \"parts/../../none.txt\" %}", "", 1,
          "pages/page.txt:1:13: error: included file \"parts/../../none.txt\" does not exist\n"
          "{% include \"parts/../../none.txt\" %}\n            ^~~~~~~~~~~~~~~~~~~~\n"},
-        {"the files before a fault",
-         "{% include \"none.txt\" %}{{",
-         {},
-         1,
+        {"the files before a fault", "{% include \"none.txt\" %}{{", "", 1,
          "pages/page.txt:1:13: " + missing +
              "{% include \"none.txt\" %}{{\n            ^~~~~~~~\n"
              "pages/page.txt:1:27: error: expected a name after \"{{\"\n"
              "{% include \"none.txt\" %}{{\n                          ^\n"},
-        {"a file that includes itself",
-         "{% include \"page.txt\" %}",
-         {},
-         1,
+        {"a file that includes itself", "{% include \"page.txt\" %}", "", 1,
          "pages/page.txt:1:13: error: the file always includes itself: pages/page.txt -> "
          "pages/page.txt\n"
          "{% include \"page.txt\" %}\n            ^~~~~~~~\n"},
@@ -200,9 +178,7 @@ TEST_F(CheckTest, FollowsInclusions) {
         SCOPED_TRACE(name);
         folder.writeFile("none.txt", "above the root");
         folder.writeFile("pages/page.txt", text);
-        std::vector<std::string> all = {"check", "pages/page.txt"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        expectOutcome(runStencilor(all), status, findings, "");
+        expectOutcome(runStencilor("check pages/page.txt " + arguments), status, findings, "");
     }
 }
 
@@ -234,7 +210,7 @@ TEST_F(CheckTest, TellsCyclesThatMayEndFromThoseThatCannot) {
         folder.writeFile("page.txt", toA + toB);
         folder.writeFile("a.txt", a);
         folder.writeFile("b.txt", b);
-        const Outcome outcome = runStencilor({"check", "page.txt"});
+        const Outcome outcome = runStencilor("check page.txt");
         EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n')), finding);
         EXPECT_EQ(outcome.output.find("itself", finding.size()), std::string::npos);
         EXPECT_EQ(outcome.status, outcome.output.find("error: ") == std::string::npos ? 0 : 1);
@@ -246,7 +222,7 @@ TEST_F(CheckTest, NamesTheFirstAndTheLastFilesOfALongCycle) {
         folder.writeFile("f" + std::to_string(i) + ".txt",
                          "{% include \"f" + std::to_string((i + 1) % 9) + ".txt\" %}");
     }
-    const Outcome outcome = runStencilor({"check", "f0.txt"});
+    const Outcome outcome = runStencilor("check f0.txt");
     EXPECT_NE(outcome.output.find(
                   " f0.txt -> f1.txt -> f2.txt -> ... -> f6.txt -> f7.txt -> f8.txt -> f0.txt\n"),
               std::string::npos)
@@ -259,13 +235,13 @@ TEST_F(CheckTest, GoesOnBehindWhatIsWrong) {
     folder.writeFile("c.txt", "{%");
     const std::string a = "a.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n";
     const std::string c = "c.txt:1:3: error: expected \"if\", \"for\" or \"include\"\n{%\n  ^\n";
-    expectOutcome(runStencilor({"check", "a.txt", "b.txt", "c.txt", "a.txt"}), 1, a + c, "");
+    expectOutcome(runStencilor("check a.txt b.txt c.txt a.txt"), 1, a + c, "");
 #ifdef _WIN32
     const std::string reason = "File not found";
 #else
     const std::string reason = "No such file or directory";
 #endif
-    expectOutcome(runStencilor({"check", "none.txt", "c.txt"}), 2, c,
+    expectOutcome(runStencilor("check none.txt c.txt"), 2, c,
                   "stencilor: none.txt: " + reason + "\n");
 }
 
@@ -315,7 +291,7 @@ TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
     for (const auto& [name, text, warnings] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        const Outcome outcome = runStencilor({"check", "page.txt", "--context", "values.json"});
+        const Outcome outcome = runStencilor("check page.txt --context values.json");
         EXPECT_EQ(outcome.status, warnings.empty() ? 0 : 1);
         EXPECT_EQ(outcome.errors, "");
         std::string found;
@@ -334,9 +310,9 @@ TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
 
 TEST_F(CheckTest, TakesDefinitionsForAContext) {
     folder.writeFile("page.txt", "{{ a }}");
-    expectOutcome(runStencilor({"check", "page.txt", "-D", "a=x"}), 0, "", "");
-    EXPECT_EQ(runStencilor({"check", "page.txt", "-D", "b=x"}).status, 1);
-    EXPECT_EQ(runStencilor({"check", "page.txt"}).status, 0);
+    expectOutcome(runStencilor("check page.txt -D a=x"), 0, "", "");
+    EXPECT_EQ(runStencilor("check page.txt -D b=x").status, 1);
+    EXPECT_EQ(runStencilor("check page.txt").status, 0);
 }
 
 TEST_F(CheckTest, EndsWithRecursionOverAContext) {
@@ -344,14 +320,14 @@ TEST_F(CheckTest, EndsWithRecursionOverAContext) {
                      R"({"all":[{"n":"a","all":[{"n":"b","all":[]},{"all":[]}]}],"more":true})");
     folder.writeFile("page.txt", R"({% for x in all %}{{ n }}{% include "page.txt" %}{% endfor %})"
                                  R"({% if more %}{% include "page.txt" %}{% endif %})");
-    const Outcome outcome = runStencilor({"check", "page.txt", "--context", "values.json"});
+    const Outcome outcome = runStencilor("check page.txt --context values.json");
     EXPECT_EQ(outcome.status, 0); // names are found in the elements around, too
     EXPECT_NE(outcome.output.find("note: the file includes itself"), std::string::npos);
 }
 
 TEST_F(CheckTest, WritesTheOutputToAFile) {
     folder.writeFile("page.txt", "{{");
-    expectOutcome(runStencilor({"check", "page.txt", "-o", "findings.txt"}), 1, "", "");
+    expectOutcome(runStencilor("check page.txt -o findings.txt"), 1, "", "");
     EXPECT_EQ(support::readFile("findings.txt"),
               "page.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n");
 }

@@ -222,7 +222,27 @@ Outcome run(const std::vector<std::string>& arguments, const Streams& streams) {
 
 } // namespace
 
-Outcome runStencilor(const std::vector<std::string>& arguments, const Streams& streams) {
+Arguments::Arguments(const std::string& line) {
+    bool isQuoted = false;
+    bool isOpen = false;
+    for (const char character : line) {
+        if (character == ' ' && !isQuoted) {
+            isOpen = false;
+            continue;
+        }
+        if (!isOpen) {
+            emplace_back();
+            isOpen = true;
+        }
+        if (character == '\'') {
+            isQuoted = !isQuoted;
+        } else {
+            back() += character;
+        }
+    }
+}
+
+Outcome runStencilor(const Arguments& arguments, const Streams& streams) {
     return run(arguments, streams);
 }
 
@@ -260,7 +280,7 @@ Outcome runShell(const std::string& command, const Streams& streams) {
 
 #endif
 
-RunningStencilor::RunningStencilor(const std::vector<std::string>& arguments)
+RunningStencilor::RunningStencilor(const Arguments& arguments)
     : child_(std::make_unique<Child>(arguments)) {}
 
 RunningStencilor::~RunningStencilor() = default;

@@ -1,8 +1,10 @@
 #ifndef TESTS_PROGRAM_CHILDPROCESS_H
 #define TESTS_PROGRAM_CHILDPROCESS_H
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace program {
@@ -21,14 +23,23 @@ struct Streams {
     std::string outputFile{}; ///< an existing file to write to; then `Outcome::output` is empty
 };
 
+/// The arguments of a call: a list of them, or a line that holds them between spaces. In a line,
+/// what is between '...' belongs to one argument.
+struct Arguments : std::vector<std::string> {
+    Arguments(std::initializer_list<std::string> list) : vector(list) {}
+    Arguments(std::vector<std::string> list) : vector(std::move(list)) {}
+    Arguments(const std::string& line);
+    Arguments(const char* line) : Arguments(std::string(line)) {}
+};
+
 /// Runs `stencilor` in the working directory and waits for its end.
 /// Errors: throws `std::system_error` where it cannot be started.
-Outcome runStencilor(const std::vector<std::string>& arguments, const Streams& streams = {});
+Outcome runStencilor(const Arguments& arguments, const Streams& streams = {});
 
 /// `stencilor` in the working directory, from which nothing is read. It is ended with this object.
 class RunningStencilor {
   public:
-    explicit RunningStencilor(const std::vector<std::string>& arguments);
+    explicit RunningStencilor(const Arguments& arguments);
     RunningStencilor(const RunningStencilor&) = delete;
     RunningStencilor& operator=(const RunningStencilor&) = delete;
     ~RunningStencilor();

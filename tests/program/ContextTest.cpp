@@ -76,17 +76,16 @@ TEST_F(ContextTest, LosesTheDottedNamesOfAnObjectThatIsReplaced) {
 
 TEST_F(ContextTest, IsEmptyWhereNoneIsGiven) {
     folder.writeFile("page.txt", "[{{ a }}]");
-    expectOutcome(runStencilor({"render", "page.txt"}), 1, "[]",
+    expectOutcome(runStencilor("render page.txt"), 1, "[]",
                   "page.txt:1:5: warning: no string is named \"a\"\n[{{ a }}]\n    ^\n");
-    expectOutcome(runStencilor({"render", "page.txt", "-D", "a=x"}), 0, "[x]", "");
+    expectOutcome(runStencilor("render page.txt -D a=x"), 0, "[x]", "");
 }
 
 TEST_F(ContextTest, DefinitionsStandWhereverOptionsDo) {
     folder.writeFile("page.txt", "{{ a }}{{ b }}");
     folder.writeFile("values.json", R"({"a":"1"})");
-    expectOutcome(runStencilor({"render", "-Db=2", "page.txt", "values.json"}), 0, "12", "");
-    expectOutcome(runStencilor({"render", "-D", "b=2", "page.txt", "-D", "a=3", "values.json"}), 0,
-                  "32", "");
+    expectOutcome(runStencilor("render -Db=2 page.txt values.json"), 0, "12", "");
+    expectOutcome(runStencilor("render -D b=2 page.txt -D a=3 values.json"), 0, "32", "");
 }
 
 TEST_F(ContextTest, NamesFileLineAndColumnOfWhatIsWrong) {
@@ -110,9 +109,9 @@ TEST_F(ContextTest, NamesFileLineAndColumnOfWhatIsWrong) {
     for (const auto& [name, json, message] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("values.json", json);
-        expectOutcome(runStencilor({"render", "page.txt", "values.json"}), 2, "",
+        expectOutcome(runStencilor("render page.txt values.json"), 2, "",
                       "stencilor: values.json:" + message + "\n");
-        expectOutcome(runStencilor({"render", "page.txt", "-"}, {.input = json}), 2, "",
+        expectOutcome(runStencilor("render page.txt -", {.input = json}), 2, "",
                       "stencilor: <stdin>:" + message + "\n");
     }
 }
@@ -160,7 +159,7 @@ TEST_F(ContextTest, IsRefusedWhereItsDottedNamesWouldTakeTooMuch) {
     }
     const std::string value(2 * 1024 * 1024, 'x');
     folder.writeFile("values.json", openings + '"' + value + '"' + std::string(300, '}'));
-    expectOutcome(runStencilor({"render", "page.txt", "values.json"}), 2, "",
+    expectOutcome(runStencilor("render page.txt values.json"), 2, "",
                   "stencilor: the context is too large: the dotted names of its nested "
                   "dictionaries would take over 512 MiB\n");
 }

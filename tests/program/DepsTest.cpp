@@ -16,25 +16,22 @@ class DepsTest : public ProgramTest {
 };
 
 TEST_F(DepsTest, ListsEachIncludedFileOnce) {
-    expectOutcome(runStencilor({"deps", "pages/page.txt"}), 0, "pages/parts/a.txt\npages/b.txt\n",
-                  "");
-    expectOutcome(runStencilor({"deps", "pages/b.txt"}), 0, "", "");
+    expectOutcome(runStencilor("deps pages/page.txt"), 0, "pages/parts/a.txt\npages/b.txt\n", "");
+    expectOutcome(runStencilor("deps pages/b.txt"), 0, "", "");
 }
 
 TEST_F(DepsTest, ListsFilesBelowAnotherRoot) {
     folder.makeFolder("other");
     folder.writeFile("other/b.txt", "text");
     folder.writeFile("pages/short.txt", R"({% include "b.txt" %})");
-    expectOutcome(runStencilor({"deps", "pages/short.txt", "--root", "other"}), 0, "other/b.txt\n",
-                  "");
-    expectOutcome(
-        runStencilor({"deps", "-", "--root", "other/"}, {.input = R"({% include "b.txt" %})"}), 0,
-        "other/b.txt\n", "");
+    expectOutcome(runStencilor("deps pages/short.txt --root other"), 0, "other/b.txt\n", "");
+    expectOutcome(runStencilor("deps - --root other/", {.input = R"({% include "b.txt" %})"}), 0,
+                  "other/b.txt\n", "");
 }
 
 TEST_F(DepsTest, ListsFilesThatAreMissing) {
     folder.writeFile("page.txt", R"({% include "none.txt" %})");
-    expectOutcome(runStencilor({"deps", "page.txt"}), 1, "none.txt\n",
+    expectOutcome(runStencilor("deps page.txt"), 1, "none.txt\n",
                   "page.txt:1:13: error: included file \"none.txt\" does not exist\n"
                   "{% include \"none.txt\" %}\n            ^~~~~~~~\n");
 }
@@ -45,29 +42,23 @@ TEST_F(DepsTest, WritesARuleOfMake) {
     folder.writeFile("p q$#/row.txt", "text");
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::string rule;
     } cases[] = {
-        {"files",
-         {"pages/page.txt", "--depfile", "out.html"},
+        {"files", "pages/page.txt --depfile out.html",
          "out.html: pages/page.txt \\\n  pages/parts/a.txt \\\n  pages/b.txt\n"},
-        {"no inclusions", {"pages/b.txt", "--depfile", "out.html"}, "out.html: pages/b.txt\n"},
-        {"names that must be escaped",
-         {"p q$#/page.txt", "--depfile", "a b#c$d"},
+        {"no inclusions", "pages/b.txt --depfile out.html", "out.html: pages/b.txt\n"},
+        {"names that must be escaped", "'p q$#/page.txt' --depfile 'a b#c$d'",
          "a\\ b\\#c$$d: p\\ q$$\\#/page.txt \\\n  p\\ q$$\\#/row.txt\n"},
-        {"backslashes",
-         {"pages/b.txt", "--depfile", R"(a\b\\ c)"},
+        {"backslashes", R"(pages/b.txt --depfile 'a\b\\ c')",
          R"(a\b\\\\\ c: pages/b.txt)"
          "\n"},
     };
     for (const auto& [name, arguments, rule] : cases) {
         SCOPED_TRACE(name);
-        std::vector<std::string> all = {"deps"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        expectOutcome(runStencilor(all), 0, rule, "");
+        expectOutcome(runStencilor("deps " + arguments), 0, rule, "");
     }
-    expectOutcome(runStencilor({"deps", "-", "--depfile", "out"}, {.input = "text"}), 0, "out:\n",
-                  "");
+    expectOutcome(runStencilor("deps - --depfile out", {.input = "text"}), 0, "out:\n", "");
     expectOutcome(runStencilor({"deps", "pages/b.txt", "--depfile", "a\nb"}), 2, "",
                   "stencilor: a rule of Make cannot hold the line break in a\\nb\n");
 }
@@ -80,8 +71,7 @@ TEST_F(DepsTest, WritesARuleThatMakeReads) {
     folder.makeFolder("p q$#");
     folder.writeFile("p q$#/page.txt", R"({% include "row.txt" %})");
     folder.writeFile("p q$#/row.txt", "text");
-    expectOutcome(runStencilor({"deps", "p q$#/page.txt", "--depfile", "o u$t", "-o", "rules"}), 0,
-                  "", "");
+    expectOutcome(runStencilor("deps 'p q$#/page.txt' --depfile 'o u$t' -o rules"), 0, "", "");
     folder.writeFile("Makefile", "include rules\no\\ u$$t:\n\t@touch '$@'\n");
     EXPECT_EQ(runShell("make -s 'o u$t' && make -q 'o u$t'").status, 0);
     // The file is older than what it depends on, and is to be made again.

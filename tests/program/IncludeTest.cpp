@@ -21,60 +21,39 @@ class IncludeTest : public ProgramTest {
 TEST_F(IncludeTest, FindsFilesBelowTheRootOnly) {
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::string input;
         std::string output;
         std::string errors;
     } cases[] = {
-        {"the template's folder", {"pages/page.txt"}, "", "[beside the page]", ""},
-        {"a folder in it", {"pages/deep.txt"}, "", "[below the page]", ""},
-        {"the template's folder by its full path",
-         {folder.path("pages/page.txt")},
-         "",
-         "[beside the page]",
-         ""},
-        {"another root", {"pages/page.txt", "--root", "other"}, "", "[elsewhere]", ""},
-        {"another root above",
-         {"pages/page.txt", "--root", "."},
-         "",
-         "[in the working directory]",
-         ""},
-        {"the working directory, for a template from the standard input",
-         {"-"},
-         R"([{% include "part.txt" %}])",
-         "[in the working directory]",
-         ""},
-        {"another root, for a template from the standard input",
-         {"-", "--root", "other"},
-         R"([{% include "part.txt" %}])",
-         "[elsewhere]",
-         ""},
-        {"not above it",
-         {"pages/up.txt"},
-         "",
-         "[]",
+        {"the template's folder", "pages/page.txt", "", "[beside the page]", ""},
+        {"a folder in it", "pages/deep.txt", "", "[below the page]", ""},
+        {"the template's folder by its full path", folder.path("pages/page.txt"), "",
+         "[beside the page]", ""},
+        {"another root", "pages/page.txt --root other", "", "[elsewhere]", ""},
+        {"another root above", "pages/page.txt --root .", "", "[in the working directory]", ""},
+        {"the working directory, for a template from the standard input", "-",
+         R"([{% include "part.txt" %}])", "[in the working directory]", ""},
+        {"another root, for a template from the standard input", "- --root other",
+         R"([{% include "part.txt" %}])", "[elsewhere]", ""},
+        {"not above it", "pages/up.txt", "", "[]",
          "pages/up.txt:1:14: warning: included file \"parts/../../part.txt\" does not exist\n"
          "[{% include \"parts/../../part.txt\" %}]\n             ^~~~~~~~~~~~~~~~~~~~\n"},
-        {"not where another root has it",
-         {"pages/deep.txt", "--root", "other"},
-         "",
-         "[]",
+        {"not where another root has it", "pages/deep.txt --root other", "", "[]",
          "pages/deep.txt:1:14: warning: included file \"parts/part.txt\" does not exist\n"
          "[{% include \"parts/part.txt\" %}]\n             ^~~~~~~~~~~~~~\n"},
     };
     for (const auto& [name, arguments, input, output, errors] : cases) {
         SCOPED_TRACE(name);
-        std::vector<std::string> all = {"render"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        expectOutcome(runStencilor(all, {.input = input}), errors.empty() ? 0 : 1, output, errors);
+        expectOutcome(runStencilor("render " + arguments, {.input = input}), errors.empty() ? 0 : 1,
+                      output, errors);
     }
 }
 
 TEST_F(IncludeTest, DoesNotConfineTheFilesThatAreNamed) {
     folder.writeFile("values.json", R"({"a":"x"})");
     folder.writeFile("pages/value.txt", "{{ a }}");
-    expectOutcome(runStencilor({"render", "pages/value.txt", "values.json", "--root", "other", "-o",
-                                "pages/out.txt"}),
+    expectOutcome(runStencilor("render pages/value.txt values.json --root other -o pages/out.txt"),
                   0, "", "");
     EXPECT_EQ(support::readFile(folder.path("pages/out.txt")), "x");
 }
@@ -84,7 +63,7 @@ TEST_F(IncludeTest, IsRefusedThroughALinkThatLeavesTheRoot) {
         GTEST_SKIP() << "no links on this system";
     }
     folder.writeFile("pages/linked.txt", R"([{% include "link.txt" %}])");
-    expectOutcome(runStencilor({"render", "pages/linked.txt"}), 1, "[]",
+    expectOutcome(runStencilor("render pages/linked.txt"), 1, "[]",
                   "pages/linked.txt:1:14: warning: included file \"link.txt\" does not exist\n"
                   "[{% include \"link.txt\" %}]\n             ^~~~~~~~\n");
 }

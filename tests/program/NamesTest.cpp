@@ -20,7 +20,7 @@ class NamesTest : public ProgramTest {
 };
 
 TEST_F(NamesTest, AreListedWithWhereTheyStand) {
-    expectOutcome(runStencilor({"names", "page.txt"}), 0,
+    expectOutcome(runStencilor("names page.txt"), 0,
                   "title       string   page.txt:1, page.txt:4\n"
                   "new         boolean  page.txt:1\n"
                   "shop.items  list     page.txt:2\n"
@@ -35,7 +35,7 @@ TEST_F(NamesTest, AreListedWithWhereTheyStand) {
 }
 
 TEST_F(NamesTest, AreListedAsJson) {
-    const Outcome outcome = runStencilor({"names", "page.txt", "--format", "json"});
+    const Outcome outcome = runStencilor("names page.txt --format json");
     EXPECT_EQ(outcome.status, 0);
     const Json names = Json::parse(outcome.output)["names"];
     ASSERT_EQ(names.size(), 8u);
@@ -66,13 +66,13 @@ TEST_F(NamesTest, AreListedWithFivePlacesOfEachKindAndTheNumberOfTheOthers) {
     }
     folder.writeFile("case.txt", page);
     folder.writeFile("part.txt", loops + names + ends);
-    const std::string list = runStencilor({"names", "case.txt"}).output;
+    const std::string list = runStencilor("names case.txt").output;
     EXPECT_EQ(
         list.substr(list.find("x ")),
         "x   string  part.txt:2, part.txt:3, part.txt:4, part.txt:5, part.txt:6 and 1 more  "
         "1 loop around, for b in bs, for c in cs, for d in ds, for e in es, for f in fs; "
         "included at case.txt:1, case.txt:2, case.txt:3, case.txt:4, case.txt:5 and 1 more\n");
-    const Json json = Json::parse(runStencilor({"names", "case.txt", "--format", "json"}).output);
+    const Json json = Json::parse(runStencilor("names case.txt --format json").output);
     const Json& last = json["names"].back();
     EXPECT_EQ(last["places"].size(), 6u);
     EXPECT_EQ(last["moreLoops"], 1);
@@ -81,7 +81,7 @@ TEST_F(NamesTest, AreListedWithFivePlacesOfEachKindAndTheNumberOfTheOthers) {
 }
 
 TEST_F(NamesTest, MakeASkeletonToFillIn) {
-    const Outcome outcome = runStencilor({"names", "page.txt", "--skeleton"});
+    const Outcome outcome = runStencilor("names page.txt --skeleton");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(Json::parse(outcome.output), Json::parse(R"({"title": "", "new": true,
@@ -121,17 +121,17 @@ TEST_F(NamesTest, MakeASkeletonThatLacksNothing) {
     for (const auto& [name, text, skeleton] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("case.txt", text);
-        const Outcome outcome = runStencilor({"names", "case.txt", "--skeleton"});
+        const Outcome outcome = runStencilor("names case.txt --skeleton");
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(Json::parse(outcome.output), Json::parse(skeleton));
         folder.writeFile("case.json", outcome.output);
-        expectOutcome(runStencilor({"check", "case.txt", "--context", "case.json"}), 0, "", "");
+        expectOutcome(runStencilor("check case.txt --context case.json"), 0, "", "");
     }
 }
 
 TEST_F(NamesTest, OfTwoKindsAreTold) {
     folder.writeFile("case.txt", "{% if a %}{% for x in a %}{{ x.y }}{% endfor %}{% endif %}");
-    const Outcome outcome = runStencilor({"names", "case.txt", "--skeleton"});
+    const Outcome outcome = runStencilor("names case.txt --skeleton");
     expectOutcome(outcome, 1, "{\n  \"a\": true\n}\n",
                   "stencilor: case.txt: \"a\" is asked for as a boolean and as a list\n");
 }
@@ -141,18 +141,17 @@ TEST_F(NamesTest, OfARejectedTemplateAreNotListed) {
     folder.writeFile("out.txt", "before");
     const std::string message =
         "case.txt:1:10: error: expected a name after \"{{\"\n{{ a }}{{\n         ^\n";
-    expectOutcome(runStencilor({"names", "case.txt", "-o", "out.txt"}), 3, "", message);
-    expectOutcome(runStencilor({"names", "case.txt", "--skeleton", "-o", "out.txt"}), 3, "",
-                  message);
-    expectOutcome(runStencilor({"tree", "case.txt", "-o", "out.txt"}), 3, "", message);
-    expectOutcome(runStencilor({"deps", "case.txt", "-o", "out.txt"}), 3, "", message);
+    expectOutcome(runStencilor("names case.txt -o out.txt"), 3, "", message);
+    expectOutcome(runStencilor("names case.txt --skeleton -o out.txt"), 3, "", message);
+    expectOutcome(runStencilor("tree case.txt -o out.txt"), 3, "", message);
+    expectOutcome(runStencilor("deps case.txt -o out.txt"), 3, "", message);
     EXPECT_EQ(support::readFile("out.txt"), "before");
 }
 
 TEST_F(NamesTest, AreListedInSpiteOfAnIncludedFileThatIsMissingOrRejected) {
     folder.writeFile("case.txt", R"({% include "none.txt" %}{% include "bad.txt" %}{{ a }})");
     folder.writeFile("bad.txt", "{{ b }}{{");
-    expectOutcome(runStencilor({"names", "case.txt"}), 1,
+    expectOutcome(runStencilor("names case.txt"), 1,
                   "b  string  bad.txt:1   included at case.txt:1\na  string  case.txt:1\n",
                   "case.txt:1:13: error: included file \"none.txt\" does not exist\n"
                   "{% include \"none.txt\" %}{% include \"bad.txt\" %}{{ a }}\n"
@@ -163,7 +162,7 @@ TEST_F(NamesTest, AreListedInSpiteOfAnIncludedFileThatIsMissingOrRejected) {
 TEST_F(NamesTest, AreListedOnceWhereAFileIncludesItself) {
     folder.writeFile("case.txt",
                      R"({% for x in xs %}{{ x.n }}{% include "case.txt" %}{% endfor %})");
-    expectOutcome(runStencilor({"names", "case.txt"}), 0,
+    expectOutcome(runStencilor("names case.txt"), 0,
                   "xs   list    case.txt:1  included at case.txt:1\n"
                   "x.n  string  case.txt:1  for x in xs; included at case.txt:1\n",
                   "");

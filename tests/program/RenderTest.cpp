@@ -74,16 +74,13 @@ TEST_F(RenderTest, LeavesGapsAndSaysWhereUnlessItIsStrict) {
         const int status = messages.empty() ? 0 : 1;
         folder.writeFile("page.txt", text);
         folder.writeFile("out.txt", "before");
-        expectOutcome(runStencilor({"render", "page.txt", "values.json"}), status, output,
-                      messages);
+        expectOutcome(runStencilor("render page.txt values.json"), status, output, messages);
         const std::string errors =
             std::regex_replace(messages, std::regex(": warning: "), ": error: ");
-        expectOutcome(
-            runStencilor({"render", "page.txt", "values.json", "--strict", "-o", "out.txt"}),
-            status, "", errors);
+        expectOutcome(runStencilor("render page.txt values.json --strict -o out.txt"), status, "",
+                      errors);
         EXPECT_EQ(support::readFile("out.txt"), messages.empty() ? output : "before");
-        expectOutcome(runStencilor({"render", "page.txt", "values.json", "--quiet"}), status,
-                      output, "");
+        expectOutcome(runStencilor("render page.txt values.json --quiet"), status, output, "");
     }
 }
 
@@ -103,14 +100,13 @@ TEST_F(RenderTest, DiagnosesATemplateThatIsRejected) {
     for (const auto& [name, text, messages] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        for (const std::vector<std::string>& arguments :
-             {std::vector<std::string>{"render", "page.txt", "values.json"},
-              {"render", "page.txt", "values.json", "--strict"},
-              {"render", "page.txt", "values.json", "-o", "out.txt"}}) {
+        for (const char* const arguments :
+             {"render page.txt values.json", "render page.txt values.json --strict",
+              "render page.txt values.json -o out.txt"}) {
             expectOutcome(runStencilor(arguments), 3, "", messages);
         }
         EXPECT_EQ(support::readFile("out.txt"), "before");
-        EXPECT_EQ(runStencilor({"render", "-"}, {.input = text}).errors,
+        EXPECT_EQ(runStencilor("render -", {.input = text}).errors,
                   std::regex_replace(messages, std::regex("page.txt:"), "<stdin>:"));
     }
 }
@@ -121,10 +117,10 @@ TEST_F(RenderTest, CountsTheMessagesThatAreNotKept) {
         text += "{{ x }}\n";
     }
     folder.writeFile("page.txt", text);
-    const auto ended = runStencilor({"render", "page.txt", "--max-output", "1200"});
+    const auto ended = runStencilor("render page.txt --max-output 1200");
     EXPECT_EQ(ended.errors.substr(ended.errors.rfind("note: ")),
               "note: and 201 more messages, about these places or others\n{{ x }}\n       ^\n");
-    EXPECT_EQ(runStencilor({"render", "page.txt"}).errors.find("note: "), std::string::npos);
+    EXPECT_EQ(runStencilor("render page.txt").errors.find("note: "), std::string::npos);
 }
 
 TEST_F(RenderTest, EndsAtALimit) {
@@ -133,42 +129,33 @@ TEST_F(RenderTest, EndsAtALimit) {
     folder.writeFile("long.txt", "123456789012345");
     const struct {
         const char* name;
-        std::vector<std::string> arguments;
+        std::string arguments;
         std::string message; // empty where there is no limit
     } cases[] = {
-        {"a template that includes itself",
-         {"endless.txt"},
+        {"a template that includes itself", "endless.txt",
          "endless.txt:1:13: error: includes are nested deeper than 100 (--max-depth)\n"},
-        {"a depth that is chosen",
-         {"page.txt", "values.json", "--max-depth", "1", "--max-output", "4"},
+        {"a depth that is chosen", "page.txt values.json --max-depth 1 --max-output 4",
          "page.txt:1:1: error: the output has more bytes than 4 (--max-output)\n"},
-        {"enough output", {"page.txt", "values.json", "--max-output", "21"}, ""},
-        {"any output", {"page.txt", "values.json", "--max-output", "0"}, ""},
-        {"output in KiB", {"page.txt", "values.json", "--max-output", "1200"}, ""},
-        {"too much output",
-         {"page.txt", "values.json", "--max-output", "20"},
+        {"enough output", "page.txt values.json --max-output 21", ""},
+        {"any output", "page.txt values.json --max-output 0", ""},
+        {"output in KiB", "page.txt values.json --max-output 1200", ""},
+        {"too much output", "page.txt values.json --max-output 20",
          "long.txt:1:1: error: the output has more bytes than 20 (--max-output)\n"},
-        {"enough templates", {"page.txt", "values.json", "--max-templates", "51"}, ""},
-        {"too long an included template",
-         {"page.txt", "values.json", "--max-templates", "50"},
+        {"enough templates", "page.txt values.json --max-templates 51", ""},
+        {"too long an included template", "page.txt values.json --max-templates 50",
          "page.txt:1:25: error: the templates have more bytes than 50 (--max-templates)\n"},
-        {"nothing left for included templates",
-         {"page.txt", "values.json", "--max-templates", "36"},
+        {"nothing left for included templates", "page.txt values.json --max-templates 36",
          "page.txt:1:25: error: the templates have more bytes than 36 (--max-templates)\n"},
-        {"too long a template",
-         {"page.txt", "values.json", "--max-templates", "35"},
+        {"too long a template", "page.txt values.json --max-templates 35",
          "page.txt:1:1: error: the template has more bytes than 35 (--max-templates)\n"},
-        {"enough steps", {"page.txt", "values.json", "--max-steps", "4"}, ""},
-        {"too many steps",
-         {"page.txt", "values.json", "--max-steps", "3"},
+        {"enough steps", "page.txt values.json --max-steps 4", ""},
+        {"too many steps", "page.txt values.json --max-steps 3",
          "long.txt:1:1: error: rendering takes more steps than 3 (--max-steps)\n"},
     };
     for (const auto& [name, arguments, message] : cases) {
         SCOPED_TRACE(name);
-        std::vector<std::string> all = {"render", "-o", "out.txt"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
         folder.writeFile("out.txt", "before");
-        const Outcome outcome = runStencilor(all);
+        const Outcome outcome = runStencilor("render -o out.txt " + arguments);
         EXPECT_EQ(outcome.status, message.empty() ? 0 : 4);
         EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find('\n') + 1), message);
         EXPECT_EQ(support::readFile("out.txt") == "before", !message.empty());
@@ -195,16 +182,16 @@ TEST_F(RenderTest, EndsAtMoreStepsThanAnyoneWaitsFor) {
 
 TEST_F(RenderTest, WritesMessagesInOtherFormats) {
     folder.writeFile("page.txt", "a{{ x }}");
-    const Outcome json = runStencilor({"render", "page.txt", "--format", "json"});
+    const Outcome json = runStencilor("render page.txt --format json");
     EXPECT_EQ(json.output, "a");
     EXPECT_EQ(nlohmann::json::parse(json.errors), nlohmann::json::parse(R"({"findings": [
         {"rule": "missing-name", "severity": "warning", "message": "no string is named \"x\"",
          "file": "page.txt", "line": 1, "column": 5, "endLine": 1, "endColumn": 6, "notes": []}]})"));
-    const Outcome sarif = runStencilor({"render", "page.txt", "--strict", "--format", "sarif"});
+    const Outcome sarif = runStencilor("render page.txt --strict --format sarif");
     const auto run = nlohmann::json::parse(sarif.errors)["runs"][0];
     EXPECT_EQ(run["results"][0]["level"], "error");
     EXPECT_EQ(run["results"][0]["ruleId"], "missing-name");
-    EXPECT_EQ(runStencilor({"render", "page.txt", "-D", "x=y", "--format", "json"}).errors, "");
+    EXPECT_EQ(runStencilor("render page.txt -D x=y --format json").errors, "");
 }
 
 TEST_F(RenderTest, EscapesValuesOnRequest) {
@@ -222,7 +209,7 @@ TEST_F(RenderTest, EscapesValuesOnRequest) {
 TEST_F(RenderTest, NamesAnIncludedFileThatCannotBeRead) {
     folder.writeSparseFile("huge.txt", std::uint64_t{1} << 32);
     folder.writeFile("page.txt", R"(a{% include "huge.txt" %}b)");
-    expectOutcome(runStencilor({"render", "page.txt", "--max-templates", "0"}), 1, "ab",
+    expectOutcome(runStencilor("render page.txt --max-templates 0"), 1, "ab",
                   "page.txt:1:14: warning: included file \"huge.txt\" cannot be read\n"
                   "a{% include \"huge.txt\" %}b\n             ^~~~~~~~\n");
 }
@@ -237,7 +224,7 @@ TEST_F(RenderTest, ShowsTheTraceBeforeTheMessages) {
                                   "trace:       content_visit::if_expr:126\n"
                                   "trace:         applyVisitor:230\n"
                                   "trace:           content_visit::replace_expr:184\n";
-    const Outcome outcome = runStencilor({"render", "page.txt", "values.json", "--trace"});
+    const Outcome outcome = runStencilor("render page.txt values.json --trace");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "texttext");
     EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find("page.txt:")),
@@ -257,7 +244,7 @@ TEST_F(RenderTest, ShowsATraceThatIsNotIndentedForEver) {
         text = "{% if b %}" + text + "{% endif %}";
     }
     folder.writeFile("page.txt", text);
-    const Outcome outcome = runStencilor({"render", "page.txt", "-D", "b:=true", "--trace"});
+    const Outcome outcome = runStencilor("render page.txt -D b:=true --trace");
     EXPECT_NE(
         outcome.errors.find("\ntrace: " + std::string(78, ' ') + "content_visit::if_expr:126\n"),
         std::string::npos);

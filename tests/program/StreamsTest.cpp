@@ -8,10 +8,9 @@ using StreamsTest = ProgramTest;
 TEST_F(StreamsTest, StandForTheTemplateOrTheContext) {
     folder.writeFile("page.txt", "{{ a }}");
     folder.writeFile("values.json", R"({"a":"x"})");
-    expectOutcome(runStencilor({"render", "-", "values.json"}, {.input = "[{{ a }}]"}), 0, "[x]",
-                  "");
-    expectOutcome(runStencilor({"render", "page.txt", "-"}, {.input = R"({"a":"y"})"}), 0, "y", "");
-    expectOutcome(runStencilor({"render", "page.txt", "values.json", "-o", "-"}), 0, "x", "");
+    expectOutcome(runStencilor("render - values.json", {.input = "[{{ a }}]"}), 0, "[x]", "");
+    expectOutcome(runStencilor("render page.txt -", {.input = R"({"a":"y"})"}), 0, "y", "");
+    expectOutcome(runStencilor("render page.txt values.json -o -"), 0, "x", "");
 }
 
 TEST_F(StreamsTest, CarryEveryByteAsItIs) {
@@ -48,17 +47,15 @@ TEST_F(StreamsTest, CarryEveryByteAsItIs) {
     for (const auto& [name, text, expected, status] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        expectOutcome(runStencilor({"render", "page.txt", "--quiet"}), status, expected, "");
-        expectOutcome(runStencilor({"render", "-", "--quiet"}, {.input = text}), status, expected,
-                      "");
-        expectOutcome(runStencilor({"render", "-", "-o", "out.txt", "--quiet"}, {.input = text}),
-                      status, "", "");
+        expectOutcome(runStencilor("render page.txt --quiet"), status, expected, "");
+        expectOutcome(runStencilor("render - --quiet", {.input = text}), status, expected, "");
+        expectOutcome(runStencilor("render - -o out.txt --quiet", {.input = text}), status, "", "");
         EXPECT_EQ(support::readFile("out.txt"), expected);
     }
 }
 
 TEST_F(StreamsTest, AreWarnedOfWhereTheirBytesAreDamaged) {
-    expectOutcome(runStencilor({"render", "-"}, {.input = std::string("a\0b", 3)}), 1, "a",
+    expectOutcome(runStencilor("render -", {.input = std::string("a\0b", 3)}), 1, "a",
                   "<stdin>:1:2: warning: a NUL byte: the template ends here, and what follows is "
                   "ignored\na\\x00b\n ^~~~\n");
     folder.writeFile("page.txt", R"({% include "part.txt" %})");
@@ -66,14 +63,14 @@ TEST_F(StreamsTest, AreWarnedOfWhereTheirBytesAreDamaged) {
     const std::string warning =
         "part.txt:1:2: warning: malformed UTF-8, which becomes U+FFFD in the "
         "output\na\uFFFD\n ^\n";
-    expectOutcome(runStencilor({"render", "page.txt"}), 1, "a\uFFFD", warning);
-    expectOutcome(runStencilor({"check", "page.txt"}), 1, warning, "");
+    expectOutcome(runStencilor("render page.txt"), 1, "a\uFFFD", warning);
+    expectOutcome(runStencilor("check page.txt"), 1, warning, "");
 }
 
 TEST_F(StreamsTest, KeepANulInAContext) {
     folder.writeFile("page.txt", "{{ a }}{{ b }}");
     folder.writeFile("values.json", R"({"a":"x\u0000y","b":"z"})");
-    expectOutcome(runStencilor({"render", "page.txt", "values.json"}), 0, "xz", "");
+    expectOutcome(runStencilor("render page.txt values.json"), 0, "xz", "");
 }
 
 #ifndef _WIN32

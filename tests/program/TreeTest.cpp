@@ -34,8 +34,8 @@ TEST_F(TreeTest, ShowsEachNodeWithItsPlace) {
     for (const auto& [name, text, tree] : cases) {
         SCOPED_TRACE(name);
         folder.writeFile("page.txt", text);
-        expectOutcome(runStencilor({"tree", "page.txt"}), 0, tree, "");
-        expectOutcome(runStencilor({"tree", "-"}, {.input = text}), 0, tree, "");
+        expectOutcome(runStencilor("tree page.txt"), 0, tree, "");
+        expectOutcome(runStencilor("tree -", {.input = text}), 0, tree, "");
     }
 }
 
@@ -44,7 +44,7 @@ TEST_F(TreeTest, DoesNotIndentForEver) {
     for (int i = 0; i < 50; ++i) {
         text = "{% if a %}" + text + "{% endif %}";
     }
-    const Outcome outcome = runStencilor({"tree", "-"}, {.input = text});
+    const Outcome outcome = runStencilor("tree -", {.input = text});
     EXPECT_NE(outcome.output.find("\n" + std::string(78, ' ') + "1:391 if a\n"), std::string::npos);
     EXPECT_NE(outcome.output.find("\n(40 deep) 1:401 if a\n"), std::string::npos);
     EXPECT_NE(outcome.output.find("\n(50 deep) 1:501 text \"x\"\n"), std::string::npos);
