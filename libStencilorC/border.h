@@ -1,6 +1,7 @@
 #ifndef LIBSTENCILORC_BORDER_H
 #define LIBSTENCILORC_BORDER_H
 
+#include <libStencilor/Value.h>
 #include <libStencilorC/stencilor.h>
 
 #include <cstddef>
@@ -72,6 +73,12 @@ T*& placeOf(T** made) {
     T*& place = given(made);
     place = nullptr;
     return place;
+}
+
+/// Makes a context of a value, which must be a dictionary.
+inline Context makeContext(const Value& root, bool positions) {
+    failUnlessOk(root.kind() == Value::Kind::Dictionary ? STENCILOR_OK : STENCILOR_WRONG_KIND);
+    return Context(root, {.positions = positions});
 }
 
 /// Returns a text, which a NUL must follow.

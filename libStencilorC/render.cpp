@@ -1,6 +1,10 @@
 #include <libStencilorC/result.h>
 
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 using namespace kel::Stencilor;
 using namespace kel::Stencilor::internal;
@@ -12,20 +16,41 @@ stencilor_message faultOf(const Template& parsed) {
     return stencilor_message(std::move(parsed.render(Context(Value())).messages.at(0)));
 }
 
+/// Makes a handle, also of a template that is not well formed.
+int makeTemplate(Template parsed, stencilor_template*& made) {
+    auto handle = std::make_unique<stencilor_template>(stencilor_template{std::move(parsed)});
+    const bool isWellFormed = handle->parsed.isWellFormed();
+    if (!isWellFormed) {
+        handle->fault = faultOf(handle->parsed);
+    }
+    made = handle.release();
+    return isWellFormed ? STENCILOR_OK : STENCILOR_REJECTED;
+}
+
+Template findTemplate(TemplateSource& source, const kel::String& path) {
+    std::optional<Template> found;
+    const TemplateSource::Answer answer = source.find(path, UINT64_MAX, found);
+    failUnlessOk(answer == TemplateSource::Answer::Found     ? STENCILOR_OK
+                 : answer == TemplateSource::Answer::Missing ? STENCILOR_NOT_FOUND
+                                                             : STENCILOR_UNREADABLE);
+    return *found;
+}
+
 } // namespace
 
 int stencilor_template_parse(const char* text, size_t size, const char* name, size_t nameSize,
                              stencilor_template** parsed) {
     return guarded([&] {
         stencilor_template*& made = placeOf(parsed);
-        auto handle = std::make_unique<stencilor_template>(
-            stencilor_template{Template(given(text, size), given(name, nameSize))});
-        const bool isWellFormed = handle->parsed.isWellFormed();
-        if (!isWellFormed) {
-            handle->fault = faultOf(handle->parsed);
-        }
-        made = handle.release();
-        return isWellFormed ? STENCILOR_OK : STENCILOR_REJECTED;
+        return makeTemplate(Template(given(text, size), given(name, nameSize)), made);
+    });
+}
+
+int stencilor_source_find(stencilor_source* source, const char* path, size_t pathSize,
+                          stencilor_template** parsed) {
+    return guarded([&] {
+        stencilor_template*& made = placeOf(parsed);
+        return makeTemplate(findTemplate(*given(source).source, given(path, pathSize)), made);
     });
 }
 

@@ -115,7 +115,10 @@ enum stencilor_kind {
 /** How a context is made; numbers to be added up. */
 enum stencilor_context_flag {
     /** Elements of lists have `index` (from 1), `first` and `last`. */
-    STENCILOR_CONTEXT_POSITIONS = 1
+    STENCILOR_CONTEXT_POSITIONS = 1,
+    /** Numbers that JSON writes with a fraction or an exponent have the text that
+     * `stencilor_value_double` would make, not their digits. */
+    STENCILOR_CONTEXT_SHORT_NUMBERS = 2
 };
 
 /** What happens to values on their way into the text. */
@@ -350,14 +353,29 @@ STENCILOR_API void stencilor_value_free(stencilor_value* value);
  * @{ */
 
 /** Makes a context of a dictionary, which is copied. `STENCILOR_WRONG_KIND` for every other value,
- * `STENCILOR_INVALID_ARGUMENT` where a `$boolean` is not a boolean or a flag is unknown,
- * `STENCILOR_TOO_LARGE` where dotted names would take more than 512 MiB.
+ * `STENCILOR_INVALID_ARGUMENT` where a `$boolean` is not a boolean or a flag is unknown or for
+ * JSON, `STENCILOR_TOO_LARGE` where dotted names would take more than 512 MiB.
  * @param value the dictionary
  * @param flags of `stencilor_context_flag`, added up; 0 for none
  * @param context receives the context
  * @param error receives why the value was refused, where that is the reason; may be null */
 STENCILOR_API int stencilor_context_create(const stencilor_value* value, int flags,
                                            stencilor_context** context, stencilor_error** error);
+
+/** Makes a context of the JSON text of an object in one call, as `stencilor_value_parse_json` and
+ * `stencilor_context_create` do in two. For languages that write JSON faster than they call.
+ * @param text the JSON text
+ * @param size its bytes
+ * @param flags of `stencilor_context_flag`, added up; 0 for none
+ * @param raw_mark strings that begin with it become raw texts of what follows it; it should be one
+ *   that no other string begins with; empty for none
+ * @param raw_mark_size its bytes
+ * @param context receives the context
+ * @param error receives what is wrong and where, where that is known; may be null */
+STENCILOR_API int stencilor_context_parse_json(const char* text, size_t size, int flags,
+                                               const char* raw_mark, size_t raw_mark_size,
+                                               stencilor_context** context,
+                                               stencilor_error** error);
 
 /** Frees a context. */
 STENCILOR_API void stencilor_context_free(stencilor_context* context);
@@ -497,6 +515,16 @@ STENCILOR_API int stencilor_source_folder(const char* path, size_t size, stencil
  * @param source receives the source */
 STENCILOR_API int stencilor_source_callback(stencilor_find_function find, void* payload,
                                             stencilor_source** source);
+
+/** Finds a template of a source and parses it. `STENCILOR_REJECTED` where it is not well formed;
+ * there is a template then, too. `STENCILOR_NOT_FOUND` and `STENCILOR_UNREADABLE` where there is
+ * none; `STENCILOR_STOPPED` where a callback ended the call.
+ * @param source the source
+ * @param path as an include tag would write it
+ * @param path_size its bytes
+ * @param parsed receives the template */
+STENCILOR_API int stencilor_source_find(stencilor_source* source, const char* path,
+                                        size_t path_size, stencilor_template** parsed);
 
 /** Returns how many bytes the template may have; a longer one ends the render. */
 STENCILOR_API uint64_t stencilor_request_max_size(const stencilor_request* request);

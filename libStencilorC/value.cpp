@@ -189,10 +189,9 @@ int stencilor_context_create(const stencilor_value* value, int flags, stencilor_
             stencilor_context*& made = placeOf(context);
             const Value& root = given(value).value;
             failUnlessOk((flags & ~STENCILOR_CONTEXT_POSITIONS) != 0 ? STENCILOR_INVALID_ARGUMENT
-                         : root.kind() != Value::Kind::Dictionary    ? STENCILOR_WRONG_KIND
                                                                      : STENCILOR_OK);
-            const bool positions = (flags & STENCILOR_CONTEXT_POSITIONS) != 0;
-            made = new stencilor_context{Context(root, {.positions = positions})};
+            made = new stencilor_context{
+                makeContext(root, (flags & STENCILOR_CONTEXT_POSITIONS) != 0)};
         },
         error);
 }

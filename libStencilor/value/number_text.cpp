@@ -27,22 +27,16 @@ String integerText(Number number) {
     return String(begin, static_cast<unsigned int>(end - begin));
 }
 
-/// A number without its sign is 0.DIGITS times ten to the power `point`.
-struct Decimal {
-    std::string digits;
-    int point;
-};
-
 /// The shortest digits of a number that is not negative.
 template <typename Number>
-Decimal findShortestDigits(Number number) {
+decimal findShortestDigits(Number number) {
     Characters characters;
     char* const begin = characters.data();
     const char* const end =
         std::to_chars(begin, begin + characters.size(), number, std::chars_format::scientific).ptr;
     const std::string_view text(begin, static_cast<std::size_t>(end - begin));
     const std::size_t exponentMark = text.find('e');
-    Decimal result{std::string(text.substr(0, 1)), 0};
+    decimal result{std::string(text.substr(0, 1)), 0};
     if (exponentMark > 1) {
         result.digits += text.substr(2, exponentMark - 2);
     }
@@ -52,28 +46,13 @@ Decimal findShortestDigits(Number number) {
     return result;
 }
 
-std::string layOutWithExponent(const Decimal& decimal) {
-    std::string result = decimal.digits.substr(0, 1);
-    if (decimal.digits.size() > 1) {
-        result += "." + decimal.digits.substr(1);
+std::string layOutWithExponent(const decimal& number) {
+    std::string result = number.digits.substr(0, 1);
+    if (number.digits.size() > 1) {
+        result += "." + number.digits.substr(1);
     }
-    const int exponent = decimal.point - 1;
+    const int exponent = number.point - 1;
     return result + (exponent < 0 ? "e" : "e+") + std::to_string(exponent);
-}
-
-std::string layOut(const Decimal& decimal) {
-    const auto count = static_cast<int>(decimal.digits.size());
-    if (decimal.point < -5 || decimal.point > 21) {
-        return layOutWithExponent(decimal);
-    }
-    if (decimal.point <= 0) {
-        return "0." + std::string(static_cast<std::size_t>(-decimal.point), '0') + decimal.digits;
-    }
-    if (decimal.point >= count) {
-        return decimal.digits + std::string(static_cast<std::size_t>(decimal.point - count), '0');
-    }
-    std::string result = decimal.digits;
-    return result.insert(static_cast<std::size_t>(decimal.point), 1, '.');
 }
 
 template <typename Number>
@@ -86,6 +65,21 @@ String floatingText(Number number) {
 }
 
 } // namespace
+
+std::string layOut(const decimal& number) {
+    const auto count = static_cast<int>(number.digits.size());
+    if (number.point < -5 || number.point > 21) {
+        return layOutWithExponent(number);
+    }
+    if (number.point <= 0) {
+        return "0." + std::string(static_cast<std::size_t>(-number.point), '0') + number.digits;
+    }
+    if (number.point >= count) {
+        return number.digits + std::string(static_cast<std::size_t>(number.point - count), '0');
+    }
+    std::string result = number.digits;
+    return result.insert(static_cast<std::size_t>(number.point), 1, '.');
+}
 
 String numberText(std::int64_t number) {
     return integerText(number);

@@ -4,6 +4,7 @@
 #include <libKel/String.h>
 
 #include <cstdint>
+#include <string>
 
 namespace kel::Stencilor::internal {
 
@@ -15,6 +16,15 @@ String numberText(std::uint64_t number);
 /// `std::invalid_argument` for what is not finite.
 String numberText(float number);
 String numberText(double number);
+
+/// A number that is not negative is 0.DIGITS times ten to the power `point`.
+struct decimal {
+    std::string digits; ///< neither empty nor, but for 0 itself, with zeros at an end
+    int point;
+};
+
+/// The number, laid out as JavaScript does.
+std::string layOut(const decimal& number);
 
 } // namespace kel::Stencilor::internal
 

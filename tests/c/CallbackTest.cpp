@@ -72,6 +72,28 @@ TEST(CSource, AnswersWithATemplateThatWasParsed) {
               "kept");
 }
 
+TEST(CSource, FindsATemplate) {
+    Finder finder{.texts = {{"good", "{{ a }}"}, {"bad", "{{"}}, .unreadable = "unreadable"};
+    const SourceHandle source = makeSource(finder);
+    const struct {
+        const char* path;
+        int status;
+    } cases[] = {{"good", STENCILOR_OK},
+                 {"bad", STENCILOR_REJECTED},
+                 {"missing", STENCILOR_NOT_FOUND},
+                 {"unreadable", STENCILOR_UNREADABLE}};
+    for (const auto& [path, status] : cases) {
+        TemplateHandle found;
+        EXPECT_EQ(stencilor_source_find(source.get(), path, SIZE_MAX, out(found)), status) << path;
+        EXPECT_EQ(found != nullptr, status == STENCILOR_OK || status == STENCILOR_REJECTED);
+        EXPECT_EQ(stencilor_template_fault(found.get()) != nullptr, status == STENCILOR_REJECTED);
+        EXPECT_EQ(textOf(stencilor_template_name, found.get()), found != nullptr ? path : "");
+    }
+    finder.code = 7;
+    TemplateHandle found;
+    EXPECT_EQ(stencilor_source_find(source.get(), "good", 4, out(found)), STENCILOR_STOPPED);
+}
+
 TEST(CSource, HasUnreadableAndMissingTemplates) {
     Finder finder{.unreadable = "u"};
     const OptionsHandle options = optionsWith(makeSource(finder));

@@ -144,6 +144,79 @@ TEST(CValue, KeepsTheDigitsOfJson) {
     EXPECT_EQ(renderValue("{{ n }}", valueOf("{\"n\": 1.50}").get()), "1.50");
 }
 
+/// What a member `n` of a JSON text renders, escaped.
+std::string renderJson(const std::string& json, int flags, std::string_view rawMark) {
+    ContextHandle context;
+    EXPECT_EQ(stencilor_context_parse_json(json.data(), json.size(), flags, rawMark.data(),
+                                           rawMark.size(), out(context), nullptr),
+              STENCILOR_OK);
+    const OptionsHandle options = makeOptions();
+    stencilor_options_set_escape(options.get(), STENCILOR_ESCAPE_HTML);
+    return textOf(render(parse("{{ n }}"), context, options.get()));
+}
+
+TEST(CContext, LaysOutTheNumbersOfJsonOnRequest) {
+    const struct {
+        const char* written;
+        const char* laidOut;
+    } cases[] = {
+        {"0", "0"},
+        {"-0", "-0"},
+        {"12345678901234567890123", "12345678901234567890123"},
+        {"0.0", "0"},
+        {"-0.0", "0"},
+        {"0e5", "0"},
+        {"1.0", "1"},
+        {"-1.50", "-1.5"},
+        {"100.0", "100"},
+        {"120.25", "120.25"},
+        {"0.001", "0.001"},
+        {"1e-06", "0.000001"},
+        {"1e-07", "1e-7"},
+        {"1.25E+16", "12500000000000000"},
+        {"1e+20", "100000000000000000000"},
+        {"1e+21", "1e+21"},
+        {"5e-324", "5e-324"},
+        {"1.7976931348623157e+308", "1.7976931348623157e+308"},
+        {"1e99999999999", "1e99999999999"},
+    };
+    for (const auto& [written, laidOut] : cases) {
+        const std::string json = std::string("{\"n\": ") + written + "}";
+        EXPECT_EQ(renderJson(json, STENCILOR_CONTEXT_SHORT_NUMBERS, ""), laidOut) << written;
+        EXPECT_EQ(renderJson(json, 0, ""), written);
+    }
+}
+
+TEST(CContext, TakesMarkedStringsOfJsonForRawTexts) {
+    EXPECT_EQ(renderJson(R"({"n": "\u0001<b>"})", 0, "\x01"), "<b>");
+    EXPECT_EQ(renderJson(R"({"n": "\u0001"})", 0, "\x01"), "");
+    EXPECT_EQ(renderJson(R"({"n": "<\u0001>"})", 0, "\x01"), "&lt;\x01&gt;");
+    EXPECT_EQ(renderJson(R"({"n": "<b>"})", 0, ""), "&lt;b&gt;");
+}
+
+TEST(CContext, SaysWhyJsonIsRefused) {
+    const struct {
+        const char* json;
+        int flags;
+        int status;
+        const char* reason;
+    } cases[] = {
+        {"{,}", 0, STENCILOR_BAD_JSON, "expected a name in quotation marks or '}', found ','"},
+        {R"({"$boolean": 1})", 0, STENCILOR_BAD_JSON,
+         "expected true or false as the value of \"$boolean\""},
+        {"[]", 0, STENCILOR_WRONG_KIND, ""},
+        {"{}", 4, STENCILOR_INVALID_ARGUMENT, ""},
+    };
+    for (const auto& [json, flags, status, reason] : cases) {
+        ContextHandle context;
+        ErrorHandle error;
+        EXPECT_EQ(stencilor_context_parse_json(json, whole, flags, "", 0, out(context), out(error)),
+                  status);
+        EXPECT_EQ(textOf(stencilor_error_text, error.get()), reason) << json;
+        EXPECT_EQ(context, nullptr);
+    }
+}
+
 TEST(CContext, GivesElementsPositionsOnRequest) {
     const ValueHandle root = valueOf("{\"l\": [\"a\", \"b\"]}");
     const char* const text = "{% for i in l %}{{ i.index }}{{ i.value }}{% endfor %}";
@@ -156,7 +229,8 @@ TEST(CContext, IsMadeOfDictionariesAlone) {
     ErrorHandle error;
     EXPECT_EQ(stencilor_context_create(valueOf("[]").get(), 0, out(made), out(error)),
               STENCILOR_WRONG_KIND);
-    EXPECT_EQ(stencilor_context_create(valueOf("{}").get(), 6, out(made), out(error)),
+    EXPECT_EQ(stencilor_context_create(valueOf("{}").get(), STENCILOR_CONTEXT_SHORT_NUMBERS,
+                                       out(made), out(error)),
               STENCILOR_INVALID_ARGUMENT);
     EXPECT_EQ(made, nullptr);
     EXPECT_EQ(error, nullptr);
