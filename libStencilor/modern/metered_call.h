@@ -65,7 +65,9 @@ class metered_call {
         if (!keys.areAllKept()) {
             return findByAllKeys(scopes, use);
         }
-        const auto remembered = [this, &keys]() -> outer_search& { return state_.searchOf(keys); };
+        const auto remembered = [this, &keys, &use]() -> outer_search& {
+            return state_.searchOf(keys, use.keys);
+        };
         return scopes.findFirst(remembered, [this, &keys](const ContextBase& scope) {
             const ContextBase* found = nullptr;
             const auto kept = names_.keptKeys(keys);

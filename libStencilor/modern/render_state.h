@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -62,14 +61,13 @@ class render_state {
     /// How many bytes may be rendered.
     std::uint64_t outputBytes() const noexcept { return outputBytes_; }
 
-    /// What is remembered for the keys of a name, as far as there is room.
-    outer_search& searchOf(const name_keys& keys) {
+    /// What is remembered for the keys of a name, as far as there is room. The number of the keys
+    /// in their table decides about the room, so that the same render takes the same steps.
+    outer_search& searchOf(const name_keys& keys, std::uint32_t number) {
         if (searches_ == nullptr) {
             searches_ = std::make_unique<std::array<remembered_search, searchCount>>();
         }
-        constexpr std::size_t apart = sizeof(name_keys); // keys of one table
-        const std::size_t place = std::hash<const name_keys*>()(&keys) / apart % searchCount;
-        remembered_search& remembered = (*searches_)[place];
+        remembered_search& remembered = (*searches_)[number % searchCount];
         if (remembered.keys != &keys) {
             remembered = {&keys, {}};
         }

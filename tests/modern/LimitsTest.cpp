@@ -58,6 +58,22 @@ class Limits : public testing::Test {
     const Context context_{values()};
 };
 
+// What is remembered from one iteration to the next must not depend on where a template is in
+// memory.
+TEST_F(Limits, CountTheSameStepsForEachCopyOfATemplate) {
+    std::string tags;
+    for (int name = 0; name < 40; ++name) {
+        tags += "{{ n" + std::to_string(name) + " }}";
+    }
+    const std::string text = "{% for x in nulls %}" + tags + "{% endfor %}";
+    const std::uint64_t expected = render(text).usage.steps;
+    std::vector<Template> others;
+    for (int copy = 1; copy < 40; ++copy) {
+        others.emplace_back(kel::String(std::string(static_cast<std::size_t>(copy) * 40, 'x')));
+        EXPECT_EQ(render(text).usage.steps, expected);
+    }
+}
+
 TEST_F(Limits, CountEachNodeIterationAndSixtyFourKeysAsSteps) {
     const struct {
         const char* name;
