@@ -1,43 +1,55 @@
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/text/JsonText.h>
 
-#include <nlohmann/json.hpp>
-
 namespace kel::Stencilor::Analysis {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json describePlace(const Place& place) {
+void writePlace(JsonWriter& json, const Place& place) {
     const Position begin = place.file->positionOf(place.range.begin);
     const Position end = place.file->positionOf(place.range.end);
-    return {{"file", place.file->name()},
-            {"line", begin.line},
-            {"column", begin.column},
-            {"endLine", end.line},
-            {"endColumn", end.column}};
+    json.member("file", place.file->name());
+    json.member("line", begin.line);
+    json.member("column", begin.column);
+    json.member("endLine", end.line);
+    json.member("endColumn", end.column);
 }
 
-Json describeFinding(const Finding& finding) {
-    Json result = {{"rule", infoOf(finding.rule).id},
-                   {"severity", severityName(finding.severity())},
-                   {"message", finding.message}};
-    result.update(describePlace(finding.place));
-    result["notes"] = Json::array();
+void writeNote(JsonWriter& json, const Note& note) {
+    json.beginObject();
+    json.member("message", note.message);
+    writePlace(json, note.place);
+    json.endObject();
+}
+
+void writeFinding(JsonWriter& json, const Finding& finding) {
+    json.beginObject();
+    json.member("rule", infoOf(finding.rule).id);
+    json.member("severity", severityName(finding.severity()));
+    json.member("message", finding.message);
+    writePlace(json, finding.place);
+    json.name("notes");
+    json.beginArray();
     for (const Note& note : finding.notes) {
-        Json described = {{"message", note.message}};
-        described.update(describePlace(note.place));
-        result["notes"].push_back(std::move(described));
+        writeNote(json, note);
     }
-    return result;
+    json.endArray();
+    json.endObject();
 }
 
 } // namespace
 
 std::string formatJson(const std::vector<Finding>& findings) {
-    return jsonDocument({{"findings", Json::array()}}, "findings", findings.size(),
-                        [&findings](std::size_t i) { return describeFinding(findings[i]); });
+    JsonWriter json;
+    json.beginObject();
+    json.name("findings");
+    json.beginArray();
+    for (const Finding& finding : findings) {
+        writeFinding(json, finding);
+    }
+    json.endArray();
+    json.endObject();
+    return json.take();
 }
 
 } // namespace kel::Stencilor::Analysis

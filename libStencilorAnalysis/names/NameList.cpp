@@ -3,16 +3,12 @@
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <utility>
 
 namespace kel::Stencilor::Analysis {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /// As many loops, inclusions and lines are listed with a name.
 constexpr std::size_t mostListed = 5;
@@ -40,14 +36,18 @@ std::string describePlaces(const std::vector<Place>& places) {
     return text + moreThan(mostListed, lines);
 }
 
-Json listPlaces(const std::vector<Place>& places) {
-    Json list = Json::array();
+void writePlaces(JsonWriter& json, std::string_view name, const std::vector<Place>& places) {
+    json.name(name);
+    json.beginArray();
     for (const Place& place : places) {
         const Position position = place.file->positionOf(place.range.begin);
-        list.push_back(
-            {{"file", place.file->name()}, {"line", position.line}, {"column", position.column}});
+        json.beginObject();
+        json.member("file", place.file->name());
+        json.member("line", position.line);
+        json.member("column", position.column);
+        json.endObject();
     }
-    return list;
+    json.endArray();
 }
 
 /// Rows whose columns begin below each other.
@@ -175,24 +175,38 @@ std::string NameList::formatText() const {
 }
 
 std::string NameList::formatJson() const {
-    return jsonDocument({{"names", Json::array()}}, "names", entries_.size(),
-                        [this](std::size_t i) {
-                            const Entry& entry = entries_[i];
-                            Json loops = Json::array();
-                            for (const Loops* loop : innermostLoops(entry)) {
-                                loops.push_back({{"variable", shorten(loop->variable)},
-                                                 {"list", shorten(loop->list)}});
-                            }
-                            const std::size_t outerLoops = loops_[entry.loops].count - loops.size();
-                            const auto& [inclusions, inclusionCount] = inclusionsOf(entry);
-                            return Json{{"name", entry.name},
-                                        {"kind", kindName(entry.kind)},
-                                        {"loops", std::move(loops)},
-                                        {"moreLoops", outerLoops},
-                                        {"places", listPlaces(entry.places)},
-                                        {"includedAt", listPlaces(inclusions)},
-                                        {"moreInclusions", inclusionCount - inclusions.size()}};
-                        });
+    JsonWriter json;
+    json.beginObject();
+    json.name("names");
+    json.beginArray();
+    for (const Entry& entry : entries_) {
+        writeEntry(json, entry);
+    }
+    json.endArray();
+    json.endObject();
+    return json.take();
+}
+
+void NameList::writeEntry(JsonWriter& json, const Entry& entry) const {
+    const auto loops = innermostLoops(entry);
+    const auto& [inclusions, inclusionCount] = inclusionsOf(entry);
+    json.beginObject();
+    json.member("name", entry.name);
+    json.member("kind", kindName(entry.kind));
+    json.name("loops");
+    json.beginArray();
+    for (const Loops* loop : loops) {
+        json.beginObject();
+        json.member("variable", shorten(loop->variable));
+        json.member("list", shorten(loop->list));
+        json.endObject();
+    }
+    json.endArray();
+    json.member("moreLoops", loops_[entry.loops].count - loops.size());
+    writePlaces(json, "places", entry.places);
+    writePlaces(json, "includedAt", inclusions);
+    json.member("moreInclusions", inclusionCount - inclusions.size());
+    json.endObject();
 }
 
 } // namespace kel::Stencilor::Analysis

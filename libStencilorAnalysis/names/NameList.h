@@ -13,6 +13,8 @@
 
 namespace kel::Stencilor::Analysis {
 
+class JsonWriter;
+
 /// Collects the names of templates in the order in which the survey finds them: those of one kind,
 /// in one file and the same loops of that file, as one. Of the loops the five innermost are listed,
 /// of the inclusions of a file the first five; the rest is counted.
@@ -54,6 +56,7 @@ class NameList final : public Surveyor {
     const Inclusions& inclusionsOf(const Entry& entry) const;
     std::string describeLoops(const Entry& entry) const;
     std::string describeSurroundings(const Entry& entry) const;
+    void writeEntry(JsonWriter& json, const Entry& entry) const;
 
     std::vector<Entry> entries_;
     std::map<EntryKey, std::size_t> indices_; // of the entries

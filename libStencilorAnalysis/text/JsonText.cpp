@@ -3,6 +3,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
+
 namespace kel::Stencilor::Analysis {
 
 using Json = nlohmann::ordered_json;
@@ -52,6 +54,66 @@ std::string jsonDocument(const Json& document, std::string_view member, std::siz
 
 std::string jsonString(std::string_view text) {
     return dump(text, -1);
+}
+
+void JsonWriter::name(std::string_view name) {
+    startValue();
+    text_ += jsonString(name) + ": ";
+    isNamed_ = true;
+}
+
+void JsonWriter::string(std::string_view text) {
+    startValue();
+    text_ += jsonString(text);
+}
+
+void JsonWriter::number(std::size_t number) {
+    startValue();
+    text_ += std::to_string(number);
+}
+
+void JsonWriter::member(std::string_view memberName, std::string_view text) {
+    name(memberName);
+    string(text);
+}
+
+void JsonWriter::member(std::string_view memberName, std::size_t value) {
+    name(memberName);
+    number(value);
+}
+
+std::string JsonWriter::take() {
+    return std::move(text_) + "\n";
+}
+
+void JsonWriter::begin(char opening) {
+    startValue();
+    text_ += opening;
+    ++depth_;
+    isFirst_ = true;
+}
+
+void JsonWriter::end(char closing) {
+    --depth_;
+    if (!isFirst_) {
+        breakLine();
+    }
+    text_ += closing;
+    isFirst_ = false;
+}
+
+void JsonWriter::startValue() {
+    if (!isNamed_ && depth_ > 0) {
+        text_ += isFirst_ ? "" : ",";
+        breakLine();
+    }
+    isNamed_ = false;
+    isFirst_ = false;
+}
+
+void JsonWriter::breakLine() {
+    text_ += '\n';
+    text_.append(depth_ * indentation, ' ');
 }
 
 } // namespace kel::Stencilor::Analysis
