@@ -4,12 +4,16 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# stencilor_install_library(TARGET PACKAGE FOLDER [COMPONENT NAME] HEADERS...)
+# stencilor_install_library(TARGET PACKAGE FOLDER [COMPONENT NAME] [RUNTIME COMPONENT] HEADERS...)
 #
 # The package gives the target in its own namespace, or only where its component NAME is asked for.
-# The headers are included as <FOLDER/HEADER>.
+# The headers are included as <FOLDER/HEADER>. What runs is installed with the component `runtime`, or
+# another one.
 function(stencilor_install_library target package folder)
-    cmake_parse_arguments(PARSE_ARGV 3 library "" "COMPONENT" "")
+    cmake_parse_arguments(PARSE_ARGV 3 library "" "COMPONENT;RUNTIME" "")
+    if(NOT library_RUNTIME)
+        set(library_RUNTIME runtime)
+    endif()
     set(headers ${library_UNPARSED_ARGUMENTS})
     list(TRANSFORM headers PREPEND "${PROJECT_SOURCE_DIR}/${folder}/")
     set_property(GLOBAL APPEND PROPERTY stencilor_exported_headers ${headers})
@@ -23,10 +27,10 @@ function(stencilor_install_library target package folder)
     install(
         TARGETS ${target}
         EXPORT ${package}${library_COMPONENT}Targets
-        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${library_RUNTIME}
         LIBRARY
             DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-            COMPONENT runtime
+            COMPONENT ${library_RUNTIME}
             NAMELINK_COMPONENT development
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
     )
@@ -71,11 +75,11 @@ function(stencilor_install_package package)
     )
 endfunction()
 
-# stencilor_install_pkg_config(TARGET DESCRIPTION [REQUIRES MODULE...])
+# stencilor_install_pkg_config(TARGET DESCRIPTION [REQUIRES MODULE...] [PRIVATE LIBRARIES])
 #
-# What `pkg-config` finds, under the name of the target.
+# What `pkg-config` finds, under the name of the target. PRIVATE is what a static library needs.
 function(stencilor_install_pkg_config target description)
-    cmake_parse_arguments(PARSE_ARGV 2 module "" "" "REQUIRES")
+    cmake_parse_arguments(PARSE_ARGV 2 module "" "PRIVATE" "REQUIRES")
     if(NOT STENCILOR_INSTALL)
         return()
     endif()
@@ -88,7 +92,7 @@ function(stencilor_install_pkg_config target description)
     endif()
     set(private_libraries "")
     if(NOT STENCILOR_SHARED)
-        set(private_libraries "${CMAKE_THREAD_LIBS_INIT}")
+        set(private_libraries "${CMAKE_THREAD_LIBS_INIT} ${module_PRIVATE}")
     endif()
     set(destination "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
     file(RELATIVE_PATH up "/${destination}" "/")

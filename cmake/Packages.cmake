@@ -25,12 +25,17 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(stencilor_package_version "${PROJECT_VERSION}-1")
 set(stencilor_library_package "libstencilor${stencilor_soversion}")
 set(stencilor_of_this_version "")
+set(stencilor_c_of_this_version "")
 if(STENCILOR_SHARED)
     list(APPEND CPACK_COMPONENTS_ALL runtime)
     set(
         stencilor_of_this_version
         "${stencilor_library_package} (= ${stencilor_package_version})"
     )
+endif()
+if(STENCILOR_SHARED AND STENCILOR_BUILD_C)
+    list(APPEND CPACK_COMPONENTS_ALL c)
+    set(stencilor_c_of_this_version "libstencilor-c0 (= ${stencilor_package_version})")
 endif()
 if(STENCILOR_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL program)
@@ -55,6 +60,18 @@ ${stencilor_what_it_is}"
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/package/triggers")
 
+set(CPACK_DEBIAN_C_PACKAGE_NAME libstencilor-c0)
+set(CPACK_DEBIAN_C_PACKAGE_SECTION libs)
+set(
+    CPACK_DEBIAN_C_DESCRIPTION
+    "text-template engine to embed in programs of any language
+${stencilor_what_it_is}
+.
+This is the library with a C interface."
+)
+set(CPACK_DEBIAN_C_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_C_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/package/triggers")
+
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libstencilor-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(
@@ -65,7 +82,12 @@ ${stencilor_what_it_is}
 These are the headers, and what CMake and pkg-config need to find the
 library."
 )
-set(stencilor_development_needs ${stencilor_of_this_version} nlohmann-json3-dev)
+set(
+    stencilor_development_needs
+    ${stencilor_of_this_version}
+    ${stencilor_c_of_this_version}
+    nlohmann-json3-dev
+)
 list(JOIN stencilor_development_needs ", " CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS)
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME stencilor)

@@ -1,0 +1,548 @@
+#ifndef LIBSTENCILORC_STENCILOR_HPP
+#define LIBSTENCILORC_STENCILOR_HPP
+
+/// @file
+/// Templates for C++17 compilers that cannot link the C++ libraries: `stencilor.h` with objects
+/// that free what they hold, and exceptions.
+///
+///     #include <libStencilorC/stencilor.hpp>
+///     #include <iostream>
+///
+///     int main() {
+///         const stencilor::Template page("Hello, {{ name }}!\n", "hello");
+///         stencilor::Value values;
+///         values.set("name", "<world>");
+///         stencilor::Options options;
+///         options.setEscape(STENCILOR_ESCAPE_HTML);
+///         const stencilor::Result result = page.render(stencilor::Context(values), options);
+///         std::cout << result.text(); // Hello, &lt;world&gt;!
+///         for (const stencilor::Message message : result.messages()) {
+///             std::cerr << message.line() << ": " << message.text() << '\n';
+///         }
+///     }
+///
+/// What `stencilor.h` says of threads holds here, too. Texts are views of what the object holds.
+/// What a callback throws reaches the caller of the call around it. `Error` is thrown for each
+/// status that is not described as a result. Everything can be moved, and then only be assigned to
+/// or destroyed; values and messages can be copied.
+
+#include <libStencilorC/stencilor.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+/// The C interface for C++17.
+namespace stencilor {
+
+/// A status other than `STENCILOR_OK`, and for JSON where it is wrong.
+class Error : public std::runtime_error {
+  public:
+    /// Describes a status.
+    explicit Error(int status)
+        : std::runtime_error(stencilor_status_text(status)), status_(status) {}
+
+    /// Describes an error.
+    explicit Error(const stencilor_error& error)
+        : std::runtime_error(stencilor_error_text(&error, nullptr)),
+          status_(stencilor_error_status(&error)), offset_(stencilor_error_offset(&error)),
+          line_(stencilor_error_line(&error)), column_(stencilor_error_column(&error)) {}
+
+    int status() const noexcept { return status_; }         ///< a `stencilor_status`
+    std::size_t offset() const noexcept { return offset_; } ///< as `stencilor_error_offset`
+    std::size_t line() const noexcept { return line_; }     ///< as `stencilor_error_line`
+    std::size_t column() const noexcept { return column_; } ///< as `stencilor_error_column`
+
+  private:
+    int status_;
+    std::size_t offset_ = 0;
+    std::size_t line_ = 0;
+    std::size_t column_ = 0;
+};
+
+/// @cond
+namespace internal {
+
+struct Free {
+    void operator()(stencilor_error* handle) const { stencilor_error_free(handle); }
+    void operator()(stencilor_text* handle) const { stencilor_text_free(handle); }
+    void operator()(stencilor_value* handle) const { stencilor_value_free(handle); }
+    void operator()(stencilor_context* handle) const { stencilor_context_free(handle); }
+    void operator()(stencilor_template* handle) const { stencilor_template_free(handle); }
+    void operator()(stencilor_source* handle) const { stencilor_source_free(handle); }
+    void operator()(stencilor_options* handle) const { stencilor_options_free(handle); }
+    void operator()(stencilor_result* handle) const { stencilor_result_free(handle); }
+};
+
+template <typename T>
+using Handle = std::unique_ptr<T, Free>;
+
+/// What a callback of this thread threw, until the call around it returns.
+inline std::exception_ptr& thrown() {
+    thread_local std::exception_ptr exception;
+    return exception;
+}
+
+/// Calls what a callback is for; returns what the callback returns.
+template <typename Function>
+int guard(Function function) noexcept {
+    try {
+        function();
+        return 0;
+    } catch (...) {
+        thrown() = std::current_exception();
+        return 1;
+    }
+}
+
+inline void rethrow() {
+    if (thrown()) {
+        std::rethrow_exception(std::exchange(thrown(), nullptr));
+    }
+}
+
+inline void check(int status, stencilor_error* error = nullptr) {
+    const Handle<stencilor_error> owned(error);
+    rethrow();
+    if (error != nullptr) {
+        throw Error(*error);
+    }
+    if (status != STENCILOR_OK) {
+        throw Error(status);
+    }
+}
+
+/// The handle that a function stores in its last argument.
+template <typename T, typename... Parameters, typename... Arguments>
+Handle<T> make(int (*function)(Parameters...), Arguments... arguments) {
+    T* made = nullptr;
+    const int status = function(arguments..., &made);
+    Handle<T> owned(made);
+    check(status);
+    return owned;
+}
+
+template <typename T, typename... Arguments>
+std::string_view text(const char* (*function)(const T*, Arguments..., std::size_t*),
+                      const T* handle, Arguments... arguments) {
+    std::size_t size = 0;
+    const char* const data = function(handle, arguments..., &size);
+    return {data, size};
+}
+
+} // namespace internal
+/// @endcond
+
+/// Plain data: null, a boolean, a text, a list or a dictionary. Numbers are texts.
+/// Copying: a copy is a value of its own, whole.
+class Value {
+  public:
+    /// An empty dictionary.
+    Value() : Value(internal::make<stencilor_value>(stencilor_value_dictionary)) {}
+
+    /// Null.
+    Value(std::nullptr_t) : Value(internal::make<stencilor_value>(stencilor_value_null)) {}
+
+    /// A text.
+    /// @{
+    Value(std::string_view text)
+        : Value(internal::make<stencilor_value>(stencilor_value_text, text.data(), text.size())) {}
+    Value(const std::string& text) : Value(std::string_view(text)) {}
+    Value(const char* text) : Value(std::string_view(text)) {}
+    /// @}
+
+    /// A boolean, or the text of a number.
+    template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
+    Value(T source) : Value(convert(source)) {}
+
+    /// An empty list.
+    static Value list() { return Value(internal::make<stencilor_value>(stencilor_value_list)); }
+
+    /// A text that no render escapes.
+    static Value raw(std::string_view text) {
+        return Value(
+            internal::make<stencilor_value>(stencilor_value_raw_text, text.data(), text.size()));
+    }
+
+    /// The value of a JSON text.
+    static Value fromJson(std::string_view json) {
+        stencilor_value* made = nullptr;
+        stencilor_error* error = nullptr;
+        const int status = stencilor_value_parse_json(json.data(), json.size(), &made, &error);
+        Value value((internal::Handle<stencilor_value>(made)));
+        internal::check(status, error);
+        return value;
+    }
+
+    /// Copies a value with all that it holds.
+    /// @{
+    Value(const Value& other)
+        : Value(internal::make<stencilor_value>(stencilor_value_copy, other.get())) {}
+    Value& operator=(const Value& other) { return *this = Value(other); }
+    /// @}
+
+    /// Takes a value.
+    /// @{
+    Value(Value&& other) noexcept = default;
+    Value& operator=(Value&& other) noexcept = default;
+    /// @}
+
+    ~Value() = default;
+
+    /// What the value is, a `stencilor_kind`.
+    int kind() const { return stencilor_value_kind(get()); }
+
+    /// Appends an item to a list.
+    Value& add(Value item) {
+        internal::check(stencilor_value_add(get(), item.get()));
+        return *this;
+    }
+
+    /// Sets a member of a dictionary.
+    Value& set(std::string_view key, Value member) {
+        internal::check(stencilor_value_set(get(), key.data(), key.size(), member.get()));
+        return *this;
+    }
+
+    /// The handle, which stays this object's.
+    stencilor_value* get() const { return handle_.get(); }
+
+  private:
+    explicit Value(internal::Handle<stencilor_value> handle) : handle_(std::move(handle)) {}
+
+    static Value convert(bool truth) {
+        return Value(internal::make<stencilor_value>(stencilor_value_boolean, truth ? 1 : 0));
+    }
+
+    template <typename T>
+    static Value convert(T number) {
+        if constexpr (std::is_floating_point_v<T>) {
+            return Value(internal::make<stencilor_value>(stencilor_value_double,
+                                                         static_cast<double>(number)));
+        } else if constexpr (std::is_same_v<T, char>) {
+            return Value(std::string_view(&number, 1));
+        } else if constexpr (std::is_unsigned_v<T>) {
+            return Value(std::to_string(number));
+        } else {
+            return Value(internal::make<stencilor_value>(stencilor_value_integer,
+                                                         static_cast<std::int64_t>(number)));
+        }
+    }
+
+    internal::Handle<stencilor_value> handle_;
+};
+
+/// What templates are rendered with. It never changes.
+class Context {
+  public:
+    /// @param value a dictionary, which is copied
+    /// @param flags of `stencilor_context_flag`, added up
+    explicit Context(const Value& value, int flags = 0) {
+        stencilor_context* made = nullptr;
+        stencilor_error* error = nullptr;
+        const int status = stencilor_context_create(value.get(), flags, &made, &error);
+        handle_.reset(made);
+        internal::check(status, error);
+    }
+
+    /// The handle, which stays this object's.
+    stencilor_context* get() const { return handle_.get(); }
+
+  private:
+    internal::Handle<stencilor_context> handle_;
+};
+
+/// A message of a result or a template, valid as long as that.
+class Message {
+  public:
+    /// @param message what is read
+    explicit Message(const stencilor_message* message) : message_(message) {}
+
+    /// A `stencilor_message_kind`.
+    int kind() const { return stencilor_message_kind(message_); }
+    /// The message in English, without its place.
+    std::string_view text() const { return internal::text(stencilor_message_text, message_); }
+    /// The name or path in the tag.
+    std::string_view name() const { return internal::text(stencilor_message_name, message_); }
+    /// The template that the place is in.
+    std::string_view templateName() const {
+        return internal::text(stencilor_message_template_name, message_);
+    }
+    /// The line, from 1.
+    std::size_t line() const { return stencilor_message_line(message_); }
+    /// The column in code points, from 1.
+    std::size_t column() const { return stencilor_message_column(message_); }
+    /// For what is not here, such as the includes around the place.
+    const stencilor_message* get() const { return message_; }
+
+  private:
+    const stencilor_message* message_;
+};
+
+/// What a render produced. It never changes.
+class Result {
+  public:
+    /// @param handle is this object's from now on
+    explicit Result(stencilor_result* handle) : handle_(handle) {}
+
+    /// How the render ended: a `stencilor_status` up to `STENCILOR_DEPTH_LIMIT`.
+    int status() const { return stencilor_result_status(get()); }
+    /// The text; empty unless the status is `STENCILOR_OK`.
+    std::string_view text() const { return internal::text(stencilor_result_text, get()); }
+    /// What the render took of a `stencilor_limit`.
+    std::uint64_t usage(int limit) const { return stencilor_result_usage(handle_.get(), limit); }
+
+    /// The messages, in the order of the text.
+    std::vector<Message> messages() const {
+        std::vector<Message> all;
+        for (std::size_t i = 0; i < stencilor_result_message_count(get()); ++i) {
+            all.emplace_back(stencilor_result_message(get(), i));
+        }
+        return all;
+    }
+
+    /// The handle, which stays this object's.
+    const stencilor_result* get() const { return handle_.get(); }
+
+  private:
+    internal::Handle<stencilor_result> handle_;
+};
+
+class Template;
+
+/// A request for an included template.
+class Request {
+  public:
+    /// @param request what is answered
+    explicit Request(stencilor_request* request) : request_(request) {}
+
+    /// How many bytes the template may have.
+    std::uint64_t maxSize() const { return stencilor_request_max_size(request_); }
+    /// Answers with a text.
+    void setText(std::string_view text) const {
+        internal::check(stencilor_request_set_text(request_, text.data(), text.size()));
+    }
+    /// Answers with a template that was parsed before.
+    void setTemplate(const Template& parsed) const;
+    /// Answers that there is a template, and that it cannot be read.
+    void setUnreadable() const { internal::check(stencilor_request_set_unreadable(request_)); }
+
+  private:
+    stencilor_request* request_;
+};
+
+/// Where included templates come from.
+/// Copying: copies share the source.
+class Source {
+  public:
+    /// Finds the template at a path, or does not answer the request.
+    using Find = std::function<void(std::string_view path, const Request& request)>;
+
+    /// Templates in memory, for `add`.
+    static Source memory() {
+        return Source(internal::make<stencilor_source>(stencilor_source_memory), nullptr);
+    }
+    /// The files below a folder.
+    static Source folder(std::string_view path) {
+        return Source(
+            internal::make<stencilor_source>(stencilor_source_folder, path.data(), path.size()),
+            nullptr);
+    }
+    /// Templates that a function finds.
+    static Source callback(Find find) {
+        auto kept = std::make_shared<Find>(std::move(find));
+        void* const payload = kept.get();
+        return Source(internal::make<stencilor_source>(stencilor_source_callback, call, payload),
+                      std::move(kept));
+    }
+
+    /// Adds a template to those in memory.
+    void add(std::string_view path, std::string_view text) {
+        internal::check(
+            stencilor_source_add(get(), path.data(), path.size(), text.data(), text.size()));
+    }
+
+    /// The handle, which stays this object's.
+    stencilor_source* get() const { return handle_.get(); }
+
+  private:
+    Source(internal::Handle<stencilor_source> handle, std::shared_ptr<Find> find)
+        : find_(std::move(find)), handle_(std::move(handle)) {}
+
+    static int call(void* payload, const char* path, std::size_t size, stencilor_request* request) {
+        return internal::guard([&] {
+            (*static_cast<Find*>(payload))(std::string_view(path, size), Request(request));
+        });
+    }
+
+    std::shared_ptr<Find> find_;
+    std::shared_ptr<stencilor_source> handle_;
+};
+
+/// How to render.
+class Options {
+  public:
+    /// Returns what is rendered in place of a value.
+    using Escape = std::function<std::string(std::string_view value)>;
+
+    Options() : handle_(internal::make<stencilor_options>(stencilor_options_create)) {}
+
+    /// Escapes in the way of a `stencilor_escape_kind`.
+    void setEscape(int kind) { internal::check(stencilor_options_set_escape(handle_.get(), kind)); }
+    /// Escapes by a function.
+    void setEscape(Escape escape) {
+        auto kept = std::make_unique<Escape>(std::move(escape));
+        internal::check(
+            stencilor_options_set_escape_function(handle_.get(), callEscape, kept.get()));
+        escape_ = std::move(kept);
+    }
+    /// Sets a `stencilor_limit`.
+    void setLimit(int limit, std::uint64_t value) {
+        internal::check(stencilor_options_set_limit(handle_.get(), limit, value));
+    }
+    /// Asks a function whether to go on.
+    void setPoll(std::function<bool()> poll) {
+        auto kept = std::make_unique<std::function<bool()>>(std::move(poll));
+        internal::check(stencilor_options_set_poll(handle_.get(), callPoll, kept.get()));
+        poll_ = std::move(kept);
+    }
+    /// Includes templates of a source, which these options keep.
+    void setSource(const Source& source) {
+        internal::check(stencilor_options_set_source(handle_.get(), source.get()));
+        source_ = std::make_unique<Source>(source);
+    }
+
+    /// The handle, which stays this object's.
+    const stencilor_options* get() const { return handle_.get(); }
+
+  private:
+    static int callEscape(void* payload, const char* text, std::size_t size,
+                          stencilor_output* output) {
+        return internal::guard([&] {
+            const std::string escaped =
+                (*static_cast<Escape*>(payload))(std::string_view(text, size));
+            stencilor_output_append(output, escaped.data(), escaped.size());
+        });
+    }
+
+    static int callPoll(void* payload) {
+        bool goesOn = false;
+        const int status =
+            internal::guard([&] { goesOn = (*static_cast<std::function<bool()>*>(payload))(); });
+        return status == 0 && goesOn ? 0 : 1;
+    }
+
+    std::unique_ptr<Escape> escape_;
+    std::unique_ptr<std::function<bool()>> poll_;
+    std::unique_ptr<Source> source_;
+    internal::Handle<stencilor_options> handle_;
+};
+
+/// A template that is parsed once. It never changes.
+class Template {
+  public:
+    /// @param text the template, well formed or not
+    /// @param name what messages call it
+    explicit Template(std::string_view text, std::string_view name = {}) {
+        stencilor_template* made = nullptr;
+        const int status =
+            stencilor_template_parse(text.data(), text.size(), name.data(), name.size(), &made);
+        handle_.reset(made);
+        internal::check(made == nullptr ? status : int(STENCILOR_OK));
+    }
+
+    /// True if the template can be rendered.
+    bool isWellFormed() const { return stencilor_template_fault(get()) == nullptr; }
+    /// Why it cannot: a message of the kind `STENCILOR_MESSAGE_NONE` if it can.
+    Message fault() const { return Message(stencilor_template_fault(get())); }
+
+    /// Renders.
+    Result render(const Context& context, const Options& options = {}) const {
+        stencilor_result* made = nullptr;
+        const int status = stencilor_template_render(get(), context.get(), options.get(), &made);
+        return resultOf(status, made);
+    }
+
+    /// Renders piece by piece.
+    Result renderTo(const Context& context, const std::function<void(std::string_view)>& write,
+                    const Options& options = {}) const {
+        stencilor_result* made = nullptr;
+        void* const payload = const_cast<std::function<void(std::string_view)>*>(&write);
+        const int status = stencilor_template_render_to(get(), context.get(), callWrite, payload,
+                                                        options.get(), &made);
+        return resultOf(status, made);
+    }
+
+    /// The handle, which stays this object's.
+    const stencilor_template* get() const { return handle_.get(); }
+
+    /// @cond
+    static Result resultOf(int status, stencilor_result* made) {
+        Result result(made);
+        internal::check(made == nullptr ? status : int(STENCILOR_OK));
+        return result;
+    }
+    /// @endcond
+
+  private:
+    static int callWrite(void* payload, const char* text, std::size_t size) {
+        return internal::guard([&] {
+            (*static_cast<const std::function<void(std::string_view)>*>(payload))(
+                std::string_view(text, size));
+        });
+    }
+
+    internal::Handle<stencilor_template> handle_;
+};
+
+inline void Request::setTemplate(const Template& parsed) const {
+    internal::check(stencilor_request_set_template(request_, parsed.get()));
+}
+
+/// Renders the template at a path of the source in the options.
+inline Result renderPath(std::string_view path, const Context& context, const Options& options) {
+    stencilor_result* made = nullptr;
+    const int status =
+        stencilor_render_path(path.data(), path.size(), context.get(), options.get(), &made);
+    return Template::resultOf(status, made);
+}
+
+/// Escapes a text in the way of a `stencilor_escape_kind`.
+inline std::string escape(int kind, std::string_view text) {
+    const auto escaped =
+        internal::make<stencilor_text>(stencilor_escape, kind, text.data(), text.size());
+    return std::string(internal::text(stencilor_text_data, escaped.get()));
+}
+
+/// What is wrong with a template, as JSON.
+/// @param parsed the template, well formed or not
+/// @param source where included templates come from; null for none
+/// @param context the values that names are looked up in; null for none
+inline std::string check(const Template& parsed, const Source* source = nullptr,
+                         const Context* context = nullptr) {
+    const auto json = internal::make<stencilor_text>(stencilor_check, parsed.get(),
+                                                     source == nullptr ? nullptr : source->get(),
+                                                     context == nullptr ? nullptr : context->get());
+    return std::string(internal::text(stencilor_text_data, json.get()));
+}
+
+/// The names that a template asks a context for, as JSON.
+/// @param parsed the template
+/// @param source where included templates come from; null for none
+inline std::string names(const Template& parsed, const Source* source = nullptr) {
+    const auto json = internal::make<stencilor_text>(stencilor_names, parsed.get(),
+                                                     source == nullptr ? nullptr : source->get());
+    return std::string(internal::text(stencilor_text_data, json.get()));
+}
+
+} // namespace stencilor
+
+#endif
