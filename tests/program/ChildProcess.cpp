@@ -285,4 +285,8 @@ RunningStencilor::RunningStencilor(const Arguments& arguments)
 
 RunningStencilor::~RunningStencilor() = default;
 
+std::string RunningStencilor::errors() const {
+    return support::readFile(child_->files.errors);
+}
+
 } // namespace program

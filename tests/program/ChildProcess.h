@@ -36,13 +36,16 @@ struct Arguments : std::vector<std::string> {
 /// Errors: throws `std::system_error` where it cannot be started.
 Outcome runStencilor(const Arguments& arguments, const Streams& streams = {});
 
-/// `stencilor` in the working directory, from which nothing is read. It is ended with this object.
+/// `stencilor`, running in the working directory until this object is destroyed.
 class RunningStencilor {
   public:
     explicit RunningStencilor(const Arguments& arguments);
     RunningStencilor(const RunningStencilor&) = delete;
     RunningStencilor& operator=(const RunningStencilor&) = delete;
     ~RunningStencilor();
+
+    /// What it has written to the standard error stream so far.
+    std::string errors() const;
 
   private:
     struct Child;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace stencilor {
 
@@ -75,13 +76,28 @@ ExitStatus renderOnce(const RenderRequest& request, Files& files) {
     return status;
 }
 
+std::string_view describeStatus(int status, bool strict) {
+    switch (status) {
+    case exitClean:
+        return "rendered";
+    case exitMessages:
+        return strict ? "nothing written, because of --strict" : "rendered with warnings";
+    case exitRejected:
+        return "nothing written, because the template is malformed";
+    case exitLimit:
+        return "nothing written, because a limit was reached";
+    default:
+        return "failed";
+    }
+}
+
 [[noreturn]] void watch(const RenderRequest& request) {
     for (;;) {
         Files files;
         const int status = reportFailure([&] { return renderOnce(request, files); });
         if (!request.quiet) {
-            printError(status == exitClean ? "rendered; waiting for a change"
-                                           : "waiting for a change");
+            printError(std::string(describeStatus(status, request.strict)) +
+                       "; waiting for a change");
         }
         files.waitForChange();
     }
