@@ -76,7 +76,11 @@
 #define STENCILOR_ABI_VERSION 0
 
 /** As the size of a text: its bytes up to the first NUL. */
-#define STENCILOR_NUL_TERMINATED SIZE_MAX
+#ifdef __cplusplus
+#define STENCILOR_NUL_TERMINATED (static_cast<size_t>(-1))
+#else
+#define STENCILOR_NUL_TERMINATED ((size_t)-1)
+#endif
 
 #ifdef __cplusplus
 extern "C" {

@@ -159,6 +159,14 @@ TEST_F(CExhaustedMemory, IsAStatusOfContextsAndTemplates) {
                                             nullptr);
         },
         STENCILOR_OK);
+    const std::string json = R"({"a": {"b": [1.5, "!raw"]}})";
+    failEachAllocationOf<ContextHandle>(
+        "context of JSON",
+        [&](stencilor_context** made) {
+            return stencilor_context_parse_json(
+                json.data(), json.size(), STENCILOR_CONTEXT_SHORT_NUMBERS, "!", 1, made, nullptr);
+        },
+        STENCILOR_OK);
     failEachAllocationOf<TemplateHandle>(
         "template",
         [](stencilor_template** made) {
@@ -258,6 +266,14 @@ TEST_F(CExhaustedMemory, IsAStatusOfOptionsAndSources) {
         "callback",
         [](stencilor_source** made) {
             return stencilor_source_callback(answerWithText, nullptr, made);
+        },
+        STENCILOR_OK);
+    SourceHandle callback;
+    EXPECT_EQ(stencilor_source_callback(answerWithText, nullptr, out(callback)), STENCILOR_OK);
+    failEachAllocationOf<TemplateHandle>(
+        "find",
+        [&](stencilor_template** made) {
+            return stencilor_source_find(callback.get(), "p", 1, made);
         },
         STENCILOR_OK);
     const SourceHandle memory = makeMemory();

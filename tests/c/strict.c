@@ -4,15 +4,15 @@
 #include <stdio.h>
 #include <string.h>
 
-static int write_text(void *payload, const char *text, size_t size) {
-    return fwrite(text, 1, size, (FILE *)payload) == size ? 0 : 1;
+static int write_text(void* payload, const char* text, size_t size) {
+    return fwrite(text, 1, size, (FILE*)payload) == size ? 0 : 1;
 }
 
 int main(void) {
-    const char *const json = "{\"name\": \"world\"}";
-    stencilor_template *page = NULL;
-    stencilor_value *values = NULL;
-    stencilor_context *context = NULL;
+    const char* const json = "{\"name\": \"world\"}";
+    stencilor_template* page = NULL;
+    stencilor_value* values = NULL;
+    stencilor_context* context = NULL;
     int status;
 
     if (stencilor_abi_version() != STENCILOR_ABI_VERSION) {
