@@ -10,7 +10,8 @@ add_library(stencilor_warnings INTERFACE)
 target_compile_options(
     stencilor_warnings
     INTERFACE
-        $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow;-Wnon-virtual-dtor;-Wold-style-cast>
+        $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow>
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang>:-Wnon-virtual-dtor;-Wold-style-cast>
         # GCC 12 warns of its own std::string, wherever "text" + string is compiled for speed.
         $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
