@@ -14,6 +14,9 @@ renderer templateRenderer(const workload& work);
 /// The same in pieces.
 renderer renderToRenderer(const workload& work);
 
+/// The same through the C interface.
+renderer cRenderer(const workload& work);
+
 /// Make and destroy the context of a workload: of a value that exists already, and by the classic
 /// classes.
 std::function<std::size_t()> contextOfValue(const workload& work);

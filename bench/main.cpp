@@ -26,6 +26,7 @@ constexpr const char* classic = "buildOutput";
 constexpr const char* modern = "Template";
 constexpr const char* byHandName = "hand";
 constexpr const char* pieces = "renderTo";
+constexpr const char* throughC = "C";
 constexpr const char* ofValue = "Context";
 constexpr const char* ofClasses = "classes";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
@@ -71,10 +72,14 @@ contest prepare(workload work) {
     if (each.name == "W2-1000") {
         all.push_back({pieces, renderToRenderer(each)});
     }
+    if (!each.inFiles) {
+        all.push_back({throughC, cRenderer(each)});
+    }
     made.races = {{classic, each.inFiles ? std::vector<std::string>{byHandName} : peers},
                   {modern, parsedPeers},
                   {pieces, {modern}},
-                  {ofValue, {ofClasses}}};
+                  {ofValue, {ofClasses}},
+                  {throughC, {modern}}};
     return made;
 }
 
@@ -259,6 +264,11 @@ void printFigures(const median_reporter& measured, const std::vector<contest>& c
             continue;
         }
         const figures& medians = measured.medians.at(name);
+        if (!each.work.inFiles) {
+            // A small page does not hide the memory of one handle.
+            printFigure((name + ": render through C, of Template").c_str(),
+                        medians.at(each.races[4].ratio()), name == "W1" ? 1.2 : 1.05);
+        }
         if (name == "W2-1000") {
             printFigure("W2-1000: renderTo, of render", medians.at(each.races[2].ratio()), 1.0);
             printFigure("W2-1000: Context of a Value, of the same by the classic classes",
