@@ -12,8 +12,11 @@ from ctypes import (
     c_char_p,
     c_int,
     c_size_t,
+    c_ssize_t,
     c_uint64,
     c_void_p,
+    py_object,
+    pythonapi,
     string_at,
 )
 from pathlib import Path
@@ -140,11 +143,24 @@ class Handle:
         raise TypeError("templates, contexts and environments cannot be copied or pickled")
 
 
+def _make_decoder() -> Callable[..., Any]:
+    if sys.implementation.name != "cpython":
+        return lambda text, size, _errors: string_at(text, size).decode()
+    decode = pythonapi.PyUnicode_DecodeUTF8  # without a copy of the bytes
+    decode.restype = py_object
+    decode.argtypes = (c_void_p, c_ssize_t, c_char_p)
+    return decode
+
+
+_decode = _make_decoder()
+
+
 def read(function: Callable[..., Any], *arguments: Any) -> str:
     """Calls a function that returns a text."""
     size = c_size_t()
     text = function(*arguments, byref(size))
-    return string_at(text, size.value).decode()
+    decoded: str = _decode(text, size.value, None)
+    return decoded
 
 
 def fail(status: int, reason: str = "") -> None:
