@@ -45,10 +45,9 @@ Finding describeOtherLoop(const Occurrence& found, SyntaxRange name) {
             .message = quote(text) + " is found in element " + std::to_string(other.element + 1) +
                        " of " + quote(other.file->slice(other.tag->list)) +
                        (other.isInside
-                            ? ", a loop inside; have the context give the elements a key of their "
-                              "own"
-                            : ", a loop around the one of its variable"),
-            .notes = {{{other.file, other.tag->whole}, "this loop answers"}}};
+                            ? ", an inner loop; in the context, give the elements keys of their own"
+                            : ", an outer loop"),
+            .notes = {{{other.file, other.tag->whole}, "found in this loop"}}};
 }
 
 Finding describeRejection(const Occurrence& found) {
@@ -60,14 +59,15 @@ Finding describeRejection(const Occurrence& found) {
 Finding describeEndlessness(const Occurrence& found) {
     return {.rule = Rule::IncludeCycle,
             .place = {found.file, found.part->name},
-            .message = "the inclusions around this one seem to have no end"};
+            .message = "includes appear to recurse without end"};
 }
 
 Finding describeEnd(const Occurrence& found) {
     return {.rule = Rule::Limit,
             .place = {found.file, found.part->whole},
-            .message = "the loops multiply too much to look up all names; those from here on are "
-                       "not checked",
+            .message =
+                "too many iterations of nested loops to look up every name; names from here on are "
+                "not checked",
             .ownSeverity = Severity::Warning};
 }
 

@@ -392,7 +392,7 @@ std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::
     if (loop == blocks.rend()) {
         return "";
     }
-    std::string text = "; " + quote(name) + " is the variable of a loop, which is only a prefix";
+    std::string text = "; " + quote(name) + " is a loop variable, which is only a prefix";
     const ContextBase* const element = loop->element();
     if (element == nullptr) {
         return text;
@@ -414,8 +414,8 @@ std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::
     }
     return element->find("value") == nullptr
                ? text
-               : text + ", and a loop inside answers to " + quote(name + ".value") +
-                     ": have the context give the elements a key of their own";
+               : text + ", and an inner loop hides " + quote(name + ".value") +
+                     ": in the context, give the elements keys of their own";
 }
 
 /// A beginning of the name may be a list.

@@ -101,7 +101,7 @@ class EndlessIncludes {
         };
         return {.rule = Rule::EndlessInclude,
                 .place = place,
-                .message = "the file always includes itself: " +
+                .message = "the file includes itself unconditionally: " +
                            joinCycle(path_.size() - again.depth, nameAt)};
     }
 

@@ -47,7 +47,7 @@ void describeFaults(const TemplateFile& file, std::vector<Finding>& findings) {
     }
     if (!file.faults().areAll) {
         const Place& last = findings.back().place;
-        findings.back().notes.push_back({last, "what comes after this is not checked"});
+        findings.back().notes.push_back({last, "the rest of the file is not checked"});
     }
 }
 

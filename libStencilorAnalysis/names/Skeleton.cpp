@@ -245,8 +245,8 @@ class Skeleton::Builder {
             return;
         }
         if (objectsOf_[&file].size() > mostElements) {
-            complain("the names in " + quote(file.name()) + " are asked of more than " +
-                     std::to_string(mostElements) + " elements; some lack them here");
+            complain("more than " + std::to_string(mostElements) + " elements need the names in " +
+                     quote(file.name()) + "; some of them lack the names here");
             return;
         }
         onPath_.insert(&file);
@@ -286,8 +286,8 @@ class Skeleton::Builder {
         }
         Value& value = values_.get(*owner.object, owner.name, use.kind);
         if (value.kind != use.kind) {
-            complain(quote(use.text()) + " is asked for as a " + kindName(value.kind) +
-                     " and as a " + kindName(use.kind));
+            complain(quote(use.text()) + " is used as a " + kindName(value.kind) + " and as a " +
+                     kindName(use.kind));
         }
         return use.kind == ValueKind::List ? values_.elementOf(*owner.object, owner.name, value)
                                            : nullptr;
@@ -309,7 +309,7 @@ class Skeleton::Builder {
         }
         Value* const element = addName(visit, list);
         if (element == nullptr) {
-            complain("the loops nest deeper than a context can; those inside are left out");
+            complain("loops are nested deeper than a context can be; the inner ones are left out");
         }
         visit.byVariable[variable].push_back(visit.loops.size());
         visit.loops.push_back({variable, element});

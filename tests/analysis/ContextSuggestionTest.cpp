@@ -40,14 +40,14 @@ TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
         {"nothing of another kind", "{% if tilte %}{% endif %}", R"(no boolean is named "tilte")"},
         {"nothing that is near", "{{ price }}", R"(no string is named "price")"},
         {"the variable of a loop over texts", "{% for x in tags %}{{ x }}{% endfor %}",
-         R"(; "x" is the variable of a loop, which is only a prefix: write "x.value")"},
+         R"(; "x" is a loop variable, which is only a prefix: write "x.value")"},
         {"the variable of a loop over objects", "{% for x in items %}{{ x }}{% endfor %}",
-         R"(; "x" is the variable of a loop, which is only a prefix: write a member, such as )"
+         R"(; "x" is a loop variable, which is only a prefix: write a member, such as )"
          R"("x.maker.name")"},
         {"a variable where a loop inside answers",
          "{% for x in tags %}{% for y in tags %}{{ x }}{% endfor %}{% endfor %}",
-         R"(; "x" is the variable of a loop, which is only a prefix, and a loop inside answers to )"
-         R"("x.value": have the context give the elements a key of their own)"},
+         R"(; "x" is a loop variable, which is only a prefix, and an inner loop hides )"
+         R"("x.value": in the context, give the elements keys of their own)"},
         {"a variable in a loop inside over what has no value",
          "{% for x in tags %}{% for y in items %}{{ x }}{% endfor %}{% endfor %}",
          R"(: write "x.value")"},
@@ -72,8 +72,7 @@ TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
 }
 
 TEST(ContextCheck, WarnsWhereAnotherLoopAnswers) {
-    const std::string hint =
-        ", a loop inside; have the context give the elements a key of their own";
+    const std::string hint = ", an inner loop; in the context, give the elements keys of their own";
     const struct {
         const char* name;
         std::string text;
@@ -98,10 +97,10 @@ TEST(ContextCheck, WarnsWhereAnotherLoopAnswers) {
          {R"("x.cells" is found in element 2 of "rows")" + hint + " @19"}},
         {"a loop around",
          "{% for x in rows %}{% for y in words %}{{ y.title }}{% endfor %}{% endfor %}",
-         {R"("y.title" is found in element 1 of "rows", a loop around the one of its variable @0)"}},
+         {R"("y.title" is found in element 1 of "rows", an outer loop @0)"}},
         {"a loop around the include",
          R"({% for x in rows %}{% include "words" %}{% endfor %})",
-         {R"("y.title" is found in element 1 of "rows", a loop around the one of its variable @0)"}},
+         {R"("y.title" is found in element 1 of "rows", an outer loop @0)"}},
         {"a name of several loops",
          "{% for x in tags %}{% for x in words %}{{ x.value }}{% endfor %}{% endfor %}",
          {}},

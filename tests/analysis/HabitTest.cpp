@@ -325,7 +325,7 @@ TEST(Faults, AreAtMostTwenty) {
     EXPECT_EQ(formatText(check(page, files)).find("is not checked"), std::string::npos);
     const std::vector<Finding> findings = check(page + "{{ a b }}", files);
     EXPECT_EQ(findings.size(), 20u);
-    EXPECT_EQ(findings.back().notes.back().message, "what comes after this is not checked");
+    EXPECT_EQ(findings.back().notes.back().message, "the rest of the file is not checked");
 }
 
 TEST(Faults, OfABlockThatIsNotClosedComeLast) {

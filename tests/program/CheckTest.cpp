@@ -170,7 +170,7 @@ TEST_F(CheckTest, FollowsInclusions) {
              "pages/page.txt:1:27: error: expected a name after \"{{\"\n"
              "{% include \"none.txt\" %}{{\n                          ^\n"},
         {"a file that includes itself", "{% include \"page.txt\" %}", "", 1,
-         "pages/page.txt:1:13: error: the file always includes itself: pages/page.txt -> "
+         "pages/page.txt:1:13: error: the file includes itself unconditionally: pages/page.txt -> "
          "pages/page.txt\n"
          "{% include \"page.txt\" %}\n            ^~~~~~~~\n"},
     };
@@ -187,7 +187,7 @@ TEST_F(CheckTest, TellsCyclesThatMayEndFromThoseThatCannot) {
     const std::string toB = R"({% include "b.txt" %})";
     const std::string guarded = "{% if x %}" + toB + "{% endif %}";
     const std::string looped = "{% for x in xs %}" + toB + "{% endfor %}";
-    const std::string message = "the file always includes itself: a.txt -> b.txt -> a.txt";
+    const std::string message = "the file includes itself unconditionally: a.txt -> b.txt -> a.txt";
     const std::string note = "b.txt:1:13: note: the file includes itself: a.txt -> b.txt -> a.txt";
     const struct {
         const char* name;

@@ -60,7 +60,7 @@ TEST_F(DepsTest, WritesARuleOfMake) {
     }
     expectOutcome(runStencilor("deps - --depfile out", {.input = "text"}), 0, "out:\n", "");
     expectOutcome(runStencilor({"deps", "pages/b.txt", "--depfile", "a\nb"}), 2, "",
-                  "stencilor: a rule of Make cannot hold the line break in a\\nb\n");
+                  "stencilor: a Make rule cannot contain the line break in a\\nb\n");
 }
 
 #ifndef _WIN32

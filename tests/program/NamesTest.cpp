@@ -133,7 +133,7 @@ TEST_F(NamesTest, OfTwoKindsAreTold) {
     folder.writeFile("case.txt", "{% if a %}{% for x in a %}{{ x.y }}{% endfor %}{% endif %}");
     const Outcome outcome = runStencilor("names case.txt --skeleton");
     expectOutcome(outcome, 1, "{\n  \"a\": true\n}\n",
-                  "stencilor: case.txt: \"a\" is asked for as a boolean and as a list\n");
+                  "stencilor: case.txt: \"a\" is used as a boolean and as a list\n");
 }
 
 TEST_F(NamesTest, OfARejectedTemplateAreNotListed) {

@@ -75,8 +75,7 @@ TEST_F(OutputFileTest, IsNeverAFileThatWasRead) {
     for (const auto& [name, arguments, file] : cases) {
         SCOPED_TRACE(name);
         expectOutcome(runStencilor(arguments + " -o " + file, {.input = "text"}), 2, "",
-                      "stencilor: " + file +
-                          ": the result would replace a file that it is made of\n");
+                      "stencilor: " + file + ": the output would overwrite an input file\n");
         EXPECT_EQ(support::readFile("page.txt"), page);
         EXPECT_EQ(support::readFile("part.txt"), "{{ a }}");
         EXPECT_EQ(support::readFile("values.json"), R"({"a":"x"})");
@@ -127,8 +126,7 @@ TEST_F(OutputFileTest, IsNeverAFileThatIsRedirected) {
           {"\"$0\" render page.txt -o /dev/stdout >>page.txt", "/dev/stdout"}}) {
         SCOPED_TRACE(command);
         expectOutcome(runShell(command), 2, "",
-                      "stencilor: " + name +
-                          ": the result would replace a file that it is made of\n");
+                      "stencilor: " + name + ": the output would overwrite an input file\n");
         EXPECT_EQ(support::readFile("page.txt"), "text");
     }
 }

@@ -51,7 +51,7 @@ TEST_F(PathsTest, MayLeadToARootInAnyLanguage) {
     expectOutcome(runStencilor({"render", "-", "--root", templates}, {.input = input}), 0,
                   "[na\u00EFve]", "");
     expectOutcome(runStencilor("render - --root \u677F", {.input = input}), 2, "",
-                  "stencilor: \u677F: not a folder that included files can be read from\n");
+                  "stencilor: \u677F: not a readable folder\n");
 }
 
 TEST_F(PathsTest, AreToldAsTheyWereGiven) {

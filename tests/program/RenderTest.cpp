@@ -119,7 +119,7 @@ TEST_F(RenderTest, CountsTheMessagesThatAreNotKept) {
     folder.writeFile("page.txt", text);
     const auto ended = runStencilor("render page.txt --max-output 1200");
     EXPECT_EQ(ended.errors.substr(ended.errors.rfind("note: ")),
-              "note: and 201 more messages, about these places or others\n{{ x }}\n       ^\n");
+              "note: and 201 more messages, here or elsewhere\n{{ x }}\n       ^\n");
     EXPECT_EQ(runStencilor("render page.txt").errors.find("note: "), std::string::npos);
 }
 
@@ -135,22 +135,22 @@ TEST_F(RenderTest, EndsAtALimit) {
         {"a template that includes itself", "endless.txt",
          "endless.txt:1:13: error: includes are nested deeper than 100 (--max-depth)\n"},
         {"a depth that is chosen", "page.txt values.json --max-depth 1 --max-output 4",
-         "page.txt:1:1: error: the output has more bytes than 4 (--max-output)\n"},
+         "page.txt:1:1: error: the output exceeds 4 bytes (--max-output)\n"},
         {"enough output", "page.txt values.json --max-output 21", ""},
         {"any output", "page.txt values.json --max-output 0", ""},
         {"output in KiB", "page.txt values.json --max-output 1200", ""},
         {"too much output", "page.txt values.json --max-output 20",
-         "long.txt:1:1: error: the output has more bytes than 20 (--max-output)\n"},
+         "long.txt:1:1: error: the output exceeds 20 bytes (--max-output)\n"},
         {"enough templates", "page.txt values.json --max-templates 51", ""},
         {"too long an included template", "page.txt values.json --max-templates 50",
-         "page.txt:1:25: error: the templates have more bytes than 50 (--max-templates)\n"},
+         "page.txt:1:25: error: the templates exceed 50 bytes (--max-templates)\n"},
         {"nothing left for included templates", "page.txt values.json --max-templates 36",
-         "page.txt:1:25: error: the templates have more bytes than 36 (--max-templates)\n"},
+         "page.txt:1:25: error: the templates exceed 36 bytes (--max-templates)\n"},
         {"too long a template", "page.txt values.json --max-templates 35",
-         "page.txt:1:1: error: the template has more bytes than 35 (--max-templates)\n"},
+         "page.txt:1:1: error: the template exceeds 35 bytes (--max-templates)\n"},
         {"enough steps", "page.txt values.json --max-steps 4", ""},
         {"too many steps", "page.txt values.json --max-steps 3",
-         "long.txt:1:1: error: rendering takes more steps than 3 (--max-steps)\n"},
+         "long.txt:1:1: error: rendering exceeds 3 steps (--max-steps)\n"},
     };
     for (const auto& [name, arguments, message] : cases) {
         SCOPED_TRACE(name);
@@ -177,7 +177,7 @@ TEST_F(RenderTest, EndsAtMoreStepsThanAnyoneWaitsFor) {
     const Outcome outcome = runStencilor({"render", "loops.txt", "-D", list});
     EXPECT_EQ(outcome.status, 4);
     EXPECT_TRUE(outcome.errors.starts_with(
-        "loops.txt:1:77: error: rendering takes more steps than 100000000 (--max-steps)\n"));
+        "loops.txt:1:77: error: rendering exceeds 100000000 steps (--max-steps)\n"));
 }
 
 TEST_F(RenderTest, WritesMessagesInOtherFormats) {

@@ -56,7 +56,7 @@ void setAndCheck(const OptionInfo& option, const std::string& value) {
         throw CallError("the file name given for " + name + " is empty");
     }
     if (!choices.empty() && std::find(choices.begin(), choices.end(), value) == choices.end()) {
-        throw CallError(name + ": " + quote(value) + " is none of " + join(choices, ", ") +
+        throw CallError(name + ": " + quote(value) + " is not one of " + join(choices, ", ") +
                         suggest(choices, value));
     }
     try {

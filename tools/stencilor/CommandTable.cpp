@@ -54,7 +54,7 @@ OptionInfo choice(const std::string& name, const std::string& value, const std::
     return option;
 }
 
-/// A number; with K, M or G of so many KiB, MiB or GiB.
+/// Parses a number, which may end in K, M or G for KiB, MiB or GiB.
 std::uint64_t parseCount(const std::string& given) {
     const char* const end = given.data() + given.size();
     std::uint64_t count = 0;
@@ -63,7 +63,7 @@ std::uint64_t parseCount(const std::string& given) {
     const unsigned int shift = unit == "K" ? 10 : unit == "M" ? 20 : unit == "G" ? 30 : 0;
     const std::uint64_t result = count << shift;
     if (failure != std::errc() || (shift == 0 && !unit.empty()) || result >> shift != count) {
-        throw std::invalid_argument("expected a number, or one with K, M or G");
+        throw std::invalid_argument("expected a number, optionally followed by K, M or G");
     }
     return result;
 }
@@ -86,7 +86,7 @@ OptionInfo depthLimit(unsigned int& target) {
         }
     };
     return {.names = {"--max-depth"},
-            .description = "End where more includes are nested, at most 100",
+            .description = "Stop if includes are nested deeper than N, at most 100",
             .value = "N",
             .type = ValueType::Other,
             .set = set};
@@ -105,12 +105,12 @@ OptionInfo templates(Request& request) {
 
 void setContext(ContextRequest& context, const std::string& file) {
     if (context.file) {
-        throw CallError("two contexts are given: " + *context.file + " and " + file);
+        throw CallError("more than one context: " + *context.file + " and " + file);
     }
     context.file = file;
 }
 
-/// What every command takes.
+/// The options of every command.
 std::vector<OptionInfo> commonOptions(Request& request, const std::string& context) {
     return {
         {.names = {"--context"},
@@ -119,8 +119,8 @@ std::vector<OptionInfo> commonOptions(Request& request, const std::string& conte
          .type = ValueType::File,
          .set = [&request](const std::string& file) { setContext(request.context, file); }},
         {.names = {"-D"},
-         .description = "Add a string, or with NAME:=JSON a JSON value, to the context; the last "
-                        "of a name wins",
+         .description = "Add a string to the context; NAME:=JSON adds a JSON value. The last one "
+                        "with a name wins",
          .value = "NAME=VALUE",
          .type = ValueType::Other,
          .repeated = true,
@@ -128,18 +128,20 @@ std::vector<OptionInfo> commonOptions(Request& request, const std::string& conte
              [&request](const std::string& definition) {
                  request.context.definitions.push_back(definition);
              }},
-        flag("--positions", "Give list elements index (from 1), first and last",
+        flag("--positions", "Add index (from 1), first and last to list elements",
              request.context.positions),
         text({"-o", "--output"}, "FILE", ValueType::File,
-             "Write FILE, wholly or not at all, instead of stdout", request.outputFile),
+             "Write to FILE instead of stdout, completely or not at all", request.outputFile),
         text({"--root"}, "DIR", ValueType::Folder,
-             "Look up included files below DIR instead of the template's folder", request.root),
+             "Look up included files in DIR instead of the template's folder", request.root),
         text({"--stdin-name"}, "FILE", ValueType::File,
-             "Take a template on stdin for the content of FILE", request.standardInputName),
-        choice<Format>("--format", "FORMAT", "How to write messages, and results that are not text",
+             "Treat a template on stdin as the content of FILE", request.standardInputName),
+        choice<Format>("--format", "FORMAT",
+                       "Format of messages, and of results other than rendered text",
                        {{"text", Format::Text}, {"json", Format::Json}, {"sarif", Format::Sarif}},
                        request.format),
-        choice<Color>("--color", "WHEN", "Color the messages; auto on terminals without NO_COLOR",
+        choice<Color>("--color", "WHEN",
+                      "When to color messages; auto: on a terminal, unless NO_COLOR is set",
                       {{"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}},
                       request.color),
         flag("--quiet", "Write no messages about templates", request.quiet),
@@ -150,12 +152,12 @@ void add(std::vector<OptionInfo>& options, std::vector<OptionInfo> more) {
     std::move(more.begin(), more.end(), std::back_inserter(options));
 }
 
-/// The standard input can be read once.
+/// The standard input can only be read once.
 void checkStreams(const Request& request) {
     const auto& files = request.templateFiles;
     const auto templates = std::count(files.begin(), files.end(), standardStream);
     if (templates + (request.context.file == standardStream ? 1 : 0) > 1) {
-        throw CallError("only one file can be -, the standard input");
+        throw CallError("only one file can be - (standard input)");
     }
     if (request.standardInputName && templates == 0) {
         throw CallError("--stdin-name needs - as the template");
@@ -170,9 +172,8 @@ std::function<ExitStatus()> runner(const std::shared_ptr<Request>& request) {
     };
 }
 
-/// Where only templates are looked at, a context says more about them.
-constexpr const char* checkedContext =
-    "Also report which names the values in FILE, a JSON file, do not have";
+/// The description of `--context` in commands that do not render.
+constexpr const char* checkedContext = "Also report names that the JSON file FILE does not have";
 
 CommandInfo renderCommand() {
     const auto request = std::make_shared<RenderRequest>();
@@ -193,19 +194,19 @@ CommandInfo renderCommand() {
     command.options = commonOptions(*request, "The same as CONTEXT");
     add(command.options,
         {choice<Escape>(
-             "--escape", "KIND", "Escape values, for HTML or for strings of JSON",
+             "--escape", "KIND", "Escape values for HTML or for JSON strings",
              {{"none", Escape::none()}, {"html", Escape::html()}, {"json", Escape::json()}},
              request->escape),
          flag("--strict", "Write nothing if there are messages", request->strict),
          flag("--watch", "Render again when the template, an include or the context changes",
               request->watch),
-         limit("--max-steps", "N", "End after N steps", request->limits.steps),
-         limit("--max-output", "BYTES", "End where the output is longer",
+         limit("--max-steps", "N", "Stop after N steps", request->limits.steps),
+         limit("--max-output", "BYTES", "Stop if the output is longer",
                request->limits.outputBytes),
-         limit("--max-templates", "BYTES", "End where the templates are longer together",
+         limit("--max-templates", "BYTES", "Stop if all templates together are longer",
                request->limits.templateBytes),
          depthLimit(request->limits.includeDepth),
-         flag("--trace", "Show on stderr what the engine does", request->trace)});
+         flag("--trace", "Log to stderr what the engine does", request->trace)});
     command.options.back().hidden = true;
     command.run = [request] {
         checkStreams(*request);
@@ -240,13 +241,13 @@ CommandInfo checkCommand() {
 CommandInfo namesCommand() {
     const auto request = std::make_shared<NamesRequest>();
     CommandInfo command{"names",
-                        "List the names that templates ask a context for",
+                        "List the names that templates use",
                         namesNotes,
                         {templates(*request)},
                         commonOptions(*request, checkedContext),
                         runner<NamesRequest, names>(request)};
     add(command.options,
-        {flag("--skeleton", "Write a context with all these names, a JSON text to fill in",
+        {flag("--skeleton", "Write a JSON context with all these names, to be filled in",
               request->skeleton)});
     return command;
 }
@@ -259,10 +260,9 @@ CommandInfo depsCommand() {
                         {templates(*request)},
                         commonOptions(*request, checkedContext),
                         runner<DepsRequest, deps>(request)};
-    add(command.options,
-        {text({"--depfile"}, "TARGET", ValueType::Other,
-              "Write a rule of Make: TARGET depends on the templates and on these files",
-              request->target)});
+    add(command.options, {text({"--depfile"}, "TARGET", ValueType::Other,
+                               "Write a Make rule: TARGET depends on the templates and these files",
+                               request->target)});
     return command;
 }
 
@@ -278,18 +278,18 @@ CommandInfo treeCommand() {
 
 CommandInfo lspCommand() {
     CommandInfo command{"lsp", "Serve an editor with the Language Server Protocol", lspNotes};
-    // What many clients add, whichever server they start.
+    // Many clients pass this to every server.
     command.options = {{.names = {"--stdio"},
-                        .description = "Use the standard streams, as it always does",
+                        .description = "Use the standard streams; this is always the case",
                         .set = [](const std::string&) {}}};
     command.run = lsp::serve;
     return command;
 }
 
-/// Only described here: the parser has the help.
+/// Only the description: the parser implements it.
 CommandInfo helpCommand(const std::vector<CommandInfo>& commands) {
     OptionInfo name{.names = {"COMMAND"},
-                    .description = "The command; none is the program",
+                    .description = "The command; without it, print the help of the program",
                     .value = "COMMAND",
                     .type = ValueType::Choice};
     for (const CommandInfo& command : commands) {

@@ -79,7 +79,7 @@ std::string escapeForMake(std::string_view path) {
     std::size_t backslashes = 0;
     for (const char byte : path) {
         if (byte == '\n' || byte == '\r') {
-            throw Failure("a rule of Make cannot hold the line break in " + std::string(path));
+            throw Failure("a Make rule cannot contain the line break in " + std::string(path));
         }
         if (byte == ' ' || byte == '\t') {
             escaped.append(backslashes + 1, '\\'); // those before it would escape each other

@@ -49,8 +49,7 @@ void Files::write(const std::string& file, std::string_view text) const {
         if (std::any_of(states_.begin(), states_.end(), [&path](const auto& read) {
                 return system::isSameFile(read.first, path);
             })) {
-            throw Failure(outputName(file) +
-                          ": the result would replace a file that it is made of");
+            throw Failure(outputName(file) + ": the output would overwrite an input file");
         }
         if (file == standardStream) {
             system::writeStandardOutput(text);

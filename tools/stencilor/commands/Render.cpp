@@ -35,8 +35,8 @@ ExitStatus refuseLongTemplate(const RenderRequest& request, const std::string& n
     printFindings(
         {{.rule = Rule::Limit,
           .place = {&unread, {}},
-          .message = "the template has more bytes than " +
-                     std::to_string(request.limits.templateBytes) + " (--max-templates)"}},
+          .message = "the template exceeds " + std::to_string(request.limits.templateBytes) +
+                     " bytes (--max-templates)"}},
         request);
     return exitLimit;
 }

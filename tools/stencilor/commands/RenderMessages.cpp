@@ -47,19 +47,19 @@ Rule ruleOf(MessageKind kind) {
 }
 
 std::string describe(const RenderMessage& message, const RenderLimits& limits) {
-    const auto exceed = [](const char* what, std::uint64_t limit, const char* option) {
-        return std::string(what) + " " + std::to_string(limit) + " (" + option + ")";
+    const auto exceed = [](const char* what, std::uint64_t limit, const char* unit,
+                           const char* option) {
+        return what + std::to_string(limit) + unit + " (" + option + ")";
     };
     switch (message.kind) {
     case MessageKind::StepLimit:
-        return exceed("rendering takes more steps than", limits.steps, "--max-steps");
+        return exceed("rendering exceeds ", limits.steps, " steps", "--max-steps");
     case MessageKind::OutputLimit:
-        return exceed("the output has more bytes than", limits.outputBytes, "--max-output");
+        return exceed("the output exceeds ", limits.outputBytes, " bytes", "--max-output");
     case MessageKind::TemplateLimit:
-        return exceed("the templates have more bytes than", limits.templateBytes,
-                      "--max-templates");
+        return exceed("the templates exceed ", limits.templateBytes, " bytes", "--max-templates");
     case MessageKind::DepthLimit:
-        return exceed("includes are nested deeper than", limits.includeDepth, "--max-depth");
+        return exceed("includes are nested deeper than ", limits.includeDepth, "", "--max-depth");
     default:
         return message.text().str();
     }
@@ -108,8 +108,8 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
     if (const std::uint64_t more = result.usage.messages - result.messages.size();
         more > 0 && !isWalked) {
         Finding& last = findings.back();
-        last.notes.push_back({last.place, "and " + std::to_string(more) +
-                                              " more messages, about these places or others"});
+        last.notes.push_back(
+            {last.place, "and " + std::to_string(more) + " more messages, here or elsewhere"});
     }
     for (const TemplateFile* file : templates.damagedFiles()) {
         checkText(*file, findings);

@@ -16,7 +16,7 @@ kel::Folder openFolder(const std::string& path) {
     if (auto folder = kel::Folder::open(path)) {
         return *folder;
     }
-    throw Failure(path + ": not a folder that included files can be read from");
+    throw Failure(path + ": not a readable folder");
 }
 
 /// The file that a template belongs to; `-` where it is none.
