@@ -5,6 +5,7 @@
 #include <libStencilorC/stencilor.h>
 #include <libStencilorJson/JsonText.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -36,17 +37,23 @@ struct stencilor_context {
     kel::Stencilor::Context context;
 };
 
+/// A message of a result or a template, which holds it. Its text is made when it is asked for
+/// first, by whichever thread that is: few hosts read all texts.
 struct stencilor_message {
-    explicit stencilor_message(kel::Stencilor::RenderMessage source)
-        : message(std::move(source)), text(message.text()) {}
+    explicit stencilor_message(const kel::Stencilor::RenderMessage& source) : message(&source) {}
+    stencilor_message(stencilor_message&& other) noexcept
+        : message(other.message), text(other.text.exchange(nullptr)) {}
+    stencilor_message& operator=(stencilor_message&&) = delete;
+    ~stencilor_message() { delete text.load(); }
 
-    kel::Stencilor::RenderMessage message;
-    kel::String text;
+    const kel::Stencilor::RenderMessage* message;
+    mutable std::atomic<const kel::String*> text = nullptr;
 };
 
 struct stencilor_template {
     kel::Stencilor::Template parsed;
-    std::optional<stencilor_message> fault{};
+    std::optional<kel::Stencilor::RenderMessage> rejection{};
+    std::optional<stencilor_message> fault{}; // of the above
 };
 
 struct stencilor_source {
@@ -92,11 +99,9 @@ struct stencilor_options {
 };
 
 struct stencilor_result {
-    int status = STENCILOR_OK;
+    kel::Stencilor::RenderResult rendered;
     int stopCode = 0;
-    kel::String text{};
-    kel::Stencilor::RenderUsage usage{};
-    std::vector<stencilor_message> messages{};
+    std::vector<stencilor_message> messages{}; // of the above
 };
 
 #endif

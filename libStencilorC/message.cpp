@@ -1,6 +1,9 @@
 #include <libStencilorC/border.h>
 #include <libStencilorC/handles.h>
 
+#include <memory>
+#include <string_view>
+
 using namespace kel::Stencilor;
 using namespace kel::Stencilor::internal;
 
@@ -47,7 +50,24 @@ const IncludeSite noSite;
 
 /// Empty for a null handle.
 const RenderMessage& of(const stencilor_message* message) {
-    return message == nullptr ? noMessage : message->message;
+    return message == nullptr ? noMessage : *message->message;
+}
+
+/// Empty where memory is exhausted.
+std::string_view textOf(const stencilor_message& message) noexcept {
+    const kel::String* made = message.text.load();
+    if (made == nullptr) {
+        const int status = guarded([&] {
+            auto text = std::make_unique<const kel::String>(message.message->text());
+            if (message.text.compare_exchange_strong(made, text.get())) {
+                made = text.release(); // no other thread was faster
+            }
+        });
+        if (status != STENCILOR_OK) {
+            return "";
+        }
+    }
+    return made->view();
 }
 
 /// Empty past the last one.
@@ -59,11 +79,11 @@ const IncludeSite& siteOf(const stencilor_message* message, size_t index) {
 } // namespace
 
 int stencilor_message_kind(const stencilor_message* message) {
-    return message == nullptr ? STENCILOR_MESSAGE_NONE : kindOf(message->message.kind);
+    return message == nullptr ? STENCILOR_MESSAGE_NONE : kindOf(message->message->kind);
 }
 
 const char* stencilor_message_text(const stencilor_message* message, size_t* size) {
-    return returned(message == nullptr ? "" : message->text.view(), size);
+    return returned(message == nullptr ? "" : textOf(*message), size);
 }
 
 const char* stencilor_message_name(const stencilor_message* message, size_t* size) {

@@ -11,17 +11,14 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// Why a template is not well formed: what rendering it reports.
-stencilor_message faultOf(const Template& parsed) {
-    return stencilor_message(std::move(parsed.render(Context(Value())).messages.at(0)));
-}
-
 /// Makes a handle, also of a template that is not well formed.
 int makeTemplate(Template parsed, stencilor_template*& made) {
     auto handle = std::make_unique<stencilor_template>(stencilor_template{std::move(parsed)});
     const bool isWellFormed = handle->parsed.isWellFormed();
     if (!isWellFormed) {
-        handle->fault = faultOf(handle->parsed);
+        // Rendering reports why.
+        handle->rejection = std::move(handle->parsed.render(Context(Value())).messages.at(0));
+        handle->fault.emplace(*handle->rejection);
     }
     made = handle.release();
     return isWellFormed ? STENCILOR_OK : STENCILOR_REJECTED;

@@ -33,29 +33,17 @@ int statusOf(RenderStatus status) {
 
 } // namespace
 
-std::unique_ptr<stencilor_result> makeResult(RenderResult rendered) {
-    auto result = std::make_unique<stencilor_result>();
-    result->status = statusOf(rendered.status);
-    result->text = std::move(rendered.text);
-    result->usage = rendered.usage;
-    result->messages.reserve(rendered.messages.size());
-    for (RenderMessage& message : rendered.messages) {
-        result->messages.emplace_back(std::move(message));
+void describeMessages(stencilor_result& result) {
+    result.messages.reserve(result.rendered.messages.size());
+    for (const RenderMessage& message : result.rendered.messages) {
+        result.messages.emplace_back(message);
     }
-    return result;
-}
-
-std::unique_ptr<stencilor_result> makeResult(call_stop stop) {
-    auto result = std::make_unique<stencilor_result>();
-    result->status = STENCILOR_STOPPED;
-    result->stopCode = stop.code;
-    return result;
 }
 
 } // namespace kel::Stencilor::internal
 
 int stencilor_result_status(const stencilor_result* result) {
-    return result == nullptr ? 0 : result->status;
+    return result == nullptr ? 0 : statusOf(result->rendered.status);
 }
 
 int stencilor_result_stop_code(const stencilor_result* result) {
@@ -63,11 +51,11 @@ int stencilor_result_stop_code(const stencilor_result* result) {
 }
 
 const char* stencilor_result_text(const stencilor_result* result, size_t* size) {
-    return returned(result == nullptr ? "" : result->text.view(), size);
+    return returned(result == nullptr ? "" : result->rendered.text.view(), size);
 }
 
 uint64_t stencilor_result_usage(const stencilor_result* result, int limit) {
-    const RenderUsage usage = result == nullptr ? RenderUsage() : result->usage;
+    const RenderUsage usage = result == nullptr ? RenderUsage() : result->rendered.usage;
     switch (limit) {
     case STENCILOR_LIMIT_STEPS:
         return usage.steps;

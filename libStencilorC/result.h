@@ -9,9 +9,8 @@
 
 namespace kel::Stencilor::internal {
 
-/// Makes a result of what a render returned, or of a callback's stop.
-std::unique_ptr<stencilor_result> makeResult(RenderResult rendered);
-std::unique_ptr<stencilor_result> makeResult(call_stop stop);
+/// Makes the messages of a result that was rendered.
+void describeMessages(stencilor_result& result);
 
 /// The options of one call, which may be null. `stopCode` receives what the poll function returns.
 class call_options {
@@ -36,12 +35,14 @@ int renderToResult(const stencilor_options* options, stencilor_result** result,
         std::unique_ptr<stencilor_result> made;
         try {
             int stopCode = 0;
-            made = makeResult(render(call_options(options, stopCode).get()));
+            // In place: moving a result would take a good part of rendering a small page.
+            made.reset(new stencilor_result{render(call_options(options, stopCode).get())});
             made->stopCode = stopCode;
+            describeMessages(*made);
         } catch (const call_stop& stop) {
-            made = makeResult(stop);
+            made.reset(new stencilor_result{{.status = RenderStatus::Stopped}, stop.code});
         }
-        const int status = made->status;
+        const int status = stencilor_result_status(made.get());
         if (result != nullptr) {
             *result = made.release();
         }

@@ -588,7 +588,8 @@ STENCILOR_API void stencilor_result_free(stencilor_result* result);
 /** Returns the `stencilor_message_kind`. */
 STENCILOR_API int stencilor_message_kind(const stencilor_message* message);
 
-/** The message in English, without its place; one line. */
+/** The message in English, without its place; one line. Made when it is asked for first, and empty
+ * where memory is exhausted then. */
 STENCILOR_API const char* stencilor_message_text(const stencilor_message* message, size_t* size);
 
 /** The name or path in the tag; empty where there is none. */
