@@ -7,25 +7,25 @@
 #include <new>
 
 /// @file
-/// The block of memory in which the contents of a file are handed over.
+/// The memory block that receives the contents of a file.
 
 namespace kel {
 
-/// A block of memory that a library function fills and the holder of the buffer frees.
+/// A block of memory that a library function fills and the buffer's owner frees.
 ///
-/// Layout: `data`, `size`, `capacity`, in this order; it is part of the interface, since a buffer
-///   that one module fills is read and freed by another.
-/// Ownership: owns `data` where `capacity` is greater than zero. Whoever fills the buffer allocates
-///   with the global `operator new`, because the destructor frees with the global
-///   `operator delete`, in the module that the buffer lives in.
-/// Threads: belongs to one thread at a time.
+/// Layout: `data`, `size`, `capacity`, in this order. The layout is part of the interface, because
+///   one module may fill a buffer that another one reads and frees.
+/// Ownership: owns `data` if `capacity` is greater than zero. To fill a buffer, allocate with the
+///   global `operator new`: the destructor calls the global `operator delete`, in the module where
+///   the buffer is destroyed.
+/// Threads: not thread-safe.
 /// Units: `size` and `capacity` count elements of `T`.
-/// Copying: not possible, two buffers would free one block.
+/// Copying: not possible, because two buffers would free the same block.
 /// @tparam T the type of the elements; the library itself fills buffers of `unsigned char`
 template <typename T>
 class Buffer {
   public:
-    /// Empty at first: all fields zero.
+    /// Initially empty: all fields are zero.
     /// @{
     Buffer() = default;
     Buffer(const Buffer&) = delete;
@@ -33,7 +33,7 @@ class Buffer {
     ~Buffer() { release(); }
     /// @}
 
-    /// Frees the block, if there is one, and leaves the buffer as a new one is: all fields zero.
+    /// Frees the block, if there is one, and sets all fields to zero.
     void release() noexcept {
         if (capacity > 0 && data != nullptr) {
             ::operator delete(data);
@@ -44,8 +44,8 @@ class Buffer {
     }
 
     T* data = nullptr;          ///< the first element, or null
-    std::uint64_t size = 0;     ///< how many elements are valid
-    std::uint64_t capacity = 0; ///< how many elements fit; zero where nothing is owned
+    std::uint64_t size = 0;     ///< the number of valid elements
+    std::uint64_t capacity = 0; ///< the number of elements that fit; zero if nothing is owned
 };
 
 } // namespace kel

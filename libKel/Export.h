@@ -2,18 +2,18 @@
 #define LIBKEL_EXPORT_H
 
 #if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
-#error "C++20 is needed, as by -std=c++20"
+#error "C++20 is required; compile with -std=c++20"
 #endif
 
 /// @file
-/// Marks what `libKel` offers to other modules. Everything unmarked stays hidden, so that a
-/// forgotten mark fails at link time on Linux as it does on Windows.
+/// Marks what `libKel` exports. Everything else is hidden, so that a missing mark is a link error
+/// on Linux as it is on Windows.
 ///
-/// `KEL_BUILDING` is defined while the library itself is compiled, `KEL_STATIC` where it is built
+/// `KEL_BUILDING` is defined while the library itself is compiled, and `KEL_STATIC` if it is built
 /// or used as a static library.
 
 /// @def KEL_EXPORT
-/// Marks what hosts may use of `libKel`.
+/// Marks what hosts can use from `libKel`.
 #if defined(KEL_STATIC)
 #define KEL_EXPORT
 #elif defined(_WIN32)

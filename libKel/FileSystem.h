@@ -9,64 +9,60 @@
 #include <cstdint>
 
 /// @file
-/// The files that templates may include.
+/// Access to the files that templates include.
 
 namespace kel {
 
-/// Access to the files of the machine.
+/// Access to the file system.
 ///
-/// Paths: UTF-8 on every system, `/` between the parts (on Windows `\` too, while no root is set).
-///   A relative path is relative to the working directory, or to the root where one is set. A path
-///   that is empty or holds a NUL byte names nothing.
-/// Windows: neither does a path that is not valid UTF-8, or that has a part which Windows would
-/// take
-///   for something else: one that ends in a dot or a space, or a device name (`CON`, `NUL.txt`,
-///   ...). The other rules of Windows remain: upper and lower case are one; short names and streams
-///   (`file.txt:stream`) exist; `..` leads to the directory before it in the path, even where that
-///   is a link.
-/// Root: once a root is set, only the files inside that directory exist. Paths are then relative
-///   and are refused where they leave the root by `..` or through a symbolic link. The same paths
-///   are refused on every system, so that none means something else on another: absolute paths,
-///   and parts that hold `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, or that
-///   Windows would take for something else.
-///   The root guards against paths, not against somebody who exchanges directories for links
-///   while a file is being opened. It is in force until the process ends, also for static objects
-///   that are destroyed and threads that run while it exits.
-/// Threads: all functions may be called from any thread. The root is one for the whole process, and
-///   for processes made by `fork`.
-/// Errors: nothing is thrown but `std::bad_alloc`.
+/// Paths: UTF-8 on every system, with `/` as the separator (on Windows also `\`, unless a root is
+///   set). A relative path is relative to the working directory, or to the root if one is set. A
+///   path that is empty or contains a NUL byte never exists.
+/// Windows: a path does not exist either if it is not valid UTF-8, or has a part that Windows would
+///   interpret as something else: one that ends in a dot or a space, or a device name (`CON`,
+///   `NUL.txt`, ...). The other rules of Windows apply: names are case-insensitive; short names and
+///   streams (`file.txt:stream`) exist; `..` removes the part before it, even if that is a link.
+/// Root: once a root is set, only the files inside that directory exist. Paths are then relative,
+///   and are refused if they leave the root through `..` or a symbolic link. The same paths are
+///   refused on every system, so that a path means the same everywhere: absolute paths, and parts
+///   that contain `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, or that Windows
+///   would interpret as something else. The root guards against paths, not against somebody who
+///   replaces directories by links while a file is being opened. It stays in force until the
+///   process ends, even for destructors of static objects and for threads that run during exit.
+/// Threads: all functions may be called from any thread. The root belongs to the whole process, and
+///   child processes made by `fork` inherit it.
+/// Errors: only `std::bad_alloc` is thrown.
 class KEL_EXPORT FileSystem {
   public:
     FileSystem() = delete;
 
-    /// True if the path names a regular file, directly or through symbolic links. A directory, a
-    /// pipe or a device does not exist in this sense.
+    /// True if the path names a regular file, directly or through symbolic links. Directories,
+    /// pipes and devices do not count.
     static bool exists(const String& path);
 
     /// Reads a whole file.
     /// @param path as above
-    /// @param out receives the bytes, and owns them; its former content is freed first
-    /// @param length where not null, receives the number of bytes read
-    /// @return false, with `out` empty and `*length` zero, where the file does not exist (as in
+    /// @param out receives the bytes and owns them; its previous content is freed
+    /// @param length if not null, receives the number of bytes read
+    /// @return false, with `out` empty and `*length` zero, if the file does not exist (see
     ///   `exists`), cannot be read, or is longer than 4 GiB - 1 byte
     static bool loadFile(const String& path, Buffer<unsigned char>& out, unsigned long* length);
 
     /// Reads a whole file, unless it is too large.
     /// @param path as above
-    /// @param maxBytes the largest size that is loaded; of a larger file at most one byte more is
-    ///   read
-    /// @param out receives the bytes, and owns them; its former content is freed first. Empty
+    /// @param maxBytes the largest size to load; at most one byte more is read from a larger file
+    /// @param out receives the bytes and owns them; its previous content is freed. It is empty
     ///   unless the answer is `Found`.
-    /// @return what became of it; `Missing` where the file does not exist (as in `exists`)
+    /// @return the outcome; `Missing` if the file does not exist (see `exists`)
     static Folder::Answer load(const String& path, std::uint64_t maxBytes,
                                Buffer<unsigned char>& out);
 
-    /// From now on only the files inside one directory exist, for the whole process.
-    /// @param directory relative to the working directory of this moment, or absolute
-    /// @return false, with nothing changed, where this is not a directory that can be entered
+    /// Restricts the whole process to the files inside one directory.
+    /// @param directory relative to the current working directory, or absolute
+    /// @return false, with nothing changed, if this is not an accessible directory
     [[nodiscard]] static bool setRoot(const String& directory);
 
-    /// Takes the root away again.
+    /// Removes the root.
     static void clearRoot();
 };
 

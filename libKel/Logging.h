@@ -15,47 +15,47 @@
 
 namespace kel {
 
-/// How much a record matters: the lower the number, the more detail. A record is written where its
-/// number is not below the priority that is in force.
+/// The importance of a record; lower numbers mean more detail. A record is written unless its
+/// number is below the priority in force.
 namespace LoggerPriority {
 /// The priorities. Numbers between and beyond them are allowed.
 enum LOGGER_PRIORITY : std::int32_t {
     PRIORITY_ALL = 0,     ///< everything
     PRIORITY_TRACE = 1,   ///< scopes entered and left
     PRIORITY_INFO = 2,    ///< the messages of renderings
-    PRIORITY_WARNING = 3, ///< for hosts; the global priority at first
+    PRIORITY_WARNING = 3, ///< for hosts; the initial global priority
     PRIORITY_FAILURE = 4, ///< for hosts
-    PRIORITY_SILENT = 5   ///< nothing that the libraries write
+    PRIORITY_SILENT = 5   ///< disables all records of the libraries
 };
 } // namespace LoggerPriority
 
 /// One record on its way to a sink.
 ///
-/// Ownership: borrows everything. All pointers and views are valid during the call only.
+/// Ownership: borrows everything. All pointers and views are valid only during the call.
 struct LogRecord {
-    /// What is recorded.
+    /// The kinds of records.
     enum class Kind {
         Message,      ///< a text
-        ScopeEntered, ///< a traced scope begins
-        ScopeLeft     ///< a traced scope ends
+        ScopeEntered, ///< a traced scope is entered
+        ScopeLeft     ///< a traced scope is left
     };
 
     Kind kind;                                ///< what is recorded
-    LoggerPriority::LOGGER_PRIORITY priority; ///< how much it matters
-    const char* category;                     ///< whose record it is, such as `libStencilor`
+    LoggerPriority::LOGGER_PRIORITY priority; ///< its importance
+    const char* category;                     ///< its source, such as `libStencilor`
     std::string_view text;                    ///< a message's text; a scope's function name
     const char* file;                         ///< a scope's source file; null for a message
     int line;                                 ///< a scope's line; 0 for a message
-    unsigned int depth; ///< how many traced scopes of this thread are open around this record
+    unsigned int depth; ///< the number of traced scopes of this thread around this record
 };
 
-/// Receives the records. It may be called by several threads at once.
+/// Receives the records. Several threads may call it at once.
 using LogSink = std::function<void(const LogRecord&)>;
 
 /// A message that is composed piece by piece: `LoggerStream() + "size: " + text`.
 ///
-/// Ownership: holds a copy of what is appended.
-/// Copying: not possible, it is handed to `Logger::log` by reference.
+/// Ownership: copies what is appended.
+/// Copying: not possible; pass it to `Logger::log` by reference.
 /// Threads: belongs to one thread at a time.
 class LoggerStream {
   public:
@@ -73,7 +73,7 @@ class LoggerStream {
     /// Appends a text, NUL bytes included.
     KEL_EXPORT LoggerStream& operator+(const String& text);
 
-    /// Returns the message as it is now, valid until this stream is changed or destroyed.
+    /// Returns the message so far, valid until this stream is changed or destroyed.
     std::string_view view() const noexcept { return text_; }
 
   private:
@@ -82,27 +82,28 @@ class LoggerStream {
 
 /// Writes the records of one category.
 ///
-/// Ownership: belongs to the library and lives until the process ends. `LogFactory::createLogger`
-///   hands it out.
-/// Threads: may be used by many threads; `threshold` may be changed while none uses it.
+/// Ownership: belongs to the library and exists until the process ends. Obtain one from
+///   `LogFactory::createLogger`.
+/// Threads: thread-safe, except that `threshold` may only be changed while no thread uses the
+///   logger.
 class Logger {
   public:
     Logger(const Logger&) = delete;
     Logger& operator=(const Logger&) = delete;
-    /// For the library, which owns the loggers.
+    /// Called only by the library, which owns the loggers.
     KEL_EXPORT ~Logger();
 
     /// Returns the priority in force: the higher of this logger's threshold and the global one.
     KEL_EXPORT LoggerPriority::LOGGER_PRIORITY resolvePriority() const;
 
     /// Writes a message. Never throws.
-    /// @return false where the priority is below the one in force, or where the sink failed
+    /// @return false if the priority is below the one in force, or if the sink failed
     KEL_EXPORT bool log(LoggerPriority::LOGGER_PRIORITY priority, const LoggerStream& message);
 
     /// Returns the name of the category, in UTF-8, valid as long as the logger.
     const char* category() const noexcept { return category_.c_str(); }
 
-    /// This logger's own priority, `PRIORITY_ALL` at first: records below it are not written.
+    /// The priority of this logger, initially `PRIORITY_ALL`. Records below it are not written.
     std::int32_t threshold = LoggerPriority::PRIORITY_ALL;
 
   private:
@@ -115,38 +116,38 @@ class Logger {
     Logger* older_ = nullptr;
 };
 
-/// Hands out the loggers and holds what they have in common.
+/// Creates the loggers and holds their common settings.
 ///
-/// Lifetime: loggers, sink and priority are there from before the first static object is made until
-///   the process ends, for static objects and for threads that outlast `main`.
+/// Lifetime: loggers, sink and priority exist before the first static object is constructed and
+///   until the process ends, so static objects and threads that outlive `main` can use them.
 /// Threads: all functions may be called from any thread. A process made by `fork` can use the
-///   library in any state that the threads of its parent left it in.
+///   library, whatever the threads of its parent were doing.
 class LogFactory {
   public:
     LogFactory() = delete;
 
-    /// Returns the priority that holds for all loggers, `PRIORITY_WARNING` at first.
+    /// Returns the priority for all loggers, initially `PRIORITY_WARNING`.
     static LoggerPriority::LOGGER_PRIORITY getPriority() noexcept {
         return static_cast<LoggerPriority::LOGGER_PRIORITY>(
             priority_.load(std::memory_order_relaxed));
     }
 
-    /// Sets the priority that holds for all loggers: records below it are not written.
+    /// Sets the priority for all loggers. Records below it are not written.
     KEL_EXPORT static void setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept;
 
-    /// Hands out the logger of a category. There is one for each, made by the first call.
+    /// Returns the logger of a category. There is one for each, created by the first call.
     /// @param category UTF-8, NUL-terminated; it is copied
-    /// @param logger receives the pointer, borrowed. Several threads may call for the same pointer,
-    ///   which must then be read as an atomic.
+    /// @param logger receives the pointer, borrowed. Several threads may pass the same pointer;
+    ///   they must then read it atomically.
     KEL_EXPORT static void createLogger(const char* category, Logger*& logger);
 
-    /// Sets where records go.
-    /// @param sink is called for each record, and may itself log and call the library; what it
-    ///   throws is dropped. It must stay usable until a later `setSink` has returned and the calls
-    ///   that were under way have ended, or else until the process ends. An empty one stands for
-    ///   the standard error stream, where records go at first, each as one line of UTF-8:
+    /// Sets the destination of the records.
+    /// @param sink is called for each record. It may log and call the library itself; its
+    ///   exceptions are dropped. It must stay usable until a later `setSink` has returned and all
+    ///   calls of the sink have ended, or until the process ends. If it is empty, records go to the
+    ///   standard error stream, which is also the default. Each is one line of UTF-8:
     ///   `2026-11-22T01:37:34.123Z libStencilor info: text`, with the time in UTC. Control
-    ///   characters within are written as `\n` or `\u001B`.
+    ///   characters in it are written as `\n` or `\u001B`.
     KEL_EXPORT static void setSink(LogSink sink);
 
   private:
@@ -156,15 +157,15 @@ class LogFactory {
     static std::atomic<Logger*> newest_;
 };
 
-/// Records that a scope is entered, and when it is destroyed that it is left.
+/// Records that a scope is entered and, on destruction, that it is left.
 ///
-/// Ownership: borrows the logger and the texts, which must outlive it. A null logger records
-///   nothing, and costs nothing but the test for it.
-/// Copying: not possible, it stands for one scope.
-/// Threads: is made and destroyed by the thread whose scope it stands for.
+/// Ownership: borrows the logger and the texts, which must outlive it. With a null logger, it
+///   records nothing and only costs a test.
+/// Copying: not possible, because it represents one scope.
+/// Threads: construct and destroy it in the thread whose scope it represents.
 class TraceLogger {
   public:
-    /// Records that a scope is entered, which is at a line of a file.
+    /// Records that a scope is entered.
     TraceLogger(Logger* logger, const char* function, const char* file, int line) noexcept
         : logger_(logger) {
         if (logger_ != nullptr) {

@@ -14,19 +14,19 @@
 #include <string_view>
 
 /// @file
-/// The text of all interfaces.
+/// The string type of all interfaces.
 
 /// The base library: strings, buffers, files and logging.
 namespace kel {
 
 class String;
 
-/// The narrow bytes of a `String`, as its conversions return them.
+/// The bytes of a `String`, as returned by its conversions.
 ///
-/// Ownership: holds the bytes; they stay valid until the object is destroyed, whatever becomes of
+/// Ownership: owns the bytes, which stay valid until the object is destroyed, whatever happens to
 ///   the string.
-/// Copying: neither copied nor moved, it is read where it was made.
-/// Threads: may be read by many threads.
+/// Copying: can be neither copied nor moved.
+/// Threads: may be read by any number of threads.
 class CString {
   public:
     CString(const CString&) = delete;
@@ -38,10 +38,10 @@ class CString {
         }
     }
 
-    /// Returns the bytes, followed by a NUL. There may be NUL bytes among them.
+    /// Returns the bytes, followed by a NUL. They may contain NUL bytes.
     const char* c_str() const noexcept { return data_; }
 
-    /// Counts the bytes, without the NUL at the end.
+    /// The number of bytes, without the final NUL.
     unsigned int size() const noexcept { return size_; }
 
   private:
@@ -50,7 +50,7 @@ class CString {
     KEL_EXPORT void hold(char* bytes);
     KEL_EXPORT void release() noexcept;
 
-    // Long enough for most values of a template, so that reading one allocates nothing.
+    // Long enough for most values, so that reading them does not allocate.
     static constexpr unsigned int inlineCapacity = 111;
 
     // Representation: `data_` is `inline_`, or a block of SharedBlock.h that is treated as one for
@@ -61,17 +61,17 @@ class CString {
     char inline_[inlineCapacity + 1];
 };
 
-/// A character string: an ordered value that is copied and moved like a `std::string`.
+/// A character string: an ordered value type, copied and moved like `std::string`.
 ///
 /// Characters: a character is a byte, and text is UTF-8. The constructors take bytes as they are;
-///   `UTF8Decode` is the one that repairs. NUL bytes are characters like all others.
+///   only `UTF8Decode` repairs them. NUL bytes are ordinary characters.
 /// Order: by unsigned byte, then by length. For UTF-8 this is the order of the code points.
-/// Hash: there is a `std::hash` of it, for `std::unordered_map` and the like.
-/// Copying: a copy is a value of its own. Long texts are shared until one of the strings changes.
-/// Units: lengths and positions count bytes, in 32 bits. A text that would be longer than 4 GiB - 1
-///   byte throws `std::length_error`, whether it is constructed, appended to, decoded or converted.
-/// Errors: `std::bad_alloc` and `std::length_error`; the string is then unchanged.
-/// Threads: may be read by many threads while none changes it.
+/// Hash: `std::hash` is specialized, for `std::unordered_map` and the like.
+/// Copying: a copy is independent. Copies share long texts until one of them changes.
+/// Units: lengths and positions count bytes, in 32 bits. Any operation that would produce more than
+///   4 GiB - 1 byte throws `std::length_error`.
+/// Errors: `std::bad_alloc` and `std::length_error`, which leave the string unchanged.
+/// Threads: may be read by any number of threads while none changes it.
 class String {
   public:
     /// An empty string.
@@ -84,7 +84,7 @@ class String {
         }
     }
 
-    /// Copies `length` bytes, NUL bytes included. `bytes` may be null where the length is 0.
+    /// Copies `length` bytes, NUL bytes included. `bytes` may be null if the length is 0.
     KEL_EXPORT String(const char* bytes, unsigned int length);
 
     /// Copies all bytes, NUL bytes included.
@@ -100,7 +100,7 @@ class String {
     String(const std::string& bytes) : String(std::string_view(bytes)) {}
     /// @}
 
-    /// A string that was moved from is empty.
+    /// A moved-from string is empty.
     /// @{
     KEL_EXPORT String(const String& other);
     KEL_EXPORT String(String&& other) noexcept;
@@ -116,7 +116,7 @@ class String {
     /// Appends a string, which may be this one.
     String& operator+=(const String& other) { return other.empty() ? *this : append(other); }
 
-    /// Compares with the bytes up to the first NUL. The pointer is not null.
+    /// Compares with the bytes up to the first NUL. The pointer must not be null.
     bool operator==(const char* bytes) const noexcept { return view() == bytes; }
 
     /// Compares byte by byte.
@@ -125,7 +125,7 @@ class String {
     /// Compares in the order described above.
     bool operator<(const String& other) const noexcept;
 
-    /// Counts the characters.
+    /// The number of characters.
     unsigned int size() const noexcept { return size_; }
 
     /// True if there are no characters.
@@ -135,43 +135,43 @@ class String {
     /// destroyed. A NUL follows them.
     std::string_view view() const noexcept { return {data_, size_}; }
 
-    /// How many bytes can be read where `view` begins, however few the characters are; those past
-    /// the last one mean nothing.
+    /// This many bytes can be read from the beginning of `view`, even if the string is shorter.
+    /// Those past the end have no meaning.
     static constexpr unsigned int readableBytes = 16;
 
     /// Returns a copy of the characters, NUL bytes included.
     std::string str() const { return std::string(view()); }
 
-    /// Copies a part.
-    /// @param start the position of its first character; at or past the end the part is empty
-    /// @param count how many characters at most; 0xFFFFFFFF means up to the end
+    /// Copies a substring.
+    /// @param start the position of its first character; at or past the end, the result is empty
+    /// @param count the maximum number of characters; 0xFFFFFFFF means up to the end
     KEL_EXPORT String subString(unsigned int start, unsigned int count) const;
 
-    /// Reduces each character to one byte, its low 8 bits: here the characters themselves.
+    /// Reduces each character to its low byte, which in this library is the character itself.
     CString getLowerByteString() const { return CString(*this); }
 
-    /// Encodes in UTF-8: here the characters themselves. Bytes that are not valid UTF-8 stay.
+    /// Encodes as UTF-8, which in this library copies the characters. Malformed bytes are kept.
     CString getUTF8String() const { return CString(*this); }
 
-    /// Replaces the content by the decoding of UTF-8. Each maximal malformed part becomes one
-    /// U+FFFD (The Unicode Standard 15.0, section 3.9, table 3-8), so the result is always valid
-    /// UTF-8, and up to three times as long.
-    /// @param bytes what is decoded; they may be this string's own
-    /// @param length how many bytes there are
-    /// @param flag reserved; it changes nothing
+    /// Replaces the content with decoded UTF-8. Each maximal malformed part becomes one U+FFFD (The
+    /// Unicode Standard 15.0, section 3.9, table 3-8), so the result is always valid UTF-8, and up
+    /// to three times as long.
+    /// @param bytes the bytes to decode; they may be this string's own
+    /// @param length the number of bytes
+    /// @param flag reserved; has no effect
     KEL_EXPORT void UTF8Decode(const char* bytes, unsigned int length, bool flag);
 
-    /// True if the bytes are valid UTF-8, which `UTF8Decode` keeps as it is.
+    /// True if the bytes are valid UTF-8, which `UTF8Decode` leaves unchanged.
     KEL_EXPORT static bool isUtf8(std::string_view bytes) noexcept;
 
-    /// Where the characters begin in a block for `adopt`.
+    /// The offset of the characters in a block for `adopt`.
     static constexpr std::size_t adoptedOffset = 16;
 
-    /// Makes a string of a block of memory; a long one is not copied.
-    /// @param block comes from `malloc`, has the characters at `adoptedOffset`, and belongs to the
-    ///   string afterwards, whatever the outcome
-    /// @param length how many characters there are
-    /// @param capacity how many fit, one less than there is room for after `adoptedOffset`
+    /// Makes a string from a block of memory, without copying a long one.
+    /// @param block allocated with `malloc`, with the characters at `adoptedOffset`. It belongs to
+    ///   the string afterwards, even if the call fails.
+    /// @param length the number of characters
+    /// @param capacity the number that fits: one less than the room after `adoptedOffset`
     KEL_EXPORT static String adopt(char* block, std::size_t length, std::size_t capacity);
 
     /// Converts from UTF-16 in the machine's byte order. Malformed units become U+FFFD.
@@ -209,25 +209,24 @@ class String {
     KEL_EXPORT void release() noexcept;
 
     // Representation. The characters and a NUL are at `data_`: in `inline_`, where `capacity_` is
-    // `inlineCapacity`, or else in a block of SharedBlock.h for `capacity_` characters. Which of
-    // the two it is does not depend on the size: a block is kept when its text becomes shorter.
+    // `inlineCapacity`, or else in a block of SharedBlock.h for `capacity_` characters. This does
+    // not depend on the size: a block is kept when its text becomes shorter.
     //
-    // The first eight bytes of `inline_` are those of the text, also where it is in a block, and
-    // bytes past the end of the text are zero among the first eight, here and in a block. Comparing
-    // them as one number decides most comparisons. They come first: in the node of a map that is
-    // next to the links.
+    // The first eight bytes of `inline_` equal those of the text even if it is in a block. In both
+    // places, those past the end of the text are zero. Comparing them as one number decides most
+    // comparisons. They are the first member, which in a map node is next to the links.
     //
-    // A block is shared where its capacity is at least 4,096 and another string or conversion holds
-    // it; then it is only read. A copy shares it only where the size, too, is at least that, and
-    // half of the capacity.
+    // A block is shared if its capacity is at least 4,096 and another string or conversion holds
+    // it; it is then only read. A copy shares it only if the size is also at least 4,096, and at
+    // least half of the capacity.
     char inline_[inlineCapacity + 1];
-    static_assert(sizeof(inline_) >= readableBytes); // a block has more
+    static_assert(sizeof(inline_) >= readableBytes); // a block is larger
     char* data_;
     unsigned int size_;
     unsigned int capacity_; // without the NUL
 };
 
-// What is inline is copied whole, whatever its length: that takes two instructions or three.
+// The inline bytes are copied whole, whatever the length: that takes two or three instructions.
 inline CString::CString(const String& string) : data_(inline_), size_(string.size_) {
     static_assert(inlineCapacity >= String::inlineCapacity);
     if (string.isInline()) {
@@ -246,7 +245,7 @@ inline std::uint64_t String::leadingBytes() const noexcept {
 #if defined(__GNUC__)
     return __builtin_bswap64(bytes);
 #else
-    return _byteswap_uint64(bytes); // <stdlib.h> of Microsoft's run-time
+    return _byteswap_uint64(bytes); // from Microsoft's <stdlib.h>
 #endif
 }
 
@@ -259,7 +258,7 @@ inline bool String::operator<(const String& other) const noexcept {
 inline bool String::isLessBehindLeading(const String& other) const noexcept {
     constexpr unsigned int compared = sizeof(std::uint64_t);
     return size_ <= compared || other.size_ <= compared
-               ? size_ < other.size_ // one begins the other
+               ? size_ < other.size_ // one is a prefix of the other
                : view() < other.view();
 }
 

@@ -2,18 +2,18 @@
 #define LIBSTENCILOR_EXPORT_H
 
 #if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
-#error "C++20 is needed, as by -std=c++20"
+#error "C++20 is required; compile with -std=c++20"
 #endif
 
 /// @file
-/// Marks what `libStencilor` offers to other modules. Everything unmarked stays hidden, so that a
-/// forgotten mark fails at link time on Linux as it does on Windows.
+/// Marks what `libStencilor` exports. Everything else is hidden, so that a missing mark is a link
+/// error on Linux as it is on Windows.
 ///
-/// `STENCILOR_BUILDING` is defined while the library itself is compiled, `STENCILOR_STATIC` where
+/// `STENCILOR_BUILDING` is defined while the library itself is compiled, and `STENCILOR_STATIC` if
 /// it is built or used as a static library.
 
 /// @def STENCILOR_EXPORT
-/// Marks what hosts may use of `libStencilor`.
+/// Marks what hosts can use from `libStencilor`.
 #if defined(STENCILOR_STATIC)
 #define STENCILOR_EXPORT
 #elif defined(_WIN32)

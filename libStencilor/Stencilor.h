@@ -17,8 +17,8 @@
 ///         return errors.size() == 0 ? 0 : 1;
 ///     }
 ///
-/// A host builds the values on the heap and hands each to a parent, which owns it from then on;
-/// destroying the root destroys the tree. Nothing is ever copied deeply.
+/// Hosts allocate the values on the heap and pass each to a parent, which owns it from then on.
+/// Destroying the root destroys the tree. No operation makes a deep copy.
 
 #include <libKel/String.h>
 #include <libStencilor/Export.h>
@@ -27,7 +27,7 @@
 #include <map>
 #include <vector>
 
-// Values are told apart by run-time type information; a class derived without it crashes.
+// Values are distinguished by run-time type information; a class derived without it would crash.
 #if !defined(__cpp_rtti) && !defined(STENCILOR_WITHOUT_DERIVED_VALUES)
 #error "Compile with -frtti, or define STENCILOR_WITHOUT_DERIVED_VALUES and derive no value class."
 #endif
@@ -41,16 +41,17 @@ struct context_access;
 }
 /// @endcond
 
-/// A value of the context: named children, and in the classes below a payload. A plain
-/// `ContextBase` is a node that has children and no payload.
+/// A value of the context: named children and, in the classes below, a payload. A plain
+/// `ContextBase` only has children.
 ///
-/// Ownership: owns every child that is not null, and deletes them in ascending order of their
-///   keys. A child stands in one place only; held twice it is deleted twice.
-/// Copying: shallow. Keys are copied, pointers are shared; a copy and its source must not both be
-///   destroyed while they share children. Assigning drops the former children without deleting
-///   them. Moving is copying.
-/// Threads: may be read by many threads while none changes it. `operator[]` is a change.
-/// Errors: none reported; `std::bad_alloc` leaves the value as it was.
+/// Ownership: owns its non-null children and deletes them in ascending order of their keys. A child
+///   must have only one place; if it has two, it is deleted twice.
+/// Copying: shallow. Keys are copied and pointers are shared, so a copy and its source must not
+///   both be destroyed while they share children. Assignment drops the previous children without
+///   deleting them. Moving copies.
+/// Threads: may be read by any number of threads while none changes it. `operator[]` counts as a
+///   change.
+/// Errors: only `std::bad_alloc`, which leaves the value unchanged.
 class STENCILOR_EXPORT ContextBase {
   public:
     /// A value without children.
@@ -63,25 +64,25 @@ class STENCILOR_EXPORT ContextBase {
     virtual ~ContextBase();
     /// @}
 
-    /// Gives access to one entry, which is added with a null pointer where there is none.
+    /// Accesses an entry, and adds it with a null pointer if it does not exist.
     /// @param key the name of the child
-    /// @return the pointer stored under `key`; what is assigned to it is owned by this value, and
-    ///   what stood there before is the caller's again
+    /// @return the pointer stored under `key`. This value owns what is assigned to it; the previous
+    ///   pointer belongs to the caller again.
     ContextBase*& operator[](const String& key);
 
-    /// Stores a child. A pointer that stood there before is not deleted: it is the caller's again.
+    /// Stores a child. A previous pointer is not deleted; it belongs to the caller again.
     /// @param key the name of the child; it is copied
-    /// @param value the child, owned by this value from now on; it may be null
+    /// @param value the child, which this value owns from now on; may be null
     /// @return `value`
     ContextBase* insert(const String& key, ContextBase* value);
 
-    /// Looks a child up.
+    /// Looks up a child.
     /// @return the pointer stored under `key`, or null; borrowed
     ContextBase* find(const String& key) const;
 
-    /// Tells an entry that holds null from one that is missing.
+    /// Distinguishes an entry that holds null from a missing one.
     /// @param key the name of the child
-    /// @return true if there is an entry for `key`, be its pointer null or not
+    /// @return true if there is an entry for `key`, even if its pointer is null
     bool containsKey(const String& key) const;
 
   private:
@@ -93,7 +94,7 @@ class STENCILOR_EXPORT ContextBase {
 /// A text.
 ///
 /// Ownership, threads, errors: as in `ContextBase`.
-/// Copying: the text is copied or moved, the children are always shared with the source.
+/// Copying: the text is copied or moved; the children are always shared with the source.
 class STENCILOR_EXPORT ContextString : public ContextBase {
   public:
     /// A text without children.
@@ -114,7 +115,7 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
     String value;
 };
 
-/// A text that a render does not escape. Where nothing is escaped it is a text like any other.
+/// A text that is never escaped. `buildOutput`, which escapes nothing, treats it as any other text.
 ///
 /// Ownership, copying, threads, errors: as in `ContextString`.
 class STENCILOR_EXPORT ContextRawString : public ContextString {
@@ -132,10 +133,9 @@ class STENCILOR_EXPORT ContextRawString : public ContextString {
     /// @}
 };
 
-/// A boolean, tested by `{% if %}`. Its children are the innermost names inside the block.
+/// A boolean, tested by `{% if %}`. Its children form the innermost scope inside the block.
 ///
-/// Ownership, copying, threads, errors: as in `ContextBase`. A source that was moved from keeps
-///   its value.
+/// Ownership, copying, threads, errors: as in `ContextBase`. A moved-from source keeps its value.
 class STENCILOR_EXPORT ContextBoolean : public ContextBase {
   public:
     /// A boolean without children.
@@ -161,7 +161,7 @@ class STENCILOR_EXPORT ContextBoolean : public ContextBase {
     bool value;
 };
 
-/// Named children and nothing else.
+/// Named children only.
 ///
 /// Ownership, copying, threads, errors: as in `ContextBase`.
 class STENCILOR_EXPORT ContextDictionary : public ContextBase {
@@ -178,18 +178,18 @@ class STENCILOR_EXPORT ContextDictionary : public ContextBase {
     ~ContextDictionary() override;
     /// @}
 
-    /// The number of entries, those that hold null included.
+    /// The number of entries, including null ones.
     std::size_t size() const;
 };
 
-/// A list of values that a loop walks in the order they were added.
+/// A list of values, in the order in which a loop visits them.
 ///
-/// Ownership: owns every element that is not null, and deletes them front to back, then its named
+/// Ownership: owns its non-null elements and deletes them from front to back, then its named
 ///   children.
-/// Copying: shallow, as in `ContextBase`: the elements are shared, and assigning drops the former
-///   ones without deleting them. Moving is copying.
+/// Copying: shallow, as in `ContextBase`: elements are shared, and assignment drops the previous
+///   ones without deleting them. Moving copies.
 /// Threads: may be read by many threads while none changes it.
-/// Errors: none reported; `std::bad_alloc` leaves the list as it was.
+/// Errors: only `std::bad_alloc`, which leaves the list unchanged.
 class STENCILOR_EXPORT ContextIterable : public ContextBase {
   public:
     /// A list without elements and children.
@@ -203,14 +203,14 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
     /// @}
 
     /// Appends an element.
-    /// @param value the element, owned by this list from now on; it may be null
+    /// @param value the element, which this list owns from now on; may be null
     void add(ContextBase* value);
 
-    /// The number of elements, null ones included. Named children do not count.
+    /// The number of elements, including null ones. Named children do not count.
     std::size_t size() const;
 
-    /// Gives one element.
-    /// @param index counted from 0; one at or past `size()` is undefined
+    /// Accesses an element.
+    /// @param index counted from 0; undefined behavior at or past `size()`
     /// @return the pointer at `index`, which may be null; borrowed
     ContextBase* operator[](unsigned int index);
 
@@ -220,16 +220,15 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
     std::vector<ContextBase*> elements;
 };
 
-/// Makes values on the heap.
+/// Creates values on the heap.
 ///
-/// Ownership: the caller owns the result, until it hands it to a parent value. The builders that
-///   take a map or a list put its pointers, null ones included, into the new value, which owns
-///   them from then on; the container itself is not changed.
-/// Errors: none returns null. `std::bad_alloc` leaves the pointers with the caller.
-/// Threads: may be called from any thread.
+/// Ownership: the caller owns the result until it passes it to a parent value. The new value takes
+///   over the pointers in a map or vector, including null ones; the container is not changed.
+/// Errors: `std::bad_alloc`; the pointers then still belong to the caller.
+/// Threads: all functions may be called from any thread.
 class STENCILOR_EXPORT ContextFactory {
   public:
-    /// A factory holds nothing; nobody needs one, since all builders are static.
+    /// A factory holds nothing, and is not needed, since all builders are static.
     /// @{
     ContextFactory() = default;
     ContextFactory(const ContextFactory&) = default;
@@ -239,13 +238,13 @@ class STENCILOR_EXPORT ContextFactory {
     ~ContextFactory() = default;
     /// @}
 
-    /// Makes a text.
+    /// Creates a text.
     static ContextString* buildString(const String& value);
 
-    /// Makes a boolean without children.
+    /// Creates a boolean without children.
     static ContextBoolean* buildBoolean(bool value);
 
-    /// Makes a boolean with children, which the new value owns from now on.
+    /// Creates a boolean that owns these children.
     static ContextBoolean* buildBoolean(bool value, const std::map<String, ContextBase*>& children);
 
     /// A pointer is not a boolean: `buildBoolean("false")` would be true.
@@ -256,42 +255,41 @@ class STENCILOR_EXPORT ContextFactory {
     template <typename T>
     static ContextBoolean* buildBoolean(T*, const std::map<String, ContextBase*>&) = delete;
 
-    /// Makes a dictionary without entries.
+    /// Creates an empty dictionary.
     static ContextDictionary* buildDictionary();
 
-    /// Makes a dictionary of entries, which it owns from now on.
+    /// Creates a dictionary that owns these entries.
     static ContextDictionary* buildDictionary(const std::map<String, ContextBase*>& children);
 
-    /// Makes a list without elements.
+    /// Creates an empty list.
     static ContextIterable* buildIterable();
 
-    /// Makes a list of elements, which it owns from now on.
+    /// Creates a list that owns these elements.
     static ContextIterable* buildIterable(const std::vector<ContextBase*>& elements);
 };
 
 /// Renders a template.
 ///
-/// A template that does not parse as a whole gives an empty text and one message. Whatever cannot
-/// be rendered (a name that is missing or of the wrong kind, a file that cannot be included)
-/// contributes no text and one message, and the rest renders normally.
+/// A malformed template produces an empty text and one message. What cannot be rendered (a name
+/// that is missing or has the wrong kind, a file that cannot be included) produces no text and one
+/// message; everything else is rendered.
 ///
-/// @param input the template; included files are read while it is rendered
-/// @param context the root of the values; its children are the names outside of all blocks
-/// @param errors receives the messages behind what it holds already; no separator is added. Where
-///   it is not empty at the end of a template that parsed, it is logged once, whole.
+/// @param input the template; included files are read during the call
+/// @param context the root of the values; its children are the global names
+/// @param errors the messages are appended to it, without a separator. If the template is well
+///   formed and this is not empty at the end of the call, it is logged once, as a whole.
 /// @return the text, always valid UTF-8
 ///
-/// Ownership: template and context are only read, and nothing of them is kept. Nobody may change
-/// the
-///   context during the call, a log sink or another thread included; what the call finds then is
+/// Ownership: template and context are only read, and not kept. The context must not be changed
+///   during the call, neither by another thread nor by a log sink; otherwise the behavior is
 ///   undefined.
-/// Threads: any number of calls may run at once, with one context, too.
-/// Errors: only memory exhaustion throws (`std::bad_alloc`, or `std::length_error` where a text
-///   outgrows `kel::String`).
+/// Threads: any number of calls may run at once, also with the same context.
+/// Errors: only `std::bad_alloc`, and `std::length_error` if a text would be too long for
+///   `kel::String`.
 STENCILOR_EXPORT String buildOutput(const String& input, const ContextBase& context,
                                     String& errors);
 
-/// The same with the messages logged and dropped.
+/// The same, but messages are only logged.
 /// @param input the template
 /// @param context the root of the values
 /// @return the text, always valid UTF-8

@@ -2,8 +2,8 @@
 #define LIBSTENCILOR_SYNTAX_H
 
 /// @file
-/// Tells where the parts of a template stand, and why it is rejected: for hosts that show an editor
-/// of templates, or check them before they are used.
+/// Locates the parts of a template, and the reason why it is rejected: for hosts that provide an
+/// editor, or check templates before using them.
 ///
 ///     #include <libStencilor/Syntax.h>
 ///     #include <iostream>
@@ -17,31 +17,30 @@
 ///         }
 ///     }
 ///
-/// The same parser as in `buildOutput` reads the template, so that the two never differ in what
-/// they reject.
+/// This is the parser of `buildOutput`, so both reject the same templates.
 ///
-/// Units: positions count bytes from the beginning of the template. (With another base library,
-///   characters of its `String`.) Lines and columns are the host's to count.
+/// Units: positions are byte offsets in the template. (With another base library, they count
+///   characters of its `String`.) Hosts compute lines and columns themselves.
 
 #include <libKel/String.h>
 #include <libStencilor/Export.h>
 
 namespace kel::Stencilor {
 
-/// Where something stands.
+/// A range of positions.
 struct SyntaxRange {
     unsigned int begin = 0; ///< the first byte
-    unsigned int end = 0;   ///< the first byte behind it
+    unsigned int end = 0;   ///< the first byte after it
 
-    /// True for a range that holds nothing.
+    /// True if the range is empty.
     bool isEmpty() const { return begin == end; }
 };
 
 /// A text or a tag.
 struct SyntaxElement {
-    /// What it is.
+    /// The kinds of elements.
     enum class Kind {
-        Text,         ///< what is no tag
+        Text,         ///< everything outside of tags
         Substitution, ///< `{{ name }}`
         If,           ///< `{% if name %}`
         Else,         ///< `{% else %}`
@@ -51,34 +50,34 @@ struct SyntaxElement {
         Include,      ///< `{% include "name" %}`
     };
 
-    Kind kind = Kind::Text; ///< what it is
-    SyntaxRange whole{};    ///< the text; of a tag all from its opening to its closing pair
-    SyntaxRange name{}; ///< of a substitution or condition; a loop's variable; a path; else empty
-    SyntaxRange list{}; ///< the name of a loop's list; else empty
+    Kind kind = Kind::Text; ///< its kind
+    SyntaxRange whole{};    ///< the whole text or tag, with the tag's delimiters
+    SyntaxRange name{};     ///< a value's name, a loop variable, or a path; otherwise empty
+    SyntaxRange list{};     ///< the name of a loop's list; otherwise empty
 };
 
-/// What a template lacks at the place where it goes wrong.
+/// What was expected at the position of a fault.
 enum class SyntaxExpectation {
     Nothing,             ///< the template is well formed
-    Keyword,             ///< in a tag outside all blocks
+    Keyword,             ///< in a tag outside of all blocks
     KeywordInIf,         ///< in a tag inside an `if`
     KeywordInElse,       ///< in a tag inside an `else`
     KeywordInFor,        ///< in a tag inside a loop
     SubstitutionName,    ///< the name of a value
-    SubstitutionEnd,     ///< the closing pair of a substitution
+    SubstitutionEnd,     ///< the closing delimiter of a substitution
     IfName,              ///< the name of a condition
-    IfEnd,               ///< the closing pair of an `if`
-    ElseEnd,             ///< the closing pair of an `else`
-    EndIfEnd,            ///< the closing pair of an `endif`
+    IfEnd,               ///< the closing delimiter of an `if`
+    ElseEnd,             ///< the closing delimiter of an `else`
+    EndIfEnd,            ///< the closing delimiter of an `endif`
     ForVariable,         ///< the variable of a loop
     ForIn,               ///< the keyword `in`
     ForList,             ///< the name of a list
-    ForEnd,              ///< the closing pair of a `for`
-    EndForEnd,           ///< the closing pair of an `endfor`
+    ForEnd,              ///< the closing delimiter of a `for`
+    EndForEnd,           ///< the closing delimiter of an `endfor`
     IncludeOpeningQuote, ///< the quotation mark before a path
-    IncludePath,         ///< the path of an inclusion
-    IncludeClosingQuote, ///< the quotation mark behind a path
-    IncludeEnd,          ///< the closing pair of an inclusion
+    IncludePath,         ///< the path of an include
+    IncludeClosingQuote, ///< the quotation mark after a path
+    IncludeEnd,          ///< the closing delimiter of an include
     MissingElseOrEndIf,  ///< the end of an `if`, or its `else`
     MissingEndIf,        ///< the end of an `else`
     MissingEndFor,       ///< the end of a loop
@@ -86,24 +85,24 @@ enum class SyntaxExpectation {
 
 /// Why a template is rejected.
 struct SyntaxFault {
-    /// What is missing at `offset`.
+    /// What was expected at `offset`.
     SyntaxExpectation expected = SyntaxExpectation::Nothing;
 
-    unsigned int offset = 0; ///< how far the template could be read, blanks before a token included
-    unsigned int tag = 0;    ///< where the tag at fault begins; `offset` if a block has no end
-    SyntaxRange block{}; ///< the tag that opened the innermost open block; empty if none is open
+    unsigned int offset = 0; ///< the end of what could be parsed, with spaces before a token
+    unsigned int tag = 0;    ///< where the malformed tag begins; `offset` for an open block
+    SyntaxRange block{};     ///< the tag of the innermost open block; empty if none is open
 
-    /// True where the template is rejected.
+    /// True if the template is rejected.
     bool isPresent() const { return expected != SyntaxExpectation::Nothing; }
 };
 
 /// Receives the parts of a template.
 ///
-/// Ownership: the visitor stays the host's; it owns nothing itself.
-/// Threads: it is called by the thread that called `readSyntax`.
+/// Ownership: the visitor belongs to the host.
+/// Threads: it is called in the thread that called `readSyntax`.
 class STENCILOR_EXPORT SyntaxVisitor {
   public:
-    /// A visitor holds nothing itself.
+    /// The base class holds no data.
     /// @{
     SyntaxVisitor();
     SyntaxVisitor(const SyntaxVisitor& other);
@@ -111,35 +110,35 @@ class STENCILOR_EXPORT SyntaxVisitor {
     virtual ~SyntaxVisitor();
     /// @}
 
-    /// Receives one part. What it throws ends the reading, and reaches the caller of `readSyntax`.
-    /// @param element lent for the call
+    /// Receives one part. Exceptions end the parsing and reach the caller of `readSyntax`.
+    /// @param element valid only during the call
     virtual void visit(const SyntaxElement& element) = 0;
 };
 
-/// Reads a template. Its parts follow each other without a gap, and the closing tags fit the
-/// opening ones. Where it is rejected, the visitor receives all parts before the tag at fault,
-/// those in open blocks included. Included files are not looked at.
+/// Parses a template. The parts are passed in order and without gaps, and the closing tags match
+/// the opening ones. If the template is rejected, the visitor receives all parts before the
+/// malformed tag, even those in open blocks. Included files are not read.
 ///
 /// @param input the template, which ends at its first NUL byte
-/// @param visitor receives the parts in their order
-/// @return why the template is rejected, if it is
+/// @param visitor receives the parts in order
+/// @return the fault, if the template is rejected
 ///
-/// Ownership: `input` is only read; the result owns nothing.
-/// Threads: any number of calls may run at once, each with a visitor of its own.
-/// Errors: only memory exhaustion throws (`std::bad_alloc`), and the visitor.
+/// Ownership: `input` is only read; the result borrows nothing.
+/// Threads: any number of calls may run at once, each with its own visitor.
+/// Errors: only `std::bad_alloc`, and what the visitor throws.
 STENCILOR_EXPORT SyntaxFault readSyntax(const String& input, SyntaxVisitor& visitor);
 
 /// The same without a visitor.
 ///
 /// @param input the template, which ends at its first NUL byte
-/// @return why the template is rejected, if it is
+/// @return the fault, if the template is rejected
 STENCILOR_EXPORT SyntaxFault findSyntaxFault(const String& input);
 
-/// Tells in English what was expected.
+/// Describes in English what was expected.
 ///
-/// @param expectation what a fault tells
-/// @return what may stand behind the word "expected", such as `"%}" after the name`; a constant
-///   text. Empty for `Nothing`.
+/// @param expectation the expectation of a fault
+/// @return a phrase that completes "expected ...", such as `"%}" after the name`; a constant. Empty
+///   for `Nothing`.
 STENCILOR_EXPORT const char* describe(SyntaxExpectation expectation);
 
 } // namespace kel::Stencilor

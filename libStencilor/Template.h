@@ -2,8 +2,8 @@
 #define LIBSTENCILOR_TEMPLATE_H
 
 /// @file
-/// Templates that are parsed once and rendered many times: with escaping, limits, includes from
-/// anywhere, output in pieces, and messages that have a place.
+/// Templates that are parsed once and rendered many times, with escaping, limits, includes from any
+/// source, output in pieces, and messages with locations.
 ///
 ///     #include <libStencilor/Template.h>
 ///     #include <iostream>
@@ -21,9 +21,9 @@
 ///         }
 ///     }
 ///
-/// With default options the text is that of `buildOutput`, and so are the messages but for those
-/// from inside included templates, which `buildOutput` drops. A render logs no messages; it traces
-/// as `buildOutput` does.
+/// With default options, text and messages equal those of `buildOutput`, except that `buildOutput`
+/// drops messages from inside included templates. A render does not log messages, but traces like
+/// `buildOutput`.
 
 #include <libKel/String.h>
 #include <libStencilor/Export.h>
@@ -57,58 +57,59 @@ class TemplateSource;
 /// How a render ended.
 enum class RenderStatus {
     Complete,      ///< the whole template was rendered, perhaps with messages
-    Rejected,      ///< the template is not well formed
-    NotFound,      ///< `renderFile`: the source has no such template
-    Unreadable,    ///< `renderFile`: the source has it and cannot read it
-    StepLimit,     ///< `RenderLimits::steps` did not suffice
-    OutputLimit,   ///< `RenderLimits::outputBytes` did not suffice
-    TemplateLimit, ///< `RenderLimits::templateBytes` did not suffice
-    DepthLimit,    ///< `RenderLimits::includeDepth` did not suffice
+    Rejected,      ///< the template is malformed
+    NotFound,      ///< `renderFile`: the source does not have the template
+    Unreadable,    ///< `renderFile`: the source cannot read the template
+    StepLimit,     ///< the limit `RenderLimits::steps` was reached
+    OutputLimit,   ///< the limit `RenderLimits::outputBytes` was reached
+    TemplateLimit, ///< the limit `RenderLimits::templateBytes` was reached
+    DepthLimit,    ///< the limit `RenderLimits::includeDepth` was reached
     Stopped        ///< `RenderOptions::keepGoing` returned false
 };
 
-/// What one render may take, its includes counted in. A render that would exceed a limit ends
-/// before it does. 0 means no limit, except for `includeDepth`.
+/// The limits of one render, including its includes. A render ends before it would exceed one of
+/// them. 0 means no limit, except for `includeDepth`.
 struct RenderLimits {
-    /// Each node visited is a step, each iteration of a loop one more, and each 64 keys that are
-    /// looked up for names one more. Keys that are too long to be kept are made when they are
-    /// looked up; each 4 KiB of them is a step, too.
+    /// Each visited node is a step, as are each iteration of a loop and every 64 keys that are
+    /// looked up for names. Keys that are too long to be stored are built for each lookup; every 4
+    /// KiB of them is also a step.
     std::uint64_t steps = 0;
 
-    /// Bytes rendered, counted before malformed ones become U+FFFD.
+    /// Rendered bytes, counted before malformed ones become U+FFFD.
     std::uint64_t outputBytes = 0;
 
-    /// Bytes of included templates, each path counted once.
+    /// Bytes of included templates; each path counts once.
     std::uint64_t templateBytes = 0;
 
-    /// How many includes may be open inside each other: 1 to 100. Any other number means 100,
-    /// because an exhausted stack cannot be reported.
+    /// The maximum nesting of includes, 1 to 100. Any other number means 100, because stack
+    /// exhaustion could not be reported.
     unsigned int includeDepth = 100;
 
-    /// Messages kept. Further ones are counted, and rendering goes on. The one that says why a
-    /// render ended is always kept.
+    /// The number of messages to keep. Further ones are only counted, and rendering continues. The
+    /// message that says why a render ended is always kept.
     unsigned int messages = 1000;
 };
 
-/// What happens to each value on its way into the text. Text of the template is never escaped, nor
-/// are raw values (`Value::raw`, `ContextRawString`).
-/// Copying: copies share a host's function. Moving copies.
-/// Threads: may be used by many threads, if the host's function may.
+/// How values are escaped. The template's own text is never escaped, nor are raw values
+/// (`Value::raw`, `ContextRawString`).
+/// Copying: copies share the host's function. Moving copies.
+/// Threads: thread-safe, if the host's function is.
 class STENCILOR_EXPORT Escape {
   public:
-    /// Values are rendered as they are.
+    /// Renders values unchanged.
     static Escape none();
 
-    /// For HTML text and quoted attributes: `&`, `<`, `>`, `"` and `'` become character references.
+    /// Escapes for HTML text and quoted attributes: `&`, `<`, `>`, `"` and `'` become character
+    /// references.
     static Escape html();
 
-    /// For JSON texts inside their quotation marks, also within HTML: as `escapeJson`.
+    /// Escapes for the inside of JSON strings, also within HTML, like `escapeJson`.
     static Escape json();
 
-    /// A function of the host.
-    /// @param function receives the text of a value up to its first NUL, and appends what is
-    ///   rendered to `out`, which is empty. The text ends at its first NUL. What the function
-    ///   throws reaches the caller of the render.
+    /// Escapes with a function of the host.
+    /// @param function receives the text of a value up to its first NUL, and appends the escaped
+    ///   text, which also ends at its first NUL, to the empty `out`. Its exceptions reach the
+    ///   caller of the render.
     explicit Escape(std::function<void(std::string_view value, std::string& out)> function);
 
     /// Copies share the function.
@@ -132,44 +133,44 @@ class STENCILOR_EXPORT Escape {
 
 /// How to render.
 ///
-/// Ownership: borrows `source` for the render.
+/// Ownership: borrows `source` during the render.
 struct RenderOptions {
-    /// What happens to values.
+    /// How values are escaped.
     Escape escape = Escape::none();
 
-    /// Where included templates come from. Null: from files, as `buildOutput` finds them.
+    /// Where included templates come from. If null, from files, like `buildOutput`.
     TemplateSource* source = nullptr;
 
-    /// What the render may take.
+    /// The limits of the render.
     RenderLimits limits{};
 
-    /// Asked after every 1,024 steps, where there is one; false stops the render. It may render,
-    /// and what it throws reaches the caller.
+    /// If not empty, called every 1,024 steps; the render stops if it returns false. It may render,
+    /// and its exceptions reach the caller.
     std::function<bool()> keepGoing{};
 };
 
-/// An include that was open where a message arose.
+/// An include that leads to the place of a message.
 struct IncludeSite {
-    String templateName{};   ///< the template that holds the tag
+    String templateName{};   ///< the template that contains the tag
     SyntaxRange range{};     ///< the path in the tag
     unsigned int line = 0;   ///< of the path, from 1; lines end at LF
     unsigned int column = 0; ///< of the path in code points, from 1
 };
 
-/// Something that could not be rendered, or the reason why a render ended.
+/// Something that could not be rendered, or the reason for the end of a render.
 struct RenderMessage {
     /// What went wrong.
     enum class Kind {
         ReplacementNotFound,  ///< a substitution's name is not in scope
-        ReplacementNotString, ///< it is in scope and not a text
+        ReplacementNotString, ///< it is in scope, but is not a text
         BooleanNotFound,      ///< a condition's name is not in scope
-        NotBoolean,           ///< it is in scope and not a boolean
+        NotBoolean,           ///< it is in scope, but is not a boolean
         ListNotFound,         ///< the name of a loop's list is not in scope
-        NotIterable,          ///< it is in scope and not a list
-        FileNotFound,         ///< there is no template at the path
-        FileNotLoaded,        ///< there is one, and it cannot be read
-        TemplateRejected,     ///< the template is not well formed; see `fault`
-        StepLimit,            ///< the render ended; and so with the following ones
+        NotIterable,          ///< it is in scope, but is not a list
+        FileNotFound,         ///< no template exists at the path
+        FileNotLoaded,        ///< a template exists, but cannot be read
+        TemplateRejected,     ///< the template is malformed; see `fault`
+        StepLimit,            ///< the render ended, as for the kinds below
         OutputLimit,
         TemplateLimit,
         DepthLimit,
@@ -177,55 +178,54 @@ struct RenderMessage {
     };
 
     Kind kind{};             ///< what went wrong
-    String name{};           ///< the name or path in the tag; empty where there is none
-    String templateName{};   ///< the template that the place is in
-    SyntaxRange range{};     ///< the name or path, or the text at which the render ended
-    unsigned int line = 0;   ///< of the range, from 1; lines end at LF; 0 where there is no place
-    unsigned int column = 0; ///< of the range in code points, from 1; 0 where there is no place
+    String name{};           ///< the name or path in the tag; empty if there is none
+    String templateName{};   ///< the template that contains the place
+    SyntaxRange range{};     ///< the name, the path, or the text where the render ended
+    unsigned int line = 0;   ///< of the range, from 1; lines end at LF; 0 if there is none
+    unsigned int column = 0; ///< of the range in code points, from 1; 0 if there is none
     SyntaxFault fault{};     ///< of a rejected template
-    std::vector<IncludeSite> includedFrom{}; ///< the includes open around it, innermost first
+    std::vector<IncludeSite> includedFrom{}; ///< the includes that lead to it, innermost first
 
-    /// Describes the message in English, without its place.
+    /// Returns an English description, without the place.
     /// @return one line without a line break
     STENCILOR_EXPORT String text() const;
 };
 
-/// What a render took.
+/// The resources that a render used.
 struct RenderUsage {
     std::uint64_t steps = 0;         ///< as in `RenderLimits`
     std::uint64_t outputBytes = 0;   ///< as in `RenderLimits`
     std::uint64_t templateBytes = 0; ///< as in `RenderLimits`
-    std::uint64_t messages = 0;      ///< all of them, kept or not
-    unsigned int includeDepth = 0;   ///< the most includes open inside each other
+    std::uint64_t messages = 0;      ///< all messages, even those not kept
+    unsigned int includeDepth = 0;   ///< the deepest nesting of includes
 };
 
-/// What a render produced.
+/// The result of a render.
 struct RenderResult {
     RenderStatus status = RenderStatus::Complete; ///< how it ended
     String text{}; ///< always valid UTF-8; empty unless the status is `Complete`
-    std::vector<RenderMessage> messages{}; ///< in the order of the text
-    RenderUsage usage{};                   ///< what it took
+    std::vector<RenderMessage> messages{}; ///< in the order in which they occurred
+    RenderUsage usage{};                   ///< the resources that it used
 };
 
 /// A template that is parsed once.
 ///
-/// Ownership: owns its text and what was made of it. A context is only read, and nothing of it is
-///   kept; nobody may change it during a render.
-/// Copying: copies share everything, which never changes. A moved-from template may only be
-///   assigned or destroyed.
-/// Threads: any number of renders may run at once, with one template and one context.
-/// Errors: a template that is not well formed is no exception: see `isWellFormed`. Thrown are
-///   `std::bad_alloc`, `std::length_error` where a text outgrows `String`, what the functions and
-///   sources of the host throw, and for values what `Context` throws.
+/// Ownership: owns its text and the result of parsing it. A context is only read during a render,
+///   must not be changed meanwhile, and is not kept.
+/// Copying: copies share all data, which is immutable. A moved-from template may only be assigned
+///   or destroyed.
+/// Threads: any number of renders may run at once, also with the same template and context.
+/// Errors: a malformed template does not throw; see `isWellFormed`. Exceptions are
+///   `std::bad_alloc`, `std::length_error` if a text would be too long for `String`, those of the
+///   host's functions and sources, and for values those of `Context`.
 class STENCILOR_EXPORT Template {
   public:
     /// Parses a template.
     /// @param text the template, which ends at its first NUL byte
-    /// @param name what messages call it, such as a path
+    /// @param name its name in messages, such as a path
     explicit Template(String text, String name = {});
 
-    /// Copies share the text and what was parsed. One that was moved from
-    /// may only be assigned or destroyed.
+    /// Copies share all data. A moved-from template may only be assigned or destroyed.
     /// @{
     Template(const Template& other);
     Template(Template&& other) noexcept;
@@ -237,40 +237,40 @@ class STENCILOR_EXPORT Template {
     /// @return true if the template can be rendered
     bool isWellFormed() const;
 
-    /// @return why it cannot; a fault that is not present if it can
+    /// @return why it cannot be rendered; if it can, the fault is not present
     const SyntaxFault& fault() const;
 
-    /// @return the name that it was given
+    /// @return the name that was passed to the constructor
     const String& name() const;
 
-    /// @return the whole text that it was made of
+    /// @return the whole text that was passed to the constructor
     const String& text() const;
 
-    /// Renders.
+    /// Renders the template.
     /// @param context the root of the values; a `Context` converts to it
-    /// @param options see there
+    /// @param options the options of the render
     /// @return the text and the messages
     RenderResult render(const ContextBase& context, const RenderOptions& options = {}) const;
 
-    /// Renders a value, which is made a context for the one call.
+    /// Renders with a value, which is converted to a context for this call.
     RenderResult render(const Value& values, const RenderOptions& options = {}) const;
 
     /// The same for values in braces.
     RenderResult render(std::initializer_list<Value::Member> values,
                         const RenderOptions& options = {}) const;
 
-    /// Renders piece by piece.
+    /// Renders in pieces.
     /// @param context the root of the values
-    /// @param write receives the pieces: never empty, at most 64 KiB, each valid UTF-8; joined they
-    ///   are the text. It may render, and what it throws reaches the caller.
-    /// @param options see there
-    /// @return the messages, without a text. Where the status is not `Complete`, what was written
-    ///   is a beginning of the text.
+    /// @param write receives the pieces of the text: never empty, at most 64 KiB, each valid UTF-8.
+    ///   It may render, and its exceptions reach the caller.
+    /// @param options the options of the render
+    /// @return the messages, without a text. Unless the status is `Complete`, only the beginning of
+    ///   the text was written.
     RenderResult renderTo(const ContextBase& context,
                           const std::function<void(std::string_view)>& write,
                           const RenderOptions& options = {}) const;
 
-    /// Renders a value piece by piece.
+    /// Renders with a value, in pieces.
     RenderResult renderTo(const Value& values, const std::function<void(std::string_view)>& write,
                           const RenderOptions& options = {}) const;
 
@@ -287,17 +287,17 @@ class STENCILOR_EXPORT Template {
 
 /// Where included templates come from.
 ///
-/// Each render asks for each path once, so that it sees one version of each template.
-/// Ownership: belongs to the host, and outlives the renders that use it.
-/// Threads: is called by every render that uses it, several at once.
+/// A render asks for each path once, so it sees a single version of each template.
+/// Ownership: belongs to the host, and must outlive the renders that use it.
+/// Threads: several renders may call it at once.
 class STENCILOR_EXPORT TemplateSource {
   public:
-    /// What became of a request.
+    /// The outcome of a request.
     enum class Answer {
-        Found,      ///< the template was handed over, well formed or not
-        Missing,    ///< there is none at this path
-        Unreadable, ///< there is one, and it cannot be read
-        TooLarge    ///< it has more bytes than are allowed, which ends the render
+        Found,      ///< the template was found; it may be malformed
+        Missing,    ///< no template exists at this path
+        Unreadable, ///< a template exists, but cannot be read
+        TooLarge    ///< it is larger than allowed, which ends the render
     };
 
     TemplateSource();
@@ -305,21 +305,21 @@ class STENCILOR_EXPORT TemplateSource {
 
     /// Finds a template.
     /// @param path as in the tag
-    /// @param maxBytes how many bytes the template may have; UINT64_MAX if any number
-    /// @param found receives the template if the answer is `Found`; best named by its path
-    /// @return what became of it. What is thrown reaches the caller of the render.
+    /// @param maxBytes the maximum size of the template; UINT64_MAX means no limit
+    /// @param found receives the template if the answer is `Found`; it should be named by its path
+    /// @return the outcome. Exceptions reach the caller of the render.
     virtual Answer find(const String& path, std::uint64_t maxBytes,
                         std::optional<Template>& found) = 0;
 
   protected:
-    /// A source holds nothing itself.
+    /// The base class holds no data.
     /// @{
     TemplateSource(const TemplateSource& other);
     TemplateSource& operator=(const TemplateSource& other);
     /// @}
 };
 
-/// Templates held in memory, by path.
+/// Templates in memory, by path.
 ///
 /// Threads: all functions may be called while renders run.
 class STENCILOR_EXPORT MemoryTemplates : public TemplateSource {
@@ -330,8 +330,8 @@ class STENCILOR_EXPORT MemoryTemplates : public TemplateSource {
     ~MemoryTemplates() override;
 
     /// Adds a template, or replaces the one at its path.
-    /// @param path as include tags write it
-    /// @param text the template, parsed here, once
+    /// @param path as written in include tags
+    /// @param text the template, which is parsed by this call
     void add(String path, String text);
 
     Answer find(const String& path, std::uint64_t maxBytes,
@@ -341,16 +341,16 @@ class STENCILOR_EXPORT MemoryTemplates : public TemplateSource {
     std::unique_ptr<internal::memory_templates> templates_;
 };
 
-/// Templates in the files below one directory.
+/// Templates in the files of one directory.
 ///
-/// Keeps each file parsed, and reads it again when its size, its time of modification or its
-/// identity has changed, or when it was changed less than two seconds before it was last read.
-/// Paths: as below a root of `FileSystem`; nothing outside the directory can be included.
-/// Threads: may be shared by renders that run at once.
+/// Caches parsed files. A file is read again if its size, modification time or identity has
+/// changed, or if it was modified less than two seconds before it was last read.
+/// Paths: as with a root of `FileSystem`; nothing outside of the directory can be included.
+/// Threads: renders that run at once may share it.
 class STENCILOR_EXPORT FileTemplates : public TemplateSource {
   public:
-    /// @param root the directory, relative to the working directory of this moment, or absolute.
-    ///   `std::invalid_argument` is thrown where it is not a directory that can be entered.
+    /// @param root the directory, relative to the current working directory, or absolute. Throws
+    ///   `std::invalid_argument` if it is not an accessible directory.
     explicit FileTemplates(const String& root);
     FileTemplates(const FileTemplates&) = delete;
     FileTemplates& operator=(const FileTemplates&) = delete;
@@ -363,11 +363,11 @@ class STENCILOR_EXPORT FileTemplates : public TemplateSource {
     std::unique_ptr<internal::template_files> files_;
 };
 
-/// Renders the template at a path of the source in the options, whose bytes count as those of an
-/// included one.
-/// @param path as an include tag would write it
+/// Renders the template at a path of the source in the options. Its bytes count like those of an
+/// included template.
+/// @param path as written in an include tag
 /// @param context the root of the values
-/// @param options see there
+/// @param options the options of the render
 /// @return the text and the messages
 STENCILOR_EXPORT RenderResult renderFile(const String& path, const ContextBase& context,
                                          const RenderOptions& options = {});
@@ -385,8 +385,8 @@ STENCILOR_EXPORT RenderResult renderFile(const String& path,
 STENCILOR_EXPORT String escapeHtml(std::string_view text);
 
 /// Escapes text for the inside of a JSON string (RFC 8259, section 7), without adding quotation
-/// marks. Beyond what JSON asks for, `<`, `>`, `&`, U+2028 and U+2029 are escaped, so that the
-/// result may appear in a script of an HTML page.
+/// marks. In addition to what JSON requires, `<`, `>`, `&`, U+2028 and U+2029 are escaped, so the
+/// result can be used in a script of an HTML page.
 STENCILOR_EXPORT String escapeJson(std::string_view text);
 
 } // namespace kel::Stencilor

@@ -2,7 +2,7 @@
 #define LIBSTENCILOR_VALUE_H
 
 /// @file
-/// Plain data for templates, and the context that it becomes.
+/// Plain data for templates, and the context made from it.
 ///
 ///     #include <libStencilor/Value.h>
 ///     #include <iostream>
@@ -25,24 +25,25 @@
 ///                                  Context(page)); // Teas: Assam 4.5 Sencha 6
 ///     }
 ///
-/// A `Value` is data and nothing else: build it, copy it, change it. A `Context` is what templates
+/// A `Value` is plain data, which can be built, copied and changed. A `Context` is what templates
 /// are rendered with; build it once to render the same values many times.
 ///
-/// What becomes a value:
+/// These types convert to a value:
 ///
 /// - text: `String`, `std::string`, `std::string_view`, character arrays and pointers (a null
 ///   pointer is an empty text, as in `String`); a `char` is a text of one character,
 /// - `true` and `false`, only from `bool`,
-/// - integers in decimal, `signed char` and `unsigned char` among them,
-/// - floating-point numbers in the fewest digits that read back as the same number, and with an
+/// - integers, including `signed char` and `unsigned char`, in decimal,
+/// - floating-point numbers with the fewest digits that read back as the same number, and with an
 ///   exponent below 1e-6 and from 1e21 on: `0.1`, `100`, `1e+21`, `1.5e-7`; `-0` is `0`,
-/// - `nullptr`, `std::nullopt` and an empty `std::optional` become null, and an optional its value,
-/// - maps with texts as keys become dictionaries, other ranges lists,
-/// - types with `STENCILOR_MEMBERS`, or with a function `Value toValue(const T&)` in their
+/// - `nullptr`, `std::nullopt` and an empty `std::optional`, which become null; any other optional
+///   becomes its value,
+/// - maps whose keys are texts, which become dictionaries; other ranges become lists,
+/// - types that have `STENCILOR_MEMBERS`, or a function `Value toValue(const T&)` in their
 ///   namespace.
 ///
-/// Everything else does not compile: other pointers, wide characters and texts of them,
-/// enumerations, `std::filesystem::path`.
+/// Nothing else compiles: neither other pointers, wide characters or strings of them, nor
+/// enumerations or `std::filesystem::path`.
 
 #include <libKel/String.h>
 #include <libStencilor/Export.h>
@@ -85,7 +86,8 @@ concept described = requires(const T& source) {
     { toValue(source) } -> std::same_as<Value>;
 };
 
-// Not the ranges whose elements are of their own type, such as a path: there is no end to them.
+// Excludes ranges whose elements are of their own type, such as a path: the conversion would not
+// end.
 template <typename T>
 concept range =
     std::ranges::input_range<const T> && !std::same_as<std::ranges::range_value_t<const T>, T>;
@@ -120,7 +122,7 @@ consteval bool isConvertible() {
 template <typename T>
 concept value_source = !std::same_as<T, Value> && isConvertible<T>();
 
-// A text is a range, but not a list.
+// A text is a range, but does not become a list.
 template <typename T>
 concept list_source = std::ranges::input_range<T> && !text_like<std::remove_cvref_t<T>>;
 
@@ -140,143 +142,141 @@ struct value_access;
 } // namespace internal
 /// @endcond
 
-/// Data for a template: null, a boolean, a text, a list, or a dictionary ordered by its keys.
+/// Data for a template: null, a boolean, a text, a list, or a dictionary ordered by key.
 ///
-/// Braces of pairs make a dictionary, and `Value{}` is an empty one; `Value{x}` is `x` as a value.
-/// Lists are made by `list` and of ranges.
+/// Pairs in braces make a dictionary, and `Value{}` an empty one; `Value{x}` is `x` as a value. Use
+/// `list` or a range to make a list.
 ///
-/// Copying: a copy is a value of its own, whole. Moving takes constant time and leaves null.
-/// Depth: lists and dictionaries nest at most `deepest` levels; what would make a deeper one throws
-///   `std::length_error` and changes nothing.
-/// Threads: may be read by many threads while none changes it.
+/// Copying: deep. Moving takes constant time and leaves null.
+/// Depth: lists and dictionaries nest at most `deepest` levels. An operation that would exceed this
+///   throws `std::length_error` and changes nothing.
+/// Threads: may be read by any number of threads while none changes it.
 /// Errors: `std::length_error` for a text of more than 4 GiB - 1 byte, `std::invalid_argument` for
-/// a
-///   floating-point number that is not finite, `std::logic_error` where a value is changed in a way
-///   that its kind does not have, `std::bad_alloc`. None of them changes the value.
+///   a number that is not finite, `std::logic_error` for a change that the kind of the value does
+///   not support, and `std::bad_alloc`. In each case, the value is unchanged.
 class Value {
   public:
     class Member;
 
-    /// What a value can be.
+    /// The kinds of values.
     enum class Kind {
-        Null,      ///< nothing; a template does not find it
+        Null,      ///< no value; templates do not find it
         Boolean,   ///< true or false
-        Text,      ///< a text, which a render may escape; numbers are texts, too
+        Text,      ///< a text, which a render may escape; numbers become texts
         RawText,   ///< a text that is never escaped
-        List,      ///< values in their order
-        Dictionary ///< values by their keys
+        List,      ///< a sequence of values
+        Dictionary ///< values by key
     };
 
-    /// How many lists and dictionaries may nest; the outermost one counts.
+    /// The maximum nesting of lists and dictionaries, including the outermost one.
     static constexpr unsigned int deepest = 512;
 
     /// An empty dictionary.
     STENCILOR_EXPORT Value();
 
-    /// A dictionary. Where a key is given twice, the last one wins.
-    /// @param members keys with their values; they are moved from
+    /// A dictionary. If a key occurs twice, the last one wins.
+    /// @param members the keys with their values, which are moved from
     STENCILOR_EXPORT Value(std::initializer_list<Member> members);
 
-    /// What `source` is as a value, by the rules at the top of this header.
-    /// @param source what is converted; it is copied
+    /// Converts `source` by the rules at the top of this header.
+    /// @param source the source of the conversion, which is copied
     template <internal::value_source T>
     Value(const T& source) : Value(convert(source)) {}
 
-    /// Copies a value with all that it holds.
-    /// @param other the value that is copied
+    /// Makes a deep copy.
+    /// @param other the value to copy
     STENCILOR_EXPORT Value(const Value& other);
 
-    /// Takes a value.
+    /// Moves a value.
     /// @param other is null afterwards
     STENCILOR_EXPORT Value(Value&& other) noexcept;
 
-    /// Copies a value with all that it holds.
-    /// @param other the value that is copied; it may be a part of this one
+    /// Makes a deep copy.
+    /// @param other the value to copy; it may be a part of this one
     /// @return this value
     STENCILOR_EXPORT Value& operator=(const Value& other);
 
-    /// Takes a value.
+    /// Moves a value.
     /// @param other is null afterwards
     /// @return this value
     STENCILOR_EXPORT Value& operator=(Value&& other) noexcept;
 
-    /// Destroys the value with all that it holds.
+    /// Destroys the value and its contents.
     STENCILOR_EXPORT ~Value();
 
-    /// Makes a text that no render escapes. Use it for text that is known to be safe where it is
-    /// inserted, such as HTML that the host made itself.
+    /// Makes a text that is never escaped. Use it for text that is known to be safe where it is
+    /// inserted, such as HTML that the host generated.
     /// @param text the text
     /// @return the value
     STENCILOR_EXPORT static Value raw(String text);
 
     /// Makes a list.
-    /// @param items the items in their order
+    /// @param items the items in order
     /// @return the value
     STENCILOR_EXPORT static Value list(std::initializer_list<Value> items = {});
 
-    /// Makes a list of a range.
-    /// @param range the items in their order; none of them is moved from
+    /// Makes a list from a range.
+    /// @param range the items in order; they are copied
     /// @return the value
     template <internal::list_source Range>
     requires std::constructible_from < Value, const std::ranges::range_value_t<Range>
     & > static Value list(Range&& range);
 
-    /// Makes a list of what a function returns for each item of a range:
+    /// Makes a list of the results of a function for each item of a range:
     ///
     ///     Value::list(names, [](const std::string& name) { return Value{{"name", name}}; })
     ///
-    /// @param range the items in their order
-    /// @param function called with each item; a pointer to a member will do
+    /// @param range the items in order
+    /// @param function called with each item; a pointer to a member works, too
     /// @return the value
     template <internal::list_source Range, typename Function>
     requires std::constructible_from<
         Value, std::invoke_result_t<Function&, std::ranges::range_reference_t<Range>>>
     static Value list(Range&& range, Function function);
 
-    /// Says what the value is.
+    /// Returns the kind of the value.
     /// @return its kind
     Kind kind() const noexcept { return static_cast<Kind>(data_.index()); }
 
     /// Reads a boolean.
-    /// @return true for the boolean true; false for everything else
+    /// @return true for the boolean true, otherwise false
     STENCILOR_EXPORT bool isTrue() const noexcept;
 
-    /// Reads a text or raw text.
-    /// @return the text, valid until the value is changed; empty for every other kind
+    /// Returns a text or raw text.
+    /// @return the text, valid until the value is changed; empty for other kinds
     STENCILOR_EXPORT const String& text() const noexcept;
 
-    /// Counts what a list or dictionary holds.
-    /// @return the number of items or members; 0 for every other kind
+    /// Returns the size of a list or dictionary.
+    /// @return the number of items or members; 0 for other kinds
     STENCILOR_EXPORT std::size_t size() const noexcept;
 
-    /// Reads an item of a list.
-    /// @param index counted from 0; one at or past the size of a list, and any index of what is no
-    ///   list, throws `std::out_of_range`
+    /// Returns an item of a list. Throws `std::out_of_range` if there is none.
+    /// @param index counted from 0
     /// @return the item, valid until the value is changed
     STENCILOR_EXPORT const Value& at(std::size_t index) const;
 
     /// Looks up a member of a dictionary.
     /// @param key the key of the member
-    /// @return the member, valid until the value is changed; null where there is none
+    /// @return the member, valid until the value is changed; null if there is none
     STENCILOR_EXPORT const Value* find(const String& key) const noexcept;
 
-    /// Lists the keys of a dictionary.
-    /// @return the keys in ascending order; none for every other kind
+    /// Returns the keys of a dictionary.
+    /// @return the keys in ascending order; none for other kinds
     STENCILOR_EXPORT std::vector<String> keys() const;
 
-    /// Sets a member of a dictionary, in place of one with the same key. For a value that is no
-    /// dictionary it throws `std::logic_error`.
+    /// Sets a member of a dictionary, replacing one with the same key. Throws `std::logic_error` if
+    /// the value is not a dictionary.
     /// @param key the key of the member
     /// @param value the member
     STENCILOR_EXPORT void set(String key, Value value);
 
-    /// Appends an item to a list. For a value that is no list it throws `std::logic_error`.
+    /// Appends an item to a list. Throws `std::logic_error` if the value is not a list.
     /// @param item the item
     STENCILOR_EXPORT void add(Value item);
 
-    /// Compares two values with all that they hold. A text and a raw text differ.
+    /// Compares two values deeply. A text never equals a raw text.
     /// @param other the value to compare with
-    /// @return true if both are the same
+    /// @return true if they are equal
     STENCILOR_EXPORT bool operator==(const Value& other) const;
 
   private:
@@ -305,12 +305,12 @@ class Value {
     Data data_;
 };
 
-/// A key and its value in the braces that make a dictionary. A value that is made of it takes both.
+/// A key and its value in the braces that make a dictionary, into which both are moved.
 class Value::Member {
   public:
     /// A member of a dictionary.
     /// @param key a text
-    /// @param value anything that becomes a value
+    /// @param value anything that converts to a value
     template <internal::text_like Key>
     Member(const Key& key, Value value)
         : key_(internal::makeString(key)), value_(std::move(value)) {}
@@ -318,8 +318,8 @@ class Value::Member {
   private:
     friend class Value;
 
-    // An initializer list is constant; moving from it keeps nested braces from being copied at
-    // each level.
+    // An initializer list is constant. Moving from its members avoids copying nested braces at each
+    // level.
     mutable String key_;
     mutable Value value_;
 };
@@ -329,7 +329,7 @@ requires std::constructible_from < Value, const std::ranges::range_value_t<Range
 & > Value Value::list(Range&& range) {
     Value result = list();
     for (auto&& item : range) {
-        // As the type of the elements: `std::vector<bool>` has proxies for them.
+        // Converts to the element type, since `std::vector<bool>` has proxies.
         result.add(static_cast<const std::ranges::range_value_t<Range>&>(item));
     }
     return result;
@@ -379,57 +379,56 @@ Value Value::convert(const T& source) {
     }
 }
 
-/// How a context is made of a value.
+/// How to make a context from a value.
 struct ContextOptions {
-    /// Gives every element of a list `index` (from 1), `first` and `last`, for a null element, too.
-    /// A key that the element has already wins.
+    /// Adds `index` (from 1), `first` and `last` to every element of a list, even to a null one.
+    /// Keys that an element already has win.
     bool positions = false;
 };
 
-/// The tree of context classes that a value becomes.
+/// The tree of context classes made from a value.
 ///
 /// Text becomes a `ContextString`, raw text a `ContextRawString`, a boolean a `ContextBoolean`, a
-/// list a `ContextIterable`, a dictionary a `ContextDictionary`; null becomes a null entry. Beyond
-/// that:
+/// list a `ContextIterable`, a dictionary a `ContextDictionary`; null becomes a null entry. In
+/// addition:
 ///
-/// - Dotted names: a dictionary has the members of the dictionaries in it under dotted names as
-///   well (`user.name`), at any depth; lists end this. A key that is itself the dotted name wins,
-///   and otherwise the longest key that the dotted name begins with.
+/// - Dotted names: a dictionary also has the members of nested dictionaries, at any depth but not
+///   inside lists, under dotted names (`user.name`). If several members have the same dotted name,
+///   the one with the longest first key wins.
 /// - A dictionary with the key `$boolean` becomes a `ContextBoolean` whose children are the other
 ///   members; `{% if %}` tests it.
-/// - An element of a list that is not a dictionary (a text, a boolean, a list) is reachable as
+/// - An element of a list that is not a dictionary (a text, a boolean, a list) is available as
 ///   `value`: `{% for tag in tags %}{{ tag.value }}{% endfor %}`.
 /// - With `ContextOptions::positions`, elements have `index`, `first` and `last`.
 ///
-/// Ownership: owns the tree. A list or boolean under a dotted name shares what it holds with the
-///   original, so the tree can be rendered and read, but not changed.
-/// Copying: neither copied nor shared; moving takes constant time. One that was moved from may only
-///   be assigned to or destroyed.
+/// Ownership: owns the tree. Lists and booleans under dotted names share their contents with the
+///   originals, so the tree can be rendered and read, but must not be changed.
+/// Copying: not possible; moving takes constant time. A moved-from context may only be assigned to
+///   or destroyed.
 /// Threads: may be read by many threads.
-/// Errors: `std::invalid_argument` where the value is no dictionary, or a `$boolean` no boolean;
-///   `std::length_error` where dotted names would take more than 512 MiB: each member of a
-///   dictionary has a name in each dictionary around it, so little data can ask for a lot of
-///   memory; `std::bad_alloc`.
+/// Errors: `std::invalid_argument` if the value is not a dictionary, or a `$boolean` is not a
+///   boolean; `std::length_error` if dotted names would take more than 512 MiB (a member has a name
+///   in each dictionary around it, so little data can require much memory); `std::bad_alloc`.
 class Context {
   public:
     /// Makes a context.
-    /// @param value the root, a dictionary; it is copied
-    /// @param options what elements of lists have
+    /// @param value the root, a dictionary, which is copied
+    /// @param options the members of list elements
     STENCILOR_EXPORT explicit Context(const Value& value, ContextOptions options = {});
 
-    /// Takes a context.
-    /// @param other may only be assigned to or destroyed afterwards
+    /// Moves a context.
+    /// @param other afterwards it may only be assigned to or destroyed
     STENCILOR_EXPORT Context(Context&& other) noexcept;
 
-    /// Takes a context.
-    /// @param other may only be assigned to or destroyed afterwards
+    /// Moves a context.
+    /// @param other afterwards it may only be assigned to or destroyed
     /// @return this context
     STENCILOR_EXPORT Context& operator=(Context&& other) noexcept;
 
     /// Destroys the tree.
     STENCILOR_EXPORT ~Context();
 
-    /// The root of the tree, as `buildOutput` takes it.
+    /// The root of the tree, for `buildOutput`.
     /// @return the root, valid as long as this context
     STENCILOR_EXPORT operator const ContextBase&() const noexcept;
 
@@ -439,12 +438,12 @@ class Context {
 
 } // namespace kel::Stencilor
 
-/// Makes values of a struct: dictionaries of the members that are named, as the example at the top
-/// of this header shows.
+/// Makes a struct convertible to a value: a dictionary of the named members. The example at the top
+/// of this header shows it.
 ///
-/// Write it after the struct, in the same namespace, before values are made of the struct. It takes
-/// up to 64 public members of any types that become values, structs and containers of them among
-/// them.
+/// Write it after the struct, in the same namespace, and before the first conversion. It takes up
+/// to 64 public members, of any types that convert to values, including other such structs and
+/// containers of them.
 #define STENCILOR_MEMBERS(Type, ...)                                                               \
     [[maybe_unused]] inline ::kel::Stencilor::Value toValue(const Type& stencilorObject) {         \
         return ::kel::Stencilor::Value{STENCILOR_EXPAND(STENCILOR_EACH(__VA_ARGS__))};             \
@@ -452,8 +451,7 @@ class Context {
     static_assert(true)
 
 /// @cond
-// Each level of expansion has the preprocessor look at the result again, four times the level
-// below.
+// Each level makes the preprocessor rescan the result four times as often as the level below.
 #define STENCILOR_EXPAND(...)                                                                      \
     STENCILOR_EXPAND3(STENCILOR_EXPAND3(STENCILOR_EXPAND3(STENCILOR_EXPAND3(__VA_ARGS__))))
 #define STENCILOR_EXPAND3(...)                                                                     \

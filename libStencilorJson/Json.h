@@ -2,7 +2,7 @@
 #define LIBSTENCILORJSON_JSON_H
 
 /// @file
-/// Makes values of those of nlohmann-json.
+/// Converts values of nlohmann-json.
 ///
 ///     #include <libStencilorJson/Json.h>
 ///     #include <iostream>
@@ -14,8 +14,7 @@
 ///         std::cout << buildOutput("Hello, {{ user.name }}!\n", Context(valueFromJson(json)));
 ///     }
 ///
-/// All that knows nlohmann-json is in this header. So the library serves hosts with whatever
-/// version of it they have.
+/// Only this header depends on nlohmann-json, so hosts can use any version of it.
 
 #include <libStencilorJson/JsonText.h>
 
@@ -31,7 +30,7 @@ namespace kel::Stencilor {
 /// @cond
 namespace internal {
 
-/// Converts a value of nlohmann-json, and knows on the way where it is.
+/// Converts a value of nlohmann-json, and keeps track of the position in it.
 class JsonConverter {
   public:
     Value convert(const nlohmann::json& json);
@@ -123,14 +122,14 @@ inline Value JsonConverter::convert(const nlohmann::json& json) {
 } // namespace internal
 /// @endcond
 
-/// Converts a value of nlohmann-json, numbers as `Value` converts them.
+/// Converts a value of nlohmann-json. Numbers are converted as by `Value`.
 ///
-/// Threads: may be called from any thread, while none changes `json`.
-/// Errors: `JsonError` for malformed UTF-8, numbers that are not finite, binary data, what a parser
-///   has discarded, and more than `Value::deepest` levels. It has no line, but the pointer of the
-///   value: `/users/0/name: malformed UTF-8`. `std::length_error` for a text of more than 4 GiB - 1
-///   byte; `std::bad_alloc`.
-/// @param json the value, which is only read
+/// Threads: may be called from any thread while none changes `json`.
+/// Errors: `JsonError` for malformed UTF-8, numbers that are not finite, binary data, discarded
+///   values, and more than `Value::deepest` levels. It has the JSON pointer of the value instead of
+///   a line: `/users/0/name: malformed UTF-8`. `std::length_error` for a text of more than 4 GiB -
+///   1 byte; `std::bad_alloc`.
+/// @param json the value to convert
 /// @return the value
 inline Value valueFromJson(const nlohmann::json& json) {
     return internal::JsonConverter().convert(json);

@@ -2,7 +2,7 @@
 #define LIBSTENCILORJSON_JSONTEXT_H
 
 /// @file
-/// Makes values of JSON texts.
+/// Converts JSON texts to values.
 ///
 ///     #include <libStencilorJson/JsonText.h>
 ///     #include <iostream>
@@ -18,15 +18,15 @@
 ///         }
 ///     }
 ///
-/// An object becomes a dictionary, an array a list, a string a text, a number a text of the digits
-/// that are written; `true`, `false` and `null` become what they are. What a `Context` makes of
-/// them is documented there: dotted names, `$boolean`, the elements of lists.
+/// An object becomes a dictionary, an array a list, a string a text, and a number a text with the
+/// digits as written; `true`, `false` and `null` become booleans and null. `Context` documents how
+/// templates access them: dotted names, `$boolean`, elements of lists.
 ///
-/// Texts are JSON as RFC 8259 defines it, in UTF-8, of any size, with or without a byte-order mark.
-/// Also errors: the same name twice in an object, `$boolean` with a value other than true and
-/// false, more than `Value::deepest` levels.
+/// Texts are JSON as defined by RFC 8259, in UTF-8, of any size, with or without a byte-order mark.
+/// Duplicate names in an object, a `$boolean` other than true or false, and more than
+/// `Value::deepest` levels are errors.
 ///
-/// `libStencilorJson/Json.h` makes values of those of nlohmann-json.
+/// `libStencilorJson/Json.h` converts values of nlohmann-json.
 
 #include <libStencilor/Value.h>
 
@@ -37,35 +37,35 @@
 
 namespace kel::Stencilor {
 
-/// Why JSON was refused, and where. `what()` is `LINE:COLUMN: REASON` for a text, `POINTER: REASON`
-/// for a value inside another one, and otherwise the reason alone.
+/// The reason why JSON was rejected, and the place. `what()` is `LINE:COLUMN: REASON` for a text,
+/// `POINTER: REASON` for a value inside another one, and otherwise just the reason.
 class JsonError : public std::runtime_error {
   public:
-    /// A fault in a text.
+    /// An error in a text.
     /// @param line counted from 1
     /// @param column counted from 1, in code points
-    /// @param reason what is wrong there
-    /// @param offset the place in bytes from the beginning
+    /// @param reason the error
+    /// @param offset the byte offset
     JsonError(std::size_t line, std::size_t column, const std::string& reason,
               std::size_t offset = 0);
 
-    /// A fault that is not in a text.
-    /// @param reason what is wrong
+    /// An error that is not in a text.
+    /// @param reason the error
     explicit JsonError(const std::string& reason);
 
-    /// Says where the fault is.
-    /// @return the line, counted from 1; 0 where the fault is not in a text
+    /// Returns the place of the error.
+    /// @return the line, counted from 1; 0 if the error is not in a text
     std::size_t line() const { return line_; }
 
-    /// Says where the fault is.
-    /// @return the column, counted from 1, in code points; 0 where the fault is not in a text
+    /// Returns the place of the error.
+    /// @return the column, counted from 1, in code points; 0 if the error is not in a text
     std::size_t column() const { return column_; }
 
-    /// Says where the fault is.
-    /// @return the bytes before it; 0 where the fault is not in a text
+    /// Returns the place of the error.
+    /// @return the byte offset; 0 if the error is not in a text
     std::size_t offset() const { return offset_; }
 
-    /// Says what is wrong.
+    /// Says the error.
     /// @return `what()` without the line and the column, valid as long as this error
     std::string_view reason() const { return std::string_view(what()).substr(reasonBegin_); }
 
@@ -80,19 +80,19 @@ class JsonError : public std::runtime_error {
 ///
 /// Threads: may be called from any thread.
 /// Errors: `JsonError`; `std::length_error` for a string, number or name of more than 4 GiB - 1
-///   byte; `std::bad_alloc`.
-/// @param text UTF-8, which is only read
+///   byte; and `std::bad_alloc`.
+/// @param text the JSON text, in UTF-8
 /// @return the value
 Value valueFromJsonText(std::string_view text);
 
 /// @cond
 namespace internal {
 
-// For what makes values of other kinds of JSON, such as `libStencilorJson/Json.h`.
+// For converters from other JSON libraries, such as `libStencilorJson/Json.h`.
 
 bool isValidUtf8(std::string_view text);
 
-/// `text` as a part of a JSON pointer.
+/// Escapes `text` as a part of a JSON pointer.
 std::string pointerPart(std::string_view text);
 
 } // namespace internal
