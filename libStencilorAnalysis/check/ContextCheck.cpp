@@ -10,7 +10,7 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-/// Finding out what was meant takes longer than to find what is missing.
+/// Limits suggestions, because finding one takes longer than finding a problem.
 constexpr std::size_t mostSuggestions = 1000;
 
 const char* describeKind(const ContextBase& value) {
@@ -23,7 +23,7 @@ const char* describeKind(const ContextBase& value) {
     return dynamic_cast<const ContextIterable*>(&value) != nullptr ? "a list" : "a dictionary";
 }
 
-/// `kind` is what the tag asks for: `string`.
+/// `kind` is the kind that the tag needs, such as `string`.
 Finding describeMissing(const Occurrence& found, SyntaxRange name, const std::string& kind) {
     return {.rule = Rule::MissingName,
             .place = {found.file, name},

@@ -9,9 +9,9 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// What goes wrong where a well-formed template is rendered with a context: each place once, with
-/// the first time that it happens, in the order in which it happens.
-/// @param goOn if not empty, ends the walk by returning false; it is asked every 1,024 tags
+/// Finds the problems of a well-formed template with a context. Each place is reported once, for
+/// its first problem, in the order of rendering.
+/// @param goOn if not empty, called every 1,024 tags; the walk ends if it returns false
 std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
                                        const ContextBase& context, ContextWalk::Extent extent,
                                        std::function<bool()> goOn = {});

@@ -13,12 +13,12 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
-/// Contexts are not nested as deeply. The engine has a limit, too: the size of the stack.
+/// No context is nested this deeply. The engine is limited, too, by the size of the stack.
 constexpr std::size_t deepestInclusion = 600;
 
 constexpr std::uint64_t mostSteps = 100'000'000;
 
-/// A context with one value that remains another one's, also where rendering throws.
+/// A context with one borrowed value, which it releases even if rendering throws.
 class BorrowingContext {
   public:
     explicit BorrowingContext(ContextBase& value) : slot_(context_["value"]) { slot_ = &value; }
@@ -33,13 +33,13 @@ class BorrowingContext {
     ContextBase*& slot_;
 };
 
-/// Only the engine knows.
+/// Only the engine can read the value.
 bool isTrue(ContextBoolean& value) {
     const BorrowingContext context(value);
     return !buildOutput("{% if value %}x{% endif %}", context.get()).empty();
 }
 
-/// The engine's rule: the variable of a loop and a dot are taken from the front of a name.
+/// The engine's rule: a loop variable and a dot are removed from the front of a name.
 std::string_view withoutPrefix(std::string_view name, std::string_view variable) {
     const bool prefixed =
         name.size() > variable.size() && name[variable.size()] == '.' && name.starts_with(variable);
@@ -47,16 +47,16 @@ std::string_view withoutPrefix(std::string_view name, std::string_view variable)
 }
 
 ContextBase* elementOf(ContextIterable& list, std::size_t index) {
-    // An index has 32 bits; a list of more elements takes 32 GiB, which no JSON text makes.
+    // An index has 32 bits; a longer list takes 32 GiB, more than any JSON text can produce.
     assert(index <= std::numeric_limits<unsigned int>::max());
     return list[static_cast<unsigned int>(index)];
 }
 
 } // namespace
 
-/// A block that is open.
+/// An open block.
 struct ContextWalk::Block {
-    std::size_t begin; // the index of the tag that opens it
+    std::size_t begin; // the index of its opening tag
     std::optional<ScopeStack::position> scope{};
 
     // Of a loop:
@@ -69,11 +69,11 @@ struct ContextWalk::Block {
     const ContextBase* element() const { return elementOf(*list, iteration); }
 };
 
-/// What holds inside one file. The variables of the loops around an inclusion do not.
+/// The state inside one file. Variables of loops around an include do not apply in it.
 struct ContextWalk::FileState {
     explicit FileState(std::string around = {}) : where(std::move(around)) {}
 
-    std::string where; // the innermost loop around the inclusion
+    std::string where; // the innermost loop around the include
     std::vector<Block> blocks{};
     VariableStack variables{};
 };
@@ -156,7 +156,7 @@ std::size_t ContextWalk::openConditional(const TemplateFile& file, std::size_t i
     return (then ? index : end) + 1;
 }
 
-/// Comes after the first part of a condition; the second one has the same scope.
+/// Called after the first part of a condition; the second part has the same scope.
 std::size_t ContextWalk::passElse(const TemplateFile& file, std::size_t index) const {
     return extent_ == Extent::Whole ? index + 1 : file.endOf(index);
 }
@@ -230,14 +230,14 @@ bool ContextWalk::shallEnter(const TemplateFile& file) {
     if (extent_ == Extent::Rendered) {
         return true;
     }
-    // A file that includes itself does so for another innermost scope each time, if it ever ends.
+    // If the recursion of a file ends, each include has a different innermost scope.
     const auto innermost = scopes_.newestFirst();
     const auto end = isOnPath(file) ? std::next(innermost) : scopes_.end();
     steps_ += static_cast<std::uint64_t>(end - innermost);
     return entered_.emplace(&file, std::vector<const ContextBase*>(innermost, end)).second;
 }
 
-/// An element may be null; it has no names then.
+/// A null element has no names.
 void ContextWalk::openScope(Block& block, const ContextBase* scope) {
     if (scope != nullptr) {
         block.scope = scopes_.enter(scope);
@@ -265,7 +265,7 @@ ContextWalk::Value ContextWalk::lookUp(const TemplateFile& file, const SyntaxEle
     return value;
 }
 
-/// @param answering if not null, receives the scope that the value is found in
+/// @param answering if not null, receives the scope in which the value was found
 ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** answering) {
     const auto answer = [answering](const ContextBase* scope, Value value) {
         if (answering != nullptr) {
@@ -290,7 +290,7 @@ ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** 
     return nullptr;
 }
 
-/// The engine takes a prefix off in every scope, not only in the one of the variable's loop.
+/// The engine removes a prefix in every scope, not only in that of the variable's loop.
 OtherLoop ContextWalk::findOtherLoop(std::string_view name, const ContextBase* answering) {
     if (name.find('.') == name.npos) {
         return {};
@@ -318,7 +318,7 @@ OtherLoop ContextWalk::findOtherLoop(std::string_view name, const ContextBase* a
     return {};
 }
 
-/// Which element of the innermost loop is visited.
+/// The element of the innermost loop that is being visited.
 std::string ContextWalk::describePlace() const {
     const auto& blocks = state().blocks;
     const auto loop = std::find_if(blocks.rbegin(), blocks.rend(),
@@ -334,11 +334,11 @@ void ContextWalk::report(Occurrence occurrence) const {
     report_(occurrence);
 }
 
-// What may have been meant.
+// Suggestions.
 
 namespace {
 
-/// Of the innermost scopes, as many are searched for a name that was meant.
+/// The number of innermost scopes that are searched for suggestions.
 constexpr int mostScopes = 32;
 
 bool isOfKind(const ContextBase& value, Problem problem) {
@@ -383,7 +383,7 @@ bool ContextWalk::isFound(const std::string& name, Problem problem) {
            findOtherLoop(name, answering).tag == nullptr;
 }
 
-/// The variable of a loop is only a prefix.
+/// A loop variable is only a prefix.
 std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::string& name) {
     const auto& blocks = state().blocks;
     const auto loop = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
@@ -397,7 +397,7 @@ std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::
     if (element == nullptr) {
         return text;
     }
-    const auto isHidden = [&](const String& key) { // by what a loop inside answers
+    const auto isHidden = [&](const String& key) { // by the element of an inner loop
         return std::any_of(blocks.rbegin(), loop, [&key](const Block& inside) {
             const ContextBase* const other = inside.list == nullptr ? nullptr : inside.element();
             return other != nullptr && other->find(key) != nullptr;
@@ -418,7 +418,7 @@ std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::
                      ": in the context, give the elements keys of their own";
 }
 
-/// A beginning of the name may be a list.
+/// A prefix of the name may be a list.
 std::string ContextWalk::suggestLoop(const std::string& name) {
     std::size_t dot = name.rfind('.');
     for (int count = 0; dot != name.npos && dot > 0 && count < mostScopes; ++count) {
@@ -431,9 +431,9 @@ std::string ContextWalk::suggestLoop(const std::string& name) {
     return "";
 }
 
-/// A name that is spelt alike, or that has other names in front of it.
+/// A name with a similar spelling, or with additional prefixes.
 std::string ContextWalk::suggestSimilar(const std::string& name, Problem problem) {
-    std::vector<std::string_view> prefixes = {""}; // what is taken off before a name is looked up
+    std::vector<std::string_view> prefixes = {""}; // removed before a name is looked up
     for (auto variable = state().variables.newestFirst();
          variable != state().variables.end() && prefixes.size() < mostScopes; ++variable) {
         const std::string_view rest = withoutPrefix(name, *variable);

@@ -18,7 +18,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// What goes wrong where a template meets a context.
+/// A problem of a template with a context.
 enum class Problem {
     NoString,
     NotString,
@@ -26,44 +26,44 @@ enum class Problem {
     NotBoolean,
     NoList,
     NotList,
-    NoFile,       ///< an inclusion of a file that is missing or unreadable
-    RejectedFile, ///< an inclusion of one that is rejected
-    OtherLoop,    ///< a member of a loop's variable that is found in another loop's element
-    TooDeep,      ///< an inclusion inside so many others that there may be no end
-    TooLong,      ///< a tag where so much has been looked at that the walk ends
+    NoFile,       ///< an include of a missing or unreadable file
+    RejectedFile, ///< an include of a rejected file
+    OtherLoop,    ///< a name with one loop's variable that is found in another loop's element
+    TooDeep,      ///< an include nested so deeply that it may not end
+    TooLong,      ///< the tag where the walk reaches its limit
 };
 
-/// The loop that answers to a name with the variable of another one.
+/// The loop in whose element a name with another loop's variable is found.
 struct OtherLoop {
     const TemplateFile* file = nullptr;
     const SyntaxElement* tag = nullptr; ///< null if there is none
-    std::size_t element = 0;            ///< the one that answers, from 0
-    bool isInside = false;              ///< inside the loop of the variable
+    std::size_t element = 0;            ///< the index of the element, from 0
+    bool isInside = false;              ///< true if it is inside the variable's loop
 };
 
-/// One problem, each time it occurs.
+/// One occurrence of a problem.
 struct Occurrence {
     Problem problem;
     const TemplateFile* file;
     const SyntaxElement* part;
-    const ContextBase* value = nullptr;                 ///< the one of the wrong kind
-    const TemplateFiles::Included* inclusion = nullptr; ///< what an inclusion leads to
+    const ContextBase* value = nullptr;                 ///< the value of the wrong kind
+    const TemplateFiles::Included* inclusion = nullptr; ///< the target of an include
     OtherLoop otherLoop{};
-    std::string where{}; ///< ` in element 2 of "items"`; empty outside loops
+    std::string where{}; ///< ` in element 2 of "items"`; empty outside of loops
 };
 
-/// Walks a template as the engine renders it, by the engine's rules of how a name is found, and
-/// reports what goes wrong, in included files, too.
+/// Walks a template the way the engine renders it, with the engine's rules of name lookup, and
+/// reports problems, including those in included files.
 ///
 /// Ownership: borrows the files and the context, which is only read.
-/// Nesting: takes no call stack. Where inclusions are nested too deeply, the walk ends.
-/// Cost: that of a render. The walk of the whole ends after 100,000,000 steps: tags, and scopes and
-///   loop variables that a name is looked up with.
+/// Nesting: does not use the call stack. The walk ends where includes are nested too deeply.
+/// Cost: that of a render. A walk with `Extent::Whole` ends after 100,000,000 steps, which are
+///   tags, scopes that are searched and loop variables that are tried.
 class ContextWalk final : private TemplateWalk {
   public:
     enum class Extent {
-        Rendered, ///< what is rendered, as often as it is
-        Whole,    ///< both parts of each condition; an included file once for the same scopes
+        Rendered, ///< what is rendered, as often as it is rendered
+        Whole,    ///< both parts of each condition; an included file once per set of scopes
     };
 
     using Report = std::function<void(const Occurrence&)>;
@@ -71,12 +71,12 @@ class ContextWalk final : private TemplateWalk {
     ContextWalk(TemplateFiles& files, Extent extent, Report report);
     ~ContextWalk();
 
-    /// What may have been meant by a name that was not found or is of another kind, as the end of a
-    /// message: `; did you mean "title"?`. Empty if nothing comes near. What it suggests is found
-    /// at that place. To be called while it is reported.
+    /// A suggestion for a name that was not found or has the wrong kind, as the end of a message:
+    /// `; did you mean "title"?`. Empty if there is none. Suggested names can be found at that
+    /// place. Only call this from within the report.
     std::string suggest(const Occurrence& found);
 
-    /// Asked every 1,024 tags whether to go on; false ends the walk.
+    /// Sets a function that is called every 1,024 tags; the walk ends if it returns false.
     void askWhether(std::function<bool()> goOn) { goOn_ = std::move(goOn); }
 
     /// `file` must be well formed.
@@ -98,7 +98,7 @@ class ContextWalk final : private TemplateWalk {
     void enter(const TemplateFile& file);
     void leaveFile() override;
 
-    // Each returns the index of the part to visit next.
+    // These return the index of the next part to visit.
     std::size_t visit(const TemplateFile& file, std::size_t index) override;
     std::size_t openConditional(const TemplateFile& file, std::size_t index);
     std::size_t passElse(const TemplateFile& file, std::size_t index) const;
@@ -134,7 +134,7 @@ class ContextWalk final : private TemplateWalk {
     std::uint64_t visits_ = 0;
     std::uint64_t steps_ = 0;
     ScopeStack scopes_;
-    std::vector<std::unique_ptr<FileState>> states_; // of the files that are being walked
+    std::vector<std::unique_ptr<FileState>> states_; // of the files being walked
     std::unordered_map<const ContextBase*, ScopeWords> words_;
     std::set<std::pair<const TemplateFile*, std::vector<const ContextBase*>>> entered_;
 };

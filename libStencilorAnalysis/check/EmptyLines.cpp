@@ -14,11 +14,11 @@ bool isSpace(char byte) {
     return byte == ' ' || byte == '\t' || byte == '\r';
 }
 
-/// What of a line has been seen.
+/// What has been seen of a line.
 struct LineState {
     const SyntaxElement* tag = nullptr; // the first one of a block
     unsigned int tagsEnd = 0;
-    bool isWritten = false; // something else than spaces
+    bool isWritten = false; // something other than spaces
 };
 
 } // namespace
@@ -26,7 +26,7 @@ struct LineState {
 void findEmptyLines(const TemplateFile& file, std::vector<Finding>& findings) {
     const std::string& text = file.text();
     LineState line;
-    unsigned int at = 0; // up to here the text was looked at
+    unsigned int at = 0; // the end of the text that was examined
     const auto lookAtText = [&](unsigned int end) {
         for (; at < end; ++at) {
             if (text[at] != '\n') {

@@ -7,8 +7,8 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Adds a note for each line that has tags of blocks and nothing else: the tags are not written,
-/// but the end of their line is.
+/// Adds a note for each line that only has tags of blocks, because it leaves an empty line in the
+/// output.
 void findEmptyLines(const TemplateFile& file, std::vector<Finding>& findings);
 
 } // namespace kel::Stencilor::Analysis

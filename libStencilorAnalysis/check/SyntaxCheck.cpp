@@ -19,7 +19,7 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
-/// `a -> b -> a` for `count` files that include each other; of many the first and the last.
+/// `a -> b -> a` for `count` files that include each other; the middle of long chains is omitted.
 template <typename NameAt>
 std::string joinCycle(std::size_t count, const NameAt& nameAt) {
     constexpr std::size_t most = 6;
@@ -34,7 +34,7 @@ std::string joinCycle(std::size_t count, const NameAt& nameAt) {
     return text + nameAt(0);
 }
 
-/// Finds the includes that no condition and no loop can prevent, and that never end.
+/// Finds includes that never end, because no condition or loop can prevent them.
 class EndlessIncludes {
   public:
     /// Adds an include outside of all blocks.
@@ -136,7 +136,7 @@ class SyntaxCheck final : private TemplateWalk {
     }
 
   private:
-    /// False for a file that was checked already.
+    /// Returns false for a file that was already checked.
     bool add(const TemplateFile& file) {
         if (!report_.checked.insert(&file).second) {
             return false;
@@ -188,7 +188,7 @@ class SyntaxCheck final : private TemplateWalk {
 
     CheckReport& report_;
     EndlessIncludes endless_;
-    std::vector<std::size_t> openBlocks_; // of the files that are being walked
+    std::vector<std::size_t> openBlocks_; // of the files being walked
 };
 
 } // namespace
@@ -198,7 +198,7 @@ void checkSyntax(TemplateFiles& files, const TemplateFile& file, CheckReport& re
 }
 
 std::vector<Finding> sortFindings(CheckReport report) {
-    // One file may have been read for several roots.
+    // A file may have been read for several roots.
     std::unordered_map<std::string_view, std::size_t> byName;
     std::unordered_map<const TemplateFile*, std::size_t> order;
     for (const TemplateFile* file : report.files) {

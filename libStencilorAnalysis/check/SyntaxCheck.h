@@ -8,18 +8,18 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// What checks of several templates have found, in no order, and the files that they looked at.
+/// The unsorted findings for several templates, and the files that were checked.
 struct CheckReport {
     std::vector<const TemplateFile*> files;
     std::vector<Finding> findings;
-    std::unordered_set<const TemplateFile*> checked; // the same files
+    std::unordered_set<const TemplateFile*> checked; // the same files, for lookup
 };
 
-/// Adds what is wrong with a template and everything that it includes, apart from the context.
+/// Checks a template and its includes without a context, and adds the findings.
 void checkSyntax(TemplateFiles& files, const TemplateFile& file, CheckReport& report);
 
-/// The findings, sorted by files in the order of the report and by places. Each once, though a file
-/// may have been read for several roots.
+/// Sorts the findings by file, in the order of the report, and by place, and removes duplicates,
+/// since a file may have been read for several roots.
 std::vector<Finding> sortFindings(CheckReport report);
 
 } // namespace kel::Stencilor::Analysis

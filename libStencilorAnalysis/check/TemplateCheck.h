@@ -6,8 +6,8 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Adds all that is wrong with a template and what it includes.
-/// @param context the values that names are looked up in; null for none, so that they are not
+/// Adds all findings for a template and its includes.
+/// @param context the values for the names; if null, names are not looked up
 void checkTemplate(TemplateFiles& files, const TemplateFile& file, const ContextBase* context,
                    CheckReport& report);
 

@@ -8,10 +8,10 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-/// How much of a text is looked at for its encoding, in bytes.
+/// The number of bytes that are examined to detect the encoding.
 constexpr std::size_t inspected = 256;
 
-/// A mark of UTF-16, or every other byte NUL, as in texts of mostly ASCII.
+/// True for a byte-order mark of UTF-16, or if every other byte is NUL, as in ASCII text.
 bool looksLikeUtf16(std::string_view text) {
     const std::string_view begin = text.substr(0, inspected);
     if (begin.starts_with("\xFF\xFE") || begin.starts_with("\xFE\xFF")) {
@@ -25,7 +25,7 @@ bool looksLikeUtf16(std::string_view text) {
     return begin.size() >= 4 && few == 0 && many * 5 >= begin.size() * 2;
 }
 
-/// The first malformed bytes; the size of the text if there are none.
+/// The offset of the first malformed bytes, or the size of the text.
 std::size_t findMalformed(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const CodePoint point = firstCodePoint(text.substr(at));

@@ -8,12 +8,12 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Adds a warning for each kind of damage in the bytes of a template, where it occurs first: a NUL
-/// byte, at which the template ends, a byte-order mark, malformed UTF-8. In place of all of them: a
-/// text that looks like UTF-16.
+/// Adds a warning for the first occurrence of each kind of damage in a template: a NUL byte, which
+/// ends the template, a byte-order mark, or malformed UTF-8. For a text that looks like UTF-16,
+/// this is the only warning.
 void checkText(const TemplateFile& file, std::vector<Finding>& findings);
 
-/// True if there is any damage. Takes less time than to make a `TemplateFile`.
+/// True if there is any damage. This is faster than constructing a `TemplateFile`.
 bool isDamaged(std::string_view text);
 
 } // namespace kel::Stencilor::Analysis

@@ -10,10 +10,10 @@ namespace {
 
 using internal::context_access;
 
-/// What of a name may be a name itself: so many parts at its beginning and at its end.
+/// The number of parts at each end of a name that may be names themselves.
 constexpr int mostParts = 32;
 
-/// Contexts are not nested as deeply.
+/// No context is nested this deeply.
 struct Level {
     const ContextBase* value;
     std::string prefix;
@@ -39,7 +39,7 @@ void UnusedNames::visitName(const NameUse& use) {
     }
 }
 
-/// Inside its block, a boolean's members are named alone.
+/// Inside the block of a boolean, its members are named without a prefix.
 bool UnusedNames::isUsedInBoolean(const ContextBase& scope, const std::string& name) const {
     std::size_t dot = name.find('.');
     for (int count = 0; dot != name.npos && count < mostParts; ++count) {
@@ -62,7 +62,7 @@ std::vector<std::string> UnusedNames::find(const ContextBase& context) const {
             const std::string name = key.str();
             const std::size_t dot = name.rfind('.');
             if (!used_.contains(name) && !isUsedInBoolean(*level.value, name)) {
-                // What holds it is reported, if that is not used either.
+                // If its parent is not used either, the parent is reported instead.
                 if (dot == name.npos || used_.contains(name.substr(0, dot))) {
                     unused.insert(level.prefix + name);
                 }

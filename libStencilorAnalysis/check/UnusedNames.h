@@ -10,17 +10,17 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Finds the names in a context that no template uses, whatever the values are.
+/// Finds the names in a context that no template uses, regardless of the values.
 ///
-/// A value is used if some tag has its name, a name that begins with it and a dot, or such a name
-/// after the variable of a loop, or if it is a member of a boolean, which its block names alone. So
-/// a name that is used anywhere counts as used everywhere.
+/// A value is used if any tag has its name, or a name that begins with it and a dot, with or
+/// without a loop variable as a prefix. Members of a boolean are also used if its block has their
+/// names alone. A name that is used anywhere counts as used everywhere.
 class UnusedNames final : public Surveyor {
   public:
     void visitName(const NameUse& use) override;
 
-    /// The names in `context`, sorted, as a template names them: `user.name`, and `items.title` for
-    /// a member of the elements of a list. The members of a value that is not used are left out.
+    /// The sorted names in `context`, as templates write them: `user.name`, and `items.title` for a
+    /// member of list elements. Members of unused values are omitted.
     std::vector<std::string> find(const ContextBase& context) const;
 
   private:

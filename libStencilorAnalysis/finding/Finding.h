@@ -14,7 +14,7 @@ enum class Severity { Error, Warning, Note };
 /// `error`, `warning` or `note`.
 const char* severityName(Severity severity);
 
-/// What can be found in a template.
+/// The kinds of findings.
 enum class Rule {
     Syntax,
     MissingInclude,
@@ -32,7 +32,7 @@ enum class Rule {
 };
 
 struct RuleInfo {
-    const char* id; ///< what tools know it by
+    const char* id; ///< its name in JSON and SARIF
     Severity severity;
     const char* description;
 };
@@ -43,13 +43,13 @@ inline constexpr RuleInfo rules[] = {
     {"missing-include", Severity::Error, "An included file does not exist."},
     {"unreadable-include", Severity::Error, "An included file cannot be read."},
     {"include-cycle", Severity::Note, "A file includes itself, directly or through others."},
-    {"endless-include", Severity::Error, "A file always includes itself."},
+    {"endless-include", Severity::Error, "A file includes itself unconditionally."},
     {"missing-name", Severity::Warning, "The context has no value of this name."},
     {"wrong-kind", Severity::Warning, "The context has a value of another kind."},
     {"other-loop", Severity::Warning, "A name is found in the element of another loop."},
     {"limit", Severity::Error, "Rendering reached a limit."},
     {"habit", Severity::Note, "A tag or a text means something else in other template languages."},
-    {"damaged-text", Severity::Warning, "The bytes of a template are not as they should be."},
+    {"damaged-text", Severity::Warning, "A template contains damaged text."},
     {"unused-name", Severity::Warning, "No template uses this name of the context."},
     {"empty-line", Severity::Note, "Tags alone on a line leave an empty line in the output."},
 };
@@ -58,7 +58,7 @@ inline const RuleInfo& infoOf(Rule rule) {
     return rules[static_cast<std::size_t>(rule)];
 }
 
-/// Bytes of a template, which must outlive it.
+/// A range of a template, which must outlive it.
 struct Place {
     const TemplateFile* file;
     SyntaxRange range;
@@ -74,21 +74,21 @@ struct Finding {
     Place place;
     std::string message;
     std::vector<Note> notes{};
-    std::optional<Severity> ownSeverity{}; ///< in place of the rule's
+    std::optional<Severity> ownSeverity{}; ///< overrides the severity of the rule
 
     Severity severity() const { return ownSeverity.value_or(infoOf(rule).severity); }
 };
 
-/// What is wrong with the syntax of a file, which must have a fault: what the engine lacks first.
+/// The first syntax fault of a file, which must have one.
 Finding describeFault(const TemplateFile& file);
 
-/// Adds all that is wrong with the syntax of a file.
+/// Adds all syntax faults of a file.
 void describeFaults(const TemplateFile& file, std::vector<Finding>& findings);
 
-/// Why an inclusion has no file, which must be missing or unreadable.
+/// The finding for an include whose file is missing or unreadable.
 Finding describeFailure(const Inclusion& inclusion);
 
-/// True if there is more than notes.
+/// True if any finding is an error or a warning.
 bool needAttention(const std::vector<Finding>& findings);
 
 } // namespace kel::Stencilor::Analysis

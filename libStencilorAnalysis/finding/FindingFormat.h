@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-// The formats of findings, one file each.
+// The formats of findings, each in its own file.
 
 namespace kel::Stencilor::Analysis {
 
-/// As compilers print them, `PATH:LINE:COLUMN: SEVERITY: MESSAGE`, each with its line and a caret
-/// below it; with the colours of a terminal where that is asked for.
+/// Formats findings like a compiler: `PATH:LINE:COLUMN: SEVERITY: MESSAGE`, the line, and a caret
+/// below it, optionally with terminal colors.
 std::string formatText(const std::vector<Finding>& findings, bool colored = false);
 
 /// One JSON document.

@@ -8,13 +8,13 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-/// What is shown of a line, in code points. One that is longer is cut around what is meant.
+/// The maximum length of a shown line, in code points. Longer lines are cut around the range.
 constexpr std::size_t widestLine = 160;
 
-/// The most bytes that a code point takes.
+/// The maximum size of a code point in bytes.
 constexpr std::size_t widestPoint = 4;
 
-/// Where the code point begins that is `count` before `offset`, or the line. Linear in `count`.
+/// The offset of the code point `count` before `offset`, or of the line. Linear in `count`.
 std::size_t stepBack(std::string_view line, std::size_t offset, std::size_t count) {
     std::size_t begin = offset - std::min(offset, (count + 1) * widestPoint);
     std::size_t points = countCodePoints(line.substr(begin, offset - begin));
@@ -28,8 +28,7 @@ bool isWider(std::string_view line, std::size_t count) {
     return line.size() > count * widestPoint || countCodePoints(line) > count;
 }
 
-/// What is below the code point at an offset of a line: a caret where the range begins, wiggles
-/// where it goes on.
+/// The mark below a code point: a caret at the beginning of the range, then tildes.
 std::string marksBelow(const ShownPoint& point, std::size_t offset, SyntaxRange range) {
     if (offset + point.size <= range.begin) {
         return point.text == "\t" ? "\t" : std::string(point.columns, ' ');
@@ -40,7 +39,7 @@ std::string marksBelow(const ShownPoint& point, std::size_t offset, SyntaxRange 
     return std::string(offset < range.end ? point.columns : 0, '~');
 }
 
-/// What a terminal obeys.
+/// Terminal escape sequences.
 constexpr const char* bold = "\x1B[1m";
 constexpr const char* marked = "\x1B[1;32m";
 constexpr const char* plain = "\x1B[0m";
@@ -61,7 +60,7 @@ std::string paint(const char* color, const std::string& text, bool colored) {
     return colored ? color + text + plain : text;
 }
 
-/// A line, and below it the marks of a range in it.
+/// A line with the marks of a range below it.
 std::string formatLine(std::string_view line, SyntaxRange range, bool colored) {
     const bool cut = isWider(line, widestLine);
     std::size_t offset = cut ? stepBack(line, range.begin, widestLine / 2 - 1) : 0;
@@ -78,7 +77,7 @@ std::string formatLine(std::string_view line, SyntaxRange range, bool colored) {
            "\n";
 }
 
-/// A range as one of a line.
+/// Converts a range of a template to one of a line.
 SyntaxRange rangeIn(const Line& line, SyntaxRange range) {
     const auto begin = static_cast<unsigned int>(line.begin);
     return {range.begin - std::min(range.begin, begin), range.end - std::min(range.end, begin)};

@@ -50,7 +50,7 @@ struct Fault {
     std::size_t offset;
 };
 
-/// What a tag lacks besides its trim signs.
+/// The fault of a tag apart from its trim signs.
 /// @param found the fault with the signs
 /// @param plain the tag without them
 std::optional<Fault> findOther(const TagFault& found, const std::string& plain) {
@@ -58,7 +58,7 @@ std::optional<Fault> findOther(const TagFault& found, const std::string& plain) 
     if (!fault.isPresent() || fault.offset >= plain.size()) {
         return std::nullopt;
     }
-    // Alone, the tag is outside all blocks.
+    // On its own, the tag is outside of all blocks.
     const bool isKeyword =
         fault.expected == Expected::Keyword && expectsKeyword(found.fault.expected);
     return Fault{isKeyword ? found.fault.expected : fault.expected, fault.offset};
@@ -92,7 +92,7 @@ HabitTag describeTag(std::string_view text, const Fault& fault) {
     return tag;
 }
 
-/// The keyword that a word begins with, if it goes on after it.
+/// The keyword that a longer word begins with.
 std::string_view findRunTogether(std::string_view word) {
     const auto found =
         std::find_if(std::begin(keywords), std::end(keywords), [word](std::string_view keyword) {

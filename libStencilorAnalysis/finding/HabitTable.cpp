@@ -118,7 +118,7 @@ constexpr const char* bracesNote =
 
 // In each group the first row that matches provides the note.
 const Habit habits[] = {
-    // What cannot be seen.
+    // Characters that look like others.
     {0, [](const Tag& t) { return startsWithAny(t.rest, spaces); },
      "this character looks like a space, but is another one; only spaces and tabs may be between "
      "the parts of a tag"},

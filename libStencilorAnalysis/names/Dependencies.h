@@ -9,15 +9,15 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Collects the files that a template includes, directly or through others: each once, without the
-/// template itself, and also those that are missing.
+/// Collects the files that a template includes, directly or through others. Each is listed once,
+/// even if it is missing; the template itself is not listed.
 class Dependencies final : public Surveyor {
   public:
     explicit Dependencies(const TemplateFile& file) : seen_{&file} {}
 
     void visitInclusion(const Inclusion& inclusion) override;
 
-    /// The names of the files, in the order in which the survey finds them.
+    /// The names of the files, in the order of the survey.
     const std::vector<std::string>& names() const { return names_; }
 
   private:

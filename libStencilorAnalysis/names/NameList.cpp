@@ -10,17 +10,17 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-/// As many loops, inclusions and lines are listed with a name.
+/// The maximum number of loops, includes and lines per name.
 constexpr std::size_t mostListed = 5;
 
-/// Columns are no wider, so that one long name does not widen all lines.
+/// The maximum column width, so that one long name does not widen all lines.
 constexpr std::size_t widestColumn = 60;
 
 std::string moreThan(std::size_t listed, std::size_t count) {
     return count > listed ? " and " + std::to_string(count - listed) + " more" : "";
 }
 
-/// `page.txt:3, page.txt:7`, each line once. The places are those of one file, in their order.
+/// `page.txt:3, page.txt:7`, each line once, for sorted places in one file.
 std::string describePlaces(const std::vector<Place>& places) {
     std::string text;
     std::size_t lines = 0;
@@ -50,7 +50,7 @@ void writePlaces(JsonWriter& json, std::string_view name, const std::vector<Plac
     json.endArray();
 }
 
-/// Rows whose columns begin below each other.
+/// Aligns the columns of rows.
 std::string formatColumns(const std::vector<std::vector<std::string>>& rows) {
     std::vector<std::size_t> widths;
     for (const auto& row : rows) {
@@ -105,12 +105,12 @@ NameList::LoopsId NameList::loopsAround(const NameUse& use) const {
         if (found != inside_.end()) {
             return found->second;
         }
-        loop = use.file.loopAround(loop); // of a `for` at fault neither variable nor list is known
+        loop = use.file.loopAround(loop); // a malformed `for` has neither variable nor list
     }
     return 0;
 }
 
-/// `use` is the list of a loop. Loops that read the same, one after the other, are the same.
+/// `use` is the list of a loop. Equal loops count as one.
 void NameList::openLoop(const NameUse& use, LoopsId outer) {
     const std::string_view variable = use.file.slice(use.file.parts()[use.part].name);
     const auto [known, added] =
@@ -121,7 +121,7 @@ void NameList::openLoop(const NameUse& use, LoopsId outer) {
     inside_.emplace(std::pair(&use.file, use.part), known->second);
 }
 
-/// The outermost of them first.
+/// Outermost first.
 std::vector<const NameList::Loops*> NameList::innermostLoops(const Entry& entry) const {
     std::vector<const Loops*> innermost;
     for (LoopsId id = entry.loops; id != 0 && innermost.size() < mostListed;

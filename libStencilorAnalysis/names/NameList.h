@@ -15,27 +15,27 @@ namespace kel::Stencilor::Analysis {
 
 class JsonWriter;
 
-/// Collects the names of templates in the order in which the survey finds them: those of one kind,
-/// in one file and the same loops of that file, as one. Of the loops the five innermost are listed,
-/// of the inclusions of a file the first five; the rest is counted.
+/// Collects the names in templates, in the order of the survey. Equal names with the same kind,
+/// file and loops are one entry. The five innermost loops of an entry and the first five includes
+/// of its file are listed; the others are only counted.
 class NameList final : public Surveyor {
   public:
     void visitName(const NameUse& use) override;
     void visitInclusion(const Inclusion& inclusion) override;
 
-    /// A line for each, which also lists at most five lines of the template.
+    /// One line per entry, with at most five lines of the template.
     std::string formatText() const;
     std::string formatJson() const;
 
   private:
-    /// The loops around a name: the innermost, and those around it. 0 is none.
+    /// The innermost loop around a name, and through it the outer ones. 0 means none.
     using LoopsId = std::size_t;
 
     struct Loops {
         std::string_view variable;
         std::string_view list;
         LoopsId outer;
-        std::size_t count; // the outer ones, too
+        std::size_t count; // including the outer ones
     };
     struct Entry {
         std::string_view name;

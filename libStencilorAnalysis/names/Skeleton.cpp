@@ -14,14 +14,14 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
-/// How many dots of a name become objects.
+/// The number of dots in a name that become nested objects.
 constexpr std::size_t mostDots = 32;
 
-/// How deep the elements of a list may be. A context nests at most 512 levels, and the dots of a
-/// name take some of them.
+/// The maximum depth of list elements. A context has at most 512 levels, and the dots of a name
+/// take some of them.
 constexpr std::size_t deepestElement = 470;
 
-constexpr std::size_t mostElements = 100; // that the names of one file become members of
+constexpr std::size_t mostElements = 100; // for the names of one file
 
 constexpr std::size_t deepestIndentation = 40;
 
@@ -29,8 +29,8 @@ bool hasEmptyPart(std::string_view name) {
     return name.starts_with('.') || name.ends_with('.') || name.find("..") != name.npos;
 }
 
-/// Calls `visit` for the beginnings of a name that end before one of its first dots, until it
-/// returns true.
+/// Calls `visit` for each prefix of a name that ends before one of its first dots, until it returns
+/// true.
 template <typename Visit>
 bool anyPrefix(std::string_view name, const Visit& visit) {
     std::size_t dot = name.find('.');
@@ -43,15 +43,15 @@ bool anyPrefix(std::string_view name, const Visit& visit) {
     return false;
 }
 
-/// What a name asks for, or the element of a list.
+/// The value of a name, or the element of a list.
 struct Value {
     ValueKind kind = ValueKind::String;
     Value* element = nullptr; // of a list
-    std::size_t level = 1;    // of the objects that its members are in
+    std::size_t level = 1;    // of the object that contains its members
     std::vector<std::pair<std::string_view, Value*>> members{};
     std::unordered_map<std::string_view, Value*> byName{};
 
-    /// A part of the name may be a name itself.
+    /// A prefix of the name may be a name itself.
     bool mayNest(std::string_view name) const {
         return !hasEmptyPart(name) && !anyPrefix(name, [this](std::string_view prefix) {
             return byName.contains(prefix);
@@ -59,7 +59,7 @@ struct Value {
     }
 };
 
-/// An object as it is written: a member is another one or a value.
+/// An object in the output; its members are objects or values.
 struct Outline {
     struct Member {
         std::string_view name;
@@ -73,12 +73,12 @@ struct Outline {
 
 } // namespace
 
-/// Owns the values, and writes them.
+/// Owns and writes the values.
 class Skeleton::Values {
   public:
     Value& root() { return values_.front(); }
 
-    /// The member of an object, which is added where there is none.
+    /// Returns a member of an object, and adds it if necessary.
     Value& get(Value& object, std::string_view name, ValueKind kind) {
         const auto [found, added] = object.byName.try_emplace(name, nullptr);
         if (added) {
@@ -88,7 +88,7 @@ class Skeleton::Values {
         return *found->second;
     }
 
-    /// The element of a list, the member `name` of an object; null where it would be too deep.
+    /// The element of a list, the member `name` of an object; null if it would be too deep.
     Value* elementOf(const Value& object, std::string_view name, Value& list) {
         if (list.element == nullptr && object.level < deepestElement) {
             const auto dots = static_cast<std::size_t>(std::count(name.begin(), name.end(), '.'));
@@ -128,7 +128,7 @@ class Skeleton::Values {
     }
 
   private:
-    /// An object that is being written.
+    /// An object being written.
     struct Open {
         const Outline* object;
         std::size_t next;
@@ -170,7 +170,7 @@ class Skeleton::Values {
         }
     }
 
-    /// The members of a value, those with dots in objects of their own.
+    /// The members of a value, with nested objects for dotted names.
     static Outline& outline(const Value& value, std::deque<Outline>& outlines) {
         Outline& all = outlines.emplace_back();
         for (const auto& [name, member] : value.members) {
@@ -200,7 +200,7 @@ class Skeleton::Values {
     std::deque<Value> values_{Value()}; // the outermost object first
 };
 
-/// Walks a template and what it includes: a file once for each element around its inclusions.
+/// Walks a template and what it includes: each file once for each element around its includes.
 class Skeleton::Builder {
   public:
     Builder(TemplateFiles& files, Values& values, std::vector<std::string>& conflicts)
@@ -222,20 +222,20 @@ class Skeleton::Builder {
   private:
     struct Loop {
         std::string_view variable;
-        Value* element; // null where it is too deep
+        Value* element; // null if it is too deep
     };
 
-    /// A file for one element around it.
+    /// A file with one element around it.
     struct Visit {
         const TemplateFile* file;
-        Value* object; // whose members its names are, outside of its own loops
+        Value* object; // the parent of its names outside of its own loops
         std::size_t next = 0;
         std::vector<Loop> loops{};
         std::unordered_map<std::string_view, std::vector<std::size_t>> byVariable{};
     };
 
     struct Owner {
-        Value* object; // null where it is too deep
+        Value* object; // null if it is too deep
         std::string_view name;
     };
 
@@ -302,7 +302,7 @@ class Skeleton::Builder {
     }
 
     void openLoop(Visit& visit, const NameUse& list, std::string_view variable) {
-        if (variable.empty()) { // of a `for` at fault nothing is known
+        if (variable.empty()) { // a malformed `for` has no names
             visit.loops.push_back(
                 {variable, visit.loops.empty() ? visit.object : visit.loops.back().element});
             return;
@@ -315,7 +315,7 @@ class Skeleton::Builder {
         visit.loops.push_back({variable, element});
     }
 
-    /// The object that a name belongs to, and what it is called there.
+    /// The object that a name belongs to, and its name there.
     Owner findOwner(const Visit& visit, std::string_view name) {
         if (visit.loops.empty()) {
             return {visit.object, name};

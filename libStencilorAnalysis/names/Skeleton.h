@@ -9,18 +9,17 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Makes a context of the names that a template asks for, as a JSON text to fill in: empty strings,
-/// `true`, lists of one element.
+/// Makes a context with the names that a template uses, as JSON text to be filled in. It has empty
+/// strings, `true`, and lists with one element.
 ///
-/// Where a value belongs: a name that begins with the variable of a loop around it, in its own
-/// file, is a member of that loop's elements. In an included file the variables of the loops around
-/// the inclusion do not count; there, a name outside of the file's own loops is taken for a member
-/// of the innermost element. All others are members of the outermost object. A name with dots
-/// becomes objects in each other, at most 32, unless a part of it is a name itself.
+/// Where a value belongs: a name with the variable of a loop in the same file is a member of that
+/// loop's elements. In a file that is included in a loop, a name outside of the file's own loops is
+/// a member of the elements of the innermost loop around the include. All other names are members
+/// of the root. A dotted name becomes up to 32 nested objects, unless a prefix of it is a name
+/// itself.
 ///
-/// Limits: the names of one file become members of at most 100 different elements, so that files
-/// that include each other in several loops do not multiply, and nothing nests deeper than a
-/// context can.
+/// Limits: the names of one file become members of at most 100 elements, so that files that include
+///   each other in several loops do not multiply. Nothing is nested deeper than a context can be.
 class Skeleton final : public Surveyor {
   public:
     Skeleton();
@@ -30,8 +29,8 @@ class Skeleton final : public Surveyor {
 
     std::string formatJson() const;
 
-    /// The names that are asked for as two kinds, of which the first one counts, and what a limit
-    /// leaves out.
+    /// Names that are used as two kinds, of which the first one counts, and omissions because of a
+    /// limit.
     const std::vector<std::string>& conflicts() const { return conflicts_; }
 
   private:

@@ -10,7 +10,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// The kind of value that a tag asks for.
+/// The kind of value that a tag needs.
 enum class ValueKind { String, Boolean, List };
 
 /// `string`, `boolean` or `list`.
@@ -26,10 +26,10 @@ struct NameUse {
     std::string_view text() const { return file.slice(name); }
 };
 
-/// The name that a part asks the context for; its range is empty if there is none.
+/// The name of a value in a part; its range is empty if there is none.
 NameUse nameOf(const TemplateFile& file, std::size_t part);
 
-/// Receives what a survey finds. The files outlive it.
+/// Receives the results of a survey. The files must outlive it.
 class Surveyor {
   public:
     Surveyor() = default;
@@ -37,25 +37,24 @@ class Surveyor {
     Surveyor& operator=(const Surveyor&) = delete;
     virtual ~Surveyor() = default;
 
-    /// The template that is surveyed, before all that is found in it.
+    /// Called with each surveyed template, before its contents.
     virtual void visitTemplate(TemplateFiles&, const TemplateFile&) {}
 
-    /// The name of a substitution, a condition, or the list of a loop.
+    /// Called with the name of each substitution, condition, and list of a loop.
     virtual void visitName(const NameUse&) {}
     virtual void visitInclusion(const Inclusion&) {}
 
-    /// False for a file whose names and inclusions it has received already.
+    /// Returns false for a file that was already visited.
     bool enter(const TemplateFile& file) { return entered_.insert(&file).second; }
 
   private:
     std::unordered_set<const TemplateFile*> entered_;
 };
 
-/// Walks a template and all that it includes, whatever the values are, each file once, also in
-/// several surveys for the same surveyor.
+/// Walks a template and its includes, regardless of values. Each file is visited once, even by
+/// several surveys with the same surveyor.
 ///
-/// Returns what is wrong with the files. Of one that is rejected, the tags that are not
-/// at fault are walked.
+/// Returns the findings for the files. In a rejected file, only its well-formed tags are visited.
 std::vector<Finding> survey(TemplateFiles& files, const TemplateFile& file, Surveyor& surveyor);
 
 } // namespace kel::Stencilor::Analysis

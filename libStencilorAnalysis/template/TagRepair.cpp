@@ -13,7 +13,7 @@ namespace {
 using Kind = SyntaxElement::Kind;
 using Expected = SyntaxExpectation;
 
-/// What a tag at fault is taken for.
+/// The possible interpretations of a malformed tag.
 enum class Taken { Substitution, If, For, Else, EndIf, EndFor };
 
 const char* textOf(Taken taken) {
@@ -34,10 +34,10 @@ const char* textOf(Taken taken) {
     return "{% endfor %}";
 }
 
-/// Tags of other languages whose content is no template.
+/// Tags of other languages whose content is not parsed.
 constexpr std::string_view rawTags[] = {"raw", "verbatim", "comment", "noparse", "literal"};
 
-/// The tags that belong to reported ones count, too.
+/// This includes the tags that belong to reported ones.
 constexpr std::size_t mostRepairs = 3 * mostFaults;
 
 bool isKeywordHere(std::string_view word) {
@@ -55,7 +55,7 @@ bool isLetter(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
 }
 
-/// The end of a quoted text that comes first in a tag, which may contain braces; else `begin`.
+/// The end of a quoted text at the beginning of a tag, which may contain braces; otherwise `begin`.
 std::size_t skipLiteral(std::string_view text, std::size_t begin) {
     const std::size_t opened = text.find_first_not_of(" \t", begin);
     if (opened == text.npos || (text[opened] != '\'' && text[opened] != '"')) {
@@ -65,8 +65,8 @@ std::size_t skipLiteral(std::string_view text, std::size_t begin) {
     return closed != text.npos && text[closed] == text[opened] ? closed + 1 : begin;
 }
 
-/// Where a tag at fault ends: after its closing pair, or else before the next tag or the line's
-/// end.
+/// The end of a malformed tag: after its closing delimiter, otherwise before the next tag or the
+/// end of the line.
 std::size_t findTagEnd(std::string_view text, std::size_t begin) {
     const bool substitution = text[begin + 1] == '{';
     const std::size_t first = std::min(text.find_first_not_of('{', begin + 2), text.size());
@@ -116,7 +116,7 @@ class Reader {
         bool inElse;
     };
 
-    /// Follows which blocks are open.
+    /// Keeps track of the open blocks.
     struct Blocks final : SyntaxVisitor {
         std::vector<Block> open;
 
@@ -159,7 +159,7 @@ class Reader {
         std::size_t next = 0;
     };
 
-    /// False if there are too many faults.
+    /// Returns false if there are too many faults.
     bool treat(const SyntaxFault& fault, const std::vector<Block>& open) {
         if (fault.tag == text_.size() || text_.compare(fault.tag, 1, "{") != 0) {
             return closeAll(fault, open);
@@ -204,7 +204,8 @@ class Reader {
         if (!add(fault, {size, size})) {
             return false;
         }
-        std::string closers = text_.ends_with('{') ? "\n" : ""; // it would join the first of them
+        std::string closers =
+            text_.ends_with('{') ? "\n" : ""; // which would join the first of them
         for (auto block = open.rbegin(); block != open.rend(); ++block) {
             closers += textOf(closerOf(*block));
         }
@@ -216,7 +217,7 @@ class Reader {
         return block.kind == Kind::For ? Taken::EndFor : Taken::EndIf;
     }
 
-    /// True for a tag that belongs to one which was reported.
+    /// True for a tag that belongs to a reported one.
     bool isSilent(std::string_view tag, const std::string& word, Expected expected,
                   const std::vector<Block>& open) {
         const bool isKeyword = expected == Expected::Keyword || expected == Expected::KeywordInIf ||
@@ -277,7 +278,7 @@ class Reader {
         }
     }
 
-    /// What begins with a tag whose content is no template, up to the tag that ends it.
+    /// The range from a tag whose content is not parsed to its end tag.
     SyntaxRange endOfRaw(SyntaxRange tag, const std::string& word) {
         if (std::find(std::begin(rawTags), std::end(rawTags), word) == std::end(rawTags)) {
             return tag;
@@ -346,7 +347,7 @@ class Reader {
                                      : textOf(Taken::Substitution);
     }
 
-    /// A block inside is not closed, or closed later, where nothing is open to be closed.
+    /// Inner blocks are closed, too. Their own end tags may follow later, and are then ignored.
     std::string closeTo(Kind kind, const std::vector<Block>& open) {
         std::string closers;
         for (auto block = open.rbegin(); block != open.rend(); ++block) {
@@ -369,12 +370,12 @@ class Reader {
 
     unsigned int mapOffset(unsigned int offset) const { return placeOf({offset, offset}).begin; }
 
-    /// The same for a range that may be empty because there is none.
+    /// The same for a range that may be empty.
     SyntaxRange mapRange(SyntaxRange range) const {
         return range.isEmpty() ? range : placeOf(range);
     }
 
-    /// A range of the repaired text in the original one.
+    /// Maps a range of the repaired text to the original one.
     SyntaxRange placeOf(SyntaxRange range) const {
         const auto after = std::upper_bound(
             edits_.begin(), edits_.end(), range.begin,
@@ -397,10 +398,10 @@ class Reader {
 
     std::string text_;
     std::vector<Edit> edits_;
-    std::vector<Foreign> foreign_;      // tags of other languages that may still be ended
-    std::vector<std::size_t> owedIfs_;  // the faults that closed blocks which may still be closed
+    std::vector<Foreign> foreign_;      // tags of other languages without an end tag so far
+    std::vector<std::size_t> owedIfs_;  // the faults that closed blocks whose end tags may follow
     std::vector<std::size_t> owedFors_; // the same for loops
-    std::size_t owner_ = 0;             // of the tag that is silent
+    std::size_t owner_ = 0;             // the fault that a silent tag belongs to
     TemplateFaults found_;
 };
 

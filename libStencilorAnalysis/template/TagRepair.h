@@ -10,39 +10,39 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// A fault in a template, and the tag at fault; of a block that is not closed, the end of the text.
+/// A fault in a template and the malformed tag. For an unclosed block, this is the end of the text.
 struct TagFault {
     SyntaxFault fault;
     SyntaxRange tag;
 };
 
-/// Well-formed tags that the analysis goes on with in place of one that is not.
+/// Well-formed tags with which the analysis replaces a malformed one.
 struct TagRepair {
     SyntaxRange tag;
     std::string text;
-    std::size_t fault; ///< the index of the fault that it belongs to
+    std::size_t fault; ///< the index of its fault
 };
 
-/// What is wrong with a template, in its order.
+/// The faults of a template, in order.
 struct TemplateFaults {
     std::vector<TagFault> faults;
-    std::vector<TagRepair> repairs; ///< at least one for each fault; all faults without them
+    std::vector<TagRepair> repairs; ///< at least one for each fault
     bool areAll = true;             ///< false if there are more than `mostFaults`
 };
 
 inline constexpr std::size_t mostFaults = 20;
 
-/// Reads a template, and goes on after a tag at fault as if it were a well-formed one of the kind
-/// that it is taken for: so a malformed `if` still opens a block. A tag that another language knows
-/// is taken for a substitution, and with it the tag that ends it. A block that is not closed is the
-/// last fault, the innermost one for all.
+/// Parses a template, and continues after a malformed tag as if it were a well-formed tag of the
+/// most likely kind, so a malformed `if` still opens a block. A tag of another language and its end
+/// tag count as substitutions. Unclosed blocks are a single fault, which comes last and is that of
+/// the innermost one.
 ///
-/// `parts` receives the texts and tags that are not at fault, and of those at fault the ones that
-/// open or close a block, without their names.
-/// Cost: linear, up to `mostFaults` times.
+/// `parts` receives the texts, the well-formed tags, and, without names, the malformed tags that
+/// open or close a block.
+/// Cost: linear, for each of up to `mostFaults` faults.
 TemplateFaults readTemplate(std::string_view text, std::vector<SyntaxElement>& parts);
 
-/// The first word inside a tag in small letters, without what precedes it: `if` of `{%- IF x %}`.
+/// The first word in a tag, in lower case: `if` in `{%- IF x %}`.
 std::string keywordOf(std::string_view tag);
 
 } // namespace kel::Stencilor::Analysis

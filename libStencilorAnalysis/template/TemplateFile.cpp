@@ -12,7 +12,7 @@ using Kind = SyntaxElement::Kind;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// How far the marks in a long line are apart, at least, in bytes.
+/// The minimum distance of marks in a long line, in bytes.
 constexpr std::size_t markDistance = 256;
 
 bool opens(Kind kind) {
@@ -54,7 +54,7 @@ void TemplateFile::markLine(std::size_t begin, std::size_t end) {
     }
 }
 
-/// What of the blocks has no end, in a template that is rejected, keeps 0 for it.
+/// In a rejected template, the end of an unclosed block remains 0.
 void TemplateFile::findBlocks() {
     ends_.resize(parts_.size());
     loops_.resize(parts_.size());
@@ -90,7 +90,7 @@ std::string_view TemplateFile::slice(SyntaxRange range) const {
 
 Position TemplateFile::positionOf(std::size_t offset) const {
     const Line line = lineAt(offset);
-    // The line break itself is the column after the last one, whether it is one byte or two.
+    // A line break, of one or two bytes, is in the column after the last one.
     const std::size_t end = std::clamp(offset, line.begin, line.begin + line.text.size());
     Mark from{static_cast<unsigned int>(line.begin), 0};
     const auto after =

@@ -10,29 +10,29 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// A place as editors count it: from 1, columns in code points. A byte-order mark is not a column,
-/// and malformed bytes count as the U+FFFD that replaces them.
+/// A position as in editors: from 1, columns in code points. A byte-order mark does not count, and
+/// malformed bytes count as the U+FFFD that replaces them.
 struct Position {
     std::size_t line;
     std::size_t column;
 };
 
-/// A line without its end and without a byte-order mark.
+/// A line without its line break and without a byte-order mark.
 struct Line {
     std::size_t number; ///< from 1
     std::size_t begin;  ///< the offset of its text in the template
     std::string_view text;
 };
 
-/// A template with its syntax.
+/// A parsed template.
 ///
-/// Cost: made in linear time. A place or a line is found in logarithmic time.
-/// Ownership: owns its text; what it returns is borrowed from it.
-/// Copying: not possible, since findings refer to it.
+/// Cost: construction takes linear time; finding a position or a line takes logarithmic time.
+/// Ownership: owns its text; what it returns refers to it.
+/// Copying: not possible, because findings refer to it.
 /// Errors: a text over 4 GiB - 1 byte throws `std::length_error`.
 class TemplateFile {
   public:
-    /// `name` is what findings call it.
+    /// `name` is its name in findings.
     TemplateFile(std::string name, std::string text);
     TemplateFile(const TemplateFile&) = delete;
     TemplateFile& operator=(const TemplateFile&) = delete;
@@ -40,27 +40,26 @@ class TemplateFile {
     const std::string& name() const { return name_; }
     const std::string& text() const { return text_; }
 
-    /// Why the engine rejects the template, if it does.
+    /// The fault for which the engine rejects the template, if any.
     const SyntaxFault& fault() const { return fault_; }
 
-    /// That fault, and those that are found after it.
+    /// This fault and those found after it.
     const TemplateFaults& faults() const { return faults_; }
 
-    /// The texts and tags in their order; in a template that is rejected, those that `readTemplate`
-    /// finds.
+    /// The texts and tags in order; for a rejected template, those that `readTemplate` returns.
     const std::vector<SyntaxElement>& parts() const { return parts_; }
 
-    /// The index of the tag that ends what an `if`, a `for` or an `else` opens. The template must
-    /// be well formed.
+    /// The index of the tag that ends the part opened by an `if`, `for` or `else`. The template
+    /// must be well formed.
     std::size_t endOf(std::size_t part) const { return ends_[part]; }
 
-    /// The index after the whole block that an `if` or a `for` opens.
+    /// The index after the whole block of an `if` or `for`.
     std::size_t afterBlock(std::size_t part) const;
 
     /// No part.
     static constexpr std::size_t none = 0xFFFFFFFF;
 
-    /// The index of the innermost `for` around a part, which is not its own; `none` outside loops.
+    /// The index of the innermost `for` around a part; `none` outside of loops.
     std::size_t loopAround(std::size_t part) const { return loops_[part]; }
 
     std::string_view slice(SyntaxRange range) const;
@@ -68,7 +67,7 @@ class TemplateFile {
     Line lineAt(std::size_t offset) const;
 
   private:
-    /// A place in a long line, with the code points before it in that line.
+    /// A position in a long line, with the number of code points before it.
     struct Mark {
         unsigned int offset;
         unsigned int points;
@@ -80,11 +79,11 @@ class TemplateFile {
 
     std::string name_;
     std::string text_;
-    std::vector<unsigned int> lines_; // where they begin
+    std::vector<unsigned int> lines_; // their offsets
     std::vector<Mark> marks_;
     std::vector<SyntaxElement> parts_;
-    std::vector<unsigned int> ends_;  // of each part that opens something
-    std::vector<unsigned int> loops_; // around each part
+    std::vector<unsigned int> ends_;  // for each part that opens a block
+    std::vector<unsigned int> loops_; // for each part
     TemplateFaults faults_;
     SyntaxFault fault_;
 };

@@ -10,14 +10,13 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Templates and what they include, each read and parsed once.
+/// Templates and their includes, each read and parsed once.
 ///
-/// Ownership: borrows the reader, owns the templates. They stay where they are for as long as this
-///   object.
-/// Threads: one at a time.
+/// Ownership: borrows the reader and owns the templates, whose addresses do not change.
+/// Threads: not thread-safe.
 class TemplateFiles {
   public:
-    /// What a path includes. `file` is null unless it was found.
+    /// The target of an include. `file` is null unless it was found.
     struct Included {
         TemplateReader::Answer answer;
         std::string name;
@@ -26,7 +25,7 @@ class TemplateFiles {
 
     explicit TemplateFiles(TemplateReader& reader) : reader_(reader) {}
 
-    /// Adds a template that was not included. One of the same identity is returned as it is.
+    /// Adds a template that is not an include, or returns the one with the same identity.
     const TemplateFile& add(TemplateText text);
 
     const Included& include(const std::string& path);

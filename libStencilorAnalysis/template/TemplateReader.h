@@ -7,14 +7,14 @@ namespace kel::Stencilor::Analysis {
 
 /// The text of a template, and how to refer to it.
 struct TemplateText {
-    std::string name;     ///< what findings call it
+    std::string name;     ///< its name in findings
     std::string identity; ///< the same for every path to the same template
     std::string text;
 };
 
-/// Finds templates by the paths in inclusions: among files, an editor's buffers, in memory.
-/// Ownership: the caller keeps it for as long as templates are read through it.
-/// Errors: what an implementation throws reaches the caller of the analysis.
+/// Finds included templates by path: in files, in an editor's buffers, or in memory.
+/// Ownership: must outlive the analyses that use it.
+/// Errors: exceptions reach the caller of the analysis.
 class TemplateReader {
   public:
     enum class Answer { Found, Missing, Unreadable };
@@ -24,8 +24,7 @@ class TemplateReader {
     TemplateReader& operator=(const TemplateReader&) = delete;
     virtual ~TemplateReader() = default;
 
-    /// Finds the template that `path` includes. Sets `found.name` in any case, the rest if it is
-    /// found.
+    /// Finds the template at `path`. Always sets `found.name`, and the rest if it was found.
     virtual Answer find(const std::string& path, TemplateText& found) = 0;
 };
 

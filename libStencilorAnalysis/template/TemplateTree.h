@@ -8,11 +8,11 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// The syntax tree of a template that is well formed: a line for each node, with the position where
-/// it begins, indented by its depth. An `else` is as deep as its `if`.
+/// The syntax tree of a well-formed template: one line per node, with its position, indented by
+/// depth. An `else` has the depth of its `if`.
 std::string formatTree(const TemplateFile& file);
 
-/// The trees of templates as one JSON document; a node has its `depth`.
+/// The trees of templates as one JSON document; each node has a `depth`.
 std::string formatTreeJson(const std::vector<const TemplateFile*>& files);
 
 } // namespace kel::Stencilor::Analysis

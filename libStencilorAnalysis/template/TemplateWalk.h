@@ -9,18 +9,18 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// A tag that includes a file, and what it leads to.
+/// An include tag and its target.
 struct Inclusion {
     const TemplateFile& from;
     const SyntaxElement& part;
     const TemplateFiles::Included& to;
 };
 
-/// Walks a template and the files that it includes, tag by tag. What to visit next, and which files
-/// to enter, is for the derived class to decide.
+/// Walks a template and its includes, tag by tag. The derived class decides what to visit next, and
+/// which files to enter.
 ///
 /// Ownership: borrows the files.
-/// Nesting: takes no call stack.
+/// Nesting: does not use the call stack.
 class TemplateWalk {
   public:
     TemplateWalk(const TemplateWalk&) = delete;
@@ -30,33 +30,33 @@ class TemplateWalk {
     explicit TemplateWalk(TemplateFiles& files) : files_(files) {}
     ~TemplateWalk() = default;
 
-    /// Walks a file, and those that are entered meanwhile.
+    /// Walks a file, and those that are entered during the walk.
     void walkFile(const TemplateFile& file);
 
-    /// To be called by `visitInclusion`: walks the included file next. The walk then goes on after
-    /// the inclusion.
+    /// Called by `visitInclusion` to walk the included file next. The walk then continues after the
+    /// include.
     void enterFile(const TemplateFile& file);
 
     /// Ends the whole walk.
     void stop() { stopped_ = true; }
 
-    /// The files that are being walked, each included by the one before it.
+    /// The files being walked, each included by the one before it.
     const std::vector<const TemplateFile*>& path() const { return path_; }
     bool isOnPath(const TemplateFile& file) const { return positions_.contains(&file); }
 
-    /// Where in the path a file is that is on it, the first time.
+    /// The first position in the path of a file that is on it.
     std::size_t positionOnPath(const TemplateFile& file) const {
         return positions_.at(&file).first;
     }
 
-    /// Visits a text or a tag other than an inclusion.
+    /// Visits a text, or a tag other than an include.
     /// @return the index of the part to visit next; the number of parts ends the file
     virtual std::size_t visit(const TemplateFile& file, std::size_t index) = 0;
 
-    /// Visits an inclusion.
+    /// Visits an include.
     virtual void visitInclusion(const Inclusion& inclusion) = 0;
 
-    /// Called when a file has been walked, which is still the last one of the path.
+    /// Called at the end of a file, which is still the last one of the path.
     virtual void leaveFile() {}
 
   private:

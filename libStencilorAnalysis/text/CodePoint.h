@@ -6,18 +6,17 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// What malformed bytes are replaced by.
+/// The replacement for malformed bytes.
 inline constexpr char32_t replacement = 0xFFFD;
 
 /// One code point of a UTF-8 text.
 struct CodePoint {
     char32_t value;
-    std::size_t size; ///< how many bytes it takes
+    std::size_t size; ///< its size in bytes
 };
 
-/// The code point that a text, which is not empty, begins with. Malformed bytes are the U+FFFD that
-/// the engine replaces them by: one for each beginning of a sequence that is cut short, otherwise
-/// one for each byte.
+/// The first code point of a non-empty text. Malformed bytes count as U+FFFD, as in the engine: one
+/// for each truncated sequence, otherwise one for each byte.
 CodePoint firstCodePoint(std::string_view text);
 
 std::size_t countCodePoints(std::string_view text);

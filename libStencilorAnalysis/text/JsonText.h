@@ -10,22 +10,22 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// A JSON document with a line break at its end. Malformed UTF-8 becomes U+FFFD.
+/// Formats a JSON document, with a line break at the end. Malformed UTF-8 becomes U+FFFD.
 std::string jsonDocument(const nlohmann::ordered_json& document);
 
-/// The same for a document whose last member, at any depth, is the empty list `member`. Puts in the
-/// elements one by one, since many would take much memory as a document.
+/// The same for a document whose last member, at any depth, is the empty array `member`. Inserts
+/// the elements one by one, because a document with many would take much memory.
 std::string jsonDocument(const nlohmann::ordered_json& document, std::string_view member,
                          std::size_t count,
                          const std::function<nlohmann::ordered_json(std::size_t)>& elementAt);
 
-/// `text` as a string of JSON, in one line. Malformed UTF-8 becomes U+FFFD.
+/// `text` as a JSON string on one line. Malformed UTF-8 becomes U+FFFD.
 std::string jsonString(std::string_view text);
 
-/// Writes a JSON document piece by piece, in the form of `jsonDocument`.
+/// Writes a JSON document incrementally, in the format of `jsonDocument`.
 ///
-/// Memory: nothing but the text. A document of nlohmann-json takes much more, and ends the process
-///   where there is none left when it is destroyed.
+/// Memory: only the text. A document of nlohmann-json takes much more, and terminates the process
+///   if memory is exhausted when it is destroyed.
 class JsonWriter {
   public:
     void beginObject() { begin('{'); }
@@ -33,18 +33,18 @@ class JsonWriter {
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
 
-    /// The name of the member whose value comes next.
+    /// The name of the next member.
     void name(std::string_view name);
     void string(std::string_view text);
     void number(std::size_t number);
 
-    /// A member that is a text or a number.
+    /// A member with a text or a number.
     /// @{
     void member(std::string_view memberName, std::string_view text);
     void member(std::string_view memberName, std::size_t number);
     /// @}
 
-    /// The document, after its last value.
+    /// Returns the document, after its last value.
     std::string take();
 
   private:
@@ -55,7 +55,7 @@ class JsonWriter {
 
     std::string text_{};
     std::size_t depth_ = 0;
-    bool isFirst_ = true; // in what was opened last
+    bool isFirst_ = true; // in the innermost array or object
     bool isNamed_ = false;
 };
 

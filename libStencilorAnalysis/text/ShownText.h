@@ -5,33 +5,33 @@
 #include <string>
 #include <string_view>
 
-// Text from files and calls, as it is shown to people. Characters that a terminal obeys instead of
-// showing them, or that change the order or the place of others, are escaped: control characters
-// but for tabs, line and paragraph separators, marks of direction, and those without any width that
-// hide text. `\x1B` is an escaped byte, `\u202E` an escaped code point.
+// Escapes text from files and arguments before it is shown to people: control characters other than
+// tabs, line and paragraph separators, direction marks, and invisible characters. They would
+// control a terminal, or change how other text appears. `\x1B` is an escaped byte, `\u202E` an
+// escaped code point.
 
 namespace kel::Stencilor::Analysis {
 
-/// How one code point is shown.
+/// The displayed form of one code point.
 struct ShownPoint {
     std::string text;
-    std::size_t columns; ///< how wide `text` is, wide characters and tabs being one column
-    std::size_t size;    ///< the bytes that it is shown for
+    std::size_t columns; ///< the width of `text`; tabs and wide characters count as one column
+    std::size_t size;    ///< the size of the original in bytes
 };
 
-/// The code point that a text, which is not empty, begins with.
+/// The first code point of a non-empty text.
 ShownPoint showFirst(std::string_view text);
 
-/// A text of one line. Malformed bytes become U+FFFD.
+/// Escapes a text of one line. Malformed bytes become U+FFFD.
 std::string showText(std::string_view text);
 
-/// A text, or its first 200 code points and an ellipsis: what a message quotes of it.
+/// Shortens a text for a message to its first 200 code points and an ellipsis.
 std::string shorten(std::string_view text);
 
-/// A text as a message quotes it, in quotation marks.
+/// Shortens a text and puts it in quotation marks.
 std::string quote(std::string_view text);
 
-/// A document of JSON, where the same characters become escapes that its readers undo.
+/// Escapes the same characters in a JSON document by JSON's own escapes.
 std::string showJson(std::string_view document);
 
 } // namespace kel::Stencilor::Analysis

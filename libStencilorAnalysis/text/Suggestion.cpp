@@ -7,18 +7,18 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-/// Longer words are compared for case and separators only.
+/// Longer words are only compared for case and separators.
 constexpr std::size_t longestCompared = 64;
 
-/// Of the words that have the same letters, as many are compared.
+/// The maximum number of words with the same letters that are compared.
 constexpr int mostCompared = 8;
 
-/// As few words are all compared, which is faster.
+/// Up to this number, all words are compared, which is faster.
 constexpr std::size_t mostComparedAll = 32;
 
 constexpr std::string_view alphabet = "abcdefghijklmnopqrstuvwxyz0123456789./";
 
-/// Without what is easily confused: case, and the separators of the parts of a word.
+/// Folds what is easily confused: case and separators.
 std::string foldWord(std::string_view word) {
     std::string folded;
     for (const char byte : word) {
@@ -29,7 +29,7 @@ std::string foldWord(std::string_view word) {
     return folded;
 }
 
-/// The letters of a word are summed up by these, so that their order does not count.
+/// The weights of letters in the sum of a word, which is independent of their order.
 std::uint64_t weightOf(char letter) {
     std::uint64_t mixed = (static_cast<unsigned char>(letter) + 1) * 0x9E3779B97F4A7C15u;
     mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9u;
@@ -58,7 +58,7 @@ bool isPluralOf(std::string_view plural, std::string_view singular) {
 
 enum Distance { Same, Exchanged, Plural, LetterMore, OtherLetter, Far };
 
-/// How one folded word differs from another.
+/// The difference between two folded words.
 Distance compare(std::string_view one, std::string_view other) {
     if (one == other) {
         return Same;
@@ -90,7 +90,7 @@ Distance compare(std::string_view one, std::string_view other) {
                : Far;
 }
 
-/// The sums that words may have which are near one with this sum and these letters.
+/// The sums of the words that are similar to one with this sum and these letters.
 std::vector<std::uint64_t> findSums(const std::string& folded) {
     const std::uint64_t sum = sumOf(folded);
     std::vector<std::uint64_t> sums = {sum};
@@ -119,7 +119,7 @@ struct Search {
     Distance nearest = Far;
     std::size_t found = 0;
 
-    /// False for the word itself.
+    /// Returns false for the word itself.
     bool compareWith(std::string_view word, std::string_view known, std::size_t index) {
         const Distance distance = compare(folded, foldWord(known));
         if (distance < nearest || (distance == nearest && index < found)) {

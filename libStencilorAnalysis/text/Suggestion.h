@@ -10,30 +10,33 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Known words, among which the one is found that a misspelt word was meant to be: other case or
-/// separators, two letters exchanged, one missing, doubled or wrong, singular for plural.
+/// Known words, in which to find the correction of a misspelled word. It may differ in case, in
+/// separators, by two swapped letters, or by one missing, doubled or wrong letter, or be the plural
+/// or singular.
 ///
 /// Ownership: borrows the words.
-/// Cost: adding a word is linear in its size, finding one as well, however many words there are.
+/// Cost: adding and finding a word takes linear time in its size, regardless of the number of
+///   words.
 class KnownWords {
   public:
     KnownWords() = default;
 
-    /// Of words that are equally near, the first one added is found.
+    /// Among equally similar words, the one that was added first is found.
     explicit KnownWords(const std::vector<std::string>& words);
 
     void add(std::string_view word);
 
-    /// The known word that is nearest to another one; empty if none is near, or if that one is
-    /// known itself.
+    /// The known word that is most similar to `word`; empty if there is none, or if `word` is
+    /// known.
     std::string_view findNearest(std::string_view word) const;
 
   private:
     std::vector<std::string_view> words_;
-    std::unordered_multimap<std::uint64_t, std::size_t> byLetters_; // indices, whatever the order
+    std::unordered_multimap<std::uint64_t, std::size_t>
+        byLetters_; // indices, independent of the order of letters
 };
 
-/// `; did you mean "WORD"?`, or nothing for an empty word: what a message ends with.
+/// The end of a message: `; did you mean "WORD"?`, or nothing for an empty word.
 std::string didYouMean(std::string_view word);
 
 } // namespace kel::Stencilor::Analysis
