@@ -47,7 +47,7 @@ void JsonCursor::failAt(std::size_t offset, const std::string& reason) const {
     throw errorAt(text_, offset, reason);
 }
 
-/// What is next, for a message: a word as a whole, otherwise one character.
+/// The next word or character, for a message.
 std::string JsonCursor::found() const {
     if (isAtEnd()) {
         return "the end of the text";

@@ -9,7 +9,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// A position in a JSON text, and the errors there. Borrows the text.
+/// A position in a JSON text, which it borrows.
 class JsonCursor {
   public:
     explicit JsonCursor(std::string_view text) : text_(text) {}
@@ -19,18 +19,18 @@ class JsonCursor {
     bool isAt(char character) const { return !isAtEnd() && text_[position_] == character; }
     bool isAtOneOf(std::string_view characters) const;
 
-    /// The text from here on.
+    /// The rest of the text.
     std::string_view rest() const { return text_.substr(position_); }
-    /// What was read since `begin`.
+    /// The range since `begin`.
     JsonRange rangeFrom(std::size_t begin) const { return {begin, position_}; }
     std::string_view textFrom(std::size_t begin) const;
 
-    /// How many bytes the character here takes; 0 for malformed UTF-8 and at the end.
+    /// The size of the next character; 0 for malformed UTF-8 and at the end.
     std::size_t characterSizeHere() const;
 
     void skip(std::size_t bytes) { position_ += bytes; }
     void skipWhitespace();
-    /// `matches` takes a byte. A lambda is inlined, a pointer to a function called for each byte.
+    /// `matches` takes a byte. Pass a lambda, which can be inlined.
     template <typename Predicate>
     void skipWhile(Predicate matches);
 

@@ -17,7 +17,7 @@ bool isControl(char byte) {
     return static_cast<unsigned char>(byte) < 0x20;
 }
 
-/// Whether it needs no look at its neighbours in a string.
+/// True for a byte of a string that can be accepted on its own.
 bool isPlain(char byte) {
     const auto value = static_cast<unsigned char>(byte);
     return value >= 0x20 && value < 0x80 && value != '"' && value != '\\';
@@ -37,7 +37,7 @@ bool isTrailingSurrogate(std::uint32_t unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// -1 for what is not a hexadecimal digit.
+/// Returns -1 for other characters.
 int hexadecimalValue(char digit) {
     if (isDigit(digit)) {
         return digit - '0';
@@ -65,9 +65,8 @@ void JsonGrammar::textRule() {
     }
 }
 
-// value = object | array | string | number | "true" | "false" | "null"
-// Of an array or object the opening bracket only; the rest is read by elementRule() or
-// memberRule().
+// value = object | array | string | number | "true" | "false" | "null" Only reads the opening
+// bracket of an array or object; elementRule() and memberRule() read the rest.
 void JsonGrammar::valueRule(const char* expectation) {
     skipWhitespace();
     const std::size_t begin = position();
@@ -92,8 +91,8 @@ void JsonGrammar::valueRule(const char* expectation) {
     }
 }
 
-// array = "[" [ value { "," value } ] "]"
-// One element with what separates it from the last one, or the closing bracket.
+// array = "[" [ value { "," value } ] "]" Reads one element with the separator before it, or the
+// closing bracket.
 void JsonGrammar::elementRule() {
     skipWhitespace();
     if (isAt(']')) {
@@ -108,9 +107,8 @@ void JsonGrammar::elementRule() {
     }
 }
 
-// object = "{" [ member { "," member } ] "}"
-// member = string ":" value
-// One member with what separates it from the last one, or the closing bracket.
+// object = "{" [ member { "," member } ] "}" member = string ":" value Reads one member with the
+// separator before it, or the closing bracket.
 void JsonGrammar::memberRule() {
     skipWhitespace();
     if (isAt('}')) {
@@ -132,7 +130,7 @@ void JsonGrammar::memberRule() {
     valueRule("a value after ':'");
 }
 
-// The string of a member.
+// Reads the name of a member.
 void JsonGrammar::nameRule(const char* expectation) {
     skipWhitespace();
     if (!isAt('"')) {
@@ -147,8 +145,7 @@ void JsonGrammar::nameRule(const char* expectation) {
     receiver_.name(name, rangeFrom(begin));
 }
 
-// string = '"' { characters | escape } '"'
-// Without escapes, the text is the one that is written.
+// string = '"' { characters | escape } '"' Without escapes, this is a part of the JSON text.
 std::string_view JsonGrammar::stringRule() {
     literal('"');
     const std::string_view written = charactersRule();
@@ -194,8 +191,8 @@ void JsonGrammar::escapeRule() {
     }
 }
 
-// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ]
-// Two surrogates, a leading and a trailing one, are one character.
+// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ] A leading and a trailing surrogate make
+// one character.
 void JsonGrammar::unitRule(std::size_t begin) {
     std::uint32_t unit = hexadecimalRule();
     if (isTrailingSurrogate(unit)) {

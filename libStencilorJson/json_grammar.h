@@ -13,17 +13,17 @@
 
 namespace kel::Stencilor::internal {
 
-/// The JSON of RFC 8259, one function per rule, for one reading of one text.
+/// Parses a JSON text as defined by RFC 8259, with one function per rule.
 ///
-/// How it works: the open arrays and objects are on a stack of its own, so that nesting takes no
-///   call stack. Nothing but names and the text of strings with escapes is copied.
+/// How it works: it has its own stack of open arrays and objects, so nesting does not use the call
+/// stack. Only names and strings with escapes are copied.
 /// Ownership: borrows the text and the receiver.
-/// Copying: not possible, the rules share one position.
-/// Errors: `JsonError` at the first fault of the text; what the receiver throws; `std::bad_alloc`.
-///   The receiver has received all that comes before.
+/// Copying: not possible, because the rules share one position.
+/// Errors: `JsonError` for the first error in the text, what the receiver throws, and
+///   `std::bad_alloc`. The receiver has received everything before the error.
 ///
-/// Rules, where whitespace (space, tab, line feed, carriage return) is skipped before each part of
-/// those above the line:
+/// Rules (those above the line skip whitespace, which is space, tab, line feed and carriage return,
+/// before each part):
 ///
 ///     text       = [ byte-order mark ] value end
 ///     value      = object | array | string | number | "true" | "false" | "null"
@@ -39,10 +39,10 @@ namespace kel::Stencilor::internal {
 ///     integer    = "0" | digits, the first of which is not "0"
 ///     digits     = one or more of "0" to "9"
 ///
-/// The second part of a unit is a trailing surrogate, and follows leading ones only.
+/// The second part of a unit is a trailing surrogate, and only follows a leading one.
 ///
-/// Beyond these, arrays and objects nest at most `Value::deepest` levels, and each name occurs once
-/// in its object.
+/// In addition, arrays and objects nest at most `Value::deepest` levels, and names are unique in
+/// their object.
 class JsonGrammar : private JsonCursor {
   public:
     JsonGrammar(std::string_view text, JsonReceiver& receiver)
@@ -50,13 +50,13 @@ class JsonGrammar : private JsonCursor {
     JsonGrammar(const JsonGrammar&) = delete;
     JsonGrammar& operator=(const JsonGrammar&) = delete;
 
-    /// Reads the text. To be called once.
+    /// Reads the text. Only call this once.
     void read() { textRule(); }
 
   private:
     enum class Kind { Array, Object };
 
-    /// An array or object whose end has not been read.
+    /// An open array or object.
     struct Open {
         Kind kind;
         std::size_t begin;

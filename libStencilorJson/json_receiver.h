@@ -6,17 +6,17 @@
 
 namespace kel::Stencilor::internal {
 
-/// A part of a JSON text, in bytes.
+/// A range of a JSON text, in bytes.
 struct JsonRange {
     std::size_t begin = 0;
     std::size_t end = 0; ///< after the last byte
 };
 
-/// Receives what a JSON text holds, in the order of the text.
+/// Receives the contents of a JSON text, in order.
 ///
-/// Ranges cover all that is written: quotation marks, and both brackets of an array or object.
-/// Ownership: texts are valid during the call only.
-/// Errors: an exception ends the reading and reaches its caller.
+/// Ranges include quotation marks, and both brackets of an array or object.
+/// Ownership: texts are only valid during the call.
+/// Errors: an exception ends the parsing and reaches its caller.
 class JsonReceiver {
   public:
     virtual ~JsonReceiver() = default;

@@ -13,8 +13,8 @@ struct Range {
     std::uint32_t last;
 };
 
-/// The characters that are not shown as they are: those that control a terminal or the direction of
-/// writing, that break lines, or that no one can see.
+/// Characters that must be escaped: those that control a terminal or the text direction, line
+/// breaks, and invisible ones.
 constexpr Range unshown[] = {
     {0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C}, {0x200B, 0x200F},
     {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
@@ -28,7 +28,7 @@ bool continuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
 }
 
-/// The size that the first byte of a character announces; 0 where no character begins with it.
+/// The size of a character according to its first byte; 0 for an invalid first byte.
 std::size_t announcedSize(unsigned int first) {
     return first < 0x80   ? 1
            : first < 0xC2 ? 0
@@ -38,7 +38,7 @@ std::size_t announcedSize(unsigned int first) {
                           : 0;
 }
 
-/// Whether `second` makes the code point too small for its size, a surrogate, or too large.
+/// True if `second` makes the code point too small for its size, a surrogate, or too large.
 bool isOutsideUnicode(unsigned int first, unsigned int second) {
     return (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
            (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);

@@ -12,30 +12,29 @@
 
 namespace kel::Stencilor::internal {
 
-/// The byte-order mark that a text may begin with.
+/// The optional byte-order mark at the beginning of a text.
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// How many bytes the character at the start of `text` takes; 0 where it is malformed UTF-8. `text`
-/// must not be empty.
+/// The size of the first character of `text`, which must not be empty; 0 for malformed UTF-8.
 std::size_t characterSize(std::string_view text);
 
 void appendCharacter(std::string& text, std::uint32_t codePoint);
 
-/// `text`, which must be valid UTF-8, for a message: without the characters that control a terminal
-/// or the direction of writing, and no longer than a message should quote.
+/// Prepares `text`, which must be valid UTF-8, for a message: escapes characters that control a
+/// terminal or the text direction, and shortens it.
 std::string quotable(std::string_view text);
 
-/// Where a message points to; both are counted from 1.
+/// A position in a message; both numbers count from 1.
 struct JsonPosition {
     std::size_t line;
     std::size_t column; ///< in code points
 };
 
-/// The position at a byte offset of `text`, which must be valid UTF-8 up to there. Takes time in
-/// proportion to the offset.
+/// The position of a byte offset in `text`, which must be valid UTF-8 up to there. Takes linear
+/// time.
 JsonPosition positionAt(std::string_view text, std::size_t offset);
 
-/// An error at a byte offset, as above.
+/// An error at a byte offset of `text`, as above.
 JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason);
 
 } // namespace kel::Stencilor::internal

@@ -11,10 +11,10 @@
 
 namespace kel::Stencilor::internal {
 
-/// Makes the value of a JSON text; what derives from it may make others of numbers and strings.
+/// Makes the value of a JSON text. Derived classes may convert numbers and strings in other ways.
 ///
 /// Ownership: borrows the text.
-/// Errors: `JsonError` where a `$boolean` is not a boolean.
+/// Errors: `JsonError` if a `$boolean` is not a boolean.
 class ValueMaker : public JsonReceiver {
   public:
     explicit ValueMaker(std::string_view text) : text_(text) {}
@@ -35,10 +35,10 @@ class ValueMaker : public JsonReceiver {
     void addScalar(Value value, JsonRange range);
 
   private:
-    /// An array or object whose end has not been read.
+    /// An open array or object.
     struct Open {
         Value value;
-        String name{}; // of the member that is read, in an object
+        String name{}; // the name of the current member of an object
     };
 
     void open(Value value, std::size_t offset);

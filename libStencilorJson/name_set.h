@@ -8,14 +8,14 @@
 
 namespace kel::Stencilor::internal {
 
-/// The names of one object. In order rather than hashed: whoever chooses the names cannot make n of
-/// them take more than n log n comparisons.
+/// The names of one object. They are ordered, not hashed, so that no choice of names can cause more
+/// than n log n comparisons.
 template <typename Less = std::less<>>
 class NameSet {
   public:
     explicit NameSet(Less less = {}) : names_(less) {}
 
-    /// False if the name is there already.
+    /// Returns false if the name already exists.
     bool insert(std::string_view name) {
         const auto next = names_.lower_bound(name);
         if (next != names_.end() && *next == name) {

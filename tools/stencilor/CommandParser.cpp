@@ -29,7 +29,7 @@ std::string join(const std::vector<std::string>& words, const char* separator) {
     return text;
 }
 
-/// The name that messages use.
+/// The name used in messages.
 const std::string& nameOf(const OptionInfo& option) {
     return option.names.back();
 }
@@ -48,7 +48,7 @@ std::vector<std::string> namesOf(const std::vector<OptionInfo>& options) {
     return names;
 }
 
-/// Hands over a value.
+/// Passes a value to an option.
 void setAndCheck(const OptionInfo& option, const std::string& value) {
     const std::string& name = nameOf(option);
     const auto& choices = option.choices;
@@ -66,7 +66,7 @@ void setAndCheck(const OptionInfo& option, const std::string& value) {
     }
 }
 
-/// A command with the parser of its arguments.
+/// A command with the parser for its arguments.
 class ParsedCommand {
   public:
     ParsedCommand(const CommandInfo& command, CLI::App& program)
@@ -87,7 +87,7 @@ class ParsedCommand {
     const CommandInfo& info() const { return command_; }
     const CLI::App& parser() const { return parser_; }
 
-    /// Hands over the values, and runs the command.
+    /// Sets the values, and runs the command.
     int run() const {
         for (const Values& values : values_) {
             setAll(values);
@@ -148,11 +148,11 @@ class ParsedCommand {
     std::deque<Values> values_;
 };
 
-/// The command line as it is parsed.
+/// The parser of the command line.
 class Call {
   public:
     Call() {
-        // A path may begin with a slash on every system.
+        // Paths may begin with a slash on every system.
         program_.allow_windows_style_options(false);
         program_.name("stencilor");
         // The commands share it.
@@ -188,7 +188,7 @@ class Call {
         }
         try {
             std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-            program_.parse(std::move(reversed)); // which takes them from the end
+            program_.parse(std::move(reversed)); // which takes the arguments from the end
         } catch (const CLI::CallForHelp&) {
             return print(program_.help());
         } catch (const CLI::CallForVersion& version) {
@@ -235,7 +235,7 @@ class Call {
         return found == commands_.end() ? nullptr : &*found;
     }
 
-    /// What the parser did not take.
+    /// Explains what the parser did not accept.
     void refuseUnknown() const {
         const ParsedCommand* const command = parsedCommand();
         const std::vector<std::string> own = program_.remaining();
@@ -281,7 +281,7 @@ class Call {
                             : "unknown option " + quote(name) + suggest(namesOf(options), name));
     }
 
-    /// A flag with a value, or an option without one, which only the last argument can be.
+    /// Reports a flag with a value, or an option without one, which is always the last argument.
     [[noreturn]] void refuseValue(const std::vector<std::string>& arguments) const {
         const auto& options =
             parsedCommand() == nullptr ? table_.options : parsedCommand()->info().options;

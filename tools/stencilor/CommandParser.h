@@ -6,9 +6,9 @@
 
 namespace stencilor {
 
-/// Parses a call and carries it out, or prints what is wrong with it.
+/// Parses the arguments and runs the command, or prints what is wrong with them.
 /// @return the exit status
-/// Errors: throws what the command throws.
+/// Errors: those of the command.
 int runCall(const std::vector<std::string>& arguments);
 
 } // namespace stencilor

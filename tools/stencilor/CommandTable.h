@@ -14,34 +14,33 @@ enum class ValueType { None, File, Folder, Choice, Other };
 
 /// An option, or a positional argument.
 struct OptionInfo {
-    std::vector<std::string> names; ///< with their dashes; of a positional its one name
+    std::vector<std::string> names; ///< with their dashes; for a positional argument, its only name
     std::string description;
-    std::string value{}; ///< what the help calls the value; empty for a flag
+    std::string value{}; ///< the placeholder for the value in the help; empty for a flag
     ValueType type = ValueType::None;
     std::vector<std::string> choices{};
     bool required = false;
     bool repeated = false;
-    bool hidden = false; ///< neither the help nor the shells know it
+    bool hidden = false; ///< not shown in the help, nor completed by shells
 
-    /// Receives each value; for a flag an empty one.
-    /// Errors: throws `CallError`, or `std::invalid_argument` where the value is no number.
+    /// Called with each value; for a flag, with an empty one.
+    /// Errors: throws `CallError`, or `std::invalid_argument` if the value is not a number.
     std::function<void(const std::string& value)> set{};
 };
 
 struct CommandInfo {
     std::string name;
     std::string description;
-    std::string notes; ///< what the help ends with
+    std::string notes; ///< the end of the help
     std::vector<OptionInfo> positionals{};
     std::vector<OptionInfo> options{};
 
     /// Runs the command with the values that were set.
-    /// Errors: throws `CallError` if they do not go together, and what the command throws.
+    /// Errors: throws `CallError` if the values contradict each other, and what the command throws.
     std::function<ExitStatus()> run{};
 };
 
-/// The command line. The parser and its help, the completions of the shells and the manual page are
-/// all made of this.
+/// The command line: the source of the parser, its help, the shell completions and the manual page.
 struct CommandTable {
     std::vector<OptionInfo> options; ///< of the program itself
     std::vector<CommandInfo> commands;

@@ -3,7 +3,7 @@
 
 namespace stencilor {
 
-/// Runs the command that the arguments of `main` name. Returns the exit status.
+/// Runs the command given by the arguments of `main`, and returns the exit status.
 int runProgram(int argc, char** argv);
 
 } // namespace stencilor

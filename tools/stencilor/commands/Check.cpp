@@ -33,14 +33,14 @@ std::string joinLines(const std::vector<std::string>& lines) {
     return text;
 }
 
-/// What a context is made of, for findings about it.
+/// The sources of a context, for findings about it.
 class ContextTexts {
   public:
     ContextTexts(const ContextRequest& request, std::string json)
         : request_(request), file_(request.file ? inputName(*request.file) : "-D", std::move(json)),
           definitions_("-D", joinLines(request.definitions)) {}
 
-    /// Nothing for the names that `--positions` adds.
+    /// Returns nothing for names added by `--positions`.
     std::vector<std::optional<Place>> findPlaces(const std::vector<std::string>& names) const {
         std::vector<std::optional<SyntaxRange>> ranges(names.size());
         if (request_.file) {
@@ -59,7 +59,7 @@ class ContextTexts {
     }
 
   private:
-    /// The last of a name wins.
+    /// The last definition of a name wins.
     std::optional<SyntaxRange> findDefinition(const std::string& name) const {
         std::optional<SyntaxRange> found;
         std::size_t begin = 0;
@@ -81,7 +81,7 @@ class ContextTexts {
     TemplateFile definitions_;
 };
 
-/// Adds the names that no template uses.
+/// Adds findings for names that no template uses.
 void describeUnused(const std::vector<std::string>& names, const ContextTexts& texts,
                     std::vector<Finding>& findings) {
     const auto places = texts.findPlaces(names);

@@ -6,15 +6,15 @@
 
 namespace stencilor {
 
-/// What `stencilor check` is asked for.
+/// The arguments of `stencilor check`.
 struct CheckRequest : Request {
-    bool unused = false; ///< also report the names of the context that no template uses
+    bool unused = false; ///< also report names in the context that no template uses
 };
 
-/// Writes what is wrong with templates and what they include. With neither a context nor
-/// definitions, names are not looked up.
-/// Errors: throws `Failure`; a template that cannot be read is reported, and the others are
-/// checked.
+/// Checks templates and their includes, and writes the findings. Names are only looked up if there
+/// is a context or a definition.
+/// Errors: throws `Failure`. A template that cannot be read is reported, and the others are
+///   checked.
 ExitStatus check(const CheckRequest& request);
 
 } // namespace stencilor

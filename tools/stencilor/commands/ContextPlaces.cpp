@@ -11,7 +11,7 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// Follows a text through the tree of the names, whose edges are what is between their dots.
+/// Follows a text through the tree of the names, whose edges are the parts between dots.
 class NameFinder final : public JsonReceiver {
   public:
     explicit NameFinder(const std::vector<std::string>& names) {
@@ -88,7 +88,7 @@ class NameFinder final : public JsonReceiver {
         }
     }
 
-    /// An element that is not an object has the name `value`.
+    /// An element that is not an object is named `value`.
     void markElement(JsonRange range) {
         if (isInArray()) {
             mark(nodeOfElement(), range);
@@ -102,7 +102,7 @@ class NameFinder final : public JsonReceiver {
     std::vector<std::size_t> ends_; // of the names
     std::vector<std::optional<SyntaxRange>> ranges_;
     std::vector<Open> open_;
-    std::size_t next_ = root; // of the value that follows
+    std::size_t next_ = root; // the node of the next value
 };
 
 } // namespace

@@ -10,8 +10,8 @@
 
 namespace stencilor {
 
-/// Where names are in a JSON text, each the first time; nothing where one is not. `names` are as
-/// templates have them: `user.name`, and `items.title` for a member of the elements of a list.
+/// Finds the first place of each name in a JSON text, or nothing. `names` are written as in
+/// templates: `user.name`, and `items.title` for a member of list elements.
 ///
 /// Cost: linear in the text and the names.
 /// @param text must be well formed

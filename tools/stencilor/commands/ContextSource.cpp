@@ -22,8 +22,8 @@ Value parse(const std::string& name, std::string_view text) {
     }
 }
 
-/// Carries out one `-D` option: `NAME=VALUE` makes the member NAME of `context` a string,
-/// `NAME:=JSON` any value. What stood under that name is replaced.
+/// Applies one `-D` option: `NAME=VALUE` sets the member NAME of `context` to a string,
+/// `NAME:=JSON` to any value.
 void applyDefinition(Value& context, std::string_view definition) {
     const std::size_t equals = definition.find('=');
     const bool isJson =
@@ -67,7 +67,7 @@ kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,
     const Value values = loadContext(request, files, text);
     try {
         return kel::Stencilor::Context(values, {.positions = request.positions});
-    } catch (const std::length_error& error) { // of the dotted names, not of a text
+    } catch (const std::length_error& error) { // thrown for the dotted names, not for a text
         throw Failure(error.what());
     }
 }

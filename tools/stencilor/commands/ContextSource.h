@@ -9,7 +9,7 @@ namespace stencilor {
 
 /// Makes the context.
 /// @param text if not null, receives the JSON text of the file
-/// Errors: throws `Failure`; for a JSON text with the line and column.
+/// Errors: throws `Failure`, for a JSON text with the line and column.
 kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,
                                     std::string* text = nullptr);
 

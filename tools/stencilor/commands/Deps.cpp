@@ -82,7 +82,8 @@ std::string escapeForMake(std::string_view path) {
             throw Failure("a Make rule cannot contain the line break in " + std::string(path));
         }
         if (byte == ' ' || byte == '\t') {
-            escaped.append(backslashes + 1, '\\'); // those before it would escape each other
+            escaped.append(backslashes + 1,
+                           '\\'); // backslashes escape each other
         } else if (byte == '#') {
             escaped += '\\';
         } else if (byte == '$') {

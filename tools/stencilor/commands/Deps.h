@@ -10,17 +10,17 @@
 
 namespace stencilor {
 
-/// What `stencilor deps` is asked for. With a target, the output is a rule of Make.
+/// The arguments of `stencilor deps`. With a target, the output is a Make rule.
 struct DepsRequest : Request {
     std::optional<std::string> target;
 };
 
-/// Writes which files templates include, directly or through others.
+/// Writes the files that templates include, directly or through others.
 /// Errors: throws `Failure`.
 ExitStatus deps(const DepsRequest& request);
 
-/// A path as Make and Ninja read it in a rule.
-/// Errors: throws `Failure` for one with a line break, which cannot be written there.
+/// Escapes a path for a rule of Make or Ninja.
+/// Errors: throws `Failure` for a line break, which cannot be escaped.
 std::string escapeForMake(std::string_view path);
 
 } // namespace stencilor

@@ -5,20 +5,20 @@
 
 namespace stencilor {
 
-/// What ends the program: a wrong call, or a file that cannot be used. Its text is the message,
-/// without the program's name.
+/// An error that ends the program, such as an unusable file. Its text is the message, without the
+/// program's name.
 class Failure : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// A wrong call, after which the help is pointed to.
+/// Wrong usage. The message is followed by a reference to the help.
 class CallError : public Failure {
   public:
     using Failure::Failure;
 };
 
-/// How the program ends, as scripts see it.
+/// The exit statuses of the program.
 enum ExitStatus : int {
     exitClean = 0,
     exitMessages = 1,

@@ -27,7 +27,7 @@ std::string inputName(const std::string& file) {
 std::string Files::read(const std::string& file) {
     try {
         if (file == standardStream) {
-            note("/dev/stdin"); // leads to a file where one is redirected
+            note("/dev/stdin"); // which is a file if the input is redirected
             return system::readStandardInput();
         }
         note(file);
@@ -66,7 +66,7 @@ void Files::waitForChange() const {
     while (!haveChanged()) {
         std::this_thread::sleep_for(100ms);
     }
-    std::this_thread::sleep_for(50ms); // what writes the file may not have finished
+    std::this_thread::sleep_for(50ms); // the writer may not have finished
 }
 
 bool Files::haveChanged() const {

@@ -12,12 +12,12 @@ namespace stencilor {
 
 inline constexpr std::string_view standardStream = "-";
 
-/// What messages call something that is read.
+/// The name of an input in messages.
 std::string inputName(const std::string& file);
 
-/// The files of one run of a command: what the user names, `-` for the standard streams, and what
-/// is included. It knows which files were read, or looked for.
-/// Errors: what fails throws `Failure`, with the name and the reason.
+/// The files of one run of a command: those that the user names, where `-` is a standard stream,
+/// and included ones. It remembers which files were read or looked up.
+/// Errors: throws `Failure`, with the name and the reason.
 class Files {
   public:
     std::string read(const std::string& file);
@@ -25,10 +25,10 @@ class Files {
     /// Remembers a file that is about to be read.
     void note(const std::string& path);
 
-    /// Writes a file, wholly or not at all. None that was read is written to.
+    /// Writes a file, completely or not at all. Refuses to overwrite a file that was read.
     void write(const std::string& file, std::string_view text) const;
 
-    /// Returns when a file is another one than it was.
+    /// Waits until a file has changed.
     void waitForChange() const;
 
   private:

@@ -10,22 +10,22 @@
 #include <string_view>
 #include <vector>
 
-// What people read. Characters that a terminal would obey are escaped.
+// Messages for people. Characters that would control a terminal are escaped.
 
 namespace stencilor {
 
 /// Writes a line that begins with the program's name to the standard error stream.
 void printError(std::string_view text);
 
-/// What `run` returns. Where it throws, prints why, and returns the status for it.
+/// Returns the result of `run`. If it throws, prints the reason and returns the matching status.
 int reportFailure(const std::function<int()>& run);
 
-/// Findings in the form that is asked for; as text with colours, if they are shown where it goes.
+/// Formats findings as requested. Text is colored if the stream shows colors.
 std::string formatFindings(const std::vector<kel::Stencilor::Analysis::Finding>& findings,
                            const Request& request, bool standardError);
 
-/// Writes findings, if there are any, to the standard error stream; nothing in a quiet call.
-/// Returns how a command ends that has written its output in spite of them.
+/// Writes findings to the standard error stream, unless the command is quiet. Returns the exit
+/// status of a command that writes its output nevertheless.
 ExitStatus printFindings(const std::vector<kel::Stencilor::Analysis::Finding>& findings,
                          const Request& request);
 

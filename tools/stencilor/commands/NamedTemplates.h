@@ -12,40 +12,39 @@
 
 namespace stencilor {
 
-/// The templates that the user names, with those that they include, and what is found in them.
+/// The templates that the user names, with their includes and findings.
 ///
-/// Ownership: borrows the request and the files that are read. Owns the templates, which stay where
-///   they are for as long as this object.
+/// Ownership: borrows the request and the files. Owns the templates, whose addresses do not change.
 /// Errors: throws `Failure`.
 class NamedTemplates {
   public:
-    /// A template, and the files that it belongs to.
+    /// A template and its files.
     struct Named {
         kel::Stencilor::Analysis::TemplateFiles& files;
         const kel::Stencilor::Analysis::TemplateFile& file;
     };
 
-    /// Makes the context, where there is one.
+    /// Makes the context, if there is one.
     /// @param contextText if not null, receives the JSON text of its file
     NamedTemplates(const Request& request, Files& files, std::string* contextText = nullptr);
 
-    /// Reads a template, `-` for the standard input.
+    /// Reads a template; `-` is the standard input.
     Named open(const std::string& file);
 
-    /// Reads all templates, and reports where one is rejected.
-    /// @return the templates; none where one is rejected
+    /// Reads all templates, and reports rejected ones.
+    /// @return the templates; none if one is rejected
     std::vector<Named> openAll();
 
-    /// Which names the context, if there is one, does not have for a template.
+    /// Reports names in a template that the context, if there is one, does not have.
     std::vector<kel::Stencilor::Analysis::Finding> findContextFaults(const Named& named) const;
 
-    /// Null where none is given.
+    /// Null if none is given.
     const kel::Stencilor::ContextBase* context() const {
         return context_ ? &static_cast<const kel::Stencilor::ContextBase&>(*context_) : nullptr;
     }
 
   private:
-    /// With another root, other files are included.
+    /// Templates with different roots include different files.
     struct Root {
         Root(const std::string& path, Files& readFiles) : folder(path, readFiles), files(folder) {}
 
@@ -59,7 +58,7 @@ class NamedTemplates {
     std::map<std::string, Root> roots_;
 };
 
-/// Adds findings without those whose places are known.
+/// Adds findings whose places are new.
 void addNew(std::vector<kel::Stencilor::Analysis::Finding>& findings,
             std::vector<kel::Stencilor::Analysis::Finding> more);
 

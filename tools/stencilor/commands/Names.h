@@ -6,13 +6,12 @@
 
 namespace stencilor {
 
-/// What `stencilor names` is asked for.
+/// The arguments of `stencilor names`.
 struct NamesRequest : Request {
     bool skeleton = false;
 };
 
-/// Writes which names templates and what they include ask a context for; or, as a skeleton, a
-/// context that has them.
+/// Writes the names that templates and their includes use, or, as a skeleton, a context with them.
 /// Errors: throws `Failure`.
 ExitStatus names(const NamesRequest& request);
 

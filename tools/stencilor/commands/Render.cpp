@@ -19,7 +19,7 @@ using kel::Stencilor::RenderStatus;
 
 namespace {
 
-/// The bytes that included templates may have; nothing if the one that is rendered has too many.
+/// The limit for included templates; nothing if the main template exceeds the limit on its own.
 std::optional<std::uint64_t> bytesForIncludes(std::uint64_t limit, std::uint64_t size) {
     if (limit == 0) {
         return 0;
@@ -27,7 +27,7 @@ std::optional<std::uint64_t> bytesForIncludes(std::uint64_t limit, std::uint64_t
     if (size > limit) {
         return std::nullopt;
     }
-    return std::max<std::uint64_t>(limit - size, 1); // 0 would be no limit
+    return std::max<std::uint64_t>(limit - size, 1); // 0 means no limit
 }
 
 ExitStatus refuseLongTemplate(const RenderRequest& request, const std::string& name) {
@@ -66,7 +66,7 @@ ExitStatus renderOnce(const RenderRequest& request, Files& files) {
         startTrace();
     }
     const RenderResult result = root.render(context, options);
-    endTrace(); // messages are made by rendering, too
+    endTrace(); // describing messages also renders
     const auto findings = describeMessages(request, templates, context, result);
     printFindings(findings, request);
     const ExitStatus status = statusOf(result, findings);

@@ -7,7 +7,7 @@
 
 namespace stencilor {
 
-/// What `stencilor render` is asked for.
+/// The arguments of `stencilor render`.
 struct RenderRequest : Request {
     kel::Stencilor::Escape escape = kel::Stencilor::Escape::none();
     kel::Stencilor::RenderLimits limits = {
@@ -20,8 +20,8 @@ struct RenderRequest : Request {
     bool watch = false;
 };
 
-/// Renders a template, and writes the result and the messages. Watching never returns.
-/// Errors: throws `Failure`; a text over 4 GiB - 1 byte throws `std::length_error`.
+/// Renders a template, and writes the result and the messages. Does not return if it watches.
+/// Errors: throws `Failure`, and `std::length_error` for a text of more than 4 GiB - 1 byte.
 ExitStatus render(const RenderRequest& request);
 
 } // namespace stencilor

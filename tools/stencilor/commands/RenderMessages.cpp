@@ -19,10 +19,10 @@ namespace {
 
 using MessageKind = RenderMessage::Kind;
 
-/// A render of more steps is not walked once more to explain what it lacked.
+/// Renders with more steps are not walked again to explain their messages.
 constexpr std::uint64_t mostSteps = 1'000'000;
 
-/// Of the includes around a message, so many are shown.
+/// The maximum number of includes that are shown with a message.
 constexpr std::size_t mostSites = 3;
 
 Rule ruleOf(MessageKind kind) {
@@ -92,7 +92,7 @@ std::vector<Finding> describeMessages(const RenderRequest& request, RenderedTemp
     const bool isWalked = !result.messages.empty() && result.status == RenderStatus::Complete &&
                           result.usage.steps <= mostSteps;
     if (isWalked) {
-        // Says more, since it knows the values.
+        // The walk knows the values, so it can explain more.
         findings = findContextFaults(templates.files(), templates.rootFile(), context,
                                      ContextWalk::Extent::Rendered);
     }

@@ -10,7 +10,7 @@
 
 namespace stencilor {
 
-/// What the messages of a render say, each place once.
+/// Converts the messages of a render to findings, one per place.
 std::vector<kel::Stencilor::Analysis::Finding>
 describeMessages(const RenderRequest& request, RenderedTemplates& templates,
                  const kel::Stencilor::ContextBase& context,

@@ -34,14 +34,14 @@ TemplateSource::Answer RenderedTemplates::find(const kel::String& path, std::uin
     case kel::Folder::Answer::Unreadable:
         return Answer::Unreadable;
     case kel::Folder::Answer::TooLarge:
-        // Without a limit it is one that no text can hold.
+        // Without a limit, this is more than any text can have.
         return maxBytes > system::longestText ? Answer::Unreadable : Answer::TooLarge;
     case kel::Folder::Answer::Found:
         break;
     }
     known = open(text);
     if (known.identity == root_.identity) {
-        // A template from the standard input is what the file that it belongs to is about to be.
+        // A template from the standard input stands for the file that it belongs to.
         known.found = Template(root_.found->text(), text.name);
     }
     found = known.found;

@@ -12,12 +12,12 @@
 
 namespace stencilor {
 
-/// The templates of one render: for the engine, and as they were then, for messages about them.
+/// The templates of one render, kept unchanged for its messages.
 ///
-/// Ownership: borrows the files that are read.
+/// Ownership: borrows the files.
 class RenderedTemplates final : public kel::Stencilor::TemplateSource {
   public:
-    /// Reads the template that is rendered.
+    /// Reads the template to render.
     /// Errors: throws `Failure`.
     RenderedTemplates(const Request& request, Files& files);
 
@@ -27,16 +27,16 @@ class RenderedTemplates final : public kel::Stencilor::TemplateSource {
     find(const kel::String& path, std::uint64_t maxBytes,
          std::optional<kel::Stencilor::Template>& found) override;
 
-    /// What messages are about, each template parsed once more when it is first asked for.
+    /// The template with a name, for messages. It is parsed again on first use.
     kel::Stencilor::Analysis::TemplateFiles& files() { return files_; }
     const kel::Stencilor::Analysis::TemplateFile& rootFile();
     const kel::Stencilor::Analysis::TemplateFile& fileNamed(const kel::String& name);
 
-    /// Those that were rendered whose bytes are not as they should be.
+    /// The rendered templates with damaged text.
     std::vector<const kel::Stencilor::Analysis::TemplateFile*> damagedFiles();
 
   private:
-    /// What was found at a path.
+    /// The result for a path.
     struct Known {
         kel::Folder::Answer answer = kel::Folder::Answer::Missing;
         std::string name{};
@@ -48,7 +48,7 @@ class RenderedTemplates final : public kel::Stencilor::TemplateSource {
 
     static Known open(const kel::Stencilor::Analysis::TemplateText& text);
 
-    /// Finds again what the render found.
+    /// Returns the templates of the render.
     class Reader final : public kel::Stencilor::Analysis::TemplateReader {
       public:
         explicit Reader(RenderedTemplates& templates) : templates_(templates) {}

@@ -11,20 +11,20 @@ enum class Format { Text, Json, Sarif };
 
 enum class Color { Auto, Always, Never };
 
-/// Where the values of a context come from, and how it is made. No file is an empty object.
+/// The source of a context, and how to make it. Without a file, the context is empty.
 struct ContextRequest {
     std::optional<std::string> file;
     std::vector<std::string> definitions;
-    bool positions = false; // of the elements of lists
+    bool positions = false; // of list elements
 
     bool isGiven() const { return file || !definitions.empty(); }
 };
 
-/// What all commands are asked for. In place of a file, `-` is a standard stream.
+/// The arguments common to all commands. `-` stands for a standard stream.
 struct Request {
     std::vector<std::string> templateFiles;
-    std::optional<std::string> standardInputName; ///< the file that a template on it belongs to
-    std::optional<std::string> root;              ///< none is the folder of each template
+    std::optional<std::string> standardInputName; ///< the file that a template on stdin belongs to
+    std::optional<std::string> root;              ///< the default is the folder of each template
     ContextRequest context;
     std::string outputFile = "-";
     Format format = Format::Text;

@@ -19,7 +19,7 @@ kel::Folder openFolder(const std::string& path) {
     throw Failure(path + ": not a readable folder");
 }
 
-/// The file that a template belongs to; `-` where it is none.
+/// The file that a template belongs to, or `-`.
 const std::string& fileOf(const std::string& templateFile, const Request& request) {
     return templateFile == standardStream && request.standardInputName ? *request.standardInputName
                                                                        : templateFile;

@@ -11,26 +11,26 @@
 
 namespace stencilor {
 
-/// Where the files that a template includes are looked up: below the root, where it is given,
-/// otherwise below the template's own folder, or the working directory for the standard input.
+/// The folder for the includes of a template: the root if it is given, otherwise the template's
+/// folder, or the working directory for the standard input.
 std::string includeRoot(const std::string& templateFile, const Request& request);
 
-/// A template that the user names.
+/// Reads a template that the user names.
 /// Errors: throws `Failure`.
 kel::Stencilor::Analysis::TemplateText readTemplate(const std::string& templateFile,
                                                     const Request& request, Files& files);
 
-/// The templates below one folder, found as the engine finds them.
+/// The templates in one folder, found as by the engine.
 ///
-/// Ownership: borrows the files that are read.
+/// Ownership: borrows the files.
 class TemplateFolder final : public kel::Stencilor::Analysis::TemplateReader {
   public:
-    /// Errors: throws `Failure` if `root` is not a folder that can be read from.
+    /// Errors: throws `Failure` if `root` is not a readable folder.
     TemplateFolder(const std::string& root, Files& files);
 
     Answer find(const std::string& path, kel::Stencilor::Analysis::TemplateText& found) override;
 
-    /// The same for a template of at most `maxBytes`.
+    /// The same, for a template of at most `maxBytes`.
     kel::Folder::Answer load(const std::string& path, std::uint64_t maxBytes,
                              kel::Stencilor::Analysis::TemplateText& found) const;
 

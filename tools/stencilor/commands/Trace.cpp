@@ -18,7 +18,8 @@ std::string indentation(unsigned int depth) {
 }
 
 void writeScope(const kel::LogRecord& record) {
-    // Where a scope is left can be seen from the next one; the messages are printed by themselves.
+    // The indentation of the next scope shows which ones were left; messages are printed
+    // separately.
     if (record.kind == kel::LogRecord::Kind::ScopeEntered) {
         system::writeStandardError("trace: " + indentation(record.depth) +
                                    std::string(record.text) + ":" + std::to_string(record.line) +

@@ -6,8 +6,8 @@
 
 namespace stencilor {
 
-/// Writes the syntax trees of templates, a line for each node, or JSON. Included files are not
-/// looked at.
+/// Writes the syntax trees of templates, one line per node, or as JSON. Included files are not
+/// read.
 /// Errors: throws `Failure`.
 ExitStatus tree(const Request& request);
 

@@ -28,7 +28,7 @@ std::string commandNames(const CommandTable& table) {
     return join(names, " ");
 }
 
-/// The value of an option. By default bash completes files.
+/// The completion of an option's value. By default, bash completes files.
 std::string valueCases(const CommandInfo& command) {
     std::string cases;
     for (const OptionInfo& option : command.options) {

@@ -7,7 +7,7 @@ namespace stencilor {
 
 namespace {
 
-/// Text that the formatter takes as it is, at the beginning of a line, too.
+/// Escapes text for the formatter, also at the beginning of a line.
 std::string escape(std::string_view text) {
     std::string escaped;
     for (const char byte : text) {
@@ -48,7 +48,7 @@ std::string describeOption(const OptionInfo& option) {
            (choices.empty() ? "" : escape(choices) + ")") + ".\n";
 }
 
-/// The notes are wrapped text in paragraphs, and tables whose rows begin with two spaces.
+/// Notes consist of wrapped paragraphs, and of tables whose rows begin with two spaces.
 std::string describeNotes(const std::string& notes) {
     std::istringstream lines(notes);
     std::string text = ".PP\n";

@@ -6,7 +6,7 @@ namespace stencilor {
 
 namespace {
 
-/// For a word in single quotes. What means something to `_arguments` gets a backslash.
+/// Escapes a word in single quotes for `_arguments`.
 std::string escape(std::string_view text) {
     std::string escaped;
     for (const char byte : text) {
@@ -42,7 +42,7 @@ std::string actionOf(const OptionInfo& option) {
     return ":" + option.value + ":(" + words + ")";
 }
 
-/// One that may be given once excludes its other name.
+/// An option that may be given once excludes its other name.
 std::string optionArgument(const OptionInfo& option) {
     std::string names;
     for (const std::string& name : option.names) {

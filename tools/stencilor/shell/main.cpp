@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-// Writes what shells and the manual know of the program: stencilor_shell_files KIND FILE.
+// Writes the shell completions and the manual page: stencilor_shell_files KIND FILE.
 
 namespace {
 
 using Writer = std::string (*)(const stencilor::CommandTable&);
 
-/// The table without what nobody shall be offered.
+/// The table without hidden options.
 stencilor::CommandTable shownTable() {
     stencilor::CommandTable table = stencilor::makeCommandTable();
     for (stencilor::CommandInfo& command : table.commands) {

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-// Files on POSIX systems. What fails throws `std::system_error`.
+// Files on POSIX systems. Failures throw `std::system_error`.
 
 namespace stencilor::system {
 
@@ -18,7 +18,7 @@ namespace stencilor::system {
     throw std::system_error(error, std::generic_category());
 }
 
-/// Calls again what a signal has interrupted.
+/// Repeats a call that a signal interrupts.
 template <typename Call>
 auto retry(Call call) {
     decltype(call()) result;
@@ -28,7 +28,7 @@ auto retry(Call call) {
     return result;
 }
 
-/// Reads or writes. A stream that another program has made non-blocking is waited for.
+/// Reads or writes. Waits for a stream that another program has made non-blocking.
 template <typename Call>
 std::size_t transfer(int descriptor, short event, Call call) {
     ssize_t count = retry(call);
@@ -60,7 +60,8 @@ class Descriptor {
 
     int get() const { return descriptor_; }
 
-    /// Closes it. Fails where that does: some file systems report only then that they are full.
+    /// Closes the file. This can fail, because some file systems only report then that they are
+    /// full.
     void close() {
         const int descriptor = std::exchange(descriptor_, -1);
         if (::close(descriptor) != 0 && errno != EINTR) {

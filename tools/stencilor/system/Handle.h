@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-// Files on Windows. What fails throws `std::system_error`.
+// Files on Windows. Failures throw `std::system_error`.
 
 namespace stencilor::system {
 
@@ -40,8 +40,8 @@ class Handle {
     HANDLE handle_;
 };
 
-/// The path to hand to the system. Long ones take the form that has no limit of 260 characters;
-/// where the manifest alone lifts it depends on the settings of the machine.
+/// The path to pass to the system. Long paths use the form without the limit of 260 characters.
+/// (The manifest alone only lifts the limit on some machines.)
 std::filesystem::path widePath(const std::string& path);
 
 void writeAll(HANDLE file, std::string_view text);

@@ -13,8 +13,8 @@ namespace stencilor::system {
 
 namespace {
 
-/// Keeps signals from ending the program while a temporary file exists; afterwards they do. Those
-/// of faults in the program itself cannot wait.
+/// Delays signals that end the program while a temporary file exists. Signals caused by faults of
+/// the program itself are not delayed.
 class SignalsHeld {
   public:
     SignalsHeld() {
@@ -33,10 +33,10 @@ class SignalsHeld {
     sigset_t before_;
 };
 
-/// A file of a name that nothing else has, which is removed unless it takes another one's place.
+/// A file with a unique name, which is removed unless it replaces another one.
 class TemporaryFile {
   public:
-    /// Before it resembles another file, a `secret` one is open to this user alone.
+    /// A `secret` file is only accessible to this user until it has the permissions of another one.
     TemporaryFile(const std::filesystem::path& folder, bool secret)
         : file_(create(folder, secret ? 0600 : 0666, path_)) {}
     TemporaryFile(const TemporaryFile&) = delete;
@@ -47,9 +47,9 @@ class TemporaryFile {
         }
     }
 
-    /// Takes over the owner, the group and the permissions of another file. Where the system does
-    /// not let it have the owner or the group, nobody gets rights by that: the set-id bit goes, and
-    /// another group may do no more than all others.
+    /// Copies the owner, the group and the permissions of another file. If the owner or the group
+    /// cannot be copied, nobody gains rights: the set-id bit is cleared, and the group gets no more
+    /// rights than others.
     void resemble(const struct stat& other) {
         constexpr auto unchanged = static_cast<uid_t>(-1);
         const bool hasGroup = ::fchown(file_.get(), unchanged, other.st_gid) == 0;
@@ -67,9 +67,9 @@ class TemporaryFile {
     void write(std::string_view content) {
         writeAll(file_.get(), content);
         if (mode_) {
-            setMode(*mode_); // writing has cleared set-id bits
+            setMode(*mode_); // because writing clears set-id bits
         }
-        // Some file systems cannot be asked for this.
+        // Some file systems do not support this.
         if (retry([this] { return ::fsync(file_.get()); }) != 0 && errno != EINVAL &&
             errno != ENOTSUP) {
             fail();
@@ -85,7 +85,7 @@ class TemporaryFile {
     }
 
   private:
-    /// Sets `path` once the file is there.
+    /// Sets `path` once the file exists.
     static int create(const std::filesystem::path& folder, mode_t mode,
                       std::filesystem::path& path) {
         for (int attempt = 1;; ++attempt) {
@@ -102,7 +102,7 @@ class TemporaryFile {
         }
     }
 
-    /// File systems without permissions refuse to set any.
+    /// File systems without permissions refuse to set them.
     void setMode(mode_t mode) {
         struct stat status;
         if (::fstat(file_.get(), &status) != 0 ||
@@ -113,7 +113,7 @@ class TemporaryFile {
 
     std::filesystem::path path_;
     Descriptor file_;
-    std::optional<mode_t> mode_; // that of the file that it resembles
+    std::optional<mode_t> mode_; // that of the file that it replaces
 };
 
 std::optional<struct stat> statusOf(const std::filesystem::path& path) {
@@ -127,14 +127,15 @@ std::optional<struct stat> statusOf(const std::filesystem::path& path) {
     return std::nullopt;
 }
 
-/// True for what is open as the standard output: `/dev/stdout`, where that is redirected to a file.
+/// True for the file that is open as the standard output, such as `/dev/stdout` if that is
+/// redirected to a file.
 bool isStandardOutput(const struct stat& status) {
     struct stat output;
     return ::fstat(STDOUT_FILENO, &output) == 0 && output.st_dev == status.st_dev &&
            output.st_ino == status.st_ino;
 }
 
-/// The path that a link, or a link to a link, leads to, be there a file or not.
+/// The target of a link, or of a chain of links, whether or not it exists.
 std::filesystem::path followLinks(std::filesystem::path path) {
     for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(path));
          ++links) {

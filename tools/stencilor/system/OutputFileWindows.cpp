@@ -9,15 +9,15 @@ namespace {
 /// Held while a temporary file exists.
 SRWLOCK replacing = SRWLOCK_INIT;
 
-/// Lets the program end only then. The system calls this in a thread of its own.
+/// Lets the program end only afterwards. The system calls this in a separate thread.
 BOOL WINAPI waitForReplacement(DWORD) {
     ::AcquireSRWLockExclusive(&replacing);
     ::ReleaseSRWLockExclusive(&replacing);
     return FALSE;
 }
 
-/// Keeps Ctrl+C, and a console that is closed, from ending the program while a temporary file
-/// exists; afterwards they do.
+/// Delays the end of the program by Ctrl+C, or by closing the console, while a temporary file
+/// exists.
 class InterruptsHeld {
   public:
     InterruptsHeld() {
@@ -27,13 +27,13 @@ class InterruptsHeld {
     InterruptsHeld(const InterruptsHeld&) = delete;
     InterruptsHeld& operator=(const InterruptsHeld&) = delete;
     ~InterruptsHeld() {
-        // Released first: while a handler waits, the system does not let handlers be removed.
+        // Released first, because the system does not remove handlers while one is waiting.
         ::ReleaseSRWLockExclusive(&replacing);
         ::SetConsoleCtrlHandler(waitForReplacement, FALSE);
     }
 };
 
-/// A file of a name that nothing else has, which is removed unless it takes another one's place.
+/// A file with a unique name, which is removed unless it replaces another one.
 class TemporaryFile {
   public:
     explicit TemporaryFile(const std::filesystem::path& folder) : file_(create(folder, path_)) {}
@@ -63,7 +63,7 @@ class TemporaryFile {
     }
 
   private:
-    /// Sets `path` once the file is there.
+    /// Sets `path` once the file exists.
     static HANDLE create(const std::filesystem::path& folder, std::filesystem::path& path) {
         for (int attempt = 1;; ++attempt) {
             const std::filesystem::path candidate = folder / temporaryName();
@@ -83,7 +83,7 @@ class TemporaryFile {
     Handle file_;
 };
 
-/// Writes to the file where it is there and is a device or a pipe.
+/// Writes to the file if it is an existing device or pipe.
 bool writeToDevice(const std::filesystem::path& path, std::string_view content) {
     const HANDLE file =
         ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -108,7 +108,7 @@ bool isReadOnly(const std::filesystem::path& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
-/// The path that a link, or a link to a link, leads to, be there a file or not.
+/// The target of a link, or of a chain of links, whether or not it exists.
 std::filesystem::path followLinks(std::filesystem::path path) {
     for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(path));
          ++links) {
@@ -129,7 +129,7 @@ void writeFile(const std::string& path, std::string_view content) {
     }
     const std::filesystem::path target = followLinks(wide);
     if (isReadOnly(target)) {
-        fail(ERROR_ACCESS_DENIED); // Replacing it may take no more than rights in its folder.
+        fail(ERROR_ACCESS_DENIED); // Replacing it might only require rights in its folder.
     }
     const InterruptsHeld held;
     TemporaryFile temporary(target.parent_path());

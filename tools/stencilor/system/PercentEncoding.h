@@ -7,14 +7,14 @@
 
 namespace stencilor::system {
 
-/// A path with `/` between its parts, as the path of a URI.
+/// Encodes a path, with `/` as the separator, as the path of a URI.
 std::string percentEncode(std::string_view path);
 
-/// The inverse. What is not an encoded byte stays as it is.
+/// The inverse. Everything but encoded bytes is kept.
 std::string percentDecode(std::string_view path);
 
-/// What follows the scheme and the authority of a URI of a file on this machine, decoded. Nothing
-/// for other URIs, and where there is a NUL byte in it, which no path has.
+/// The decoded path of a URI of a file on this machine. Nothing for other URIs, or if it contains a
+/// NUL byte.
 std::optional<std::string> decodeFileUri(std::string_view uri);
 
 } // namespace stencilor::system

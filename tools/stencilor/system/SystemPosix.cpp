@@ -16,7 +16,7 @@ namespace stencilor::system {
 
 namespace {
 
-/// The size of a regular file; 0 for others, whose size is known only at their end.
+/// The size of a regular file; 0 for others, whose size is not known in advance.
 std::uint64_t sizeOf(int descriptor) {
     struct stat status;
     if (::fstat(descriptor, &status) != 0) {
@@ -44,7 +44,7 @@ std::string readAll(int descriptor) {
 } // namespace
 
 std::vector<std::string> start(int argc, char** argv) {
-    // A file that grows over its limit is then a failure like others.
+    // A file that exceeds its size limit is then an ordinary failure.
     std::signal(SIGXFSZ, SIG_IGN);
     return std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc);
 }
@@ -67,7 +67,7 @@ void writeStandardOutput(std::string_view text) {
         return;
     }
     writeAll(STDOUT_FILENO, text);
-    // Some file systems report only when a file is closed that they are full.
+    // Some file systems only report on closing that they are full.
     Descriptor(retry([] { return ::dup(STDOUT_FILENO); })).close();
 }
 

@@ -11,7 +11,7 @@ namespace stencilor::system {
 
 namespace {
 
-/// The size of a file on a disk; 0 for others, whose size is known only at their end.
+/// The size of a file on disk; 0 for others, whose size is not known in advance.
 std::uint64_t sizeOf(HANDLE file) {
     LARGE_INTEGER size = {};
     if (::GetFileType(file) == FILE_TYPE_DISK && ::GetFileSizeEx(file, &size) == 0) {
@@ -28,7 +28,7 @@ std::string readAll(HANDLE file) {
         DWORD count = 0;
         if (::ReadFile(file, block.data(), static_cast<DWORD>(block.size()), &count, nullptr) ==
             0) {
-            // A pipe whose writer is gone has no end of its own.
+            // This is the end of a pipe whose writer has exited.
             if (::GetLastError() == ERROR_BROKEN_PIPE) {
                 return content;
             }
@@ -43,7 +43,7 @@ std::string readAll(HANDLE file) {
     throw std::system_error(std::make_error_code(std::errc::file_too_large));
 }
 
-/// Writes to a console in its own characters; as bytes the text would be read in its code page.
+/// Writes wide characters to a console, which would interpret bytes in its code page.
 void writeConsole(HANDLE console, std::string_view text) {
     constexpr std::size_t step = 8192;
     const std::wstring wide = kel::String(text).toWide();
@@ -72,7 +72,7 @@ void writeStandard(DWORD which, std::string_view text) {
 
 std::filesystem::path widePath(const std::string& path) {
     const std::filesystem::path wide = kel::String(std::string_view(path)).toWide();
-    // The limit is lower for folders, and for the names of temporary files something is added.
+    // The limit is lower for folders, and names of temporary files are longer.
     if (wide.native().size() < MAX_PATH / 2 || wide.native().starts_with(LR"(\\?\)") ||
         wide.native().starts_with(LR"(\\.\)")) {
         return wide;
@@ -189,7 +189,7 @@ std::string uriOf(const std::string& path) {
                     : percentEncode(rest);
 }
 
-/// `/C:/folder/file`, where the colon may have been encoded. Other machines are not supported.
+/// `/C:/folder/file`, where the colon may be encoded. Other hosts are not supported.
 std::optional<std::string> pathOfUri(std::string_view uri) {
     auto path = decodeFileUri(uri);
     if (path && path->size() > 2 && (*path)[2] == ':') {

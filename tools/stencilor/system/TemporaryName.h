@@ -5,11 +5,11 @@
 
 namespace stencilor::system {
 
-/// How many names are tried before it is an error that all of them are taken.
+/// The number of names to try before giving up.
 inline constexpr int mostTemporaryNames = 100;
 
-/// A name for a hidden file, with 64 random bits: ids of processes are equal in containers that
-/// share a folder.
+/// A name for a hidden file, with 64 random bits, because process ids can be equal in containers
+/// that share a folder.
 std::string temporaryName();
 
 } // namespace stencilor::system
