@@ -38,7 +38,9 @@ int renderToResult(const stencilor_options* options, stencilor_result** result,
             // In place: moving a result would take a good part of rendering a small page.
             made.reset(new stencilor_result{render(call_options(options, stopCode).get())});
             made->stopCode = stopCode;
-            describeMessages(*made);
+            if (!made->rendered.messages.empty()) {
+                describeMessages(*made);
+            }
         } catch (const call_stop& stop) {
             made.reset(new stencilor_result{{.status = RenderStatus::Stopped}, stop.code});
         }
