@@ -18,7 +18,7 @@ std::optional<Folder> currentRoot() {
     return sharedRoot.value;
 }
 
-/// The former root is freed by the caller, when the lock is free again.
+/// The caller frees the previous root after the lock is released.
 void exchangeRoot(std::optional<Folder>& root) {
     const ProcessLock lock;
     sharedRoot.value.swap(root);

@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-/// Gives `buffer` room for `capacity` bytes and keeps what it holds.
+/// Grows `buffer` to `capacity` bytes and keeps its content.
 void resize(Buffer<unsigned char>& buffer, std::uint64_t capacity) {
     auto* block = static_cast<unsigned char*>(::operator new(capacity));
     const std::uint64_t size = buffer.size;
@@ -23,11 +23,11 @@ void resize(Buffer<unsigned char>& buffer, std::uint64_t capacity) {
     buffer.capacity = capacity;
 }
 
-/// Reads up to the end of the file, but no more than one byte past `maxBytes`. False on failure.
+/// Reads to the end of the file, but at most one byte more than `maxBytes`. Returns false on
+/// failure.
 ///
-/// One byte more than the expected size is asked for, so that a single read finds the end; files
-/// that the system makes up as they are read (below /proc) have a size of 0 and are read until
-/// nothing more comes.
+/// Requests one byte more than the expected size, so that a single read detects the end. Files that
+/// the system generates on reading (in /proc) have a size of 0 and are read until the end.
 bool readToEnd(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out) {
     const std::uint64_t expected = file.state()->size;
     resize(out, expected + 1);
@@ -48,8 +48,8 @@ bool readToEnd(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned cha
     return true;
 }
 
-/// Reads an open file, all of it being at most `maxBytes`. `out` is empty beforehand, and
-/// afterwards unless the answer is `Found`.
+/// Reads an open file of at most `maxBytes`. `out` must be empty, and stays empty unless the answer
+/// is `Found`.
 Folder::Answer readWhole(const OpenFile& file, std::uint64_t maxBytes, Buffer<unsigned char>& out) {
     if (file.state()->size > maxBytes) {
         return Folder::Answer::TooLarge;

@@ -20,7 +20,7 @@ std::shared_ptr<const LogSink> currentSink() {
     return sharedSink.value;
 }
 
-/// Stores a pointer that other threads may store and read at the same time.
+/// Stores a pointer that other threads may concurrently store and read.
 void publish(Logger*& to, Logger* logger) noexcept {
 #ifdef __cpp_lib_atomic_ref
     std::atomic_ref(to).store(logger, std::memory_order_release);
@@ -73,7 +73,7 @@ bool Logger::write(const LogRecord& record) noexcept {
         }
         (*sink)(record);
         return true;
-    } catch (...) { // whatever the sink threw: logging changes nothing of what is logged about
+    } catch (...) { // logging must not affect what is logged, whatever the sink throws
         return false;
     }
 }
@@ -84,10 +84,10 @@ void LogFactory::setPriority(LoggerPriority::LOGGER_PRIORITY priority) noexcept 
     priority_.store(priority, std::memory_order_relaxed);
 }
 
-// Loggers are added to the front of a list without a lock, and never removed.
+// Loggers are added to the front of a lock-free list, and never removed.
 constinit std::atomic<Logger*> LogFactory::newest_ = nullptr;
 
-/// The logger of a category among `newest` and the ones before it, or null.
+/// The logger of a category among `newest` and older ones, or null.
 Logger* LogFactory::find(Logger* newest, std::string_view category) noexcept {
     while (newest != nullptr && newest->category_ != category) {
         newest = newest->older_;
@@ -106,7 +106,7 @@ void LogFactory::createLogger(const char* category, Logger*& logger) {
         created->older_ = newest;
         if (newest_.compare_exchange_weak(newest, created.get(), std::memory_order_acq_rel)) {
             found = created.release();
-        } else { // another thread was quicker, maybe with this category
+        } else { // another thread was faster, maybe with this category
             found = find(newest, category);
         }
     }
@@ -116,7 +116,8 @@ void LogFactory::createLogger(const char* category, Logger*& logger) {
 void LogFactory::setSink(LogSink sink) {
     std::shared_ptr<const LogSink> exchanged =
         sink ? std::make_shared<const LogSink>(std::move(sink)) : nullptr;
-    const ProcessLock lock; // released first: what the former sink holds is code of the host
+    // The lock is released first, because destroying the previous sink runs code of the host.
+    const ProcessLock lock;
     sharedSink.value.swap(exchanged);
 }
 

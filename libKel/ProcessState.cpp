@@ -10,8 +10,8 @@ namespace kel {
 
 namespace {
 
-// The locks of the systems, since they need neither a constructor nor a destructor; std::mutex has
-// one of them on some systems.
+// System locks, because they need neither a constructor nor a destructor; std::mutex has one on
+// some systems.
 #ifdef _WIN32
 
 constinit SRWLOCK mutex = SRWLOCK_INIT;
@@ -36,7 +36,7 @@ void unlock() noexcept {
     ::pthread_mutex_unlock(&mutex);
 }
 
-// Fails for want of memory alone; then forks do not wait.
+// This only fails if memory is exhausted; then forks do not wait.
 [[maybe_unused]] const int forksWait = ::pthread_atfork(lock, unlock, unlock);
 
 #endif

@@ -1,15 +1,15 @@
 #ifndef LIBKEL_PROCESSSTATE_H
 #define LIBKEL_PROCESSSTATE_H
 
-// What the whole process shares: the root of the files, the sink of the log. Not installed.
+// State of the whole process: the root of files and the log sink. Not installed.
 
 namespace kel {
 
-/// A variable that is there before the first constructor of a static object runs, and never
-/// destroyed: static objects and threads of a host may use the library until the process ends.
+/// A variable that exists before the first static constructor runs and is never destroyed, so that
+/// static objects and threads of a host can use the library until the process ends.
 ///
-/// Declare it `constinit`, outside of functions: a function's static would be made under a lock
-/// that a fork could copy while another thread holds it.
+/// Declare it `constinit`, outside of functions: a static in a function would be initialized under
+/// a lock, which a fork could copy while another thread holds it.
 template <typename T>
 union Immortal {
     constexpr Immortal() noexcept : value() {}
@@ -18,9 +18,9 @@ union Immortal {
     T value;
 };
 
-/// Holds the one lock of the library while it lives. No code of a host runs meanwhile, neither a
-/// sink nor an allocation, so that it may call the library from anywhere. On POSIX systems a fork
-/// waits for the lock, so that the child finds it free.
+/// Holds the library's only lock during its lifetime. No host code, such as a sink or an allocation
+/// function, runs meanwhile, so host code may call the library from anywhere. On POSIX systems, a
+/// fork waits for the lock, so that it is free in the child.
 class ProcessLock {
   public:
     ProcessLock() noexcept;

@@ -9,9 +9,8 @@ namespace {
 
 constexpr std::string_view forbidden = "\\:*?\"<>|";
 
-/// The device names that Windows finds in every directory, whatever extension follows them
-/// (Microsoft's "Naming Files, Paths, and Namespaces"). `#` stands for a digit, superscripts
-/// included.
+/// The device names that exist in every Windows directory, with any extension (Microsoft's "Naming
+/// Files, Paths, and Namespaces"). `#` stands for a digit, including superscripts.
 constexpr std::array<std::string_view, 8> devices = {"CON",    "PRN",     "AUX",  "NUL",
                                                      "CONIN$", "CONOUT$", "COM#", "LPT#"};
 

@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <new>
 
-// The blocks of memory that hold the characters of strings. Not installed.
+// The memory blocks for the characters of strings. Not installed.
 //
-// A block is known by the address of its first character and by its capacity, which leaves room for
-// a NUL. One for `leastShared` characters and more can be held by several strings and conversions,
-// which then only read it; before its characters is the count of holders. Smaller ones have one
-// holder and no count: copying them takes no longer than counting would.
+// A block is identified by the address of its first character and by its capacity, which excludes a
+// NUL. A block for at least `leastShared` characters can be held by several strings and
+// conversions, which then only read it. The number of holders is stored before the characters. A
+// smaller block has a single holder and no count, because copying it is as fast as counting.
 //
 // The blocks come from malloc because realloc moves large ones without copying.
 
@@ -21,7 +21,8 @@ namespace kel::blocks {
 using Holders = std::atomic<std::size_t>;
 
 constexpr std::size_t leastShared = 4096;
-constexpr std::size_t roomForHolders = alignof(std::max_align_t); // keeps what malloc aligned so
+constexpr std::size_t roomForHolders =
+    alignof(std::max_align_t); // preserves the alignment of malloc
 static_assert(sizeof(Holders) <= roomForHolders && alignof(Holders) <= roomForHolders);
 static_assert(Holders::is_always_lock_free);
 
@@ -33,13 +34,13 @@ constexpr std::size_t roomBefore(std::size_t capacity) noexcept {
     return hasHolders(capacity) ? roomForHolders : 0;
 }
 
-/// The count of a block that has one.
+/// The number of holders of a block that has a count.
 inline Holders& holdersOf(char* block) noexcept {
     return *std::launder(reinterpret_cast<Holders*>(block - roomForHolders));
 }
 
-/// A block held once, made from one that is held once by moving what it holds, or from null. Both
-/// capacities have a count, or neither has.
+/// Resizes a block with one holder, or null, and returns it. Either both capacities have a count,
+/// or neither.
 inline char* resizeBlock(char* block, std::size_t capacity) {
     const std::size_t before = roomBefore(capacity);
     void* const start = block == nullptr ? nullptr : block - before;
@@ -53,7 +54,7 @@ inline char* resizeBlock(char* block, std::size_t capacity) {
     return resized + before;
 }
 
-/// A block held once.
+/// Allocates a block with one holder.
 inline char* newBlock(std::size_t capacity) {
     return resizeBlock(nullptr, capacity);
 }
@@ -70,7 +71,7 @@ inline bool isHeldInCommon(char* block) noexcept {
     return holdersOf(block).load(std::memory_order_acquire) > 1;
 }
 
-/// Gives up one hold of a block.
+/// Releases one hold of a block.
 inline void dropBlock(char* block, std::size_t capacity) noexcept {
     if (!hasHolders(capacity) || holdersOf(block).fetch_sub(1, std::memory_order_acq_rel) == 1) {
         std::free(block - roomBefore(capacity));

@@ -29,7 +29,7 @@ const char* nameOf(LoggerPriority::LOGGER_PRIORITY priority) noexcept {
     }
 }
 
-/// As `2026-11-22T01:37:34.123Z`.
+/// Formats a time as `2026-11-22T01:37:34.123Z`.
 std::string textOf(std::chrono::system_clock::time_point time) {
     const auto day = std::chrono::floor<std::chrono::days>(time);
     const std::chrono::year_month_day date(day);
@@ -43,7 +43,7 @@ std::string textOf(std::chrono::system_clock::time_point time) {
     return text;
 }
 
-/// True for what ends lines or controls a terminal, the order of characters on it included.
+/// True for characters that end lines, control a terminal, or change the text direction.
 bool isControl(char32_t character) noexcept {
     return character < 0x20 || (character >= 0x7F && character < 0xA0) ||
            (character >= 0x2028 && character <= 0x202E) ||
@@ -68,7 +68,7 @@ void appendEscaped(std::string& line, std::string_view text) {
     }
 }
 
-/// The text of a record, without the line end that messages of the engine have.
+/// The text of a record, without the final line break of the engine's messages.
 std::string describe(const LogRecord& record) {
     if (record.kind == LogRecord::Kind::Message) {
         const bool ends = record.text.ends_with('\n');
@@ -94,10 +94,10 @@ std::string lineOf(const LogRecord& record, std::chrono::system_clock::time_poin
 
 namespace {
 
-/// What one call can write: a console of older systems takes no more than 64 KiB.
+/// The most that one call writes; older consoles accept only 64 KiB.
 constexpr std::size_t step = 8192;
 
-/// Writes to a console in its own characters; as bytes the text would be read in its code page.
+/// Writes wide characters to a console, which would interpret bytes in its code page.
 bool writeToConsole(HANDLE console, std::string_view line) {
     const std::wstring wide = String(line).toWide();
     for (std::wstring_view rest = wide; !rest.empty();) {

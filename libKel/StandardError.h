@@ -7,15 +7,16 @@
 #include <string>
 #include <string_view>
 
-// Where records go without a sink. Not installed.
+// The default destination of records. Not installed.
 
 namespace kel {
 
-/// The line for a record, with its line end: valid UTF-8 without control characters, so that no
-/// text in a record can end its line, look like another record, or reach a terminal as a command.
+/// Formats a record as a line, including the line break. It is valid UTF-8 without control
+/// characters, so that no text in a record can end the line, imitate another record, or control a
+/// terminal.
 std::string lineOf(const LogRecord& record, std::chrono::system_clock::time_point time);
 
-/// Writes a whole line in one call of the system, if that takes it. False where it fails.
+/// Writes a whole line, if possible in one system call. Returns false on failure.
 bool writeToStandardError(std::string_view line);
 
 } // namespace kel

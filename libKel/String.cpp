@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
 
-/// As many bytes as `Number` has, in the order of the memory.
+/// Reads the bytes of a `Number`, in memory order.
 template <typename Number>
 std::uint64_t load(const char* bytes) {
     Number number;
@@ -29,7 +29,7 @@ std::uint64_t load(const char* bytes) {
     return number;
 }
 
-/// Fewer than eight bytes, in the order of the memory, with zeros behind them. Some are read twice.
+/// Reads fewer than eight bytes, in memory order and followed by zeros. Some are read twice.
 std::uint64_t fewBytes(const char* bytes, unsigned int count) {
     const auto place = [](std::uint64_t number, unsigned int size, unsigned int at) {
         constexpr bool little = std::endian::native == std::endian::little;
@@ -51,7 +51,7 @@ constexpr std::uint64_t highBits = 0x8080808080808080u;
 
 } // namespace
 
-/// Holds `size_` bytes and the NUL after them: those of a long string, or a copy.
+/// Holds `size_` bytes and the NUL: shared with a long string, or copied.
 void CString::hold(char* bytes) {
     if (hasHolders(size_)) {
         holdBlock(bytes);
@@ -89,7 +89,7 @@ String& String::operator=(const String& other) {
     if (this == &other) {
         return *this;
     }
-    // A copy does not keep a block alive of which it would need less than half.
+    // A copy does not keep a block alive if it needs less than half of it.
     if (hasHolders(other.size_) && other.size_ >= other.capacity_ / 2) {
         holdBlock(other.data_);
         release();
@@ -118,8 +118,8 @@ String& String::append(const String& other) {
     if (size > capacity_ || isShared()) {
         grow(size);
     }
-    // Read after growing, since `other` may be this string. Its NUL is not copied along: it would
-    // already be overwritten in that case.
+    // Read after growing, because `other` may be this string. The NUL is not copied with it,
+    // because it would be overwritten in that case.
     std::memcpy(data_ + size_, other.data_, added);
     const bool leading = size_ < sizeof(std::uint64_t) && !isInline();
     size_ = static_cast<unsigned int>(size);
@@ -151,8 +151,8 @@ void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
     }
 }
 
-/// Decodes what fits inline, where all of it is ASCII: most texts between two tags are so. False,
-/// with nothing changed, where it is not, or where another string reads the same block.
+/// Decodes ASCII text that fits inline, like most texts between two tags. Returns false, with
+/// nothing changed, for any other text, or if another string shares the block.
 bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
     constexpr unsigned int half = sizeof(std::uint64_t);
     const bool few = length < half;
@@ -216,7 +216,7 @@ std::wstring String::toWide() const {
 }
 #endif
 
-/// `size`, where a string may be that long.
+/// Returns `size` if a string can be that long; otherwise throws.
 unsigned int String::checkedSize(std::size_t size) {
     if (size > longest) {
         throw std::length_error("kel::String: longer than 4 GiB - 1 byte");
@@ -224,7 +224,7 @@ unsigned int String::checkedSize(std::size_t size) {
     return static_cast<unsigned int>(size);
 }
 
-/// True if another string or conversion reads the same block.
+/// True if another string or conversion shares the block.
 bool String::isShared() const noexcept {
     return hasHolders(capacity_) && isHeldInCommon(data_);
 }
@@ -239,9 +239,8 @@ void String::assign(const char* bytes, unsigned int length) {
     store(bytes);
 }
 
-/// Copies `size_` characters to where there is room for them, and their beginning to `inline_`.
-/// Fewer than eight are put together beforehand: what was written in parts takes long to read back
-/// as a whole.
+/// Copies `size_` characters into the available room, and the first ones to `inline_`. Fewer than
+/// eight are combined first, because reading back what was written in parts is slow.
 void String::store(const char* bytes) noexcept {
     if (size_ < sizeof(std::uint64_t)) {
         const std::uint64_t all = fewBytes(bytes, size_);
@@ -268,9 +267,9 @@ void String::take(String& other) noexcept {
     other.release();
 }
 
-/// Makes room for `size` characters in a block of this string alone, and for twice as many as there
-/// are, so that appending stays linear. What is appended to once is likely to be appended to again,
-/// so small blocks are not worth their moving.
+/// Makes room for `size` characters in an unshared block, and for twice the current number, so that
+/// appending stays linear. A string that is appended to once is likely to grow further, so small
+/// blocks would only be moved again.
 void String::grow(std::size_t size) {
     constexpr std::size_t least = 255;
     checkedSize(size);
@@ -289,7 +288,7 @@ void String::grow(std::size_t size) {
     capacity_ = static_cast<unsigned int>(capacity);
 }
 
-/// Frees the block, if there is one, and leaves the string empty.
+/// Frees the block, if any, and makes the string empty.
 void String::release() noexcept {
     if (!isInline()) {
         dropBlock(data_, capacity_);
@@ -301,7 +300,7 @@ void String::release() noexcept {
 }
 
 #ifndef NDEBUG
-/// True if the members are what their comment in the class says.
+/// True if the members satisfy the comment in the class.
 bool String::isSound() const noexcept {
     char leading[sizeof(std::uint64_t)] = {};
     std::memcpy(leading, data_, std::min(std::size_t{size_}, sizeof(leading)));

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-// What differs between the systems about files. Not installed.
+// The system-dependent part of file access. Not installed.
 
 namespace kel {
 
@@ -20,17 +20,17 @@ using SystemHandle = int;
 #endif
 
 struct Folder::Directory {
-    SystemPath path; // as resolveDirectory gives it
+    SystemPath path; // as returned by resolveDirectory
 };
 
-/// The path under which the system knows a directory, absolute and without links. Nothing where
-/// `path` is not a directory that can be entered.
+/// The absolute path of a directory, without links. Nothing if `path` is not an accessible
+/// directory.
 std::optional<SystemPath> resolveDirectory(const String& path);
 
-/// The state of the regular file at `path`: below `root`, or anywhere where that is null.
+/// The state of the regular file at `path`: inside `root`, or anywhere if that is null.
 std::optional<FileState> findFile(const SystemPath* root, const String& path);
 
-/// Closes what is open, if anything is.
+/// Closes the handle, if it is open.
 class Handle {
   public:
     explicit Handle(SystemHandle handle) noexcept : handle_(handle) {}
@@ -47,13 +47,13 @@ class Handle {
 /// A regular file that is open for reading.
 class OpenFile {
   public:
-    /// Opens what `findFile` would find.
+    /// Opens the file that `findFile` would find.
     OpenFile(const SystemPath* root, const String& path);
 
-    /// The state when the file was opened; nothing where it could not be.
+    /// The state when the file was opened; nothing if that failed.
     const std::optional<FileState>& state() const noexcept { return state_; }
 
-    /// Reads at most `count` bytes; 0 at the end of the file, nothing on failure.
+    /// Reads at most `count` bytes. Returns 0 at the end of the file, and nothing on failure.
     std::optional<std::uint64_t> read(unsigned char* to, std::uint64_t count) const;
 
   private:
@@ -61,7 +61,7 @@ class OpenFile {
     std::optional<FileState> state_;
 };
 
-/// `Folder::load` below `root`, or anywhere where that is null.
+/// `Folder::load` inside `root`, or anywhere if that is null.
 Folder::Answer loadWhole(const SystemPath* root, const String& path, std::uint64_t maxBytes,
                          Buffer<unsigned char>& out, FileState& state);
 

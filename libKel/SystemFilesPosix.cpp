@@ -18,7 +18,7 @@ struct FreeBlock {
     void operator()(char* block) const noexcept { std::free(block); }
 };
 
-/// The path without links, `.` and `..`, or nothing where it names nothing.
+/// The path without links, `.` and `..`, or nothing if it does not exist.
 std::optional<std::string> canonicalPath(const std::string& path) {
     const std::unique_ptr<char, FreeBlock> resolved(::realpath(path.c_str(), nullptr));
     if (resolved == nullptr) {
@@ -30,7 +30,7 @@ std::optional<std::string> canonicalPath(const std::string& path) {
     return std::string(resolved.get());
 }
 
-/// The path as it is, or nothing where it is empty or could not be handed over whole.
+/// The path unchanged, or nothing if it is empty or contains a NUL.
 std::optional<std::string> plainPath(const String& path) {
     if (path.empty() || path.view().find('\0') != std::string_view::npos) {
         return std::nullopt;
@@ -43,7 +43,7 @@ bool isInside(const std::string& path, const std::string& directory) {
     return path.compare(0, start.size(), start) == 0;
 }
 
-/// The path to hand to the system for `path`, or nothing where it names nothing.
+/// The path to pass to the system, or nothing if `path` is invalid.
 std::optional<std::string> systemPath(const std::string* root, const String& path) {
     std::optional<std::string> wanted = plainPath(path);
     if (!wanted || root == nullptr) {
@@ -56,18 +56,18 @@ std::optional<std::string> systemPath(const std::string* root, const String& pat
     return resolved && isInside(*resolved, *root) ? resolved : std::nullopt;
 }
 
-/// Opens without waiting, since a pipe would wait for its writer.
+/// Opens without blocking, because a pipe would wait for its writer.
 int openForReading(const std::string* root, const String& path) {
     const std::optional<std::string> resolved = systemPath(root, path);
     return resolved ? ::open(resolved->c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK) : -1;
 }
 
-/// The state of a regular file; nothing for all others.
+/// The state of a regular file; nothing for other files.
 std::optional<FileState> stateOf(const struct stat& status) noexcept {
     if (!S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    // Unsigned, since a time outside of the years 1678 to 2261 wraps around.
+    // Unsigned, because a time outside of the years 1678 to 2261 wraps around.
     const auto seconds = static_cast<std::uint64_t>(status.st_mtim.tv_sec);
     const auto nanoseconds = static_cast<std::uint64_t>(status.st_mtim.tv_nsec);
     return FileState{.size = static_cast<std::uint64_t>(status.st_size),

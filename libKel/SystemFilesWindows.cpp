@@ -11,14 +11,14 @@ namespace kel {
 
 namespace {
 
-/// Opens a file or a directory for `access`; 0 is enough to ask what it is.
+/// Opens a file or a directory for `access`; 0 is enough to query it.
 HANDLE open(const std::wstring& path, DWORD access) {
     return ::CreateFileW(path.c_str(), access,
                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
-/// Asks a function of Windows for a text whose length is not known beforehand.
+/// Calls a Windows function for a text of unknown length.
 template <typename Function>
 std::optional<std::wstring> askForText(Function function) {
     std::wstring text(MAX_PATH, L'\0');
@@ -35,7 +35,7 @@ std::optional<std::wstring> askForText(Function function) {
     }
 }
 
-/// The absolute path in the form that may be longer than 260 characters. Devices keep their form
+/// The absolute path in the form that can exceed 260 characters. Devices keep their form
 /// (`\\.\NUL`).
 std::optional<std::wstring> absolutePath(const std::wstring& path) {
     std::optional<std::wstring> absolute = askForText([&path](wchar_t* to, DWORD size) {
@@ -50,7 +50,7 @@ std::optional<std::wstring> absolutePath(const std::wstring& path) {
     return L"\\\\?\\" + *absolute;
 }
 
-/// True if a directory is before each `..`. Windows drops both without looking.
+/// True if each `..` follows a directory. Windows removes both without checking.
 bool leadsThroughDirectories(const std::wstring& path) {
     constexpr const wchar_t* separators = L"/\\";
     for (std::size_t start = 0; start < path.size();) {
@@ -69,7 +69,7 @@ bool leadsThroughDirectories(const std::wstring& path) {
     return true;
 }
 
-/// The path of an open file as the system names it: without links, in its own case.
+/// The path of an open file as the system stores it: without links, in its actual case.
 std::optional<std::wstring> finalPath(HANDLE handle) {
     return askForText([handle](wchar_t* to, DWORD size) {
         return ::GetFinalPathNameByHandleW(handle, to, size, FILE_NAME_NORMALIZED);
@@ -92,7 +92,7 @@ std::optional<std::wstring> widePath(const String& path) {
     return path.toWide();
 }
 
-/// The path to hand to the system for `path`, or nothing where it names nothing.
+/// The path to pass to the system, or nothing if `path` is invalid.
 std::optional<std::wstring> systemPath(const std::wstring* root, const String& path) {
     std::optional<std::wstring> wanted = widePath(path);
     if (!wanted || !isAsWrittenOnWindows(path.view())) {
@@ -129,16 +129,16 @@ std::uint64_t joined(DWORD high, DWORD low) {
     return std::uint64_t{high} << 32 | low;
 }
 
-/// The nanoseconds since 1970 of a time in steps of 100 since 1601.
+/// Converts a time in units of 100 ns since 1601 to nanoseconds since 1970.
 std::int64_t nanoseconds(const FILETIME& time) {
     constexpr std::uint64_t from1601To1970 = 116'444'736'000'000'000;
-    // Unsigned, since a time outside of the years 1678 to 2261 wraps around.
+    // Unsigned, because a time outside of the years 1678 to 2261 wraps around.
     const std::uint64_t steps = joined(time.dwHighDateTime, time.dwLowDateTime) - from1601To1970;
     return static_cast<std::int64_t>(steps * 100);
 }
 
-/// The state of an open file, where it is a regular one that may be reached. Where its path led is
-/// asked of the open file, so that no link can lead it elsewhere afterwards.
+/// The state of an open file, if it is a regular file inside the root. Its path is queried from the
+/// open file, so that no link can redirect it afterwards.
 std::optional<FileState> stateOf(HANDLE handle, const std::wstring* root) {
     if (handle == INVALID_HANDLE_VALUE || ::GetFileType(handle) != FILE_TYPE_DISK) {
         return std::nullopt;

@@ -22,7 +22,7 @@ bool areAscii(const char* bytes) noexcept {
     return (all & 0x8080808080808080u) == 0;
 }
 
-/// How many bytes at the start of `text` are ASCII.
+/// The number of ASCII bytes at the start of `text`.
 std::size_t asciiPrefix(std::string_view text) noexcept {
     std::size_t at = 0;
     while (text.size() - at >= 64 && areAscii<64>(text.data() + at)) {
@@ -32,7 +32,7 @@ std::size_t asciiPrefix(std::string_view text) noexcept {
         at += 8;
     }
     if (at > 0 && text.size() - at < 8 && areAscii<8>(text.data() + text.size() - 8)) {
-        return text.size(); // the last eight, some of them a second time
+        return text.size(); // the last eight bytes, some of them again
     }
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
         ++at;
@@ -40,8 +40,8 @@ std::size_t asciiPrefix(std::string_view text) noexcept {
     return at;
 }
 
-/// What may stand second in a sequence: table 3-7 of the standard narrows it for some lead bytes,
-/// which rules out overlong forms, surrogates and what lies past U+10FFFF.
+/// The range of the second byte in a sequence. Table 3-7 of the standard restricts it for some lead
+/// bytes, which excludes overlong forms, surrogates and code points above U+10FFFF.
 struct SecondByte {
     unsigned char lowest = 0x80;
     unsigned char highest = 0xBF;
@@ -62,7 +62,7 @@ SecondByte secondByteAfter(unsigned char lead) {
     }
 }
 
-/// The length of a sequence that begins with `lead`; 1 for what begins none.
+/// The length of a sequence that begins with `lead`; 1 for an invalid lead byte.
 std::size_t sequenceLength(unsigned char lead) {
     if (lead >= 0xC2 && lead <= 0xDF) {
         return 2;
@@ -73,8 +73,8 @@ std::size_t sequenceLength(unsigned char lead) {
     return lead >= 0xF0 && lead <= 0xF4 ? 4 : 1;
 }
 
-/// How many bytes at the start of `text`, which is not empty, belong together: a character, or the
-/// longest start of one that could still have become valid, or else a single byte.
+/// The number of bytes that belong together at the start of a non-empty `text`: a character, the
+/// longest prefix of a valid one, or a single byte.
 std::size_t matchedLength(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const std::size_t most = std::min(sequenceLength(byte(0)), text.size());

@@ -5,27 +5,27 @@
 #include <string>
 #include <string_view>
 
-// The conversions of text, apart from the string class. Not installed.
+// Conversions of text, independent of the string class. Not installed.
 
 namespace kel {
 
-/// One character and how many bytes it takes.
+/// One character and its size in bytes.
 struct Utf8Character {
     char32_t character;
     std::size_t length;
 };
 
-/// The first character of valid UTF-8 that is not empty.
+/// The first character of non-empty, valid UTF-8.
 Utf8Character firstCharacter(std::string_view text) noexcept;
 
-/// How many bytes at the start of `text` are valid UTF-8.
+/// The number of bytes at the start of `text` that are valid UTF-8.
 std::size_t validUtf8Prefix(std::string_view text) noexcept;
 
-/// `text` with each maximal malformed part replaced by U+FFFD. The first `valid` bytes are known to
+/// Replaces each maximal malformed part of `text` by U+FFFD. The first `valid` bytes are known to
 /// be valid.
 std::string repairedUtf8(std::string_view text, std::size_t valid);
 
-/// Between UTF-8 and UTF-16 in the machine's byte order; what is malformed becomes U+FFFD.
+/// Convert between UTF-8 and UTF-16 in the machine's byte order. Malformed parts become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view text);
 std::u16string utf16FromUtf8(std::string_view text);
 
