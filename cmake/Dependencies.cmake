@@ -1,5 +1,5 @@
-# The libraries of others that are built with, under the target names of their own packages. All of
-# them are header-only, so nothing of them has to be shipped.
+# Third-party libraries, under the target names of their own packages. They are all header-only, so
+# nothing of them has to be shipped.
 
 include_guard(GLOBAL)
 
@@ -11,7 +11,7 @@ set(
 )
 mark_as_advanced(STENCILOR_HEADERS)
 
-# Gives the targets of the libraries named to the calling folder and to those below it.
+# Defines the targets of these libraries for the calling folder and its subfolders.
 #
 # boost: Boost::headers    cli11: CLI11::CLI11    json: nlohmann_json::nlohmann_json
 function(stencilor_require)
@@ -34,8 +34,8 @@ endfunction()
 
 # stencilor_find(PACKAGE TARGET HEADERS...)
 #
-# Gives the target of one header-only library: from its package, or, when building for a system that
-# has no packages, made of its headers on this one. HEADERS are its folders and files.
+# Defines the target of one header-only library: from its package or, when building for a system
+# without packages, from its headers on this machine. HEADERS are its folders and files.
 function(stencilor_find package target)
     if(TARGET ${target})
         return()
@@ -49,7 +49,7 @@ function(stencilor_find package target)
         return()
     endif()
 
-    # A folder of links, since the folder of all headers holds this system's C library, too.
+    # A folder of links, because the folder of all headers also contains this system's C library.
     set(staged "${PROJECT_BINARY_DIR}/headers/${package}")
     file(MAKE_DIRECTORY "${staged}")
     foreach(header IN LISTS ARGN)

@@ -1,5 +1,5 @@
-# GoogleTest, compiled here with the compiler and the flags of the build, as sanitizers and other
-# compilers need it. Gives the targets GTest::gtest, GTest::gtest_main, GTest::gmock and
+# GoogleTest, compiled with the compiler and flags of the build, which sanitizers and other
+# compilers need. Defines the targets GTest::gtest, GTest::gtest_main, GTest::gmock and
 # GTest::gmock_main.
 
 include_guard(GLOBAL)
@@ -7,7 +7,7 @@ include_guard(GLOBAL)
 set(STENCILOR_GOOGLETEST /usr/src/googletest CACHE PATH "The sources of GoogleTest")
 mark_as_advanced(STENCILOR_GOOGLETEST)
 
-# In a function, so that its settings stay here.
+# In a function, so that its settings stay local.
 function(stencilor_add_googletest)
     if(TARGET GTest::gmock)
         return()
@@ -24,8 +24,8 @@ function(stencilor_add_googletest)
         EXCLUDE_FROM_ALL
         SYSTEM
     )
-    # Neither its speed nor its faults are asked for, and both take long to compile. The thread
-    # sanitizer stays: it must see all that its threads do.
+    # Optimization and sanitizers would only slow down the compilation. The thread sanitizer stays,
+    # because it must see everything that threads do.
     foreach(library gtest gmock)
         target_compile_options(
             ${library}

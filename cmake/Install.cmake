@@ -1,14 +1,14 @@
-# What `cmake --install` lays down: the libraries with their headers and CMake packages, and the
-# program. Nothing that is installed names a folder of this machine, so the whole may be moved.
+# What `cmake --install` installs: the libraries with their headers and CMake packages, and the
+# program. Nothing that is installed names a folder of this machine, so it can be moved.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 # stencilor_install_library(TARGET PACKAGE FOLDER [COMPONENT NAME] [RUNTIME COMPONENT] HEADERS...)
 #
-# The package gives the target in its own namespace, or only where its component NAME is asked for.
-# The headers are included as <FOLDER/HEADER>. What runs is installed with the component `runtime`, or
-# another one.
+# The package defines the target in its own namespace, or only if its component NAME is requested.
+# The headers are included as <FOLDER/HEADER>. Runtime files are installed with the component
+# `runtime`, or another one.
 function(stencilor_install_library target package folder)
     cmake_parse_arguments(PARSE_ARGV 3 library "" "COMPONENT;RUNTIME" "")
     if(NOT library_RUNTIME)
@@ -49,7 +49,8 @@ endfunction()
 
 # stencilor_install_package(PACKAGE [FILES...])
 #
-# What find_package(PACKAGE) finds, made of cmake/package/<PACKAGE>Config.cmake.in, with files beside it.
+# Installs what find_package(PACKAGE) finds, generated from cmake/package/<PACKAGE>Config.cmake.in,
+# with additional files.
 function(stencilor_install_package package)
     if(NOT STENCILOR_INSTALL)
         return()
@@ -77,7 +78,8 @@ endfunction()
 
 # stencilor_install_pkg_config(TARGET DESCRIPTION [REQUIRES MODULE...] [PRIVATE LIBRARIES])
 #
-# What `pkg-config` finds, under the name of the target. PRIVATE is what a static library needs.
+# Installs what `pkg-config` finds under the name of the target. PRIVATE is what a static library
+# needs.
 function(stencilor_install_pkg_config target description)
     cmake_parse_arguments(PARSE_ARGV 2 module "" "PRIVATE" "REQUIRES")
     if(NOT STENCILOR_INSTALL)

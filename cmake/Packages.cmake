@@ -1,5 +1,5 @@
-# What `cpack` makes: Debian packages of the library, of what is needed to develop with it, and of
-# the program; and one archive of all of it.
+# What `cpack` makes: Debian packages of the library, of the development files, and of the program,
+# and one archive of everything.
 
 set(CPACK_PACKAGE_NAME stencilor)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
@@ -21,7 +21,7 @@ set(CPACK_COMPONENTS_ALL development)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 
-# The library's package is named after what changes with its binary interface.
+# The name of the library's package changes with its binary interface.
 set(stencilor_package_version "${PROJECT_VERSION}-1")
 set(stencilor_library_package "libstencilor${stencilor_soversion}")
 set(stencilor_of_this_version "")
@@ -100,14 +100,14 @@ The values come from JSON files."
 )
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${stencilor_of_this_version}")
-# The two libraries are not installed where the packages are made.
+# The two libraries are not installed on the machine that makes the packages.
 set(
     CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     "${PROJECT_BINARY_DIR}/libKel"
     "${PROJECT_BINARY_DIR}/libStencilor"
 )
 
-# Licences and the like, which no build installs.
+# Licences and other files that no build installs.
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/add_documents.cmake")
 set(CPACK_STENCILOR_SOURCE "${PROJECT_SOURCE_DIR}")
 set(CPACK_STENCILOR_HEADERS "${STENCILOR_HEADERS}")

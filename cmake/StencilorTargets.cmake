@@ -1,5 +1,5 @@
-# What all targets of this project have in common. Nothing here reaches a project that includes this
-# one: it is set on the targets, not on folders or on the whole build.
+# Settings common to all targets of this project. They do not affect a project that includes this
+# one, because they are set on targets, not on folders or on the whole build.
 
 include_guard(GLOBAL)
 
@@ -12,36 +12,36 @@ target_compile_options(
     INTERFACE
         $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow>
         $<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang>:-Wnon-virtual-dtor;-Wold-style-cast>
-        # GCC 12 warns of its own std::string, wherever "text" + string is compiled for speed.
+        # GCC 12 warns about its own std::string in optimized "text" + string expressions.
         $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
 )
 
-# True where the libraries take several times as long as those that are shipped: without
-# optimisation, or with a sanitizer.
+# True if the libraries are several times slower than those that are shipped: without optimization,
+# or with a sanitizer.
 set(STENCILOR_SLOW_BUILD OFF)
 if(CMAKE_BUILD_TYPE STREQUAL "Debug" OR CMAKE_CXX_FLAGS MATCHES "-O0|-fsanitize=")
     set(STENCILOR_SLOW_BUILD ON)
 endif()
 
-# The settings of every target that is compiled here.
+# The settings of every compiled target.
 function(stencilor_compile_settings target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     set_target_properties(
         ${target}
         PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     )
-    # Calls within a library go straight to their target, not through the table that would let
-    # another module replace it; other compilers than GCC do so anyway.
+    # Calls within a library are direct, not through the table that lets another module replace the
+    # target. Compilers other than GCC do so by default.
     target_compile_options(
         ${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>
     )
     if(NOT WIN32)
-        # Those into other libraries load their target's address, instead of going to a jump that
-        # does. Small templates take less time for it.
+        # Calls to other libraries load the target's address instead of going through a stub, which
+        # makes small templates faster.
         target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-fno-plt>)
     else()
-        # Otherwise <windows.h> has macros for min and max.
+        # Otherwise <windows.h> defines macros for min and max.
         target_compile_definitions(${target} PRIVATE NOMINMAX)
     endif()
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:stencilor_warnings>)
@@ -53,8 +53,8 @@ else()
     set(stencilor_library_type STATIC)
 endif()
 
-# Tells the headers of a library that is built as a static one that nothing is exported or imported,
-# where it is compiled and where it is used.
+# Tells the headers of a static library, both where it is compiled and where it is used, that
+# nothing is exported or imported.
 function(stencilor_mark_static definition objects library)
     if(NOT STENCILOR_SHARED)
         target_compile_definitions(${objects} PUBLIC ${definition})
@@ -72,8 +72,8 @@ function(stencilor_include_folder folder result)
     set(${result} "${staged}" PARENT_SCOPE)
 endfunction()
 
-# Exports what exports.map beside the target's CMakeLists.txt says. On Windows the marks in the
-# headers do so alone.
+# Exports what exports.map in the target's source folder lists. On Windows, the marks in the headers
+# suffice.
 function(stencilor_limit_exports target)
     if(WIN32 OR NOT STENCILOR_SHARED)
         return()
@@ -83,8 +83,8 @@ function(stencilor_limit_exports target)
     set_target_properties(${target} PROPERTIES LINK_DEPENDS "${map}")
 endfunction()
 
-# The settings of objects that are linked into a library of another name, with nothing to export or
-# import themselves.
+# The settings of objects that are linked into another library, and export or import nothing
+# themselves.
 function(stencilor_embed_settings target)
     stencilor_compile_settings(${target})
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)

@@ -1,14 +1,14 @@
-# How the programs of the tests are made.
+# How test programs are built.
 
 include_guard(GLOBAL)
 include(GoogleTest) # ours, which compiles it
 
-# All test programs, and those that the thread sanitizer has something to find in.
+# All test programs, and those that are relevant to the thread sanitizer.
 add_custom_target(stencilor_tests)
 add_custom_target(threads_tests)
 
-# The checks themselves need no speed, and compiling them for it takes longer than it saves; those
-# that compute more than the libraries do need some. A sanitizer sets its own.
+# Optimizing the checks takes longer than it saves, except for those that compute more than the
+# libraries. Sanitizers set their own level.
 set(STENCILOR_TEST_OPTIONS "")
 set(STENCILOR_BUSY_TEST_OPTIONS "")
 if(NOT STENCILOR_SLOW_BUILD)
@@ -16,8 +16,8 @@ if(NOT STENCILOR_SLOW_BUILD)
     set(STENCILOR_BUSY_TEST_OPTIONS -O1)
 endif()
 
-# The headers of GoogleTest, which take longer to read than most tests: read once for all programs.
-# The preset "release" does without, and so finds the test that forgets to include them.
+# The headers of GoogleTest, which take longer to compile than most tests, are precompiled for all
+# programs. The preset "release" does not, and so finds tests that forget to include them.
 if(CMAKE_POSITION_INDEPENDENT_CODE) # programs are compiled for it in another way than libraries
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
@@ -33,10 +33,10 @@ target_precompile_headers(stencilor_test_headers PRIVATE <gmock/gmock.h> <gtest/
 
 # stencilor_add_test(NAME SOURCES... LIBRARIES ... [TIMEOUT SECONDS] [THREADS] [BUSY])
 #
-# One program made of SOURCES, and one test of it for ctest: a test for each case would start the
-# program each time, which on Windows programs run under Wine takes longer than the case itself.
-# Tests of internals link the object libraries, tests of the interface the real shared ones. THREADS
-# marks those whose threads share something, BUSY those that compute more than the libraries do.
+# Adds one program made of SOURCES, and one test for ctest. A test for each case would start the
+# program each time, which under Wine takes longer than the case itself. Tests of internals link the
+# object libraries, tests of the interface the real shared ones. THREADS marks tests whose threads
+# share something, BUSY those that compute more than the libraries.
 function(stencilor_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "BUSY;THREADS" "TIMEOUT" "LIBRARIES")
     if(NOT test_TIMEOUT)
@@ -49,7 +49,7 @@ function(stencilor_add_test name)
         ${name}
         PRIVATE ${test_LIBRARIES} stencilor_test_support GTest::gmock GTest::gtest_main
     )
-    # On Windows the headers say otherwise where a function is to be found.
+    # On Windows, the headers otherwise declare functions as imported.
     if("kel_objects" IN_LIST test_LIBRARIES)
         target_compile_definitions(${name} PRIVATE KEL_STATIC)
     endif()
@@ -73,8 +73,8 @@ function(stencilor_add_test name)
     endif()
 endfunction()
 
-# Every source file below the calling folder must be in the CMakeLists.txt beside it, or be named with
-# its folder in another one: a test that is not built tests nothing.
+# Every source file below the calling folder must be named in the CMakeLists.txt of its folder, or
+# with its folder in another one, because a test that is not built tests nothing.
 function(stencilor_check_all_tests_are_built)
     file(GLOB_RECURSE lists "${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt")
     set(named "")

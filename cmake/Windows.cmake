@@ -1,5 +1,5 @@
-# What programs and libraries have on Windows only. On other systems these functions do nothing, so
-# that callers need not ask.
+# Windows-only parts of programs and libraries. On other systems, these functions do nothing, so
+# that callers need no conditions.
 
 include_guard(GLOBAL)
 
@@ -9,7 +9,7 @@ endif()
 
 set(stencilor_windows_templates "${CMAKE_CURRENT_LIST_DIR}/windows")
 
-# Gives a program or a library the version that the Explorer shows in its properties.
+# Adds the version that the Explorer shows in the properties of a program or library.
 function(stencilor_add_version_resource target description)
     get_target_property(type ${target} TYPE)
     if(NOT WIN32 OR type STREQUAL "STATIC_LIBRARY")
@@ -26,12 +26,12 @@ function(stencilor_add_version_resource target description)
 
     set(resource "${CMAKE_CURRENT_BINARY_DIR}/${target}-version.rc")
     configure_file("${stencilor_windows_templates}/version.rc.in" "${resource}.in" @ONLY)
-    # In a second step, since the file's name is not known before all targets are.
+    # In a second step, because the file's name is only known once all targets are.
     file(GENERATE OUTPUT "${resource}" INPUT "${resource}.in" TARGET ${target})
     target_sources(${target} PRIVATE "${resource}")
 endfunction()
 
-# Gives a program the manifest that lets it have UTF-8 arguments and paths of any length.
+# Adds the manifest that enables UTF-8 arguments and paths of any length.
 function(stencilor_add_manifest target)
     if(NOT WIN32)
         return()
@@ -43,7 +43,7 @@ function(stencilor_add_manifest target)
     target_sources(${target} PRIVATE "${resource}")
 endfunction()
 
-# Installs the compiler's own DLLs beside the programs, which a machine without the compiler lacks.
+# Installs the compiler's own DLLs with the programs, for machines without the compiler.
 function(stencilor_install_compiler_runtime)
     if(MINGW_RUNTIME_DLLS)
         install(FILES ${MINGW_RUNTIME_DLLS} DESTINATION "${CMAKE_INSTALL_BINDIR}" ${ARGN})

@@ -1,16 +1,16 @@
-# What the scripts that make packages have in common; they source it.
+# Functions that the packaging scripts share; they source this file.
 
 fail() {
     echo "${0##*/}: $*" >&2
     exit 1
 }
 
-# read_options ARGUMENT...: sets `build`, to nothing where it is not given, and `output`; goes to the
-# root of the sources.
+# read_options ARGUMENT...: sets `build`, which is empty by default, and `output`, and changes to
+# the source root.
 read_options() {
     build='' output=build
     while (($# > 0)); do
-        (($# >= 2)) || fail "$1: this takes a folder, and nothing else may be given"
+        (($# >= 2)) || fail "expected --build DIR or --output DIR, not '$*'"
         case $1 in
             --build) build=$(realpath "$2") ;;
             --output) output=$(realpath "$2") ;;
@@ -22,7 +22,7 @@ read_options() {
     output=$(realpath "$output")
 }
 
-# The time of the last change, for everything, since the time of packing would be another one each time.
+# The time of the last commit for all files, because the time of packing would differ each time.
 set_time() {
     if [[ -z ${SOURCE_DATE_EPOCH:-} ]]; then
         SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null) || SOURCE_DATE_EPOCH=$(stat -c %Y CMakeLists.txt)

@@ -1,5 +1,5 @@
-# What builds do with templates. The program is the one in the variable STENCILOR, a command, or one
-# that is built along.
+# Functions for builds with templates. They use the program in the variable STENCILOR, which is a
+# command, or the one that is built in the same project.
 
 function(stencilor_find_command result)
     if(STENCILOR)
@@ -40,10 +40,10 @@ endmacro()
 
 # stencilor_render(TARGET NAME TEMPLATE FILE [CONTEXT FILE] OUTPUT FILE [ROOT FOLDER] [OPTIONS OPTION...])
 #
-# Renders a template when the build runs, again where it, what it includes or the context has changed.
-# A gap in the output is an error. NAME is a target of this folder, which the output becomes a source
-# of, or a new one that makes it. OUTPUT is relative to the folder of the build, the others to that
-# of the sources. The options are those of `stencilor render`.
+# Renders a template when the build runs, and again when it, an include or the context has changed.
+# Gaps in the output are errors. The output becomes a source of the target NAME of this folder, or
+# of a new target if there is none. OUTPUT is relative to the binary directory, the other files to
+# the source directory. The options are those of `stencilor render`.
 function(stencilor_render)
     stencilor_read_call(
         stencilor_render
@@ -82,7 +82,7 @@ endfunction()
 
 # stencilor_check(NAME NAME TEMPLATES FILE... [CONTEXT FILE] [ROOT FOLDER] [OPTIONS OPTION...])
 #
-# Adds a test that fails where `stencilor check`, with these options, finds errors or warnings.
+# Adds a test that fails if `stencilor check`, with these options, finds errors or warnings.
 function(stencilor_check)
     stencilor_read_call(
         stencilor_check

@@ -1,17 +1,17 @@
-# Run by cpack on what is installed for a package, before that is packed: adds the licences, and what
-# Debian wants to find in each of its packages.
+# Run by cpack on the installed files of a package before they are packed: adds the licences, and
+# the documents that each Debian package must have.
 
 function(stencilor_run)
     execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-# The time of a file in a package that is to be the same each time, or that of now.
+# The modification time of files in a reproducible package, or the current time.
 function(stencilor_package_date result)
     string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH counts
     set(${result} "${date}" PARENT_SCOPE)
 endfunction()
 
-# One text of all licences. That of Boost does not ask to be handed on with compiled code.
+# One text with all licences. The licence of Boost need not be distributed with compiled code.
 function(stencilor_write_copyright licences file)
     file(READ "${licences}/Stencilor.txt" text)
     string(APPEND text "\nCompiled into it are the libraries below.\n")
@@ -33,7 +33,7 @@ function(stencilor_write_debian_changelog file)
     )
 endfunction()
 
-# The folder of documents that each Debian package has.
+# The documentation folder of a Debian package.
 function(stencilor_add_debian_documents component licences)
     string(TOUPPER "${component}" name)
     set(name "${CPACK_DEBIAN_${name}_PACKAGE_NAME}")

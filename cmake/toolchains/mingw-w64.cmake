@@ -1,5 +1,5 @@
-# Builds for 64-bit Windows with MinGW-w64, the variant with POSIX threads, since the other has no
-# std::thread. What is built runs under Wine.
+# Builds for 64-bit Windows with MinGW-w64, in the variant with POSIX threads, because the other one
+# has no std::thread. The result runs under Wine.
 
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
@@ -8,15 +8,14 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Nothing of the machine that builds is looked at but its programs.
+# Only programs of the build machine are used, not its libraries or headers.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The compiler's own DLLs, which every program and library made by it needs: to run what is built,
-# and to ship.
+# The compiler's own DLLs, which every program and library needs at run time. They are also shipped.
 set(MINGW_RUNTIME_DLLS)
 set(mingw_runtime_folders)
 foreach(dll IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
