@@ -5,6 +5,7 @@
 
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <regex>
 #include <string>
@@ -59,36 +60,56 @@ class Console {
     Console& operator=(const Console&) = delete;
     ~Console() { close(); }
 
-    void run(std::wstring commandLine) {
+    /// Runs a program, and returns its exit status. `meanwhile` is called while it runs.
+    DWORD run(std::wstring commandLine, const std::function<void()>& meanwhile = {}) {
         SIZE_T size = 0;
         ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         const std::unique_ptr<char[]> memory(new char[size]);
         STARTUPINFOEXW startup = {};
         startup.StartupInfo.cb = sizeof(startup);
         startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory.get());
-        ASSERT_NE(::InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size), 0);
-        ASSERT_NE(::UpdateProcThreadAttribute(startup.lpAttributeList, 0, pseudoConsoleAttribute,
+        EXPECT_NE(::InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size), 0);
+        EXPECT_NE(::UpdateProcThreadAttribute(startup.lpAttributeList, 0, pseudoConsoleAttribute,
                                               console_, sizeof(console_), nullptr, nullptr),
                   0);
         PROCESS_INFORMATION child = {};
-        ASSERT_NE(::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE,
+        EXPECT_NE(::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE,
                                    EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
                                    &startup.StartupInfo, &child),
                   0);
+        if (meanwhile) {
+            meanwhile();
+        }
         EXPECT_EQ(::WaitForSingleObject(child.hProcess, 180'000), WAIT_OBJECT_0);
+        DWORD status = 0;
+        EXPECT_NE(::GetExitCodeProcess(child.hProcess, &status), 0);
         ::CloseHandle(child.hThread);
         ::CloseHandle(child.hProcess);
         ::DeleteProcThreadAttributeList(startup.lpAttributeList);
+        return status;
+    }
+
+    /// Types text, as a user does.
+    void type(const std::string& text) {
+        DWORD count = 0;
+        EXPECT_NE(::WriteFile(input_.writer, text.data(), static_cast<DWORD>(text.size()), &count,
+                              nullptr),
+                  0);
     }
 
     /// What was shown since the beginning, without what moves the cursor and the like.
     std::string close() {
+        return std::regex_replace(closeRaw(), std::regex("\x1B\\[[0-9;?]*[A-Za-z]"), "");
+    }
+
+    /// All that the console's window was sent.
+    std::string closeRaw() {
         if (reading_.joinable()) {
             findSystemFunction<ClosePseudoConsole>("ClosePseudoConsole")(console_);
             ::CloseHandle(std::exchange(output_.writer, nullptr));
             reading_.join();
         }
-        return std::regex_replace(shown_, std::regex("\x1B\\[[0-9;?]*[A-Za-z]"), "");
+        return shown_;
     }
 
   private:
@@ -132,6 +153,51 @@ TEST(ConsoleTest, ShowsMessagesOfAnyLanguage) {
     const std::string shown = shownBy(L"render \u6A21\u677F/\u00FCberblick.txt");
     EXPECT_NE(shown.find("stencilor: \u6A21\u677F/\u00FCberblick.txt: "), std::string::npos)
         << shown;
+}
+
+TEST(ConsoleTest, ShowsColorsUnlessTheyAreUnwanted) {
+    const support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    folder.writeFile("page.txt", "{{");
+    const struct {
+        const char* name;
+        const wchar_t* noColor; // null: the variable is not set
+        std::wstring arguments;
+        bool colored;
+    } cases[] = {
+        {"a console", nullptr, L"check page.txt", true},
+        {"NO_COLOR", L"1", L"check page.txt", false},
+        {"NO_COLOR and a choice", L"1", L"check page.txt --color always", true},
+        {"no colors wanted", nullptr, L"check page.txt --color never", false},
+    };
+    for (const auto& [name, noColor, arguments, colored] : cases) {
+        SCOPED_TRACE(name);
+        ::SetEnvironmentVariableW(L"NO_COLOR", noColor);
+        Console console;
+        console.run(quoted(inConsole) + L" " + quoted(stencilor) + L" " + arguments);
+        const std::string shown = console.closeRaw();
+        EXPECT_NE(shown.find("expected a name"), std::string::npos) << shown;
+        EXPECT_EQ(std::regex_search(shown, std::regex("\x1B\\[[0-9;]*31")), colored) << shown;
+    }
+    ::SetEnvironmentVariableW(L"NO_COLOR", nullptr);
+}
+
+TEST(ConsoleTest, EndsToWatchAtCtrlC) {
+    const support::TemporaryFolder folder;
+    const support::WorkingFolder inside(folder.path());
+    folder.writeFile("page.txt", "text");
+    Console console;
+    const DWORD status = console.run(
+        quoted(inConsole) + L" " + quoted(stencilor) + L" render page.txt --watch -o out.txt",
+        [&console] {
+            for (int i = 0; i < 600 && !std::filesystem::exists("out.txt"); ++i) {
+                ::Sleep(100);
+            }
+            ::Sleep(500); // Ctrl+C waits while a file is being replaced
+            console.type("\x03");
+        });
+    EXPECT_TRUE(status == 0xC000013A || status == 0) << status; // STATUS_CONTROL_C_EXIT; Wine: 0
+    EXPECT_EQ(support::readFile("out.txt"), "text");
 }
 
 } // namespace

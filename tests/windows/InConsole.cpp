@@ -4,7 +4,8 @@
 #include <string>
 
 // Runs the program whose full path is the first argument, with the standard streams that lead to
-// the console. Its other arguments follow, as they are.
+// the console. Its other arguments follow, as they are. Ends with the program's exit status, also
+// where Ctrl+C ends the program.
 
 namespace {
 
@@ -24,6 +25,7 @@ std::wstring remainingCommandLine() {
 } // namespace
 
 int main() {
+    ::SetConsoleCtrlHandler([](DWORD) { return TRUE; }, TRUE);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -37,5 +39,7 @@ int main() {
         return EXIT_FAILURE;
     }
     ::WaitForSingleObject(child.hProcess, INFINITE);
-    return EXIT_SUCCESS;
+    DWORD status = EXIT_FAILURE;
+    ::GetExitCodeProcess(child.hProcess, &status);
+    ::ExitProcess(status);
 }
