@@ -115,7 +115,9 @@ std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile&
         if (known.emplace(place.file, place.range.begin, finding.rule).second) {
             if (suggestions < mostSuggestions &&
                 (finding.rule == Rule::MissingName || finding.rule == Rule::WrongKind)) {
-                finding.message += walk.suggest(found);
+                ContextWalk::Suggestion suggestion = walk.suggest(found);
+                finding.message += suggestion.text;
+                finding.replacement = std::move(suggestion.name);
                 ++suggestions;
             }
             findings.push_back(std::move(finding));

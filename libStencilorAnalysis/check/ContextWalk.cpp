@@ -361,19 +361,25 @@ std::string loopOver(std::string_view list, std::string_view member) {
 
 } // namespace
 
-std::string ContextWalk::suggest(const Occurrence& found) {
+ContextWalk::Suggestion ContextWalk::suggest(const Occurrence& found) {
     const bool ofList = found.problem == Problem::NoList || found.problem == Problem::NotList;
     const std::string name(found.file->slice(ofList ? found.part->list : found.part->name));
-    std::string text;
+    Suggestion suggestion;
     if (found.value == nullptr) {
-        text = suggestForVariable(found, name);
-        text = text.empty() ? suggestLoop(name) : text;
+        suggestion = suggestForVariable(found, name);
+        if (suggestion.text.empty()) {
+            suggestion.text = suggestLoop(name);
+        }
     }
-    if (text.empty() && found.problem == Problem::NotString &&
+    if (suggestion.text.empty() && found.problem == Problem::NotString &&
         dynamic_cast<const ContextIterable*>(found.value) != nullptr) {
-        return "; loop over it: {% for x in " + shorten(name) + " %}...{% endfor %}";
+        return {"; loop over it: {% for x in " + shorten(name) + " %}...{% endfor %}"};
     }
-    return text.empty() ? suggestSimilar(name, found.problem) : text;
+    if (suggestion.text.empty()) {
+        suggestion.name = findSimilar(name, found.problem);
+        suggestion.text = suggestion.name.empty() ? "" : didYouMean(suggestion.name);
+    }
+    return suggestion;
 }
 
 bool ContextWalk::isFound(const std::string& name, Problem problem) {
@@ -384,18 +390,19 @@ bool ContextWalk::isFound(const std::string& name, Problem problem) {
 }
 
 /// A loop variable is only a prefix.
-std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::string& name) {
+ContextWalk::Suggestion ContextWalk::suggestForVariable(const Occurrence& found,
+                                                        const std::string& name) {
     const auto& blocks = state().blocks;
     const auto loop = std::find_if(blocks.rbegin(), blocks.rend(), [&](const Block& block) {
         return block.list != nullptr && block.variable == name;
     });
     if (loop == blocks.rend()) {
-        return "";
+        return {};
     }
     std::string text = "; " + quote(name) + " is a loop variable, which is only a prefix";
     const ContextBase* const element = loop->element();
     if (element == nullptr) {
-        return text;
+        return {text};
     }
     const auto isHidden = [&](const String& key) { // by the element of an inner loop
         return std::any_of(blocks.rbegin(), loop, [&key](const Block& inside) {
@@ -408,14 +415,16 @@ std::string ContextWalk::suggestForVariable(const Occurrence& found, const std::
             const std::string member = name + "." + key.str();
             if ((key.view() == "value") == asValue && value != nullptr &&
                 isOfKind(*value, found.problem) && !isHidden(key) && find(member) == value) {
-                return text + (asValue ? ": write " : ": write a member, such as ") + quote(member);
+                return {text + (asValue ? ": write " : ": write a member, such as ") +
+                            quote(member),
+                        asValue ? member : ""};
             }
         }
     }
-    return element->find("value") == nullptr
-               ? text
-               : text + ", and an inner loop hides " + quote(name + ".value") +
-                     ": in the context, give the elements keys of their own";
+    return {element->find("value") == nullptr
+                ? text
+                : text + ", and an inner loop hides " + quote(name + ".value") +
+                      ": in the context, give the elements keys of their own"};
 }
 
 /// A prefix of the name may be a list.
@@ -432,7 +441,7 @@ std::string ContextWalk::suggestLoop(const std::string& name) {
 }
 
 /// A name with a similar spelling, or with additional prefixes.
-std::string ContextWalk::suggestSimilar(const std::string& name, Problem problem) {
+std::string ContextWalk::findSimilar(const std::string& name, Problem problem) {
     std::vector<std::string_view> prefixes = {""}; // removed before a name is looked up
     for (auto variable = state().variables.newestFirst();
          variable != state().variables.end() && prefixes.size() < mostScopes; ++variable) {
@@ -450,17 +459,17 @@ std::string ContextWalk::suggestSimilar(const std::string& name, Problem problem
                 words.all.findNearest(std::string_view(name).substr(prefix.size()));
             const std::string meant = std::string(prefix) + std::string(word);
             if (!word.empty() && isFound(meant, problem)) {
-                return didYouMean(meant);
+                return meant;
             }
         }
         const auto longer = words.byEnd.find(name);
         if (longer != words.byEnd.end() && isFound(std::string(longer->second), problem)) {
-            return didYouMean(longer->second);
+            return std::string(longer->second);
         }
     }
     const std::size_t dot = name.find('.');
     const std::string rest = name.substr(dot == name.npos ? name.size() : dot + 1);
-    return !rest.empty() && isFound(rest, problem) ? didYouMean(rest) : "";
+    return !rest.empty() && isFound(rest, problem) ? rest : "";
 }
 
 const ContextWalk::ScopeWords& ContextWalk::wordsOf(const ContextBase& scope) {

@@ -71,10 +71,14 @@ class ContextWalk final : private TemplateWalk {
     ContextWalk(TemplateFiles& files, Extent extent, Report report);
     ~ContextWalk();
 
-    /// A suggestion for a name that was not found or has the wrong kind, as the end of a message:
-    /// `; did you mean "title"?`. Empty if there is none. Suggested names can be found at that
-    /// place. Only call this from within the report.
-    std::string suggest(const Occurrence& found);
+    struct Suggestion {
+        std::string text{}; ///< the end of a message: `; did you mean "title"?`; empty if none
+        std::string name{}; ///< the suggested name; empty if the suggestion is not a name
+    };
+
+    /// A suggestion for a name that was not found or has the wrong kind. Suggested names can be
+    /// found at that place. Only call this from within the report.
+    Suggestion suggest(const Occurrence& found);
 
     /// Sets a function that is called every 1,024 tags; the walk ends if it returns false.
     void askWhether(std::function<bool()> goOn) { goOn_ = std::move(goOn); }
@@ -118,9 +122,9 @@ class ContextWalk final : private TemplateWalk {
     Value find(std::string_view name, const ContextBase** answering = nullptr);
     OtherLoop findOtherLoop(std::string_view name, const ContextBase* answering);
     bool isFound(const std::string& name, Problem problem);
-    std::string suggestForVariable(const Occurrence& found, const std::string& name);
+    Suggestion suggestForVariable(const Occurrence& found, const std::string& name);
     std::string suggestLoop(const std::string& name);
-    std::string suggestSimilar(const std::string& name, Problem problem);
+    std::string findSimilar(const std::string& name, Problem problem);
     const ScopeWords& wordsOf(const ContextBase& scope);
 
     FileState& state() { return *states_.back(); }

@@ -75,6 +75,7 @@ struct Finding {
     std::string message;
     std::vector<Note> notes{};
     std::optional<Severity> ownSeverity{}; ///< overrides the severity of the rule
+    std::string replacement{};             ///< a likely fix for the text there; empty if none
 
     Severity severity() const { return ownSeverity.value_or(infoOf(rule).severity); }
 };

@@ -106,6 +106,12 @@ std::string noteRunTogether(std::string_view keyword, std::string_view rest) {
            ", as if there were a space between them";
 }
 
+/// A tag with a space at an offset.
+std::string splitAt(const TemplateFile& file, SyntaxRange tag, unsigned int offset) {
+    return std::string(file.slice({tag.begin, offset})) + " " +
+           std::string(file.slice({offset, tag.end}));
+}
+
 /// The word that the inside of a tag begins with.
 std::string_view firstWord(std::string_view inside) {
     const auto end = std::find_if_not(inside.begin(), inside.end(), isNamePart);
@@ -215,9 +221,11 @@ void findWellFormedHabits(const TemplateFile& file, std::vector<Finding>& findin
                    isNamePart(file.text()[name.begin - 1])) {
             const auto word = trim(text.substr(2, name.begin - part.whole.begin - 2), " \t");
             add(part.whole, noteRunTogether(word, file.slice(name)));
+            findings.back().replacement = splitAt(file, part.whole, name.begin);
         } else if (part.kind == SyntaxElement::Kind::For && !part.list.isEmpty() &&
                    isNamePart(file.text()[part.list.begin - 1])) {
             add(part.whole, noteRunTogether("in", file.slice(part.list)));
+            findings.back().replacement = splitAt(file, part.whole, part.list.begin);
         } else if (part.kind != SyntaxElement::Kind::Include &&
                    (file.slice(name).starts_with("loop.") ||
                     file.slice(name).starts_with("forloop.")) &&

@@ -72,22 +72,22 @@ void Checks::checkSyntax(const std::string& name) {
     checks_.emplace(name, std::move(check));
 }
 
-/// What another open template includes needs that one's names. Of templates that include each other
-/// each is looked at by itself.
-bool Checks::isIncludedElsewhere(const std::string& name) const {
-    const Check& own = *checks_.at(name);
-    return std::any_of(checks_.begin(), checks_.end(), [&](const auto& other) {
-        return other.first != name && other.second->reached.contains(name) &&
-               !own.reached.contains(other.first);
-    });
+/// True for a template whose names are looked up by itself. What another open template includes
+/// needs that one's names. Of templates that include each other each is looked at by itself.
+bool Checks::hasOwnNames(const Check& check) const {
+    const ContextFile* const context = check.around.context.get();
+    const std::string& name = check.file->name();
+    return context != nullptr && context->context &&
+           (check.around.isNamed ||
+            std::none_of(checks_.begin(), checks_.end(), [&](const auto& other) {
+                return other.first != name && other.second->reached.contains(name) &&
+                       !check.reached.contains(other.first);
+            }));
 }
 
 /// False if it was interrupted.
 bool Checks::checkNames(Check& check, const GoOn& goOn) {
-    const ContextFile* const context = check.around.context.get();
-    const bool looksUpNames = context != nullptr && context->context &&
-                              !check.file->fault().isPresent() &&
-                              (check.around.isNamed || !isIncludedElsewhere(check.file->name()));
+    const bool looksUpNames = !check.file->fault().isPresent() && hasOwnNames(check);
     if (check.looksUpNames == looksUpNames) {
         return true;
     }
@@ -97,7 +97,7 @@ bool Checks::checkNames(Check& check, const GoOn& goOn) {
     bool isInterrupted = false;
     if (looksUpNames) {
         check.ofNames = findContextFaults(
-            check.files, *check.file, *context->context, ContextWalk::Extent::Whole,
+            check.files, *check.file, *check.around.context->context, ContextWalk::Extent::Whole,
             [&] { return !(isInterrupted = isInterrupted || !goOn()); });
     }
     if (!isInterrupted) {
@@ -133,17 +133,26 @@ const Check* Checks::of(const std::string& name) const {
     return found == checks_.end() ? nullptr : found->second.get();
 }
 
-const Check* Checks::withContextFor(const std::string& name) const {
-    const auto hasContext = [](const Check& check) { return check.looksUpNames == true; };
-    if (const Check* const own = of(name); own != nullptr && hasContext(*own)) {
-        return own;
+Check* Checks::withContextFor(const std::string& name) const {
+    const auto own = checks_.find(name);
+    if (own != checks_.end() && hasOwnNames(*own->second)) {
+        return own->second.get();
     }
-    for (const auto& [checked, check] : checks_) {
-        if (hasContext(*check) && check->reached.contains(name)) {
-            return check.get();
-        }
+    const auto found = std::find_if(checks_.begin(), checks_.end(), [&](const auto& each) {
+        return each.second->reached.contains(name) && hasOwnNames(*each.second);
+    });
+    return found == checks_.end() ? nullptr : found->second.get();
+}
+
+std::string Checks::rootOf(const Document& document) {
+    if (const Check* const check = withContextFor(document.name)) {
+        return check->around.root;
     }
-    return of(name);
+    const auto including = std::find_if(checks_.begin(), checks_.end(), [&](const auto& each) {
+        return each.first != document.name && each.second->reached.contains(document.name);
+    });
+    return including != checks_.end() ? including->second->around.root
+                                      : workspace_.surroundingsOf(document).root;
 }
 
 std::vector<std::shared_ptr<const ContextFile>> Checks::contexts() const {

@@ -66,7 +66,11 @@ class Checks {
 
     /// The check of the template by which names are looked up in an open one: its own, or that of
     /// one that includes it. Null where none has a context.
-    const Check* withContextFor(const std::string& name) const;
+    Check* withContextFor(const std::string& name) const;
+
+    /// The root below which an open template looks up its includes: its own, or that of the one
+    /// which includes it.
+    std::string rootOf(const Document& document);
 
     /// The contexts that are in use.
     std::vector<std::shared_ptr<const ContextFile>> contexts() const;
@@ -74,7 +78,7 @@ class Checks {
   private:
     void checkSyntax(const std::string& name);
     bool checkNames(Check& check, const GoOn& goOn);
-    bool isIncludedElsewhere(const std::string& name) const;
+    bool hasOwnNames(const Check& check) const;
 
     const Documents& documents_;
     Workspace& workspace_;

@@ -39,6 +39,8 @@ Client clientOf(const Json& capabilities) {
         has(capabilities, {"textDocument", "documentSymbol", "hierarchicalDocumentSymbolSupport"});
     client.takesLiteralActions =
         at(capabilities, {"textDocument", "codeAction", "codeActionLiteralSupport"}).is_object();
+    client.takesSnippets =
+        has(capabilities, {"textDocument", "completion", "completionItem", "snippetSupport"});
     return client;
 }
 

@@ -12,6 +12,7 @@ struct Client {
     bool watchesFiles = false; ///< where it is asked to
     bool showsTree = false;    ///< document symbols inside each other
     bool takesLiteralActions = false;
+    bool takesSnippets = false;
 };
 
 /// Of the `capabilities` of the client.

@@ -17,19 +17,14 @@ constexpr std::size_t longestDocument = std::size_t{256} << 20;
 
 void applyChange(IndexedText& text, const Json& change) {
     const std::string& inserted = change.at("text").get_ref<const std::string&>();
-    std::size_t begin = 0;
-    std::size_t end = text.text().size();
-    if (const auto range = change.find("range"); range != change.end()) {
-        begin = text.offsetOf(positionFrom(range->at("start")));
-        end = text.offsetOf(positionFrom(range->at("end")));
+    SyntaxRange range{0, static_cast<unsigned int>(text.text().size())};
+    if (const auto given = change.find("range"); given != change.end()) {
+        range = rangeFrom(text, *given);
     }
-    if (begin > end) {
-        std::swap(begin, end);
-    }
-    if (text.text().size() - (end - begin) + inserted.size() > longestDocument) {
+    if (text.text().size() - (range.end - range.begin) + inserted.size() > longestDocument) {
         throw ResponseError(ErrorCode::RequestFailed, "the text is too long to be edited");
     }
-    text.replace(begin, end, inserted);
+    text.replace(range.begin, range.end, inserted);
 }
 
 } // namespace
@@ -103,6 +98,12 @@ const Document* Documents::find(const std::string& name) const {
 Json rangeIn(const IndexedText& text, SyntaxRange range) {
     return {{"start", toJson(text.positionOf(range.begin))},
             {"end", toJson(text.positionOf(range.end))}};
+}
+
+SyntaxRange rangeFrom(const IndexedText& text, const Json& range) {
+    const auto start = static_cast<unsigned int>(text.offsetOf(positionFrom(range.at("start"))));
+    const auto end = static_cast<unsigned int>(text.offsetOf(positionFrom(range.at("end"))));
+    return {std::min(start, end), std::max(start, end)};
 }
 
 } // namespace stencilor::lsp

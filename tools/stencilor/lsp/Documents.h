@@ -67,6 +67,9 @@ class Documents {
 /// A range of bytes of a text, as the protocol has it.
 Json rangeIn(const IndexedText& text, kel::Stencilor::SyntaxRange range);
 
+/// The inverse. The end is not before the start.
+kel::Stencilor::SyntaxRange rangeFrom(const IndexedText& text, const Json& range);
+
 } // namespace stencilor::lsp
 
 #endif

@@ -111,7 +111,8 @@ Json LanguageServer::callRequest(const std::string& method, const Json& params) 
     }
     for (const RequestInfo& request : requests()) {
         if (request.method == method) {
-            return request.answer(session_, params);
+            const bool isTemplate = session_.documents.of(params).isTemplate();
+            return isTemplate ? request.answer(session_, params) : Json();
         }
     }
     throw ResponseError(ErrorCode::MethodNotFound, "unknown method: " + method);
@@ -134,7 +135,7 @@ Json LanguageServer::initialize(const Json& params) {
         {"workspace",
          {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}}};
     for (const RequestInfo& request : requests()) {
-        if (*request.capability != '\0') {
+        if (!request.capability.empty()) {
             capabilities[request.capability] = request.options;
         }
     }

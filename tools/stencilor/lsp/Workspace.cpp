@@ -191,13 +191,23 @@ std::vector<std::string> Workspace::takeFaults() {
 BufferedFolder::BufferedFolder(std::string root, const Documents& documents)
     : root_(std::move(root)), folder_(kel::Folder::open(root_)), documents_(documents) {}
 
-TemplateReader::Answer BufferedFolder::find(const std::string& path, TemplateText& found) {
-    found.name = joinPath(root_, path);
-    if (!folder_ || !folder_->find(path)) {
-        return findBuffer(path, found);
+std::string BufferedFolder::locate(const std::string& path) const {
+    std::string name = joinPath(root_, path);
+    if (folder_ && folder_->find(path)) {
+        return system::identityOf(name);
     }
-    found.identity = system::identityOf(found.name);
-    found.name = found.identity;
+    // A document that has never been saved.
+    const bool isBuffer =
+        documents_.find(name) != nullptr && isInside(name, root_) && path.find("..") == path.npos;
+    return isBuffer ? name : "";
+}
+
+TemplateReader::Answer BufferedFolder::find(const std::string& path, TemplateText& found) {
+    found.identity = locate(path);
+    found.name = found.identity.empty() ? joinPath(root_, path) : found.identity;
+    if (found.identity.empty()) {
+        return Answer::Missing;
+    }
     if (const Document* const document = documents_.find(found.identity)) {
         found.text = document->text.text();
         return Answer::Found;
@@ -208,18 +218,6 @@ TemplateReader::Answer BufferedFolder::find(const std::string& path, TemplateTex
         return Answer::Unreadable;
     }
     found.text.assign(reinterpret_cast<const char*>(bytes.data), bytes.size);
-    return Answer::Found;
-}
-
-/// A file that has never been saved.
-TemplateReader::Answer BufferedFolder::findBuffer(const std::string& path,
-                                                  TemplateText& found) const {
-    const Document* const document = documents_.find(found.name);
-    if (document == nullptr || !isInside(found.name, root_) || path.find("..") != path.npos) {
-        return Answer::Missing;
-    }
-    found.identity = found.name;
-    found.text = document->text.text();
     return Answer::Found;
 }
 

@@ -100,9 +100,10 @@ class BufferedFolder final : public kel::Stencilor::Analysis::TemplateReader {
 
     Answer find(const std::string& path, kel::Stencilor::Analysis::TemplateText& found) override;
 
-  private:
-    Answer findBuffer(const std::string& name, kel::Stencilor::Analysis::TemplateText& found) const;
+    /// The name of what `path` includes; empty if there is nothing.
+    std::string locate(const std::string& path) const;
 
+  private:
     std::string root_;
     std::optional<kel::Folder> folder_;
     const Documents& documents_;
