@@ -28,19 +28,31 @@ record_memory::~record_memory() {
 }
 
 void* record_memory::allocate(std::size_t size) {
-    if (active_ != nullptr) {
-        return active_->allocateFromChunk(size);
+    record_memory* const active = active_;
+    if (active == nullptr) {
+        return allocateAlone(size);
     }
-    return new (::operator new(sizeof(header) + size)) header{0, 0} + 1;
+    void* const record = active->allocateFromChunk(size);
+    static_cast<header*>(record)[-1].number = active->count_++;
+    return record;
 }
 
-void record_memory::release(void* record) noexcept {
-    header* const before = static_cast<header*>(record) - 1;
+void* record_memory::allocateList(std::size_t size) {
+    record_memory* const active = active_;
+    return active == nullptr ? allocateAlone(size) : active->allocateFromChunk(size);
+}
+
+void record_memory::release(void* allocated) noexcept {
+    header* const before = static_cast<header*>(allocated) - 1;
     if (before->offset == 0) {
         ::operator delete(before);
     } else {
         leave(reinterpret_cast<chunk*>(reinterpret_cast<char*>(before) - before->offset));
     }
+}
+
+void* record_memory::allocateAlone(std::size_t size) {
+    return new (::operator new(sizeof(header) + size)) header{0, 0} + 1;
 }
 
 void* record_memory::allocateFromChunk(std::size_t size) {
@@ -49,7 +61,7 @@ void* record_memory::allocateFromChunk(std::size_t size) {
         addChunk(taken);
     }
     char* const at = reinterpret_cast<char*>(chunk_) + used_;
-    auto* const before = new (at) header{static_cast<std::uint32_t>(used_), count_++};
+    auto* const before = new (at) header{static_cast<std::uint32_t>(used_), 0};
     ++chunk_->holders;
     used_ += taken;
     expected_ -= std::min(expected_, taken);

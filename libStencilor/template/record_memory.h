@@ -7,17 +7,17 @@
 
 namespace kel::Stencilor::internal {
 
-/// Where the records of a tree are allocated.
+/// Where the records and lists of a tree are allocated.
 ///
-/// While an object of this class exists, the records that its thread makes come from a few chunks,
-/// and are numbered from 0 in the order they are made. Records made without one, such as copies,
-/// have memory of their own. Each chunk is freed with its last record, so records may outlive the
-/// object.
+/// While an object of this class exists, the records and lists that its thread makes come from a
+/// few chunks, and records are numbered from 0 in the order they are made. Those made without one,
+/// such as copies, have memory of their own. Each chunk is freed with the last thing in it, so they
+/// may outlive the object.
 /// Threads: the records of one chunk are freed by one thread at a time.
 /// Copying: not possible, a thread has one.
 class record_memory {
   public:
-    /// Prepares memory for records that take `bytes` in total, `sizeOf` each.
+    /// Prepares memory for what takes `bytes` in total, `sizeOf` each record or list.
     explicit record_memory(std::size_t bytes) noexcept;
     record_memory(const record_memory&) = delete;
     record_memory& operator=(const record_memory&) = delete;
@@ -30,9 +30,15 @@ class record_memory {
         return sizeof(header) + sizeof(Record);
     }
 
+    /// What a list takes of a chunk beyond its nodes.
+    static constexpr std::size_t sizeOfList() { return sizeof(header); }
+
     /// For the allocation functions of the records.
     static void* allocate(std::size_t size);
-    static void release(void* record) noexcept;
+    static void release(void* allocated) noexcept;
+
+    /// For the nodes of a list.
+    static void* allocateList(std::size_t size);
 
     /// The number of a record that came from a chunk.
     static std::uint32_t numberOf(const void* record) noexcept {
@@ -41,15 +47,16 @@ class record_memory {
     }
 
   private:
-    /// Precedes each record.
+    /// Precedes each record and list.
     struct alignas(std::uint64_t) header {
-        std::uint32_t offset; // from the start of the chunk; 0 for a record with memory of its own
-        std::uint32_t number;
+        std::uint32_t offset; // from the start of the chunk; 0 for what has memory of its own
+        std::uint32_t number; // of a record
     };
     struct chunk {
-        std::size_t holders; // its records, and the object that still fills it
+        std::size_t holders; // what is in it, and the object that still fills it
     };
 
+    static void* allocateAlone(std::size_t size);
     void* allocateFromChunk(std::size_t size);
     void addChunk(std::size_t size);
     static void leave(chunk* left) noexcept;

@@ -7,7 +7,9 @@
 #include <boost/variant/variant.hpp>
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace kel::Stencilor::internal {
@@ -24,6 +26,30 @@ using content =
     boost::variant<boost::recursive_wrapper<if_expr>, boost::recursive_wrapper<for_expr>,
                    boost::recursive_wrapper<replace_expr>, boost::recursive_wrapper<include_expr>,
                    std::string>;
+
+} // namespace kel::Stencilor::internal
+
+/// Nodes have the memory of records: without it a quarter of the time that a template of many short
+/// blocks takes would go into allocating lists. (The type of a list stays what it is.)
+template <>
+struct std::allocator<kel::Stencilor::internal::content> {
+    using value_type = kel::Stencilor::internal::content;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using propagate_on_container_move_assignment = std::true_type;
+    using is_always_equal = std::true_type;
+
+    allocator() = default;
+    template <typename Other>
+    allocator(const allocator<Other>&) noexcept {}
+
+    inline value_type* allocate(std::size_t count);
+    inline void deallocate(value_type* nodes, std::size_t count) noexcept;
+
+    bool operator==(const allocator&) const = default;
+};
+
+namespace kel::Stencilor::internal {
 
 /// The nodes of one level, in the order of the template.
 using content_list = std::vector<content>;
@@ -82,5 +108,17 @@ struct syntax_tree {
 };
 
 } // namespace kel::Stencilor::internal
+
+// Nobody asks for more nodes than a template has bytes.
+inline kel::Stencilor::internal::content*
+std::allocator<kel::Stencilor::internal::content>::allocate(std::size_t count) {
+    using kel::Stencilor::internal::record_memory;
+    return static_cast<value_type*>(record_memory::allocateList(count * sizeof(value_type)));
+}
+
+inline void std::allocator<kel::Stencilor::internal::content>::deallocate(value_type* nodes,
+                                                                          std::size_t) noexcept {
+    kel::Stencilor::internal::record_memory::release(nodes);
+}
 
 #endif

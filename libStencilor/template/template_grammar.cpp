@@ -140,7 +140,8 @@ bool template_grammar::if_rule() {
     if (!literal("%}")) {
         return missing(SyntaxExpectation::IfEnd);
     }
-    open(step_kind::open_if, name, {}, record_memory::sizeOf<if_expr>());
+    open(step_kind::open_if, name, {},
+         record_memory::sizeOf<if_expr>() + record_memory::sizeOfList());
     return true;
 }
 
@@ -161,7 +162,8 @@ bool template_grammar::for_rule() {
     if (!literal("%}")) {
         return missing(SyntaxExpectation::ForEnd);
     }
-    open(step_kind::open_for, variable, list_name, record_memory::sizeOf<for_expr>());
+    open(step_kind::open_for, variable, list_name,
+         record_memory::sizeOf<for_expr>() + record_memory::sizeOfList());
     return true;
 }
 
@@ -223,6 +225,7 @@ bool template_grammar::else_tag() {
         return false;
     }
     innermost.in_else = true;
+    record_bytes_ += record_memory::sizeOfList();
     steps_.push_back({step_kind::other, {}});
     return true;
 }
@@ -261,7 +264,7 @@ template_grammar::span template_grammar::spanFrom(const char* begin) const {
 /// Notes a node, and counts it in the list that it belongs to.
 void template_grammar::add(step_kind kind, span text, std::size_t record_bytes) {
     steps_.push_back({kind, text});
-    record_bytes_ += record_bytes;
+    record_bytes_ += record_bytes + sizeof(content);
     if (open_.empty()) {
         ++top_level_count_;
     } else {
@@ -290,8 +293,8 @@ void template_grammar::build(content_list& list, std::size_t count) {
     };
     boost::container::small_vector<level, 4> enclosing;
     level current = {&list};
+    const record_memory memory(record_bytes_ + record_memory::sizeOfList());
     list.reserve(list.size() + top_level_count_);
-    const record_memory memory(record_bytes_);
     for (; count > 0; --count) {
         const step next = steps_.take();
         const std::string_view text = textOf(next.text);
