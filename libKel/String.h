@@ -120,7 +120,7 @@ class String {
     bool operator==(const char* bytes) const noexcept { return view() == bytes; }
 
     /// Compares byte by byte.
-    bool operator==(const String& other) const noexcept { return view() == other.view(); }
+    bool operator==(const String& other) const noexcept;
 
     /// Compares in the order described above.
     bool operator<(const String& other) const noexcept;
@@ -247,6 +247,19 @@ inline std::uint64_t String::leadingBytes() const noexcept {
 #else
     return _byteswap_uint64(bytes); // from Microsoft's <stdlib.h>
 #endif
+}
+
+/// Where it is decided by the first eight bytes or the last eight, nothing is called.
+inline bool String::operator==(const String& other) const noexcept {
+    constexpr unsigned int compared = sizeof(std::uint64_t);
+    if (size_ != other.size_ || std::memcmp(inline_, other.inline_, compared) != 0) {
+        return false;
+    }
+    if (size_ <= 2 * compared) {
+        const unsigned int rest = size_ <= compared ? 0 : size_ - compared;
+        return std::memcmp(data_ + rest, other.data_ + rest, compared) == 0;
+    }
+    return std::memcmp(data_ + compared, other.data_ + compared, size_ - compared) == 0;
 }
 
 inline bool String::operator<(const String& other) const noexcept {

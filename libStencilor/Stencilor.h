@@ -38,7 +38,8 @@ namespace kel::Stencilor {
 /// @cond
 namespace internal {
 struct context_access;
-}
+class child_map;
+} // namespace internal
 /// @endcond
 
 /// A value of the context: named children and, in the classes below, a payload. A plain
@@ -88,7 +89,7 @@ class STENCILOR_EXPORT ContextBase {
   private:
     friend struct internal::context_access;
 
-    std::map<String, ContextBase*> children;
+    internal::child_map* children = nullptr; // none while there are no entries
 };
 
 /// A text.

@@ -2,6 +2,7 @@
 #include <libStencilor/context/context_access.h>
 
 #include <memory>
+#include <utility>
 
 namespace kel::Stencilor {
 
@@ -10,11 +11,14 @@ namespace {
 using internal::context_access;
 
 /// Puts the pointers of `children` into `value`, which holds none yet. They stay the caller's where
-/// memory runs out, since the map is copied before any of them changes hands.
+/// memory runs out, since all are copied before any of them changes hands.
 template <typename Value>
 Value* adoptChildren(std::unique_ptr<Value> value, const std::map<String, ContextBase*>& children) {
-    std::map<String, ContextBase*> adopted(children);
-    context_access::children(*value).swap(adopted);
+    auto adopted = std::make_unique<internal::child_map>();
+    for (const auto& [key, child] : children) {
+        (*adopted)[key] = child;
+    }
+    context_access::setChildren(*value, std::move(adopted));
     return value.release();
 }
 

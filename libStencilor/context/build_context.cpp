@@ -14,7 +14,6 @@ namespace kel::Stencilor::internal {
 namespace {
 
 using Kind = Value::Kind;
-using Children = std::map<String, ContextBase*>;
 using Members = std::map<String, Value>;
 
 // About what an entry takes beside its texts: a map's node, and a value.
@@ -70,7 +69,7 @@ class context_builder {
     std::unique_ptr<ContextBase> buildDictionary(const Members& members);
     std::unique_ptr<ContextBase> buildList(const std::vector<Value>& items);
     std::unique_ptr<ContextBase> buildElement(const Value& item);
-    void addDottedNames(Children& children, const String& key, const ContextBase& nested);
+    void addDottedNames(ContextBase& dictionary, const String& key, const ContextBase& nested);
     void addPosition(ContextBase& element, std::size_t index, std::size_t count) const;
     void countDottedName(const String& name, const ContextBase* original);
 
@@ -117,36 +116,34 @@ std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& mem
     const auto truth = members.find(booleanKey_);
     std::unique_ptr<ContextBase> result =
         buildEmptyDictionary(truth == members.end() ? nullptr : &truth->second);
-    Children& children = context_access::children(*result);
     for (auto member = members.begin(); member != members.end(); ++member) {
         if (member != truth) {
-            const auto entry = children.emplace_hint(children.end(), member->first, nullptr);
-            entry->second = build(member->second).release();
+            ContextBase*& entry = (*result)[member->first];
+            entry = build(member->second).release();
         }
     }
     // Backwards: where two keys lead to the same dotted name, one begins with the other and is
     // behind it, and the longer one wins.
     for (auto member = members.rbegin(); member != members.rend(); ++member) {
         if (member->second.kind() == Kind::Dictionary) {
-            addDottedNames(children, member->first, *children.find(member->first)->second);
+            addDottedNames(*result, member->first, *result->find(member->first));
         }
     }
     return result;
 }
 
 /// Adds the names of `nested`, which is the child `key`, behind `key` and a dot.
-void context_builder::addDottedNames(Children& children, const String& key,
+void context_builder::addDottedNames(ContextBase& dictionary, const String& key,
                                      const ContextBase& nested) {
     String prefix = key;
     prefix += ".";
     for (const auto& [name, original] : context_access::children(nested)) {
         String dotted = prefix;
         dotted += name;
-        const auto place = children.lower_bound(dotted);
-        if (place == children.end() || dotted < place->first) {
+        if (!dictionary.containsKey(dotted)) {
             countDottedName(dotted, original);
-            const auto entry = children.emplace_hint(place, std::move(dotted), nullptr);
-            entry->second = buildAlias(original).release();
+            ContextBase*& entry = dictionary[dotted];
+            entry = buildAlias(original).release();
         }
     }
 }

@@ -2,20 +2,55 @@
 #define LIBSTENCILOR_CONTEXT_CONTEXT_ACCESS_H
 
 #include <libStencilor/Stencilor.h>
+#include <libStencilor/context/child_map.h>
+
+#include <cassert>
+#include <cstddef>
+#include <memory>
 
 namespace kel::Stencilor::internal {
 
+/// The entries of a value in the order of their keys.
+class child_range {
+  public:
+    explicit child_range(const child_map* children) : children_(children) {}
+
+    bool empty() const noexcept { return children_ == nullptr || children_->empty(); }
+    std::size_t size() const noexcept { return empty() ? 0 : children_->size(); }
+    auto begin() const { return empty() ? child_map::const_iterator() : children_->begin(); }
+    auto end() const { return empty() ? child_map::const_iterator() : children_->end(); }
+
+  private:
+    const child_map* children_;
+};
+
 /// The library's own way to what context values hold; hosts have none.
 struct context_access {
-    template <typename Value>
-    static auto& children(Value& value) noexcept {
-        return value.children;
+    static child_range children(const ContextBase& value) noexcept {
+        return child_range(value.children);
     }
 
-    /// The child under `key`, or null.
-    static const ContextBase* findChild(const ContextBase& value, const String& key) noexcept {
-        const auto found = value.children.find(key);
-        return found == value.children.end() ? nullptr : found->second;
+    /// For a value that has none yet.
+    static void setChildren(ContextBase& value, std::unique_ptr<child_map> children) noexcept {
+        assert(value.children == nullptr);
+        value.children = children.release();
+    }
+
+    /// The child under `key`, or null. `guess` is set to where it is among the children.
+    static const ContextBase* findChild(const ContextBase& value, const String& key,
+                                        child_guess& guess) {
+        if (value.children == nullptr) {
+            return nullptr;
+        }
+        const child_map& children = *value.children;
+        const auto found = children.find(key, guess);
+        return found == children.end() ? nullptr : found->second;
+    }
+
+    /// The child under `key`, if `guess` is where it is; otherwise null.
+    static const ContextBase* guessChild(const ContextBase& value, const String& key,
+                                         child_guess guess) {
+        return value.children == nullptr ? nullptr : value.children->guess(key, guess);
     }
 
     static const String& text(const ContextString& string) noexcept { return string.value; }

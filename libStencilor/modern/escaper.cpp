@@ -1,4 +1,5 @@
 #include <libStencilor/modern/escaper.h>
+#include <libStencilor/render/text_sink.h>
 
 #include <algorithm>
 #include <array>
@@ -30,21 +31,32 @@ constexpr bool mayEscapeHtml(std::uint64_t word) {
     return (found & highBits) != 0;
 }
 
+/// What a byte becomes in HTML, with room for a whole word to be copied.
+struct html_escape {
+    char text[8] = {};
+    std::uint8_t size = 0; // 0: the byte stays as it is
+};
+
+constexpr std::array<html_escape, 128> htmlEscapes = [] {
+    std::array<html_escape, 128> escapes{};
+    const auto add = [&escapes](char byte, std::string_view text) {
+        html_escape& escape = escapes[static_cast<unsigned char>(byte)];
+        std::copy(text.begin(), text.end(), escape.text);
+        escape.size = static_cast<std::uint8_t>(text.size());
+    };
+    add('&', "&amp;");
+    add('<', "&lt;");
+    add('>', "&gt;");
+    add('"', "&quot;");
+    add('\'', "&#39;");
+    return escapes;
+}();
+
 constexpr std::string_view htmlEscape(char byte) {
-    switch (byte) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\'':
-        return "&#39;";
-    default:
-        return {};
-    }
+    const auto index = static_cast<unsigned char>(byte);
+    return index < htmlEscapes.size()
+               ? std::string_view(htmlEscapes[index].text, htmlEscapes[index].size)
+               : std::string_view();
 }
 
 constexpr std::size_t wordSize = sizeof(std::uint64_t);
@@ -165,6 +177,41 @@ Escape Escape::html() {
 
 Escape Escape::json() {
     return Escape(Kind::Json);
+}
+
+char* escaper::writePlainHtml(std::string_view value, char* out) noexcept {
+    static_assert(mostHtml(0) >= sizeof(html_escape::text));
+    const char* at = value.data();
+    const char* const end = at + value.size();
+    while (at != end) {
+        const std::size_t few = std::min<std::size_t>(wordSize, static_cast<std::size_t>(end - at));
+        if (few == wordSize) {
+            const std::uint64_t word = wordAt(at);
+            if (internal::notPlainBits(word) != 0) {
+                return nullptr;
+            }
+            if (!mayEscapeHtml(word)) {
+                std::memcpy(out, at, wordSize);
+                out += wordSize;
+                at += wordSize;
+                continue;
+            }
+        }
+        for (const char* const stop = at + few; at != stop; ++at) {
+            const auto byte = static_cast<unsigned char>(*at);
+            if (byte - 1u >= htmlEscapes.size() - 1) {
+                return nullptr;
+            }
+            const html_escape& escape = htmlEscapes[byte];
+            if (escape.size == 0) {
+                *out++ = *at;
+            } else {
+                std::memcpy(out, escape.text, sizeof(escape.text));
+                out += escape.size;
+            }
+        }
+    }
+    return out;
 }
 
 std::string_view escaper::escape(std::string_view value) {

@@ -46,23 +46,43 @@ void metered_call::addMessage(fault reason, const name_use& use) {
                       names_.nameOf(use));
 }
 
-/// `find` where some keys are not kept.
+/// `find` where a name is not where it was found last.
+const ContextBase* metered_call::search(const scope_stack& scopes, const name_use& use) {
+    const name_keys& keys = names_.keysOf(use);
+    if (!keys.areAllKept()) {
+        return findByAllKeys(scopes, use);
+    }
+    const auto remembered = [&]() -> outer_search& { return state_.searchOf(keys, use.keys); };
+    child_guess& guess = state_.guessOf(use);
+    return scopes.findFirst(remembered, [this, &keys, &guess](const ContextBase& scope) {
+        const ContextBase* found = nullptr;
+        const auto kept = names_.keptKeys(keys);
+        for (auto key = kept.begin(); found == nullptr && key != kept.end(); ++key) {
+            state_.countKey(in_, [this] { return place(); });
+            found = context_access::findChild(scope, *key, guess);
+        }
+        return found;
+    });
+}
+
+/// The same where some keys are not kept.
 const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const name_use& use) {
     const name_keys& keys = names_.keysOf(use);
     const auto kept = names_.keptKeys(keys);
     const auto prefixes = names_.prefixes(keys);
     const std::string_view name = in_.text.view().substr(use.begin, use.size);
     const auto here = [this] { return place(); };
+    child_guess& guess = state_.guessOf(use);
     return scopes.findFirst([&](const ContextBase& scope) {
         const ContextBase* found = nullptr;
         for (std::size_t index = 0; found == nullptr && index < prefixes.size(); ++index) {
             state_.countKey(in_, here);
             if (index < kept.size()) {
-                found = context_access::findChild(scope, kept[index]);
+                found = context_access::findChild(scope, kept[index], guess);
             } else {
                 const std::string_view key = name.substr(prefixes[index]);
                 state_.countKeyBytes(key.size(), in_, here);
-                found = context_access::findChild(scope, String(key));
+                found = context_access::findChild(scope, String(key), guess);
             }
         }
         return found;

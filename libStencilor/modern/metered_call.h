@@ -30,7 +30,7 @@ class metered_call {
   public:
     metered_call(const render_tools& tools, const parsed_template& in)
         : state_(tools.state), text_(tools.text), escape_(tools.escape), in_(in),
-          names_(*in.names) {}
+          plain_(tools.escape.isNone()), html_(tools.escape.isHtml()), names_(*in.names) {}
     metered_call(const metered_call&) = delete;
     metered_call& operator=(const metered_call&) = delete;
 
@@ -51,9 +51,9 @@ class metered_call {
 
     void appendValue(const ContextString& string) {
         const String& value = context_access::text(string);
-        if (escape_.isNone() || isRaw(string)) {
+        if (plain_ || isRaw(string)) {
             appendBytes(value.view());
-        } else {
+        } else if (!html_ || !appendPlainHtml(value.view())) {
             appendBytes(escape_.escape(upToNul(value.view())));
         }
     }
@@ -61,22 +61,15 @@ class metered_call {
     template <typename Record>
     const ContextBase* find(const scope_stack& scopes, const std::string&, const Record& node) {
         const name_use& use = useOf(node);
-        const name_keys& keys = names_.keysOf(use);
-        if (!keys.areAllKept()) {
-            return findByAllKeys(scopes, use);
-        }
-        const auto remembered = [this, &keys, &use]() -> outer_search& {
-            return state_.searchOf(keys, use.keys);
-        };
-        return scopes.findFirst(remembered, [this, &keys](const ContextBase& scope) {
-            const ContextBase* found = nullptr;
-            const auto kept = names_.keptKeys(keys);
-            for (auto key = kept.begin(); found == nullptr && key != kept.end(); ++key) {
-                state_.countKey(in_, [this] { return place(); });
-                found = context_access::findChild(scope, *key);
+        const String* const key = names_.firstKey(use);
+        if (key != nullptr && !state_.nextKeyTakesStep()) {
+            const ContextBase* found = scopes.guessInnermost(*key, state_.guessOf(use));
+            if (found != nullptr) {
+                state_.countKey();
+                return found;
             }
-            return found;
-        });
+        }
+        return search(scopes, use);
     }
 
     template <typename Record>
@@ -102,6 +95,12 @@ class metered_call {
                dynamic_cast<const ContextRawString*>(&string) != nullptr;
     }
 
+    bool appendPlainHtml(std::string_view value) {
+        return text_.writeIfRoom(escaper::mostHtml(value.size()), [value](char* out) {
+            return escaper::writePlainHtml(value, out);
+        });
+    }
+
     void appendBytes(std::string_view value) {
         if (!text_.value(value)) {
             endAtOutputLimit();
@@ -110,6 +109,7 @@ class metered_call {
 
     node_place place() const;
     [[noreturn]] void endAtOutputLimit();
+    const ContextBase* search(const scope_stack& scopes, const name_use& use);
     const ContextBase* findByAllKeys(const scope_stack& scopes, const name_use& use);
     void addMessage(fault reason, const name_use& use);
     void renderIncluded(const Template& included, const name_use& use, scope_stack& scopes);
@@ -118,6 +118,8 @@ class metered_call {
     piecewise_output& text_;
     escaper& escape_;
     const parsed_template& in_;
+    const bool plain_; // whether values are not escaped
+    const bool html_;  // whether they are escaped for HTML
     const name_table& names_;
     const content* node_ = nullptr; // the one that is rendered
 };

@@ -51,8 +51,11 @@ class name_table::builder final : public SyntaxVisitor {
 
     void addUse(SyntaxRange name) {
         position_.moveTo(name.begin);
+        const std::uint32_t index = keysOf(textOf(name));
+        const name_keys& keys = table_.lists_[index];
         table_.uses_.push_back({name.begin, name.end - name.begin, position_.line(),
-                                position_.column(), keysOf(textOf(name))});
+                                position_.column(), index,
+                                keys.kept > 0 ? keys.firstKey : name_use::notKept});
     }
 
     /// The list of keys of a name with the prefixes in `prefixLengths_`.

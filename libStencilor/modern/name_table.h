@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,10 @@ struct name_use {
     std::uint32_t size = 0;
     std::uint32_t line = 0;
     std::uint32_t column = 0;
-    std::uint32_t keys = 0; // of name_table
+    std::uint32_t keys = 0;     // of name_table
+    std::uint32_t firstKey = 0; // likewise; `notKept` where it is not kept
+
+    static constexpr std::uint32_t notKept = std::numeric_limits<std::uint32_t>::max();
 
     SyntaxRange range() const noexcept { return {begin, begin + size}; }
 };
@@ -52,6 +56,11 @@ class name_table {
     }
 
     const name_keys& keysOf(const name_use& use) const noexcept { return lists_[use.keys]; }
+
+    /// The key that is tried first; null where it is not kept.
+    const String* firstKey(const name_use& use) const noexcept {
+        return use.firstKey == name_use::notKept ? nullptr : keys_.data() + use.firstKey;
+    }
 
     /// The keys that are kept, in the order they are tried.
     std::span<const String> keptKeys(const name_keys& keys) const noexcept {

@@ -3,7 +3,6 @@
 
 #include <libStencilor/render/output.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <limits>
@@ -29,23 +28,23 @@ class piecewise_output {
     }
 
     /// Appends a text of the template. False, with nothing appended, where that is not allowed.
-    bool text(std::string_view text) {
-        return text_.textIfRoom(text) ||
-               appendWithCare(text, [this](std::string_view slice) { text_.text(slice); });
-    }
+    bool text(std::string_view text) { return text_.textIfRoom(text) || textWithCare(text); }
 
     /// Appends bytes that may be malformed, up to their first NUL. False, with nothing appended,
     /// where that is not allowed.
-    bool value(std::string_view bytes) {
-        return text_.plainIfRoom(bytes) ||
-               appendWithCare(upToNul(bytes),
-                              [this](std::string_view slice) { text_.bytes(slice); });
+    bool value(std::string_view bytes) { return text_.plainIfRoom(bytes) || valueWithCare(bytes); }
+
+    /// Appends what `write` puts, which is well formed, as `text_sink::writeIfRoom`.
+    template <typename Write>
+    bool writeIfRoom(std::size_t most, Write write) {
+        return text_.writeIfRoom(most, write);
     }
 
     void beginIncluded(bool wellFormed) { text_.beginIncluded(wellFormed); }
     void endNode() {
-        text_.endNode();
-        renewBounds();
+        if (text_.endNode()) {
+            renewBounds();
+        }
     }
 
     /// How many bytes were appended, before any decoding.
@@ -61,37 +60,14 @@ class piecewise_output {
     }
 
   private:
-    // With the room for one more slice, what is held stays below what the sink keeps between
-    // pieces.
+    // With the room for one more slice of half as much, what is held stays below what the sink
+    // keeps between pieces.
     static constexpr std::size_t pieceSize = 32768;
-    static constexpr std::size_t sliceSize = 16384;
 
+    bool textWithCare(std::string_view text);
+    bool valueWithCare(std::string_view bytes);
     template <typename Append>
-    bool appendWithCare(std::string_view text, Append append) {
-        if (text.size() > allowed_ - appended()) {
-            return false;
-        }
-        while (!text.empty()) {
-            const std::size_t size = write_ == nullptr ? text.size() : nextSlice(text);
-            append(text.substr(0, size));
-            text.remove_prefix(size);
-            if (write_ != nullptr && text_.size() >= pieceSize) {
-                handOver();
-            }
-        }
-        renewBounds();
-        return true;
-    }
-
-    /// A slice divides no character, unless the text is malformed there.
-    static std::size_t nextSlice(std::string_view text) {
-        std::size_t size = std::min(sliceSize, text.size());
-        while (size < text.size() && size > sliceSize - 4 &&
-               (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) {
-            --size;
-        }
-        return size;
-    }
+    bool appendWithCare(std::string_view text, Append append);
 
     /// To be called where bytes were handed over or decoded.
     void renewBounds() {

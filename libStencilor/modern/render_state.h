@@ -7,6 +7,7 @@
 #include <libStencilor/render/scopes.h>
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -39,10 +40,18 @@ class render_state {
         ++steps_;
     }
 
+    /// Whether the next key that is counted takes a step.
+    bool nextKeyTakesStep() const noexcept { return keys_ + 1 == keysPerStep; }
+
+    /// Counts a key that takes no step.
+    void countKey() noexcept {
+        assert(!nextKeyTakesStep());
+        ++keys_;
+    }
+
     /// Counts a key that is looked up.
     template <typename Place>
     void countKey(const parsed_template& in, Place place) {
-        constexpr unsigned int keysPerStep = 64;
         if (++keys_ == keysPerStep) {
             step(in, place);
             keys_ = 0;
@@ -60,6 +69,11 @@ class render_state {
 
     /// How many bytes may be rendered.
     std::uint64_t outputBytes() const noexcept { return outputBytes_; }
+
+    /// Where the keys of a name were found last. Names may share it: it is no more than a guess.
+    child_guess& guessOf(const name_use& use) noexcept {
+        return guesses_[use.keys % guesses_.size()];
+    }
 
     /// What is remembered for the keys of a name, as far as there is room. The number of the keys
     /// in their table decides about the room, so that the same render takes the same steps.
@@ -109,6 +123,7 @@ class render_state {
         outer_search search{};
     };
     static constexpr std::size_t searchCount = 16;
+    static constexpr unsigned int keysPerStep = 64;
 
     struct open_include {
         const parsed_template* in;
@@ -140,6 +155,7 @@ class render_state {
     std::vector<open_include> includes_;
     std::vector<RenderMessage> messages_;
     std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // none outside of loops
+    std::array<child_guess, 64> guesses_{};
 };
 
 } // namespace kel::Stencilor::internal

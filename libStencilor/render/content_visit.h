@@ -21,11 +21,11 @@
 
 namespace kel::Stencilor::internal {
 
-/// `value` as a `Kind`, or null. Hosts may derive from the kinds; the exact type is tested first
-/// because that is much cheaper and nearly always right.
+/// `value` as a `Kind`, or null. Hosts may derive from the kinds; the exact type is tested first,
+/// by the address of what describes it, because that is much cheaper and nearly always right.
 template <typename Kind>
 const Kind* as(const ContextBase* value) {
-    if (typeid(*value) == typeid(Kind)) {
+    if (&typeid(*value) == &typeid(Kind)) {
         return static_cast<const Kind*>(value);
     }
     return dynamic_cast<const Kind*>(value);
@@ -74,13 +74,14 @@ class content_visit : public boost::static_visitor<> {
     template <typename Kind, typename Record>
     const Kind* find(const std::string& name, const Record& node, fault notFound, fault wrongKind);
     bool renderLeaf(const content& node);
+    const content* renderLeaves(const content* next, const content* end);
     void beginTrace(const trace_point& point);
     void endTrace();
     void enterList(block& current, const content_list& list, const ContextBase* scope);
     bool enterNextIteration(block& loop);
     bool renderToNextBlock(block& current);
     void renderOpenBlocks();
-    void closeBlock(block& current);
+    void closeBlock(const block& current);
 
     Call& call_;
     scope_stack& scopes_;
@@ -96,9 +97,9 @@ class content_visit : public boost::static_visitor<> {
 // inline, and so are the lookups.
 
 template <typename Call>
-void content_visit<Call>::dispatch(const content& node) {
-    call_.beginNode(node);
+inline void content_visit<Call>::dispatch(const content& node) {
     if (!renderLeaf(node)) {
+        call_.beginNode(node);
         boost::apply_visitor(*this, node);
         if (!blocks_.empty()) {
             renderOpenBlocks();
@@ -112,14 +113,26 @@ void content_visit<Call>::dispatch(const content& node) {
 template <typename Call>
 inline bool content_visit<Call>::renderLeaf(const content& node) {
     if (const auto* text = boost::relaxed_get<std::string>(&node)) {
+        call_.beginNode(node);
         (*this)(*text);
         return true;
     }
     if (const auto* substitution = boost::relaxed_get<replace_expr>(&node)) {
+        call_.beginNode(node);
         (*this)(*substitution);
         return true;
     }
     return false;
+}
+
+/// Renders the nodes up to one that is neither a text nor a substitution, and returns that, or the
+/// end.
+template <typename Call>
+inline const content* content_visit<Call>::renderLeaves(const content* next, const content* end) {
+    while (next != end && renderLeaf(*next)) {
+        ++next;
+    }
+    return next;
 }
 
 template <typename Call>
@@ -149,9 +162,14 @@ void content_visit<Call>::operator()(const if_expr& node) {
         endTrace();
         return;
     }
-    blocks_.emplace_back();
-    enterList(blocks_.back(), context_access::isTrue(*boolean) ? node.then_list : node.else_list,
-              boolean);
+    block opened;
+    enterList(opened, context_access::isTrue(*boolean) ? node.then_list : node.else_list, boolean);
+    opened.next = renderLeaves(opened.next, opened.end);
+    if (opened.next != opened.end) {
+        blocks_.push_back(opened);
+    } else {
+        closeBlock(opened);
+    }
 }
 
 template <typename Call>
@@ -241,16 +259,12 @@ inline bool content_visit<Call>::enterNextIteration(block& loop) {
 template <typename Call>
 inline bool content_visit<Call>::renderToNextBlock(block& current) {
     const std::size_t depth = blocks_.size();
-    const content* next = current.next;
     const content* const end = current.end;
-    while (next != end) {
-        const content& node = *next++;
-        call_.beginNode(node);
-        if (renderLeaf(node)) {
-            continue;
-        }
-        current.next = next;
-        boost::apply_visitor(*this, node);
+    for (const content* next = renderLeaves(current.next, end); next != end;
+         next = renderLeaves(next + 1, end)) {
+        current.next = next + 1;
+        call_.beginNode(*next);
+        boost::apply_visitor(*this, *next);
         if (blocks_.size() != depth) {
             return true;
         }
@@ -266,18 +280,18 @@ void content_visit<Call>::renderOpenBlocks() {
             renderToNextBlock(current) || (current.loop != nullptr && enterNextIteration(current));
         if (!goesOn) {
             closeBlock(current);
+            blocks_.pop_back();
         }
     }
 }
 
 /// Ends a block whose list is rendered, and was rendered for the last time.
 template <typename Call>
-inline void content_visit<Call>::closeBlock(block& current) {
+inline void content_visit<Call>::closeBlock(const block& current) {
     scopes_.leave(current.scope);
     if (current.loop != nullptr) {
         call_.leaveLoop();
     }
-    blocks_.pop_back();
     endTrace(); // of applyVisitor
     endTrace(); // of the block
 }

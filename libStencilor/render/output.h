@@ -65,6 +65,10 @@ class joined_output {
     /// @{
     bool textIfRoom(std::string_view text) { return sink_.appendIfRoom(text); }
     bool plainIfRoom(std::string_view bytes) { return sink_.appendPlainIfRoom(bytes); }
+    template <typename Write>
+    bool writeIfRoom(std::size_t most, Write write) {
+        return sink_.writeIfRoom(most, write);
+    }
     /// @}
 
     /// Sets how many bytes may be appended in total before these answer false, and how many may be
@@ -79,13 +83,15 @@ class joined_output {
     /// Begins an included template, whose texts are `wellFormed` or not.
     void beginIncluded(bool wellFormed) { doubtful_ = doubtful_ || !wellFormed; }
 
-    /// Ends a top-level node.
-    void endNode() {
-        if (doubtful_) {
+    /// Ends a top-level node. True if that may have changed how long the text is.
+    bool endNode() {
+        const bool decodes = doubtful_;
+        if (decodes) {
             decodeNode();
         }
         begin_ = sink_.size();
         doubtful_ = !wellFormed_;
+        return decodes;
     }
 
     Text take() { return sink_.take<Text>(); }

@@ -29,6 +29,17 @@ void collectKeys(const std::string& name, const prefix_stack& prefixes, Keys& ke
     add(0);
 }
 
+/// The value that one of `keys` refers to in a scope.
+const ContextBase* findInScope(const ContextBase& scope, std::span<const String> keys,
+                               child_guess& guess) {
+    for (const String& key : keys) {
+        if (const ContextBase* found = context_access::findChild(scope, key, guess)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 void scope_stack::moveToTop(position from) {
@@ -63,8 +74,21 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
 const ContextBase* name_lookup::findOutsideLoops(const scope_stack& scopes,
                                                  const std::string& name) {
     const auto key = keyOf<String>(name);
+    child_guess guess = 0;
     return scopes.findFirst(
-        [&key](const ContextBase& scope) { return findInScope(scope, std::span(&key, 1)); });
+        [&](const ContextBase& scope) { return findInScope(scope, std::span(&key, 1), guess); });
+}
+
+const ContextBase* name_lookup::searchScopes(const scope_stack& scopes, const std::string& name,
+                                             const prefix_stack& prefixes) {
+    if (prefixes.empty()) {
+        return findOutsideLoops(scopes, name);
+    }
+    kept_name& kept = keep(name, prefixes);
+    const auto remembered = [&kept]() -> outer_search& { return kept.outside; };
+    return scopes.findFirst(remembered, [&kept](const ContextBase& scope) {
+        return findInScope(scope, {kept.keys.data(), kept.keys.size()}, kept.guess);
+    });
 }
 
 name_lookup::kept_name& name_lookup::keep(const std::string& name, const prefix_stack& prefixes) {

@@ -15,7 +15,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -74,6 +73,12 @@ class scope_stack {
         }
         leave(before);
         return enter(scope);
+    }
+
+    /// The child under `key` of the innermost scope, if `guess` is where it is; otherwise null.
+    const ContextBase* guessInnermost(const String& key, child_guess guess) const {
+        return scopes_.empty() ? nullptr
+                               : context_access::guessChild(*scopes_.back().scope, key, guess);
     }
 
     /// The first value that `findIn` finds in a scope, from the innermost outwards.
@@ -174,6 +179,7 @@ class name_lookup {
     /// What a name is tried as.
     struct kept_name {
         const std::string* name = nullptr;
+        child_guess guess = 0;
         outer_search outside;
         boost::container::small_vector<String, 2> keys; // in their order, each once
     };
@@ -182,22 +188,14 @@ class name_lookup {
     static constexpr std::size_t slotCount = 64;
     using slot_table = std::array<slot, slotCount>;
 
+    const ContextBase* searchScopes(const scope_stack& scopes, const std::string& name,
+                                    const prefix_stack& prefixes);
     kept_name& keep(const std::string& name, const prefix_stack& prefixes);
     slot& slotOf(const std::string& name) const;
     static std::size_t homeOf(const std::string& name) noexcept;
 
     std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
 };
-
-/// The value that one of `keys` refers to in a scope.
-inline const ContextBase* findInScope(const ContextBase& scope, std::span<const String> keys) {
-    for (const String& key : keys) {
-        if (const ContextBase* found = context_access::findChild(scope, key)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
 
 /// Names are members of records on the heap, which spreads their addresses well enough.
 inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
@@ -207,18 +205,17 @@ inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
 inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
                                                     const std::string& name,
                                                     const prefix_stack& prefixes) {
-    if (prefixes.empty()) {
-        return findOutsideLoops(scopes, name);
+    // Nearly always a name has the slot where it belongs, and is found where it was found last.
+    if (slots_ != nullptr && !prefixes.empty()) {
+        const kept_name* const kept = (*slots_)[homeOf(name)].get();
+        if (kept != nullptr && kept->name == &name) {
+            const auto* found = scopes.guessInnermost(kept->keys.front(), kept->guess);
+            if (found != nullptr) {
+                return found;
+            }
+        }
     }
-    // Nearly always a name has the slot where it belongs.
-    kept_name* kept = slots_ == nullptr ? nullptr : (*slots_)[homeOf(name)].get();
-    if (kept == nullptr || kept->name != &name) {
-        kept = &keep(name, prefixes);
-    }
-    const auto remembered = [kept]() -> outer_search& { return kept->outside; };
-    return scopes.findFirst(remembered, [kept](const ContextBase& scope) {
-        return findInScope(scope, {kept->keys.data(), kept->keys.size()});
-    });
+    return searchScopes(scopes, name, prefixes);
 }
 
 } // namespace kel::Stencilor::internal

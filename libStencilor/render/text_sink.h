@@ -72,6 +72,18 @@ class text_sink {
         return plain;
     }
 
+    /// Appends what `write` puts from a place on where there is room for `most` bytes. It returns
+    /// the end, or null for nothing. False, with nothing appended, where there is none, or no room.
+    template <typename Write>
+    bool writeIfRoom(std::size_t most, Write write) {
+        if (!hasRoomFor(most)) {
+            return false;
+        }
+        char* const end = write(end_);
+        end_ = end == nullptr ? end_ : end;
+        return end != nullptr;
+    }
+
     /// How many bytes the text has before `appendIfRoom` answers false; `append` goes on.
     void setBound(std::uint64_t bytes) noexcept {
         bound_ = bytes;

@@ -6,7 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 namespace kel::Stencilor {
 namespace {
@@ -108,6 +111,44 @@ TEST(ContextBase, DeletesItsChildrenInAscendingOrderOfTheirKeys) {
         value["another one"];
     }
     EXPECT_THAT(deletions, ElementsAre("", "B", "_", "a", "aa", "ab", "b", "\xC3\xA9"));
+}
+
+TEST(ContextBase, KeepsEachOfManyEntriesInItsPlace) {
+    for (const int count : {1, 2, 3, 4, 5, 8, 9, 10, 17, 300, 1000}) {
+        SCOPED_TRACE(count);
+        const auto keyOf = [](int number) { return String(std::to_string(number * 7919 % 10007)); };
+        ContextDictionary value;
+        std::vector<ContextBase**> entries;
+        for (int number = 0; number < count; ++number) {
+            ASSERT_EQ(value.find(keyOf(number)), nullptr);
+            entries.push_back(&value[keyOf(number)]);
+            *entries.back() = new ContextBase;
+        }
+        EXPECT_EQ(value.size(), entries.size());
+        ContextDictionary copy(value);
+        for (int number = 0; number < count; ++number) {
+            ContextBase** const entry = entries[static_cast<std::size_t>(number)];
+            ASSERT_EQ(&value[keyOf(number)], entry);
+            ASSERT_EQ(value.find(keyOf(number)), *entry);
+            ASSERT_EQ(copy.find(keyOf(number)), *entry);
+            ASSERT_FALSE(value.containsKey(keyOf(number).str() + "."));
+        }
+        copy = ContextDictionary(); // the children are those of the value
+    }
+}
+
+TEST(ContextBase, DeletesManyChildrenInAscendingOrderOfTheirKeys) {
+    Deletions deletions;
+    std::vector<std::string> keys;
+    {
+        ContextBase value;
+        for (int number = 0; number < 26; ++number) {
+            keys.emplace_back(1, static_cast<char>('a' + number * 7 % 26));
+            value.insert(keys.back(), new Logged<ContextBase>(deletions, keys.back().c_str()));
+        }
+    }
+    std::sort(keys.begin(), keys.end());
+    EXPECT_THAT(deletions, testing::ElementsAreArray(keys));
 }
 
 TEST(ContextBase, DeletesAWholeTreeThroughItsRoot) {

@@ -142,6 +142,28 @@ TEST(Escaping, OfARenderIsThatOfTheFunctions) {
               expected(obviousJson(all)));
 }
 
+TEST(Escaping, OfARenderTreatsEachByteAtEachPlaceAsAnObviousImplementation) {
+    const Template made("{{ v }}");
+    for (int byte = 1; byte < 256; ++byte) {
+        for (std::size_t before = 0; before < 18; ++before) {
+            const std::string text = std::string(before, 'a') + static_cast<char>(byte) + "b<c";
+            const std::string expected = obviouslyRepairedUtf8(obviousHtml(text));
+            ASSERT_EQ(made.render({{"v", text}}, {.escape = Escape::html()}).text.str(), expected);
+        }
+    }
+}
+
+TEST(Escaping, CountsWhatItAddsTowardsTheLimit) {
+    const Template made("{{ v }}");
+    for (const std::string& text : {std::string("<"), std::string("plain"), std::string(9, '"')}) {
+        const std::string escaped = obviousHtml(text);
+        RenderOptions options{.escape = Escape::html(), .limits = {.outputBytes = escaped.size()}};
+        EXPECT_EQ(made.render({{"v", text}}, options).text.str(), escaped);
+        --options.limits.outputBytes;
+        EXPECT_EQ(made.render({{"v", text}}, options).status, RenderStatus::OutputLimit);
+    }
+}
+
 TEST(Escaping, EndsAValueAtItsFirstNul) {
     const Value values{{"v", kel::String("<\0>", 3)}};
     for (const Escape& escape : {Escape::none(), Escape::html(), Escape::json(),

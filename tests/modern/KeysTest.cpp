@@ -145,6 +145,31 @@ Kept keptFor(const parsed_template& parsed, std::uint32_t names) {
 
 // Many names with many dots inside many loops: what is kept is bounded by the template all the
 // same.
+// A search begins where the last element had the key.
+TEST(Keys, AreFoundWhereverAnElementHasThem) {
+    for (const std::string& key :
+         {std::string("k"), std::string("eightlng"), std::string(17, 'k')}) {
+        Value elements = Value::list({});
+        std::string expected;
+        for (const int before : {0, 3, 3, 1, 8, 300, 255, 256, 0, 9}) {
+            Value element{{"other" + key, "x"}};
+            for (int number = 0; number < before; ++number) {
+                element.set("a" + std::to_string(number), "filler");
+            }
+            elements.add(element);
+            element.set(key, std::to_string(before));
+            elements.add(element);
+            expected += "root " + std::to_string(before) + " ";
+        }
+        const Context context(Value{{"list", elements}, {key, "root"}});
+        const std::string text =
+            "{% for e in list %}{{ e." + key + " }} {% endfor %}{{ " + key + " }}";
+        expected += "root";
+        EXPECT_EQ(Template(text).render(context).text.str(), expected);
+        EXPECT_EQ(kel::Stencilor::buildOutput(text, context).str(), expected);
+    }
+}
+
 TEST(Keys, TakeNoMoreThanTheTemplate) {
     for (const int count : {10, 50, 200}) {
         SCOPED_TRACE(count);
