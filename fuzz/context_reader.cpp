@@ -13,14 +13,14 @@ using kel::Stencilor::ContextDictionary;
 using kel::Stencilor::ContextIterable;
 using kel::Stencilor::ContextString;
 
-// The letters a to o stand for 1 to 15.
+// The letters a to o represent 1 to 15.
 constexpr std::array<const char*, 16> names = {"if",  "a",   "b",   "c",     "a.a",   "a.b",
                                                "b.a", "b.b", "a.c", "a.a.b", "a.b.a", "a/b",
                                                "l",   "a.l", "b.l", "a."};
 
 constexpr std::string_view kinds = "'+-{*[0";
 
-// Values are read and destroyed by recursion.
+// Values are read and destroyed recursively.
 constexpr int deepest = 64;
 
 } // namespace

@@ -9,15 +9,15 @@
 
 namespace fuzz {
 
-/// Makes a context of bytes: any bytes make one, and what can be typed makes all kinds.
+/// Makes a context from any bytes. Printable characters suffice for all kinds of values:
 ///
 ///     'atext'      the string "text", named a        0a         a null entry
 ///     +a...}       true, with named children         -a...}     false, with named children
 ///     {a...}       a dictionary                      *a...}     a plain value with children
 ///     [a...}       a list, whose elements are written as above, without names
 ///
-/// A name is one byte, which stands for one of a few names that are made to be confused (see
-/// `names`). Any byte that begins no value ends the innermost one, and at last the context.
+/// A name is one byte, which represents one of a few names that are easily confused (see `names`).
+/// A byte that does not begin a value ends the innermost value, and finally the context.
 class ContextReader {
   public:
     explicit ContextReader(std::string_view bytes) : rest_(bytes) {}
@@ -25,10 +25,10 @@ class ContextReader {
     /// Reads the children of `parent` up to the byte that ends it.
     void readChildren(kel::Stencilor::ContextBase& parent);
 
-    /// What stands behind that byte.
+    /// The input after that byte.
     std::string_view rest() const { return rest_; }
 
-    /// The number of elements in the longest list that was read.
+    /// The size of the longest list.
     std::size_t longestList() const { return longestList_; }
 
   private:

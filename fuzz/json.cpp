@@ -8,9 +8,9 @@
 #include <optional>
 #include <stdexcept>
 
-// The reader and the parser of nlohmann-json accept the same texts and report the same values. A
-// text is either refused with a reason and a position, or its value makes a context that can be
-// rendered; and a value of nlohmann-json makes what its text makes.
+// The reader and the parser of nlohmann-json accept the same texts and return the same values. A
+// text is either rejected with a reason and a position, or makes a context that can be rendered. A
+// value of nlohmann-json converts to the same value as its text.
 
 namespace {
 
@@ -22,7 +22,7 @@ constexpr const char* page =
     "{% for c in b.b %}{{ c.a }}{% endfor %}{% for c in b.value %}{{ c.value }}{% endfor %}"
     "{% endfor %}";
 
-// A few thousand bytes may ask for more names than one input should take.
+// A few thousand bytes can require more names than one input should use.
 std::size_t countNames(const Value& value, std::size_t dictionariesAround) {
     std::size_t result = 0;
     if (value.kind() == Value::Kind::Dictionary) {
@@ -72,8 +72,8 @@ void checkContext(const Value& value, ContextOptions options) {
                   "what is rendered is valid UTF-8");
 }
 
-// The text of the value, since the values themselves keep numbers of only so many digits; and none
-// with fractions or exponents, since values write them in a way of their own.
+// The text of the value, because nlohmann-json limits the digits of numbers. Fractions and
+// exponents are excluded, because values format them in their own way.
 void checkNlohmann(std::string_view text) {
     const auto json = nlohmann::json::parse(text, nullptr, false);
     if (json.is_discarded()) {

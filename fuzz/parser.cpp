@@ -7,9 +7,8 @@
 
 #include <string>
 
-// The parser and the second reading of the language accept the same templates, and make the same
-// tree of each; of a template that is rejected, too, up to the fault. What hosts are told of the
-// parts and of the fault agrees with that.
+// The parser and the second reading accept the same templates and make the same trees, even of
+// rejected templates up to the fault. The parts and faults that hosts receive agree with them.
 
 using namespace kel::Stencilor::internal;
 
@@ -18,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     syntax_tree parsed;
     const bool accepted = parseTemplate(input, parsed.nodes);
 
-    // A template ends at its first NUL, and the second reading takes text without one.
+    // A template ends at its first NUL, but the second reading does not handle NULs.
     const std::string text(input.substr(0, input.find('\0')));
     syntax_tree read;
     fuzz::require(accepted == support::readOnceMore(text, read.nodes),

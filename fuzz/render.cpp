@@ -13,13 +13,13 @@
 #include <string_view>
 #include <utility>
 
-// The input is a context, as ContextReader takes it, and behind it a template. Whatever is rendered
-// is valid UTF-8, the same each time, what the second renderer makes of it, and what a template
-// that is parsed once makes of it, at once and in pieces.
+// The input is a context for ContextReader, followed by a template. The output is always valid
+// UTF-8, the same each time, and equal to that of the second renderer and of a `Template`, as a
+// whole and in pieces.
 
 namespace {
 
-/// Turns multiply with each loop that stands in another. The included files have one loop at most.
+/// Nested loops multiply the iterations. Included files have at most one loop.
 bool takesManyTurns(std::string_view text, std::size_t longestList) {
     std::size_t turns = 1;
     for (const std::string_view keyword : {"for", "include"}) {

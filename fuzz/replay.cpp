@@ -10,15 +10,15 @@
 #include <string>
 #include <vector>
 
-// Runs a fuzz target over the files given, and over all files in the folders given. It is built
-// with every compiler, so that what was once found stays tested everywhere.
+// Runs a fuzz target on the given files, and on all files in the given folders. It is built with
+// every compiler, so that previous findings are tested everywhere.
 
 namespace {
 
 namespace fs = std::filesystem;
 
-/// The files that `path` stands for, in the order of their names. None at all is an error: a test
-/// that lost its inputs must not pass.
+/// The files of `path`, sorted by name. It is an error if there are none, because a test without
+/// inputs must not pass.
 std::vector<fs::path> filesOf(const fs::path& path) {
     if (!fs::is_directory(path)) {
         return {path};
@@ -36,7 +36,7 @@ std::vector<fs::path> filesOf(const fs::path& path) {
     return files;
 }
 
-/// A block of exactly the file's size: the address sanitizer then sees each read past its end.
+/// A block of exactly the file's size, so that the address sanitizer detects any read past its end.
 std::vector<std::uint8_t> bytesOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes(std::istreambuf_iterator<char>(file), {});
@@ -49,7 +49,7 @@ std::vector<std::uint8_t> bytesOf(const fs::path& path) {
 void replay(const fs::path& path) {
     for (const fs::path& file : filesOf(path)) {
         const std::vector<std::uint8_t> bytes = bytesOf(file);
-        // Before the input is tried: whoever reads the log of a crash sees which one it was.
+        // Printed before the test, so that the log of a crash shows the input.
         std::cout << file.string() << std::endl;
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     }

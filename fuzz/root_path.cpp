@@ -6,15 +6,15 @@
 
 #include <string>
 
-// The input is a path. Whatever it opens below a root tells by its content that it lies inside, and
-// that it has a name which means the same on every system.
+// The input is a path. Any file that it opens inside a root has a content which shows that it is
+// inside, and a name that means the same on every system.
 
 namespace {
 
 using support::TemporaryFolder;
 
-/// A folder that holds the root `r`, with files called `f` in it and around it, and links of all
-/// kinds where the system makes them. The names are short, to be found soon.
+/// A folder that contains the root `r`, files called `f` inside and outside of it, and links of all
+/// kinds if the system supports them. The names are short, so that the fuzzer finds them soon.
 class Tree {
   public:
     Tree() {
@@ -45,7 +45,7 @@ class Tree {
 
   private:
     void linkTo(const char* name, const std::string& target) const {
-        // Systems without links have the paths alone.
+        // Without support for links, only paths are tested.
         static_cast<void>(folder_.makeLink(name, target));
     }
 

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <utility>
 
-// The input is a program: what it does to a few strings is done to standard ones, too. All of them
-// hold the same and stand in the same order after each step.
+// The input is a sequence of operations on a few strings, and on standard strings as well. After
+// each step, all of them are equal, and in the same order.
 
 namespace {
 
@@ -22,13 +22,13 @@ struct Pair {
 
 using Pairs = std::array<Pair, 3>;
 
-/// A conversion that outlives what becomes of its string.
+/// A conversion that outlives changes of its string.
 struct Held {
     std::unique_ptr<kel::CString> ours;
     std::string standard;
 };
 
-// Strings double when they are appended to themselves. From 4096 bytes on they share their bytes.
+// Strings double when they are appended to themselves. From 4,096 bytes on, they are shared.
 constexpr std::size_t longest = 20000;
 
 bool isAscii(std::string_view text) {
@@ -36,7 +36,7 @@ bool isAscii(std::string_view text) {
                        [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
-/// One step; `count` is what it may take for a length or a position.
+/// One step; `count` may be used as a length or a position.
 void step(std::uint8_t what, Pair& pair, Pair& other, Held& held, std::size_t count,
           std::string_view rest) {
     switch (what % 8) {

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <string_view>
 
-// What all fuzz targets have in common.
+// Declarations for all fuzz targets.
 
-/// Tries one input. Each target defines it; libFuzzer calls it, or the replay program.
+/// Tests one input. Each target defines it; libFuzzer or the replay program calls it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace fuzz {
@@ -18,7 +18,7 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Ends the process where a promise is broken: that is how both callers learn of a failure.
+/// Ends the process if a promise is broken, which is how both callers detect failures.
 inline void require(bool kept, const char* promise) {
     if (!kept) {
         std::fprintf(stderr, "broken promise: %s\n", promise);

@@ -6,12 +6,12 @@
 #include <cstring>
 #include <string>
 
-// What is decoded is what the obvious implementation makes of it. Text comes back from UTF-16, and
-// UTF-16 from text, as it was, but for what is malformed. The input is taken for either.
+// Decoding agrees with the obvious implementation. Conversions to and from UTF-16 restore
+// everything but malformed parts. The input is used as either encoding.
 
 namespace {
 
-/// `text` with each surrogate that has no partner replaced by U+FFFD.
+/// `text` with each unpaired surrogate replaced by U+FFFD.
 std::u16string obviouslyRepairedUtf16(std::u16string text) {
     const auto isIn = [](char16_t unit, char16_t first) {
         return unit >= first && unit - first < 0x400;

@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-// Shows the author of a template what is wrong with it, and where, as compilers do: why it is
-// rejected, and which values it asks for that are not there.
+// Reports errors in a template like a compiler, with locations: why it is rejected, and which
+// values are missing.
 
 using namespace kel::Stencilor;
 
 namespace {
 
-/// The line that a message is about, with a caret below.
+/// The line of a message, with a caret below it.
 void showPlace(std::string_view text, const RenderMessage& message) {
     const std::size_t lineBreak = text.substr(0, message.range.begin).rfind('\n');
     const std::size_t start = lineBreak == std::string_view::npos ? 0 : lineBreak + 1;

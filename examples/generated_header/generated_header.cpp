@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-// A program that is compiled with a header of which the build makes its enumeration and its texts.
+// A program with an enumeration and texts in a header that the build generates.
 
 int main() {
     for (const Status status : {Status::Ok, Status::NotFound, Status::Teapot}) {

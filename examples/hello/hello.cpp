@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-// The least that a host does: a template, values, a text.
+// The minimal host: a template, values, a text.
 
 using namespace kel::Stencilor;
 

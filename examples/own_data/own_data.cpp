@@ -3,22 +3,22 @@
 #include <deque>
 #include <iostream>
 
-// A host whose own data are what templates see. The records hold their texts as values of the
-// engine, and contexts borrow those: a text is in memory once, however many contexts it stands in,
-// and a context is made without copying any.
+// A host that shows its own data to templates. The records store their texts as values of the
+// engine, which contexts borrow: each text is in memory once, regardless of the number of contexts,
+// and making a context copies no text.
 
 using namespace kel::Stencilor;
 
 namespace {
 
-/// A dictionary or list that deletes nothing of what stands in it: that belongs to the host.
+/// A dictionary or list that does not delete its contents, which belong to the host.
 template <typename Value>
 class Borrowing : public Value {
   public:
     Borrowing() = default;
     Borrowing(const Borrowing&) = delete;
     Borrowing& operator=(const Borrowing&) = delete;
-    // Assigning drops what a value holds, without deleting it.
+    // Assignment drops the contents of a value without deleting them.
     ~Borrowing() override { Value::operator=(Value()); }
 };
 
@@ -29,13 +29,13 @@ class Book {
         value_.insert("author", &author_);
         value_.insert("lent", &lent_);
     }
-    // Contexts know the address.
+    // Contexts store the address.
     Book(const Book&) = delete;
     Book& operator=(const Book&) = delete;
 
     void lend() { lent_ = ContextBoolean(true); }
 
-    /// What templates see. Valid as long as the book is.
+    /// The values for templates, valid as long as the book.
     ContextBase* value() { return &value_; }
 
   private:

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <string>
 
-// Renders the report in this folder: a page of loops, conditions and included parts, with values
-// from a JSON file. The program `stencilor` makes the same page of the same files.
+// Renders the report in this folder: a page with loops, conditions and includes, and values from a
+// JSON file. The program `stencilor` makes the same page from the same files.
 //
 //     report FOLDER >report.html
 

@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
-// Many threads render one template with values that they share. Nobody changes those, so no thread
-// waits for another.
+// Many threads render one template with shared values. The values do not change, so no thread waits
+// for another.
 
 using namespace kel::Stencilor;
 
