@@ -44,7 +44,7 @@ inline constexpr RuleInfo rules[] = {
     {"unreadable-include", Severity::Error, "An included file cannot be read."},
     {"include-cycle", Severity::Note, "A file includes itself, directly or through others."},
     {"endless-include", Severity::Error, "A file includes itself unconditionally."},
-    {"missing-name", Severity::Warning, "The context has no value of this name."},
+    {"missing-name", Severity::Warning, "The context has no value with this name."},
     {"wrong-kind", Severity::Warning, "The context has a value of another kind."},
     {"other-loop", Severity::Warning, "A name is found in the element of another loop."},
     {"limit", Severity::Error, "Rendering reached a limit."},

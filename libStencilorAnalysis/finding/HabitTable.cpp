@@ -237,7 +237,7 @@ const Habit habits[] = {
      "a path consists of letters, digits, '_', '.' and '/', and begins with a letter or '_'; "
      "rename the file"},
     {0, [](const Tag& t) { return t.expected == Expected::IncludeOpeningQuote; },
-     "a path is written out, in double quotes: {% include \"file\" %}"},
+     "write the path itself, in double quotes: {% include \"file\" %}"},
     {0, [](const Tag& t) { return t.expected == Expected::IncludeEnd; },
      "an include takes a path and nothing else; the file sees the same values as this place"},
 

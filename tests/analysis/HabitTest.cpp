@@ -169,7 +169,7 @@ const std::vector<Case> cases = {
     {R"({% include "/x.html" %})", "a path is relative", "a path cannot begin with '/'"},
     {R"({% include "2026.txt" %})", path, "a path cannot begin with '2'"},
     {R"({% include "x.html" with context %})", "an include takes a path and nothing else"},
-    {"{% include x %}", "a path is written out, in double quotes"},
+    {"{% include x %}", "write the path itself, in double quotes"},
     {"{{{ raw }}}", "write {{ x }}"},
     {"{{&raw}}", "write {{ x }}"},
     {"{{> header}}", "write {% include \"x\" %}"},

@@ -119,8 +119,8 @@ std::vector<OptionInfo> commonOptions(Request& request, const std::string& conte
          .type = ValueType::File,
          .set = [&request](const std::string& file) { setContext(request.context, file); }},
         {.names = {"-D"},
-         .description = "Add a string to the context; NAME:=JSON adds a JSON value. The last one "
-                        "with a name wins",
+         .description = "Add a string to the context; NAME:=JSON adds a JSON value. The last "
+                        "definition of a name wins",
          .value = "NAME=VALUE",
          .type = ValueType::Other,
          .repeated = true,

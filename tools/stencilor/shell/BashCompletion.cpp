@@ -64,7 +64,7 @@ std::string bashCompletion(const CommandTable& table) {
         options += "        " + command.name + ") words='" + namesOf(command.options) + "'" +
                    (offered.empty() ? "" : " offered='" + offered + "'") + " ;;\n";
     }
-    return R"(# Completion of bash for stencilor.
+    return R"(# Bash completion for stencilor.
 
 _stencilor() {
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' words offered='' i

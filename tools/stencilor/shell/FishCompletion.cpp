@@ -48,7 +48,7 @@ std::string completeOption(const std::string& condition, const OptionInfo& optio
 } // namespace
 
 std::string fishCompletion(const CommandTable& table) {
-    std::string text = "# Completion of fish for stencilor.\n\n";
+    std::string text = "# Fish completion for stencilor.\n\n";
     for (const OptionInfo& option : table.options) {
         text += completeOption("__fish_use_subcommand", option);
     }

@@ -83,10 +83,10 @@ constexpr const char* examples = R"(.SH EXAMPLES
 Render a page with the values of a JSON file:
 .B stencilor render page.txt values.json \-o page.out
 .TP
-Check all pages, and which names the values do not have:
+Check all pages, and report names that the values do not have:
 .B stencilor check \-\-context values.json pages/*.txt
 .TP
-Begin a file of values:
+Create a file of values to fill in:
 .B stencilor names page.txt \-\-skeleton > values.json
 )";
 
@@ -103,7 +103,7 @@ std::string manualPage(const CommandTable& table) {
     text += ".hy\n.SH DESCRIPTION\n"
             "Templates are text with tags: \\fB{{ name }}\\fR, \\fB{% if name %}\\fR, "
             "\\fB{% for item in list %}\\fR and \\fB{% include \"path\" %}\\fR.\n"
-            "Each command is given template files, or \\fB\\-\\fR for the standard input.\n"
+            "The arguments are template files, or \\fB\\-\\fR for the standard input.\n"
             ".SH OPTIONS\n";
     for (const OptionInfo& option : table.options) {
         text += describeOption(option);
