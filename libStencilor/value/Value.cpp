@@ -10,8 +10,8 @@ namespace kel::Stencilor {
 
 namespace {
 
-// Made when the library is loaded: a child of a process that forks while another thread makes it
-// would wait for ever.
+// Created when the library is loaded. If a process forked while another thread created it, the
+// child would wait forever.
 const String noText;
 
 using internal::value_access;
@@ -65,7 +65,7 @@ Value::Value(const Value& other) : data_(copyOf(other.data_)) {}
 Value::Value(Value&& other) noexcept : data_(std::exchange(other.data_, nullptr)) {}
 
 Value& Value::operator=(const Value& other) {
-    return *this = Value(other); // whole before anything goes: `other` may be a part of this value
+    return *this = Value(other); // complete before this value changes: `other` may be a part of it
 }
 
 Value& Value::operator=(Value&& other) noexcept {
@@ -208,7 +208,7 @@ void Value::set(String key, Value value) {
     const auto [place, isNew] = dictionary.members.try_emplace(std::move(key), std::move(value));
     const bool wasDeepest = !isNew && place->second.depth() + 1 == dictionary.depth;
     if (!isNew) {
-        place->second = std::move(value); // not taken yet
+        place->second = std::move(value); // still here, not moved from
     }
     const bool shrinks = wasDeepest && depth < dictionary.depth;
     dictionary.depth = shrinks ? dictionary.findDepth() : std::max(dictionary.depth, depth);

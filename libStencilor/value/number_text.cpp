@@ -12,7 +12,7 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-// The longest texts are those of a number of 17 digits with a sign, a point and an exponent.
+// The longest text has 17 digits, a sign, a point and an exponent.
 using Characters = std::array<char, 32>;
 
 String toString(std::string_view bytes) {
@@ -27,7 +27,7 @@ String integerText(Number number) {
     return String(begin, static_cast<unsigned int>(end - begin));
 }
 
-/// The shortest digits of a number that is not negative.
+/// The shortest digits of a non-negative number.
 template <typename Number>
 decimal findShortestDigits(Number number) {
     Characters characters;
@@ -40,7 +40,8 @@ decimal findShortestDigits(Number number) {
     if (exponentMark > 1) {
         result.digits += text.substr(2, exponentMark - 2);
     }
-    const std::size_t sign = text[exponentMark + 1] == '+' ? 1 : 0; // `from_chars` takes no plus
+    const std::size_t sign =
+        text[exponentMark + 1] == '+' ? 1 : 0; // `from_chars` does not accept a plus
     std::from_chars(begin + exponentMark + 1 + sign, end, result.point);
     ++result.point;
     return result;

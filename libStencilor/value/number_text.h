@@ -12,18 +12,18 @@ namespace kel::Stencilor::internal {
 String numberText(std::int64_t number);
 String numberText(std::uint64_t number);
 
-/// The shortest digits that read back as the same number, laid out as JavaScript does. Throws
-/// `std::invalid_argument` for what is not finite.
+/// The shortest digits that read back as the same number, in the format of JavaScript. Throws
+/// `std::invalid_argument` if the number is not finite.
 String numberText(float number);
 String numberText(double number);
 
-/// A number that is not negative is 0.DIGITS times ten to the power `point`.
+/// A non-negative number, which is 0.DIGITS times ten to the power of `point`.
 struct decimal {
-    std::string digits; ///< neither empty nor, but for 0 itself, with zeros at an end
+    std::string digits; ///< not empty; without leading or trailing zeros, except for 0 itself
     int point;
 };
 
-/// The number, laid out as JavaScript does.
+/// The number in the format of JavaScript.
 std::string layOut(const decimal& number);
 
 } // namespace kel::Stencilor::internal

@@ -8,24 +8,25 @@
 
 namespace kel::Stencilor {
 
-// What a list or dictionary holds changes only by being replaced whole, so each knows its depth.
+// Contents of a list or dictionary only change by being replaced as a whole, so each stores its
+// depth.
 
 struct Value::List {
     std::vector<Value> items;
-    unsigned int depth = 1; // this list counts
+    unsigned int depth = 1; // including this list
 };
 
 struct Value::Dictionary {
-    /// The depth, when a member was replaced that may have been the deepest.
+    /// Computes the depth again after a member was replaced that may have been the deepest.
     unsigned int findDepth() const noexcept;
 
     std::map<String, Value> members;
-    unsigned int depth = 1; // this dictionary counts
+    unsigned int depth = 1; // including this dictionary
 };
 
 namespace internal {
 
-/// The library's own way to what values hold.
+/// The library's access to the contents of values.
 struct value_access {
     /// The items of a list.
     static const std::vector<Value>& items(const Value& list) {
