@@ -16,8 +16,8 @@ if(NOT STENCILOR_SLOW_BUILD)
     set(STENCILOR_BUSY_TEST_OPTIONS -O1)
 endif()
 
-# The headers of GoogleTest, which take longer to compile than most tests, are precompiled for all
-# programs. The preset "release" does not, and so finds tests that forget to include them.
+# What nearly all tests include takes longer to compile than most of them, and is precompiled for all
+# programs. The preset "release" does not, and so finds tests that forget to include it.
 if(CMAKE_POSITION_INDEPENDENT_CODE) # programs are compiled for it in another way than libraries
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
@@ -29,7 +29,10 @@ add_library(
 stencilor_compile_settings(stencilor_test_headers)
 target_compile_options(stencilor_test_headers PRIVATE ${STENCILOR_TEST_OPTIONS})
 target_link_libraries(stencilor_test_headers PRIVATE GTest::gmock)
-target_precompile_headers(stencilor_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+target_precompile_headers(
+    stencilor_test_headers
+    PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/Test.h"
+)
 
 # stencilor_add_test(NAME SOURCES... LIBRARIES ... [TIMEOUT SECONDS] [THREADS] [BUSY])
 #

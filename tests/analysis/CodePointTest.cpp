@@ -1,12 +1,9 @@
+#include "../support/Test.h"
 #include "../support/oracles/Random.h"
 
 #include <libKel/String.h>
 #include <libStencilorAnalysis/text/CodePoint.h>
 #include <libStencilorAnalysis/text/ShownText.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel::Stencilor::Analysis {
 namespace {

@@ -1,12 +1,8 @@
+#include "../support/Test.h"
 #include "MemoryReader.h"
 
 #include <libStencilor/Value.h>
 #include <libStencilorAnalysis/check/ContextCheck.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

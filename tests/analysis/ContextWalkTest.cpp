@@ -3,19 +3,13 @@
 #include "../support/Environment.h"
 #include "../support/FailingAllocation.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "../support/oracles/RandomContext.h"
 #include "../support/oracles/RandomTemplate.h"
 #include "FileReader.h"
 
 #include <libStencilor/Stencilor.h>
 #include <libStencilorAnalysis/check/ContextWalk.h>
-
-#include <gtest/gtest.h>
-
-#include <iostream>
-#include <new>
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

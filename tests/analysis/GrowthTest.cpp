@@ -1,6 +1,7 @@
 #include "../support/Environment.h"
 #include "../support/FailingAllocation.h"
 #include "../support/SmallStackThread.h"
+#include "../support/Test.h"
 #include "MemoryReader.h"
 
 #include <libStencilor/Value.h>
@@ -13,14 +14,6 @@
 #include <libStencilorAnalysis/names/NameList.h>
 #include <libStencilorAnalysis/names/Skeleton.h>
 #include <libStencilorAnalysis/template/TemplateTree.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <string>
-#include <vector>
 
 // Counts what the analysis does, since times depend on the machine: this program has a copy of it
 // that is compiled to report each basic block that it enters, and is linked so that what goes

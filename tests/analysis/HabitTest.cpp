@@ -1,16 +1,10 @@
+#include "../support/Test.h"
 #include "../support/oracles/RandomTemplate.h"
 #include "MemoryReader.h"
 
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/template/TagRepair.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

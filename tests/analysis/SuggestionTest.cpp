@@ -1,9 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilorAnalysis/text/Suggestion.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

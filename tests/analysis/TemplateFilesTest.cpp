@@ -1,14 +1,9 @@
+#include "../support/Test.h"
 #include "MemoryReader.h"
 
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/names/Dependencies.h>
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

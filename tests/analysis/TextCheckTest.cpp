@@ -1,14 +1,10 @@
+#include "../support/Test.h"
 #include "MemoryReader.h"
 
 #include <libStencilor/Value.h>
 #include <libStencilorAnalysis/check/TextCheck.h>
 #include <libStencilorAnalysis/check/UnusedNames.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::Analysis {
 namespace {

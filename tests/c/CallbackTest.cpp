@@ -1,11 +1,6 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "Handles.h"
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <string_view>
 
 namespace support {
 namespace {

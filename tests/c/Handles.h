@@ -1,15 +1,9 @@
 #ifndef TESTS_C_HANDLES_H
 #define TESTS_C_HANDLES_H
 
+#include "../support/Test.h"
+
 #include <libStencilorC/stencilor.h>
-
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <string_view>
 
 // Handles that free themselves, and calls that must succeed.
 

@@ -1,10 +1,5 @@
+#include "../support/Test.h"
 #include "Handles.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-#include <vector>
 
 namespace support {
 namespace {

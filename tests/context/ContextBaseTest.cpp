@@ -1,15 +1,8 @@
 #include "../support/Context.h"
 #include "../support/Deletions.h"
+#include "../support/Test.h"
 
 #include <libStencilor/Stencilor.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <type_traits>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,13 +1,8 @@
 #include "../support/Context.h"
 #include "../support/Deletions.h"
+#include "../support/Test.h"
 
 #include <libStencilor/Stencilor.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <type_traits>
-#include <utility>
 
 namespace kel::Stencilor {
 namespace {

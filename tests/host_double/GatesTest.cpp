@@ -1,12 +1,7 @@
+#include "../support/Test.h"
 #include "HostDouble.h"
 
 #include <libStencilor/Stencilor.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

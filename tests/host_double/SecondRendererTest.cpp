@@ -1,14 +1,6 @@
+#include "../support/Test.h"
 #include "../support/oracles/RenderingComparison.h"
 #include "HostDouble.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace support {
 namespace {

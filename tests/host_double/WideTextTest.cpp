@@ -1,10 +1,7 @@
+#include "../support/Test.h"
 #include "HostDouble.h"
 
 #include <libStencilor/Stencilor.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel::Stencilor {
 namespace {

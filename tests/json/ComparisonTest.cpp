@@ -1,12 +1,7 @@
 #include "../support/Environment.h"
+#include "../support/Test.h"
 #include "../support/oracles/JsonComparison.h"
 #include "../support/oracles/RandomJson.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <string_view>
 
 namespace support {
 namespace {

@@ -1,10 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilorJson/JsonText.h>
-
-#include <gtest/gtest.h>
-
-#include <span>
-#include <string>
-#include <utility>
 
 namespace kel::Stencilor {
 namespace {

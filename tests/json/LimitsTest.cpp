@@ -1,13 +1,8 @@
 #include "../support/Environment.h"
 #include "../support/Memory.h"
+#include "../support/Test.h"
 
 #include <libStencilorJson/JsonText.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <stdexcept>
-#include <string>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,8 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilorJson/JsonText.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,18 +1,12 @@
 #include "../support/SmallStackThread.h"
+#include "../support/Test.h"
 #include "../support/oracles/ObviousUtf8.h"
 
 #include <libStencilorJson/JsonText.h>
 #include <libStencilorJson/json_grammar.h>
 #include <libStencilorJson/json_text.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 namespace {

@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilorJson/Json.h>
-
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-#include <type_traits>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,10 +1,6 @@
+#include "../support/Test.h"
+
 #include <libKel/Buffer.h>
-
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <new>
-#include <type_traits>
 
 namespace kel {
 namespace {

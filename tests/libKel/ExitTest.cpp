@@ -1,16 +1,10 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <string>
-#include <thread>
 
 // What a process shares is in force until it ends. Each case ends a process of its own.
 

@@ -1,10 +1,7 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel {
 namespace {

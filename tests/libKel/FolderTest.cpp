@@ -1,15 +1,7 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/Folder.h>
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdint>
-#include <filesystem>
-#include <limits>
-#include <optional>
-#include <string>
 
 #ifdef _WIN32
 #include "../support/LockedFile.h"

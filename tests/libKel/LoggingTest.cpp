@@ -1,18 +1,7 @@
 #include "../support/LogRecorder.h"
+#include "../support/Test.h"
 
 #include <libKel/Logging.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdlib>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace kel {
 namespace {

@@ -1,8 +1,6 @@
+#include "../support/Test.h"
+
 #include <libKel/RootedPath.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel {
 namespace {

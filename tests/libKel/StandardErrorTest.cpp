@@ -1,9 +1,6 @@
+#include "../support/Test.h"
+
 #include <libKel/StandardError.h>
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <string>
 
 namespace kel {
 namespace {

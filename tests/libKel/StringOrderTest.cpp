@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <libKel/String.h>
-
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kel {
 namespace {

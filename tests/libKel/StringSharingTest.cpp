@@ -1,17 +1,7 @@
 #include "../support/Memory.h"
+#include "../support/Test.h"
 
 #include <libKel/String.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <functional>
-#include <memory>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
 namespace kel {
 namespace {

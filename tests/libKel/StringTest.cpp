@@ -1,16 +1,8 @@
+#include "../support/Test.h"
+
 #include <libKel/String.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <type_traits>
 #include <unordered_set>
-#include <utility>
 
 namespace kel {
 namespace {

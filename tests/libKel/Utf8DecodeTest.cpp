@@ -1,14 +1,8 @@
 #include "../support/Environment.h"
+#include "../support/Test.h"
 #include "../support/oracles/ObviousUtf8.h"
 
 #include <libKel/String.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace kel {
 namespace {

@@ -9,14 +9,6 @@
 #include <libKel/FileSystem.h>
 #include <libStencilor/template/parse_template.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <functional>
-#include <memory>
-#include <string>
-
 namespace support {
 namespace {
 

@@ -1,15 +1,9 @@
 #include "../support/Context.h"
 #include "../support/Memory.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <stdexcept>
-#include <string>
 
 namespace support {
 namespace {

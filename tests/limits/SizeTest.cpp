@@ -3,21 +3,13 @@
 #include "../support/LogRecorder.h"
 #include "../support/Memory.h"
 #include "../support/SmallStackThread.h"
+#include "../support/Test.h"
 
 #include <libStencilor/Template.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdint>
 #include <ctime>
-#include <functional>
 #include <iomanip>
-#include <iostream>
-#include <string>
-#include <system_error>
 
 // Everything here is done in a thread with a stack of 256 KiB: no depth takes call stack.
 // STENCILOR_SIZE is the size of all in percent; the preset "exhaustive" has 100.

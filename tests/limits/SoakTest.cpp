@@ -3,15 +3,9 @@
 #include "../support/Environment.h"
 #include "../support/Memory.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/Logging.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <iostream>
-#include <string>
 
 namespace support {
 namespace {

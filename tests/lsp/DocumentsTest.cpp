@@ -1,10 +1,7 @@
+#include "../support/Test.h"
+
 #include <tools/stencilor/lsp/Documents.h>
 #include <tools/stencilor/lsp/ResponseError.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace stencilor::lsp {
 namespace {

@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <tools/stencilor/lsp/IndexedText.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace stencilor::lsp {
 namespace {

@@ -1,12 +1,7 @@
+#include "../support/Test.h"
+
 #include <tools/stencilor/lsp/MessageQueue.h>
 #include <tools/stencilor/lsp/MessageReader.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <string>
-#include <vector>
 
 namespace stencilor::lsp {
 namespace {

@@ -1,13 +1,9 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <tools/stencilor/commands/Failure.h>
 #include <tools/stencilor/commands/ProjectFile.h>
 #include <tools/stencilor/system/System.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace stencilor {
 namespace {

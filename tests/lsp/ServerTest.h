@@ -2,14 +2,9 @@
 #define TESTS_LSP_SERVERTEST_H
 
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <tools/stencilor/lsp/LanguageServer.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace stencilor::lsp {
 

@@ -1,12 +1,6 @@
 #include "../support/Environment.h"
 #include "Rendering.h"
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <string_view>
-
 namespace support {
 namespace {
 

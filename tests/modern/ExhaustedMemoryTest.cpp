@@ -3,14 +3,6 @@
 #include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <filesystem>
-#include <memory>
-#include <optional>
-#include <string>
-
 namespace support {
 namespace {
 

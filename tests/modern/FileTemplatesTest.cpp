@@ -1,13 +1,6 @@
 #include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <filesystem>
-#include <stdexcept>
-#include <string>
-
 namespace support {
 namespace {
 

@@ -3,13 +3,7 @@
 #include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <initializer_list>
-#include <optional>
-#include <string>
-#include <utility>
 
 namespace support {
 namespace {

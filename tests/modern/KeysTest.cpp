@@ -5,13 +5,6 @@
 #include <libStencilor/modern/loop_variables.h>
 #include <libStencilor/modern/parsed_template.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-#include <vector>
-
 namespace support {
 namespace {
 

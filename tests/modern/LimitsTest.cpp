@@ -1,13 +1,5 @@
 #include "Rendering.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <vector>
-
 namespace support {
 namespace {
 

@@ -4,11 +4,6 @@
 
 #include <libStencilor/Stencilor.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-
 namespace support {
 namespace {
 

@@ -1,16 +1,10 @@
 #ifndef TESTS_MODERN_RENDERING_H
 #define TESTS_MODERN_RENDERING_H
 
+#include "../support/Test.h"
 #include "../support/oracles/ObviousUtf8.h"
 
 #include <libStencilor/Template.h>
-
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <string>
-#include <string_view>
-#include <vector>
 
 // Short names for templates that are parsed once, and what every render promises.
 

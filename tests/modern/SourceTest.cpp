@@ -3,17 +3,6 @@
 
 #include <libStencilor/Stencilor.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <functional>
-#include <limits>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
-
 namespace support {
 namespace {
 

@@ -4,14 +4,6 @@
 
 #include <libStencilor/Stencilor.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
-
 namespace support {
 namespace {
 

@@ -1,14 +1,6 @@
 #include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <filesystem>
-#include <string>
-#include <thread>
-#include <vector>
-
 namespace support {
 namespace {
 

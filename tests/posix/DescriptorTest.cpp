@@ -1,10 +1,10 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "FailingRead.h"
 
 #include <libKel/FileSystem.h>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cerrno>

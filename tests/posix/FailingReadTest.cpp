@@ -3,20 +3,13 @@
 #include "../support/Context.h"
 #include "../support/Memory.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Folder.h>
 #include <libStencilor/Template.h>
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <chrono>
-#include <cstdint>
-#include <filesystem>
-#include <iterator>
-#include <limits>
-#include <string>
 
 // What is leaked on the way is for the address sanitizer to say, but for open files.
 

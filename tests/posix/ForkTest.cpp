@@ -1,21 +1,14 @@
 #include "../support/Environment.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>
 #include <libStencilor/Template.h>
 #include <libStencilor/Value.h>
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <functional>
-#include <optional>
-#include <thread>
-#include <vector>
 
 namespace kel {
 namespace {

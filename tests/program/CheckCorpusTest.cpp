@@ -6,11 +6,6 @@
 #include <libStencilor/Value.h>
 #include <libStencilorJson/JsonText.h>
 
-#include <filesystem>
-#include <set>
-#include <string>
-#include <vector>
-
 namespace program {
 namespace {
 

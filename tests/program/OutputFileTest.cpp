@@ -1,8 +1,5 @@
 #include "ProgramTest.h"
 
-#include <algorithm>
-#include <filesystem>
-
 namespace program {
 namespace {
 

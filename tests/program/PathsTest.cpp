@@ -1,8 +1,5 @@
 #include "ProgramTest.h"
 
-#include <filesystem>
-#include <system_error>
-
 #ifdef _WIN32
 #include "../support/LockedFile.h"
 

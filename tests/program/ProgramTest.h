@@ -2,9 +2,8 @@
 #define TESTS_PROGRAM_PROGRAMTEST_H
 
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "ChildProcess.h"
-
-#include <gtest/gtest.h>
 
 namespace program {
 

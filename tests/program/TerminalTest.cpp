@@ -1,8 +1,5 @@
 #include "ProgramTest.h"
 
-#include <algorithm>
-#include <string_view>
-
 namespace program {
 namespace {
 

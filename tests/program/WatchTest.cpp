@@ -1,10 +1,5 @@
 #include "ProgramTest.h"
 
-#include <chrono>
-#include <filesystem>
-#include <stdexcept>
-#include <thread>
-
 namespace program {
 namespace {
 

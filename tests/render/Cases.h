@@ -2,11 +2,7 @@
 #define TESTS_RENDER_CASES_H
 
 #include "../support/Context.h"
-
-#include <gtest/gtest.h>
-
-#include <span>
-#include <string>
+#include "../support/Test.h"
 
 namespace support {
 

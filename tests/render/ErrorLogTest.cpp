@@ -1,11 +1,6 @@
 #include "../support/Context.h"
 #include "../support/LogRecorder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
+#include "../support/Test.h"
 
 namespace support {
 namespace {

@@ -1,9 +1,6 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "Cases.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace support {
 namespace {

@@ -1,8 +1,5 @@
+#include "../support/Test.h"
 #include "Cases.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace support {
 namespace {

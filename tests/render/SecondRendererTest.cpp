@@ -1,20 +1,12 @@
 #include "../support/LogRecorder.h"
 #include "../support/PrescribedMessages.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "../support/oracles/RenderingComparison.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Logging.h>
 #include <libStencilor/Template.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace support {
 namespace {

@@ -1,15 +1,7 @@
 #include "../support/Context.h"
 #include "../support/LogRecorder.h"
 #include "../support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <string>
-#include <thread>
-#include <vector>
+#include "../support/Test.h"
 
 namespace support {
 namespace {

@@ -1,12 +1,7 @@
 #include "../support/Context.h"
 #include "../support/LogRecorder.h"
 #include "../support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "../support/Test.h"
 
 namespace support {
 namespace {

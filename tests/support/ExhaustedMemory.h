@@ -3,10 +3,7 @@
 
 #include "Build.h"
 #include "FailingAllocation.h"
-
-#include <gtest/gtest.h>
-
-#include <new>
+#include "Test.h"
 
 // What is leaked or deleted twice on the way is for the address sanitizer to say.
 

@@ -1,10 +1,9 @@
 #ifndef TESTS_SUPPORT_LOCKEDFILE_H
 #define TESTS_SUPPORT_LOCKEDFILE_H
 
-#include <gtest/gtest.h>
-#include <windows.h>
+#include "Test.h"
 
-#include <filesystem>
+#include <windows.h>
 
 namespace support {
 

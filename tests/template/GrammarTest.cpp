@@ -1,10 +1,7 @@
+#include "../support/Test.h"
 #include "../support/oracles/SyntaxTree.h"
 
 #include <libStencilor/template/parse_template.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kel::Stencilor::internal {
 namespace {

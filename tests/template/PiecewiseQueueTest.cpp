@@ -1,12 +1,7 @@
 #include "../support/Memory.h"
+#include "../support/Test.h"
 
 #include <libStencilor/template/piecewise_queue.h>
-
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 namespace {

@@ -1,14 +1,7 @@
 #include "../support/Environment.h"
+#include "../support/Test.h"
 #include "../support/oracles/RandomTemplate.h"
 #include "../support/oracles/ReadingComparison.h"
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <random>
-#include <string>
-#include <string_view>
 
 namespace support {
 namespace {

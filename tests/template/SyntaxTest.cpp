@@ -1,9 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilor/Syntax.h>
-
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,15 +1,11 @@
 #include "../support/oracles/SyntaxTree.h"
 
+#include "../support/Test.h"
+
 #include <libStencilor/template/parse_template.h>
 #include <libStencilor/template/syntax_tree.h>
 
 #include <boost/variant/get.hpp>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <type_traits>
-#include <utility>
 
 namespace kel::Stencilor::internal {
 namespace {

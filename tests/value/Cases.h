@@ -2,13 +2,9 @@
 #define TESTS_VALUE_CASES_H
 
 #include "../support/Context.h"
+#include "../support/Test.h"
 
 #include <libStencilor/Value.h>
-
-#include <gtest/gtest.h>
-
-#include <span>
-#include <string>
 
 namespace kel::Stencilor {
 

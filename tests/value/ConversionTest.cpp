@@ -1,21 +1,11 @@
+#include "../support/Test.h"
+
 #include <libStencilor/Value.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
 #include <deque>
 #include <forward_list>
-#include <limits>
 #include <list>
-#include <map>
-#include <optional>
-#include <set>
-#include <span>
-#include <string>
-#include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilor/context/build_context.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace kel::Stencilor::internal {
 namespace {

@@ -1,11 +1,5 @@
+#include "../support/Test.h"
 #include "Cases.h"
-
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -2,15 +2,6 @@
 
 #include <libStencilor/Value.h>
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <map>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 namespace support {
 namespace {
 

@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilor/Value.h>
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace shop {
 

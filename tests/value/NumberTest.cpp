@@ -1,19 +1,13 @@
 #include "../support/Environment.h"
+#include "../support/Test.h"
 #include "../support/oracles/Random.h"
 
 #include <libStencilor/Value.h>
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <limits>
-#include <stdexcept>
-#include <string>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,11 +1,6 @@
+#include "../support/Test.h"
+
 #include <libStencilor/Value.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,15 +1,8 @@
 #include "../support/Build.h"
 #include "../support/SmallStackThread.h"
+#include "../support/Test.h"
 
 #include <libStencilor/Value.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kel::Stencilor {
 namespace {

@@ -1,17 +1,11 @@
 #include "../support/Context.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 #include "FailingImport.h"
 
 #include <libKel/FileSystem.h>
 
-#include <gtest/gtest.h>
 #include <windows.h>
-
-#include <array>
-#include <memory>
-#include <new>
-#include <stdexcept>
-#include <string>
 
 // What crosses the border between this program and the two libraries: memory and exceptions.
 

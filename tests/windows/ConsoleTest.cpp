@@ -1,15 +1,9 @@
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
-#include <array>
-#include <filesystem>
-#include <functional>
-#include <memory>
 #include <regex>
-#include <string>
-#include <thread>
 
 // What a user reads in a console window: the program runs in a console that is not shown but
 // written to a pipe, as UTF-8.

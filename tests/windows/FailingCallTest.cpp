@@ -2,14 +2,10 @@
 
 #include "../support/Context.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
 #include <libKel/Folder.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
 
 // Each call for a file fails, in its turn.
 

@@ -1,14 +1,11 @@
 #include "../support/Context.h"
 #include "../support/LockedFile.h"
 #include "../support/TemporaryFolder.h"
+#include "../support/Test.h"
 
 #include <libKel/FileSystem.h>
 
-#include <gtest/gtest.h>
 #include <windows.h>
-
-#include <filesystem>
-#include <string>
 
 // Files as only Windows has them. What is the same on every system is tested with the base library.
 

@@ -1,9 +1,6 @@
-#include <gtest/gtest.h>
-#include <windows.h>
+#include "../support/Test.h"
 
-#include <atomic>
-#include <thread>
-#include <vector>
+#include <windows.h>
 
 // This program is not linked to the libraries: it loads and frees them while it runs.
 

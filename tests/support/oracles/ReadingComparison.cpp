@@ -1,12 +1,11 @@
 #include "ReadingComparison.h"
 
+#include "../Test.h"
 #include "SecondReading.h"
 #include "SyntaxReport.h"
 #include "SyntaxTree.h"
 
 #include <libStencilor/template/parse_template.h>
-
-#include <gtest/gtest.h>
 
 namespace support {
 

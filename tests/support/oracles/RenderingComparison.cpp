@@ -1,15 +1,10 @@
 #include "RenderingComparison.h"
 
 #include "../Environment.h"
+#include "../Test.h"
 #include "RandomContext.h"
 #include "RandomTemplate.h"
 #include "SecondRenderer.h"
-
-#include <gtest/gtest.h>
-
-#include <iostream>
-#include <memory>
-#include <new>
 
 namespace support {
 
