@@ -27,9 +27,9 @@ OptionInfo flag(const std::string& name, const std::string& description, bool& v
 }
 
 template <typename Target>
-OptionInfo text(std::vector<std::string> names, const std::string& value, ValueType type,
+OptionInfo text(const std::vector<std::string>& names, const std::string& value, ValueType type,
                 const std::string& description, Target& target) {
-    return {.names = std::move(names),
+    return {.names = names,
             .description = description,
             .value = value,
             .type = type,
