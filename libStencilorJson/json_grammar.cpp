@@ -65,8 +65,9 @@ void JsonGrammar::textRule() {
     }
 }
 
-// value = object | array | string | number | "true" | "false" | "null" Only reads the opening
-// bracket of an array or object; elementRule() and memberRule() read the rest.
+// value = object | array | string | number | "true" | "false" | "null"
+// Only reads the opening bracket of an array or object; elementRule() and memberRule() read the
+// rest.
 void JsonGrammar::valueRule(const char* expectation) {
     skipWhitespace();
     const std::size_t begin = position();
@@ -91,8 +92,8 @@ void JsonGrammar::valueRule(const char* expectation) {
     }
 }
 
-// array = "[" [ value { "," value } ] "]" Reads one element with the separator before it, or the
-// closing bracket.
+// array = "[" [ value { "," value } ] "]"
+// Reads one element with the separator before it, or the closing bracket.
 void JsonGrammar::elementRule() {
     skipWhitespace();
     if (isAt(']')) {
@@ -107,8 +108,9 @@ void JsonGrammar::elementRule() {
     }
 }
 
-// object = "{" [ member { "," member } ] "}" member = string ":" value Reads one member with the
-// separator before it, or the closing bracket.
+// object = "{" [ member { "," member } ] "}"
+// member = string ":" value
+// Reads one member with the separator before it, or the closing bracket.
 void JsonGrammar::memberRule() {
     skipWhitespace();
     if (isAt('}')) {
@@ -145,7 +147,8 @@ void JsonGrammar::nameRule(const char* expectation) {
     receiver_.name(name, rangeFrom(begin));
 }
 
-// string = '"' { characters | escape } '"' Without escapes, this is a part of the JSON text.
+// string = '"' { characters | escape } '"'
+// Without escapes, the result is a part of the JSON text.
 std::string_view JsonGrammar::stringRule() {
     literal('"');
     const std::string_view written = charactersRule();
@@ -191,8 +194,8 @@ void JsonGrammar::escapeRule() {
     }
 }
 
-// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ] A leading and a trailing surrogate make
-// one character.
+// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ]
+// A leading and a trailing surrogate make one character.
 void JsonGrammar::unitRule(std::size_t begin) {
     std::uint32_t unit = hexadecimalRule();
     if (isTrailingSurrogate(unit)) {

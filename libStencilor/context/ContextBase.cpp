@@ -15,7 +15,8 @@ ContextBase::ContextBase(const ContextBase& other)
 
 ContextBase& ContextBase::operator=(const ContextBase& other) {
     if (this != &other) {
-        // Copied before the former entries go, so that exhausted memory changes nothing.
+        // Copied before the previous entries are dropped, so that nothing changes if memory is
+        // exhausted.
         ContextBase copy(other);
         delete std::exchange(children, std::exchange(copy.children, nullptr));
     }

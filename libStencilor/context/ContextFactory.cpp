@@ -10,8 +10,8 @@ namespace {
 
 using internal::context_access;
 
-/// Puts the pointers of `children` into `value`, which holds none yet. They stay the caller's where
-/// memory runs out, since all are copied before any of them changes hands.
+/// Moves the pointers of `children` into `value`, which must be empty. If memory is exhausted, they
+/// still belong to the caller, because the map is copied first.
 template <typename Value>
 Value* adoptChildren(std::unique_ptr<Value> value, const std::map<String, ContextBase*>& children) {
     auto adopted = std::make_unique<internal::child_map>();

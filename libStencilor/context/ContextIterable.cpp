@@ -4,15 +4,16 @@ namespace kel::Stencilor {
 
 ContextIterable::ContextIterable() = default;
 
-// The children come last: were memory to run out after them, the unfinished list would delete what
-// still belongs to the source. The elements are held by the vector only, which deletes none.
+// The children are copied last: if memory were exhausted afterwards, the unfinished list would
+// delete children that belong to the source. Elements are safe, because the vector does not delete
+// them.
 ContextIterable::ContextIterable(const ContextIterable& other)
     : ContextBase(), elements(other.elements) {
     ContextBase::operator=(other);
 }
 
 ContextIterable& ContextIterable::operator=(const ContextIterable& other) {
-    std::vector<ContextBase*> copy(other.elements); // first: exhausted memory changes nothing
+    std::vector<ContextBase*> copy(other.elements); // first, in case memory is exhausted
     ContextBase::operator=(other);
     elements.swap(copy);
     return *this;

@@ -4,12 +4,12 @@
 
 namespace kel::Stencilor {
 
-// Copied rather than moved: a value lives long, and a copy holds no more memory than it needs.
+// Copied rather than moved: values are long-lived, and a copy uses no more memory than it needs.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 ContextString::ContextString(String text) : value(text) {}
 
-// The children come last: were memory to run out after them, the unfinished value would delete
-// what still belongs to the source.
+// The children are copied last: if memory were exhausted afterwards, the unfinished value would
+// delete children that belong to the source.
 ContextString::ContextString(const ContextString& other) : ContextBase(), value(other.value) {
     ContextBase::operator=(other);
 }
@@ -18,7 +18,7 @@ ContextString::ContextString(ContextString&& other)
     : ContextBase(other), value(std::move(other.value)) {}
 
 ContextString& ContextString::operator=(const ContextString& other) {
-    String copy(other.value); // first, so that exhausted memory changes nothing
+    String copy(other.value); // first, so that nothing changes if memory is exhausted
     ContextBase::operator=(other);
     value = std::move(copy);
     return *this;

@@ -16,10 +16,10 @@ namespace {
 using Kind = Value::Kind;
 using Members = std::map<String, Value>;
 
-// About what an entry takes beside its texts: a map's node, and a value.
+// The approximate size of an entry without its texts: a map node and a value.
 constexpr std::uint64_t perEntry = 192;
 
-/// What a value under a dotted name takes beyond its entry.
+/// The memory for a value under a dotted name, in addition to its entry.
 std::uint64_t measureAlias(const ContextBase* original) {
     if (const auto* string = dynamic_cast<const ContextString*>(original)) {
         return context_access::text(*string).size();
@@ -36,7 +36,7 @@ std::uint64_t measureAlias(const ContextBase* original) {
     return size;
 }
 
-/// A value to have under a dotted name beside `original`. A dictionary is empty there: no template
+/// Makes the value for a dotted name of `original`. A dictionary stays empty, because no template
 /// can look into it.
 std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
     if (original == nullptr) {
@@ -56,8 +56,8 @@ std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
     return std::make_unique<ContextDictionary>();
 }
 
-/// Builds values from the inside out: when the names of a dictionary are made, those of the
-/// dictionaries in it are complete.
+/// Builds values from the inside out, so that the names of nested dictionaries are complete when
+/// those of the outer one are made.
 class context_builder {
   public:
     context_builder(const ContextOptions& options, std::uint64_t limit)
@@ -74,13 +74,13 @@ class context_builder {
     void countDottedName(const String& name, const ContextBase* original);
 
     const ContextOptions options_;
-    const std::uint64_t limit_; // of the dotted names, in bytes
+    const std::uint64_t limit_; // for the dotted names, in bytes
     const String booleanKey_ = "$boolean";
     const String valueKey_ = "value";
     const String indexKey_ = "index";
     const String firstKey_ = "first";
     const String lastKey_ = "last";
-    std::uint64_t dottedNames_ = 0; // what they take
+    std::uint64_t dottedNames_ = 0; // their memory in bytes
 };
 
 std::unique_ptr<ContextBase> context_builder::build(const Value& value) {
@@ -101,7 +101,7 @@ std::unique_ptr<ContextBase> context_builder::build(const Value& value) {
     return nullptr;
 }
 
-/// What a dictionary becomes, still without its members.
+/// Makes the context value of a dictionary, without its members.
 std::unique_ptr<ContextBase> buildEmptyDictionary(const Value* truth) {
     if (truth == nullptr) {
         return std::make_unique<ContextDictionary>();
@@ -122,8 +122,8 @@ std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& mem
             entry = build(member->second).release();
         }
     }
-    // Backwards: where two keys lead to the same dotted name, one begins with the other and is
-    // behind it, and the longer one wins.
+    // Backwards, because the longest key wins: if two keys lead to the same dotted name, one is a
+    // prefix of the other and precedes it.
     for (auto member = members.rbegin(); member != members.rend(); ++member) {
         if (member->second.kind() == Kind::Dictionary) {
             addDottedNames(*result, member->first, *result->find(member->first));
@@ -132,7 +132,7 @@ std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& mem
     return result;
 }
 
-/// Adds the names of `nested`, which is the child `key`, behind `key` and a dot.
+/// Adds the names of `nested`, the child `key`, prefixed with `key` and a dot.
 void context_builder::addDottedNames(ContextBase& dictionary, const String& key,
                                      const ContextBase& nested) {
     String prefix = key;
@@ -185,7 +185,7 @@ std::unique_ptr<ContextBase> context_builder::buildElement(const Value& item) {
     return element;
 }
 
-/// Gives `element` a child, unless it has an entry of that name.
+/// Adds a child to `element`, unless it has an entry with that name.
 template <typename Child, typename Source>
 void addMissing(ContextBase& element, const String& key, const Source& source) {
     if (!element.containsKey(key)) {

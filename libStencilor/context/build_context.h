@@ -8,10 +8,10 @@
 
 namespace kel::Stencilor::internal {
 
-/// What the dotted names of a context may take, in bytes.
+/// The memory limit for the dotted names of a context, in bytes.
 inline constexpr std::uint64_t dotted_names_limit = std::uint64_t{512} << 20;
 
-/// The tree of context classes that a value becomes; see `Context` for the rules and errors.
+/// Makes the tree of context classes from a value; `Context` documents the rules and errors.
 std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,
                                           std::uint64_t limit = dotted_names_limit);
 

@@ -24,7 +24,7 @@ class child_range {
     const child_map* children_;
 };
 
-/// The library's own way to what context values hold; hosts have none.
+/// The library's access to the contents of context values.
 struct context_access {
     static child_range children(const ContextBase& value) noexcept {
         return child_range(value.children);

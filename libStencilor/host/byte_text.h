@@ -8,14 +8,14 @@
 
 namespace kel::Stencilor::internal {
 
-/// A string whose characters are the bytes of UTF-8, at hand without a copy, as those of `libKel`
-/// are. Its conversions keep well-formed text as it is, so the engine does without them. The
-/// strings of another base library are converted at each border.
+/// A string of UTF-8 bytes that can be read without a copy, like that of `libKel`. The engine skips
+/// its conversions, which would not change well-formed text. Strings of another base library are
+/// converted at each border.
 template <typename Text>
 concept byte_text = requires(const Text& text, std::string_view bytes) {
     { text.view() } -> std::same_as<std::string_view>;
     { Text::isUtf8(bytes) } -> std::same_as<bool>;
-    requires Text::readableBytes >= 16; // from where the view begins; the text ends with a NUL
+    requires Text::readableBytes >= 16; // from the beginning of the view; the text ends with a NUL
     Text(bytes);
 };
 

@@ -1,18 +1,18 @@
 #include <windows.h>
 
 #ifdef __MINGW32__
-// The run-time puts thread-local storage into every library, by the function that this pointer of
-// its would name, and Windows keeps the notifications on for whatever has such storage. This
-// library has none and does without the function. (Variables that C++ calls `thread_local` are kept
-// elsewhere by this compiler.)
+// The C run-time adds thread-local storage to every library through the function that this pointer
+// names, and Windows cannot turn off notifications for a library that has such storage. This
+// library has none, so it does not need the function. (This compiler stores C++ `thread_local`
+// variables elsewhere.)
 extern "C" {
 extern const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback;
 const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback = nullptr;
 }
 #endif
 
-/// Called by Windows when a process loads or unloads the library, and, were it not turned off, at
-/// the start and the end of each of its threads.
+/// Called by Windows when a process loads or unloads the library, and, unless that is turned off,
+/// at the start and end of each thread.
 extern "C" BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
         ::DisableThreadLibraryCalls(library);

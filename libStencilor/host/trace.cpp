@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::int32_t messagePriority = 2;
 
-/// The library's one logger. It is made by the first gate that needs it and never released; the
-/// base library copes with several threads that find it null at once.
+/// The library's only logger. The first gate that needs it creates it, and it is never released.
+/// The base library handles several threads that find it null at the same time.
 constinit Logger* sharedLogger = nullptr;
 
 Logger* currentLogger() {

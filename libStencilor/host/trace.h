@@ -8,7 +8,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// A place that is traced. The names and lines are fixed: tools that read logs know them.
+/// A traced place. The names and lines are fixed, because tools that read logs depend on them.
 struct trace_point {
     const char* function;
     int line;
@@ -25,20 +25,20 @@ inline constexpr trace_point renderIncluded{"buildOutput", 251};
 inline constexpr trace_point buildOutput{"buildOutput", 408};
 } // namespace trace_points
 
-/// The file that all trace points name.
+/// The file name of all trace points.
 inline constexpr const char* traceFile = "libStencilor/render/content_visit.cpp";
 
-/// Traces are written while no priority is above this.
+/// Traces are written unless a priority is above this.
 inline constexpr std::int32_t tracePriority = 1;
 
-/// The library's logger, or null where its own threshold keeps traces out. Makes the logger on
-/// first use.
+/// The library's logger, or null if its own threshold excludes traces. Creates the logger on first
+/// use.
 Logger* loggerForTraces();
 
-/// Traces the scope that it lives in. With tracing off it costs the test of the global priority.
+/// Traces the scope of its lifetime. If tracing is off, it only tests the global priority.
 class trace_scope {
   public:
-    /// Whether a scope that begins now may be traced.
+    /// True if a scope that begins now may be traced.
     static bool isEnabled() { return LogFactory::getPriority() <= tracePriority; }
 
     explicit trace_scope(const trace_point& point)
@@ -49,7 +49,7 @@ class trace_scope {
     TraceLogger trace_;
 };
 
-/// Logs the messages of one rendering, where there are any and no priority keeps them out.
+/// Logs the messages of one rendering, if there are any and no priority excludes them.
 void logErrors(const String& errors);
 
 } // namespace kel::Stencilor::internal

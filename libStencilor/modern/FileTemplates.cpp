@@ -32,7 +32,7 @@ Folder openFolder(const String& root) {
 
 namespace internal {
 
-/// The files below a directory, and what was parsed of them.
+/// The files of a directory, with the cached templates.
 class template_files {
   public:
     explicit template_files(const String& root) : folder_(openFolder(root)) {}
@@ -41,7 +41,7 @@ class template_files {
                                 std::optional<Template>& found);
 
   private:
-    /// A file as it was parsed, and its state at that time.
+    /// A parsed file, and its state at that time.
     struct parsed_file {
         FileState state;
         Template made;
@@ -56,8 +56,8 @@ class template_files {
 
     const Folder folder_;
 
-    // Guarded by the lock of all sources. Each file is kept for one of the paths that lead to it,
-    // so that templates cannot have it kept any number of times by writing its path in other ways.
+    // Guarded by the lock of all sources. Each file is cached under only one of its paths, so that
+    // templates cannot fill the cache by writing a path in different ways.
     std::map<String, parsed_file> parsed_;
     std::map<std::pair<std::uint64_t, std::uint64_t>, String> paths_; // by identity
 };
@@ -88,7 +88,8 @@ std::optional<Template> template_files::findKept(const String& path, const FileS
     return same ? std::optional(kept->second.made) : std::nullopt;
 }
 
-/// Reads and parses a file, and keeps it unless it may still change without another state.
+/// Reads and parses a file, and caches it unless it could still change without a change of its
+/// state.
 TemplateSource::Answer template_files::load(const String& path, std::uint64_t maxBytes,
                                             std::optional<Template>& found) {
     const std::int64_t before = nanosecondsNow();

@@ -6,7 +6,7 @@ namespace kel::Stencilor {
 
 namespace {
 
-/// A name in quotation marks, without line breaks and whatever else a terminal would obey.
+/// A name in quotation marks, without line breaks and other characters that control a terminal.
 std::string quoted(const String& name) {
     constexpr const char* digits = "0123456789abcdef";
     std::string text = "\"";

@@ -17,14 +17,14 @@ using internal::escaper;
 constexpr std::uint64_t ones = 0x0101010101010101u;
 constexpr std::uint64_t highBits = 0x8080808080808080u;
 
-/// Has the high bit of a byte set where that byte of `word` is `byte`, if not of others, too, that
-/// follow it. Bytes over 127 may be taken for it.
+/// Sets the high bit of each byte of `word` that equals `byte`. It may also be set for bytes that
+/// follow one, and for bytes over 127.
 constexpr std::uint64_t bytesEqual(std::uint64_t word, unsigned char byte) {
     return (word ^ ones * byte) - ones;
 }
 
-/// False only where none of eight bytes is one that HTML escapes. '"' and '&' differ in one bit,
-/// and so do '<' and '>'.
+/// False only if none of eight bytes is escaped in HTML. '"' and '&' differ in one bit, as do '<'
+/// and '>'.
 constexpr bool mayEscapeHtml(std::uint64_t word) {
     const std::uint64_t found = bytesEqual(word & ~(ones * 4), '"') | bytesEqual(word, '\'') |
                                 bytesEqual(word & ~(ones * 2), '<');
@@ -67,7 +67,7 @@ std::uint64_t wordAt(const char* at) {
     return word;
 }
 
-/// False only where no byte of `text` is one that HTML escapes.
+/// False only if no byte of `text` is escaped in HTML.
 bool mayEscapeHtml(std::string_view text) {
     if (text.size() < wordSize) {
         return std::any_of(text.begin(), text.end(),
@@ -83,7 +83,7 @@ bool mayEscapeHtml(std::string_view text) {
 
 constexpr std::size_t longestEscape = 6;
 
-/// Writes `text` escaped, which may take `longestEscape` times its size. Returns the end.
+/// Writes the escaped `text`, which may take `longestEscape` times its size. Returns the end.
 char* writeHtml(std::string_view text, char* out) {
     while (!text.empty()) {
         const std::string_view few = text.substr(0, wordSize);
@@ -118,7 +118,7 @@ void appendUnicodeEscape(unsigned int unit, std::string& out) {
     }
 }
 
-/// U+2028 and U+2029 end a line in scripts: E2 80 A8 and E2 80 A9.
+/// U+2028 and U+2029 (E2 80 A8 and E2 80 A9) end a line in scripts.
 bool beginsLineSeparator(std::string_view text) {
     return text.starts_with("\xE2\x80\xA8") || text.starts_with("\xE2\x80\xA9");
 }

@@ -9,7 +9,8 @@
 namespace kel::Stencilor::internal {
 
 /// Escapes the values of one render.
-/// Ownership: borrows the options' escape. What `escape` returns is valid until the next call.
+/// Ownership: borrows the escape of the options. The result of `escape` is valid until the next
+///   call.
 class escaper {
   public:
     explicit escaper(const Escape& escape) : escape_(escape) {}
@@ -22,8 +23,8 @@ class escaper {
     static char* writePlainHtml(std::string_view value, char* out) noexcept;
     static constexpr std::size_t mostHtml(std::size_t size) noexcept { return 6 * size + 8; }
 
-    /// `value` escaped, up to the first NUL of what a host's function made of it. The value itself
-    /// where there is nothing to escape.
+    /// Escapes `value`. The result of a host's function ends at its first NUL. If there is nothing
+    /// to escape, this is the value itself.
     std::string_view escape(std::string_view value);
 
   private:

@@ -13,7 +13,7 @@ using Answer = TemplateSource::Answer;
 
 constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
-/// The files that `buildOutput` finds.
+/// Finds files like `buildOutput`.
 Answer findFile(const String& path, std::uint64_t maxBytes, std::optional<Template>& found) {
     return templateOfFile(path, maxBytes, found, [&path](std::uint64_t most, auto& bytes) {
         return FileSystem::load(path, most, bytes);
@@ -28,7 +28,7 @@ const included_template& included_templates::ask(const String& path) {
     asked.answer = source_ == nullptr ? findFile(path, maxBytes, asked.found)
                                       : source_->find(path, maxBytes, asked.found);
     if (asked.answer == Answer::Found && !asked.found) {
-        asked.answer = Answer::Unreadable; // a source that breaks its promise
+        asked.answer = Answer::Unreadable; // the source violates its contract
     }
     if (asked.answer == Answer::Found) {
         const std::uint64_t size = asked.found->text().size();

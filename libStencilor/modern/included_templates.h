@@ -12,18 +12,18 @@ namespace kel::Stencilor::internal {
 
 struct name_use;
 
-/// What a source answered.
+/// The answer of a source.
 struct included_template {
     TemplateSource::Answer answer = TemplateSource::Answer::Missing;
     std::optional<Template> found{}; // if the answer is Found
 };
 
-/// The templates that one render asked for, each path once.
-/// Ownership: borrows the source, and keeps the templates.
+/// The templates that one render has requested, each path once.
+/// Ownership: borrows the source, and owns the templates.
 class included_templates {
   public:
-    /// `source` may be null, for the files that `buildOutput` finds. `limit` is how many bytes all
-    /// templates may have.
+    /// If `source` is null, files are found like by `buildOutput`. `limit` is the maximum size of
+    /// all templates together.
     included_templates(TemplateSource* source, std::uint64_t limit)
         : source_(source), limit_(limit), left_(limit) {}
 
@@ -32,7 +32,8 @@ class included_templates {
         return known != templates_.end() ? known->second : ask(path);
     }
 
-    /// The same for the path of a tag. The tag is remembered: looking up a long path takes long.
+    /// The same for the path of a tag. The tag is remembered, because looking up a long path is
+    /// slow.
     const included_template& find(const name_use& use, const String& path) {
         const included_template*& known = byUse_[&use];
         if (known == nullptr) {
@@ -41,7 +42,7 @@ class included_templates {
         return *known;
     }
 
-    /// How many bytes the templates have.
+    /// The size of all templates together.
     std::uint64_t bytes() const noexcept { return limit_ - left_; }
 
   private:

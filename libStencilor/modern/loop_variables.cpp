@@ -57,7 +57,7 @@ void loop_variables::collectPrefixes(std::string_view name, std::vector<std::uin
     };
     std::sort(matches_.begin(), matches_.end(), isNewer);
 
-    // The whole name is tried for the newest variable that it does not begin with.
+    // The whole name is tried for the newest variable that is not its prefix.
     node newest = variables_[none].older;
     bool whole = false;
     for (const node matched : matches_) {
@@ -93,7 +93,7 @@ void loop_variables::unlink(node linked) {
     variables_[left.older].newer = left.newer;
 }
 
-/// Links a variable next to `newer`; none makes it the newest.
+/// Links a variable after `newer`; `none` makes it the newest.
 void loop_variables::linkAsOlder(node linked, node newer) {
     const node older = variables_[newer].older;
     variables_[linked].newer = newer;

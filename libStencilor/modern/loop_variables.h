@@ -9,12 +9,12 @@
 
 namespace kel::Stencilor::internal {
 
-/// The variables of the loops around one place of a template, while the template is walked.
+/// The variables of the loops around the current place of a template walk.
 ///
-/// Entering and leaving a variable take time in its length, and so does finding the prefixes of a
-/// name in that of the name, however many variables are in force: they are held in a trie, and
+/// Entering and leaving a variable take time linear in its length, and finding the prefixes of a
+/// name in that of the name, regardless of the number of variables. They are stored in a trie, and
 /// linked from the newest to the oldest.
-/// Copying: not possible, nothing needs two.
+/// Copying: not possible, because it is not needed.
 class loop_variables {
   public:
     loop_variables() = default;
@@ -24,28 +24,28 @@ class loop_variables {
     void enter(std::string_view variable);
     void leave();
 
-    /// Replaces `lengths` by how much of `name` is stripped to make each key that it is tried as:
-    /// for each loop from the innermost outwards, its variable and the dot where the name begins
-    /// with them, and otherwise nothing; at last nothing. Each length is given once, at its first
-    /// place.
+    /// Replaces `lengths` by the numbers of bytes to strip from `name` for each key that is tried:
+    /// for each loop, from the innermost outwards, the length of its variable and the dot if the
+    /// name begins with them, otherwise 0; finally 0. Each length occurs once, at its first
+    /// position.
     void collectPrefixes(std::string_view name, std::vector<std::uint32_t>& lengths);
 
   private:
-    using node = std::uint32_t; // of the trie; also the variable that ends there
+    using node = std::uint32_t; // a node of the trie, and the variable that ends there
     static constexpr node none = 0;
 
     struct variable {
         node newer = none;
         node older = none;
-        std::uint32_t entered = 0; // the newest of its loops, counted from 1; 0: not in force
+        std::uint32_t entered = 0; // the number of its newest loop, from 1; 0 if it is not in force
         std::uint32_t length = 0;
     };
 
-    /// An open loop, and what leaving it restores.
+    /// An open loop, and the state to restore when it is left.
     struct open_loop {
         node entered;
         std::uint32_t formerly;
-        node newer; // the neighbour that it was next to, if it was in force before
+        node newer; // its newer neighbor, if it was in force before
     };
 
     node step(node from, char byte) const;
@@ -54,11 +54,11 @@ class loop_variables {
     void linkAsOlder(node linked, node newer);
 
     std::vector<variable> variables_ = std::vector<variable>(1);
-    // By node and byte. However a template chooses them, few share a bucket: their keys are below
-    // 256 times their number.
+    // By node and byte. No template can make many of them share a bucket, because the keys are less
+    // than 256 times their number.
     std::unordered_map<std::uint64_t, node> steps_;
     std::vector<open_loop> loops_;
-    std::vector<node> matches_; // of one name, kept for its memory
+    std::vector<node> matches_; // for one name; kept to reuse its memory
     // variables_[none] is the ends of the list: its `older` is the newest variable.
 };
 

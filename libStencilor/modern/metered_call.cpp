@@ -12,7 +12,7 @@ namespace {
 
 using Kind = RenderMessage::Kind;
 
-/// A row for each fault, in their order.
+/// One row per fault, in the order of the enumeration.
 constexpr std::array kinds{
     Kind::ReplacementNotFound, Kind::ReplacementNotString, Kind::BooleanNotFound,
     Kind::NotBoolean,          Kind::ListNotFound,         Kind::NotIterable,
@@ -20,7 +20,7 @@ constexpr std::array kinds{
 };
 static_assert(kinds.size() == messages.size());
 
-/// The record that a node holds, or null for a text.
+/// The record of a node, or null for a text.
 struct record_of : boost::static_visitor<const void*> {
     template <typename Record>
     const void* operator()(const Record& record) const {

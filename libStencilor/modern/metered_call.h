@@ -15,15 +15,16 @@
 
 namespace kel::Stencilor::internal {
 
-/// What renders a text: the state of the render, and where values and texts go.
+/// The means to render text: the state of the render, the escape, and the output.
 struct render_tools {
     render_state& state;
     piecewise_output& text;
     escaper& escape;
 };
 
-/// How a `Template` renders one template: what is taken is counted and limited, values are escaped,
-/// messages have a place, names are found by the keys of a table, and includes come from a source.
+/// The way a `Template` renders one template: resources are counted and limited, values are
+/// escaped, messages have locations, names are looked up by the keys of a table, and includes come
+/// from a source.
 /// Ownership: borrows everything.
 /// Copying: not possible, it represents one place in one template.
 class metered_call {
@@ -121,7 +122,7 @@ class metered_call {
     const bool plain_; // whether values are not escaped
     const bool html_;  // whether they are escaped for HTML
     const name_table& names_;
-    const content* node_ = nullptr; // the one that is rendered
+    const content* node_ = nullptr; // the current node
 };
 
 } // namespace kel::Stencilor::internal

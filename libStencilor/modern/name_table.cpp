@@ -8,7 +8,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// Fills a table from the parts of a template in their order.
+/// Fills a table from the parts of a template, in order.
 class name_table::builder final : public SyntaxVisitor {
   public:
     builder(name_table& table, std::string_view text)
@@ -33,7 +33,7 @@ class name_table::builder final : public SyntaxVisitor {
         case Kind::Text:
             break;
         case Kind::Include:
-            prefixLengths_.assign(1, 0); // a path is tried as it is
+            prefixLengths_.assign(1, 0); // a path is tried unchanged
             addUse(part.name);
             break;
         }
@@ -58,9 +58,9 @@ class name_table::builder final : public SyntaxVisitor {
                                 keys.kept > 0 ? keys.firstKey : name_use::notKept});
     }
 
-    /// The list of keys of a name with the prefixes in `prefixLengths_`.
+    /// The keys of a name with the prefixes in `prefixLengths_`.
     std::uint32_t keysOf(std::string_view name) {
-        constexpr int most = 8; // known lists with the same hash; what is added then is not known
+        constexpr int most = 8; // known lists with the same hash; further ones are not shared
         const std::size_t hash = std::hash<std::string_view>()(name);
         auto [found, end] = lists_.equal_range(hash);
         int compared = 0;
@@ -114,17 +114,18 @@ class name_table::builder final : public SyntaxVisitor {
     name_table& table_;
     std::string_view text_;
     text_position position_;
-    std::size_t unusedBytes_; // that further keys may take
+    std::size_t unusedBytes_; // available for further keys
     loop_variables variables_;
     std::vector<std::uint32_t> prefixLengths_;
-    // By the hash of the name. In order, since templates may choose names for their hashes.
+    // By the hash of the name. Ordered, because templates could choose names for their hashes.
     std::multimap<std::size_t, known_list> lists_;
 };
 
 const String& name_table::nameOf(const name_use& use) const noexcept {
     const name_keys& list = lists_[use.keys];
     const auto first = prefixes(list).begin();
-    const auto whole = std::find(first, first + list.kept, 0u); // the end, where it is kept apart
+    // This is the end if the name itself is stored separately.
+    const auto whole = std::find(first, first + list.kept, 0u);
     return keys_[list.firstKey + static_cast<std::size_t>(whole - first)];
 }
 

@@ -14,7 +14,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// Where the name or path of a record is, and what it is tried as.
+/// The position of the name or path of a record, and its keys.
 struct name_use {
     std::uint32_t begin = 0;
     std::uint32_t size = 0;
@@ -28,7 +28,7 @@ struct name_use {
     SyntaxRange range() const noexcept { return {begin, begin + size}; }
 };
 
-/// Which of a table's keys a name is tried as. Names that are tried alike share them.
+/// The keys of a name in a table. Names that are tried in the same way share them.
 struct name_keys {
     std::uint32_t firstKey;
     std::uint32_t kept;
@@ -38,20 +38,19 @@ struct name_keys {
     bool areAllKept() const noexcept { return kept == count; }
 };
 
-/// The names of one template, by the number of the record that holds each.
+/// The names of one template, by the number of their record.
 ///
-/// A name is tried as the keys that the loops around it make of it, which the template alone
-/// determines. Names that are written alike and tried alike share their keys. Keys are kept as
-/// strings while all of them take no more bytes than the template; the others are made when they
-/// are tried, but for the name itself.
-/// Threads: never changes once it is made.
+/// The keys of a name result from the loops around it, so the template alone determines them. Equal
+/// names with equal keys share them. Keys are stored as strings as long as they take no more bytes
+/// than the template. Other keys, except the name itself, are built when they are tried.
+/// Threads: immutable.
 class name_table {
   public:
     /// `text` is a template that is well formed up to its first NUL.
     explicit name_table(const String& text);
 
     const name_use& use(std::uint32_t number) const noexcept {
-        assert(number < uses_.size()); // as many records as tags that hold a name
+        assert(number < uses_.size()); // there is a record for each tag with a name
         return uses_[number];
     }
 
@@ -62,18 +61,18 @@ class name_table {
         return use.firstKey == name_use::notKept ? nullptr : keys_.data() + use.firstKey;
     }
 
-    /// The keys that are kept, in the order they are tried.
+    /// The stored keys, in the order in which they are tried.
     std::span<const String> keptKeys(const name_keys& keys) const noexcept {
         return {keys_.data() + keys.firstKey, keys.kept};
     }
 
-    /// How many bytes at the start of the name are stripped for each of its keys. The kept ones are
-    /// those of the first.
+    /// The number of bytes to strip from the start of the name for each key. The stored keys come
+    /// first.
     std::span<const std::uint32_t> prefixes(const name_keys& keys) const noexcept {
         return {prefixes_.data() + keys.firstPrefix, keys.count};
     }
 
-    /// The name itself, for messages and paths: one of the kept keys, or kept after them.
+    /// The name itself, for messages and paths: one of the stored keys, or stored after them.
     const String& nameOf(const name_use& use) const noexcept;
 
   private:

@@ -12,15 +12,15 @@
 
 namespace kel::Stencilor::internal {
 
-/// Where something is in a template.
+/// A position in a template.
 struct node_place {
     SyntaxRange range{};
     unsigned int line = 0;
     unsigned int column = 0;
 };
 
-/// What a `Template` shares with its copies.
-/// Threads: never changes once it is made.
+/// The data that copies of a `Template` share.
+/// Threads: immutable.
 struct parsed_template {
     parsed_template(String source, String called);
 
@@ -30,10 +30,10 @@ struct parsed_template {
     SyntaxFault fault;
     node_place faultPlace;
     std::optional<name_table> names; // of a well-formed template
-    bool isUtf8;                     // whether all of the text is
+    bool isUtf8;                     // true if the whole text is valid UTF-8
 };
 
-/// The library's own way into a template.
+/// The library's access to the contents of a template.
 struct template_access {
     static const parsed_template& parsed(const Template& made) noexcept { return *made.parsed_; }
 };
@@ -43,7 +43,7 @@ inline node_place placeOf(const name_use& use) noexcept {
     return {use.range(), use.line, use.column};
 }
 
-/// The place of a text. Takes time in the size of the template.
+/// The place of a text. Takes time linear in the size of the template.
 node_place placeOfText(const parsed_template& in, const content& text);
 
 } // namespace kel::Stencilor::internal

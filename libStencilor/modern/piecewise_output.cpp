@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t largestPiece = 65536;
 
-/// Writes valid UTF-8 in pieces that are no larger than promised, and valid, too.
+/// Writes valid UTF-8 in pieces that are valid and not too large.
 void writePieces(std::string_view text, const piecewise_output::writer& write) {
     while (!text.empty()) {
         std::size_t size = std::min(largestPiece, text.size());
@@ -20,7 +20,7 @@ void writePieces(std::string_view text, const piecewise_output::writer& write) {
     }
 }
 
-/// A slice divides no character, unless the text is malformed there.
+/// Does not split a character, unless the text is malformed.
 std::size_t nextSlice(std::string_view text) {
     constexpr std::size_t sliceSize = 16384;
     std::size_t size = std::min(sliceSize, text.size());

@@ -11,13 +11,13 @@
 
 namespace kel::Stencilor::internal {
 
-/// The text of one render: all at once, or handed over piece by piece as soon as there is enough.
-/// Ownership: borrows the function that takes the pieces.
+/// The text of one render: collected as a whole, or passed on in pieces as soon as there is enough.
+/// Ownership: borrows the function that receives the pieces.
 class piecewise_output {
   public:
     using writer = std::function<void(std::string_view)>;
 
-    /// `write` may be null, for a text all at once. `allowed` is how many bytes it may have.
+    /// If `write` is null, the text is collected. `allowed` is the maximum number of bytes.
     /// `wellFormed` as for `joined_output`; `size` is that of the template.
     piecewise_output(const writer* write, std::uint64_t allowed, bool wellFormed, std::size_t size)
         : text_(wellFormed), write_(write), allowed_(allowed) {
@@ -27,11 +27,12 @@ class piecewise_output {
         renewBounds();
     }
 
-    /// Appends a text of the template. False, with nothing appended, where that is not allowed.
+    /// Appends a text of the template. Returns false, with nothing appended, if that would exceed
+    /// the limit.
     bool text(std::string_view text) { return text_.textIfRoom(text) || textWithCare(text); }
 
-    /// Appends bytes that may be malformed, up to their first NUL. False, with nothing appended,
-    /// where that is not allowed.
+    /// Appends bytes that may be malformed, up to their first NUL. Returns false, with nothing
+    /// appended, if that would exceed the limit.
     bool value(std::string_view bytes) { return text_.plainIfRoom(bytes) || valueWithCare(bytes); }
 
     /// Appends what `write` puts, which is well formed, as `text_sink::writeIfRoom`.
@@ -47,10 +48,10 @@ class piecewise_output {
         }
     }
 
-    /// How many bytes were appended, before any decoding.
+    /// The number of bytes appended, before decoding.
     std::uint64_t appended() const noexcept { return text_.appended(); }
 
-    /// The text, or the last pieces of it.
+    /// The text, or its last pieces.
     String finish() {
         if (write_ == nullptr) {
             return text_.take();
@@ -69,7 +70,7 @@ class piecewise_output {
     template <typename Append>
     bool appendWithCare(std::string_view text, Append append);
 
-    /// To be called where bytes were handed over or decoded.
+    /// Call this after bytes were passed on or decoded.
     void renewBounds() {
         text_.setBounds(allowed_,
                         write_ == nullptr ? std::numeric_limits<std::size_t>::max() : pieceSize);

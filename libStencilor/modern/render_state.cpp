@@ -52,7 +52,7 @@ render_state::render_state(const RenderOptions& options)
     pause_ = nextPause();
 }
 
-/// How many steps may be taken before one has to ask.
+/// The number of steps until the next check.
 std::uint64_t render_state::nextPause() const noexcept {
     const std::uint64_t question =
         options_.keepGoing ? (steps_ / stepsBetweenQuestions + 1) * stepsBetweenQuestions
@@ -60,7 +60,7 @@ std::uint64_t render_state::nextPause() const noexcept {
     return std::min(question, limitOf(options_.limits.steps));
 }
 
-/// Asks whether one more step may be taken; `Complete` if so.
+/// Checks whether another step is allowed; returns `Complete` if so.
 RenderStatus render_state::pause() {
     if (steps_ == limitOf(options_.limits.steps)) {
         return RenderStatus::StepLimit;
@@ -83,7 +83,7 @@ void render_state::addMessage(RenderMessage::Kind kind, const parsed_template& i
                 .fault = in.fault});
 }
 
-/// Adds the includes that are open to a message, and keeps it.
+/// Adds the open includes to a message, and keeps it.
 void render_state::addMessage(RenderMessage message) {
     message.includedFrom.reserve(includes_.size());
     for (auto open = includes_.rbegin(); open != includes_.rend(); ++open) {

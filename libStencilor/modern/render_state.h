@@ -16,13 +16,13 @@
 
 namespace kel::Stencilor::internal {
 
-/// Ends a render from wherever it is. Its message has been added.
+/// Ends a render at any place. Its message has already been added.
 struct render_end {
     RenderStatus status;
 };
 
-/// What the templates of one render have in common: what it may still take, its messages, and the
-/// includes that are open.
+/// The state that the templates of one render share: the remaining resources, the messages, and the
+/// open includes.
 /// Ownership: borrows the options.
 /// Copying: not possible, it represents one render.
 class render_state {
@@ -31,7 +31,7 @@ class render_state {
     render_state(const render_state&) = delete;
     render_state& operator=(const render_state&) = delete;
 
-    /// Takes a step, if there is one left. `place` finds out where the render is.
+    /// Takes a step, if one is left. `place` determines the current place.
     template <typename Place>
     void step(const parsed_template& in, Place place) {
         if (steps_ == pause_) {
@@ -58,7 +58,7 @@ class render_state {
         }
     }
 
-    /// Counts bytes of keys that were made to be looked up.
+    /// Counts the bytes of keys that were built for a lookup.
     template <typename Place>
     void countKeyBytes(std::size_t count, const parsed_template& in, Place place) {
         constexpr std::size_t bytesPerStep = 4096;
@@ -67,7 +67,7 @@ class render_state {
         }
     }
 
-    /// How many bytes may be rendered.
+    /// The maximum number of rendered bytes.
     std::uint64_t outputBytes() const noexcept { return outputBytes_; }
 
     /// Where the keys of a name were found last. Names may share it: it is no more than a guess.
@@ -75,8 +75,8 @@ class render_state {
         return guesses_[use.keys % guesses_.size()];
     }
 
-    /// What is remembered for the keys of a name, as far as there is room. The number of the keys
-    /// in their table decides about the room, so that the same render takes the same steps.
+    /// The remembered search for the keys of a name, if there is room. Their index in the table
+    /// determines the slot, so that equal renders take equal steps.
     outer_search& searchOf(const name_keys& keys, std::uint32_t number) {
         if (searches_ == nullptr) {
             searches_ = std::make_unique<std::array<remembered_search, searchCount>>();
@@ -88,14 +88,14 @@ class render_state {
         return remembered.search;
     }
 
-    /// Counts a message. True if it is to be made and added.
+    /// Counts a message. Returns true if it should be created and added.
     bool wantsMessage() {
         return ++messageCount_ <= options_.limits.messages || options_.limits.messages == 0;
     }
     void addMessage(RenderMessage::Kind kind, const parsed_template& in, const node_place& place,
                     String name = {});
 
-    /// Adds the message about the file that a render should begin with.
+    /// Adds the message about the root template that was not found.
     void addFileMessage(RenderStatus status, const String& path);
 
     /// Ends the render with a message.
@@ -107,14 +107,14 @@ class render_state {
         return templates_.find(use, path);
     }
 
-    /// Whether one more include may be opened inside those that are open.
+    /// True if another include may be opened inside the open ones.
     bool mayInclude() const noexcept { return includes_.size() < includeDepth_; }
 
     /// Begins and ends the rendering of an included template.
     void enterInclude(const parsed_template& in, const name_use& use);
     void leaveInclude() noexcept { includes_.pop_back(); }
 
-    /// What was taken and said, moved out. `outputBytes` were rendered.
+    /// Moves out the usage and the messages. `outputBytes` is the number of rendered bytes.
     RenderResult takeResult(RenderStatus status, std::uint64_t outputBytes = 0, String text = {});
 
   private:
@@ -146,15 +146,15 @@ class render_state {
     const unsigned int includeDepth_;
     const std::uint64_t outputBytes_; // allowed
     std::uint64_t steps_ = 0;
-    std::uint64_t pause_;      // how many steps are taken before one is asked about
-    unsigned int keys_ = 0;    // that were looked up and are not a step yet
-    std::size_t keyBytes_ = 0; // that were made and are not a step yet
+    std::uint64_t pause_;      // the number of steps until the next check
+    unsigned int keys_ = 0;    // looked up, but not yet counted as a step
+    std::size_t keyBytes_ = 0; // built, but not yet counted as a step
     std::uint64_t messageCount_ = 0;
     unsigned int deepest_ = 0;
     included_templates templates_;
     std::vector<open_include> includes_;
     std::vector<RenderMessage> messages_;
-    std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // none outside of loops
+    std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // null outside of loops
     std::array<child_guess, 64> guesses_{};
 };
 

@@ -8,7 +8,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// Renders a template as a whole; `write` receives the text unless it is null.
+/// Renders a whole template. If `write` is not null, it receives the text.
 RenderResult renderTemplate(const parsed_template& parsed, const ContextBase& context,
                             const piecewise_output::writer* write, const RenderOptions& options,
                             render_state& state);

@@ -10,8 +10,8 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-// The locks of the systems need neither a constructor nor a destructor: sources may be used before
-// this library's static objects are made, and while the process exits.
+// System locks need neither a constructor nor a destructor, so sources can be used before this
+// library's static objects are constructed, and while the process exits.
 #ifdef _WIN32
 
 constinit SRWLOCK sources = SRWLOCK_INIT;
@@ -52,12 +52,13 @@ void unlockChange() noexcept {
     ::pthread_rwlock_unlock(&sources);
 }
 
-/// In the child of a fork. Its one thread is not the one that locked, so it may not unlock.
+/// Called in the child of a fork. Its only thread is not the one that locked, so it must not
+/// unlock.
 void makeFree() noexcept {
     ::pthread_rwlock_init(&sources, nullptr);
 }
 
-// Fails for want of memory alone; then forks do not wait.
+// This only fails if memory is exhausted; then forks do not wait.
 [[maybe_unused]] const int forksWait = ::pthread_atfork(lockForChange, unlockChange, makeFree);
 
 #endif

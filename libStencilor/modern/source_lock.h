@@ -3,12 +3,12 @@
 
 namespace kel::Stencilor::internal {
 
-/// What the sources of templates hold while they read or change what they keep.
+/// The lock that template sources hold while they read or change their caches.
 ///
-/// There is one lock for all of them, so that on POSIX systems a fork can wait for it: the child
-/// then finds it free. Nothing is read, parsed or called meanwhile.
+/// All sources share one lock, so that on POSIX systems a fork can wait for it, and it is free in
+/// the child. No file is read, nothing is parsed, and no host code is called while it is held.
 
-/// Excludes changes while it lives.
+/// A shared lock during its lifetime.
 class source_reading {
   public:
     source_reading() noexcept;
@@ -17,7 +17,7 @@ class source_reading {
     ~source_reading();
 };
 
-/// Excludes all others while it lives.
+/// An exclusive lock during its lifetime.
 class source_change {
   public:
     source_change() noexcept;

@@ -11,8 +11,8 @@
 
 namespace kel::Stencilor::internal {
 
-/// Makes a template named `path` of a file of at most `maxBytes`, for a source. `load` reads the
-/// file: it takes how many bytes there may be, and the buffer.
+/// Makes a template named `path` from a file of at most `maxBytes`, for a source. `load` reads the
+/// file; it takes the maximum size and the buffer.
 template <typename Load>
 TemplateSource::Answer templateOfFile(const String& path, std::uint64_t maxBytes,
                                       std::optional<Template>& found, Load load) {

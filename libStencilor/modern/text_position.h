@@ -7,20 +7,20 @@
 
 namespace kel::Stencilor::internal {
 
-/// A position in a text that only moves forward, and knows its line and column: lines end at LF,
-/// columns count code points, and both begin with 1.
+/// A position in a text that only moves forward, with its line and column. Lines end at LF, columns
+/// count code points, and both count from 1.
 class text_position {
   public:
     explicit text_position(std::string_view text) : text_(text) {}
 
-    /// Moves to a byte, which is not before the present one.
+    /// Moves to a byte, which must not be before the current one.
     void moveTo(std::size_t offset) noexcept {
         for (; offset_ < offset; ++offset_) {
             const auto byte = static_cast<unsigned char>(text_[offset_]);
             if (byte == '\n') {
                 ++line_;
                 column_ = 1;
-            } else if ((byte & 0xC0) != 0x80) { // all but the first byte of a code point follow it
+            } else if ((byte & 0xC0) != 0x80) { // not a continuation byte
                 ++column_;
             }
         }

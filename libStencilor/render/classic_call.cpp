@@ -8,8 +8,8 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-/// The bytes of a file, followed by a NUL. They are those of `file`, if it has room for one more,
-/// as it nearly always has; otherwise of `copy`.
+/// The bytes of a file, followed by a NUL. They are in `file` if it has room for one more byte,
+/// which is nearly always the case, and otherwise in `copy`.
 template <typename Text>
 std::string_view terminated(Buffer<unsigned char>& file, Text& copy) {
     const std::string_view bytes(reinterpret_cast<const char*>(file.data), file.size);
@@ -21,8 +21,8 @@ std::string_view terminated(Buffer<unsigned char>& file, Text& copy) {
     return bytes;
 }
 
-/// Parses and renders an included template. A template that is rejected renders as nothing, and
-/// the messages of one that is not are dropped.
+/// Parses and renders an included template. A malformed template renders as nothing; messages are
+/// dropped.
 template <byte_text Text>
 void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes, joined_output<Text>& text) {
     Text copy;
@@ -37,7 +37,7 @@ void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes, joined_out
     applyVisitor(tree.nodes, scopes, call);
 }
 
-/// The same by the conversions of another base library, each of which may change the text. The
+/// The same with the conversions of another base library, each of which may change the text. The
 /// messages are appended to `errors`.
 template <typename Text>
 Text convertIncluded(const Text& source, scope_stack& scopes, Text& errors) {
@@ -58,7 +58,7 @@ Text convertIncluded(const Text& source, scope_stack& scopes, Text& errors) {
 template <typename Text>
 void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes,
                     converted_output<Text>& text) {
-    // The low 32 bits of the size: no base library loads more.
+    // The low 32 bits of the size, because no base library loads more.
     const Text source(reinterpret_cast<const char*>(file.data),
                       static_cast<unsigned int>(file.size));
     Text dropped;

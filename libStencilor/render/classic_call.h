@@ -13,9 +13,9 @@
 
 namespace kel::Stencilor::internal {
 
-/// How `buildOutput` renders one template: messages are texts, names are found by the prefixes in
-/// force, files are read each time, and nothing is counted.
-/// Ownership: borrows the output and the messages, which it appends to, and the nodes.
+/// The way `buildOutput` renders one template: messages are texts, names are looked up with the
+/// prefixes in force, files are read each time, and nothing is counted.
+/// Ownership: borrows the nodes, and the output and messages that it appends to.
 /// Copying: not possible, it represents one place in one template.
 class classic_call {
   public:
@@ -49,8 +49,7 @@ class classic_call {
     }
 
     /// Renders the template in a file with the scopes of the including one. The file is read each
-    /// time. What goes wrong inside the file adds no message. A file that includes itself exhausts
-    /// the stack.
+    /// time. Faults inside it produce no messages. A file that includes itself exhausts the stack.
     void include(const include_expr& node, scope_stack& scopes);
 
   private:

@@ -21,8 +21,9 @@
 
 namespace kel::Stencilor::internal {
 
-/// `value` as a `Kind`, or null. Hosts may derive from the kinds; the exact type is tested first,
-/// by the address of what describes it, because that is much cheaper and nearly always right.
+/// `value` as a `Kind`, or null. Hosts may derive from the kinds, but the exact type is tested
+/// first, by the address of its type information, because this is much faster and nearly always
+/// correct.
 template <typename Kind>
 const Kind* as(const ContextBase* value) {
     if (&typeid(*value) == &typeid(Kind)) {
@@ -31,17 +32,17 @@ const Kind* as(const ContextBase* value) {
     return dynamic_cast<const Kind*>(value);
 }
 
-/// Renders the nodes of one template: one operation for each kind of node.
+/// Renders the nodes of one template, with one operation per kind of node.
 ///
-/// How it works: the operations of the two blocks only open the block, on a stack of the object's
-///   own; its body is rendered from there, so that nesting takes no call stack. Loop variables hold
-///   within one template: an included one is rendered by an object of its own, with the same
-///   scopes.
-/// What differs between the ways to render is in `Call`, which is made for one template, too:
-///   where text and messages go, how names are found, what an inclusion does, and what is counted.
+/// How it works: the operations of the two blocks only push the block onto a stack in this object,
+/// from which its body is rendered, so nesting does not use the call stack. Loop variables are only
+/// in force within one template; an included one is rendered by another object, with the same
+/// scopes. `Call`, which is also created for one template, defines what differs between the two
+/// interfaces: the destination of text and messages, the lookup of names, the effect of an include,
+/// and what is counted.
 /// Ownership: borrows the call, the scopes, and the nodes while it renders them.
-/// Errors: what cannot be rendered is one message to the call and no text. After an exception
-///   neither this object nor the scopes may be used again.
+/// Errors: what cannot be rendered produces one message and no text. After an exception, neither
+///   this object nor the scopes can be used.
 /// Copying: not possible, it represents one place in one template.
 template <typename Call>
 class content_visit : public boost::static_visitor<> {
@@ -50,7 +51,7 @@ class content_visit : public boost::static_visitor<> {
     content_visit(const content_visit&) = delete;
     content_visit& operator=(const content_visit&) = delete;
 
-    /// Renders one node and all below it.
+    /// Renders one node and everything below it.
     void dispatch(const content& node);
 
     void operator()(const if_expr& node);
@@ -60,13 +61,13 @@ class content_visit : public boost::static_visitor<> {
     void operator()(const std::string& text);
 
   private:
-    /// A block that is being rendered: how far, and for a loop also which iteration.
+    /// A block that is being rendered, with the position in it and, for a loop, the iteration.
     struct block {
         scope_stack::position scope = 0;
-        const content* next = nullptr; // of the list that is rendered
+        const content* next = nullptr; // in the current list
         const content* end = nullptr;
 
-        const for_expr* loop = nullptr; // null for a conditional, which is rendered once
+        const for_expr* loop = nullptr; // null for a conditional
         const ContextIterable* elements = nullptr;
         std::size_t index = 0;
     };
@@ -85,16 +86,16 @@ class content_visit : public boost::static_visitor<> {
 
     Call& call_;
     scope_stack& scopes_;
-    boost::container::small_vector<block, 4> blocks_; // those that are open
+    boost::container::small_vector<block, 4> blocks_; // the open blocks
 
-    // Asked once, since most nodes take hardly more time than to ask. Another base library sees
-    // that it is asked, and is asked by each scope.
+    // Tested once, because most nodes take little more time than the test. With another base
+    // library, which may observe the test, each scope tests it.
     const bool traced_ = !byte_text<String> || trace_scope::isEnabled();
-    std::forward_list<trace_scope> traces_; // the innermost first, which is also how they close
+    std::forward_list<trace_scope> traces_; // innermost first, which is also the order of closing
 };
 
-// Most nodes take less time than a call would: what is done for each node and each iteration is
-// inline, and so are the lookups.
+// Most nodes take less time than a call, so everything that is done for each node or iteration is
+// inline, as are the lookups.
 
 template <typename Call>
 inline void content_visit<Call>::dispatch(const content& node) {
@@ -107,9 +108,9 @@ inline void content_visit<Call>::dispatch(const content& node) {
     }
 }
 
-/// Renders a text or a substitution, which nearly all nodes are: a test is quicker than choosing
-/// among five kinds. False for the others. (get, which checks more at compile time, makes the
-/// compiler place calls worse.)
+/// Renders a text or a substitution. Nearly all nodes are one of these, and testing for them is
+/// faster than dispatching on five kinds. Returns false for the others. (With get, which checks
+/// more at compile time, the compiler inlines worse.)
 template <typename Call>
 inline bool content_visit<Call>::renderLeaf(const content& node) {
     if (const auto* text = boost::relaxed_get<std::string>(&node)) {
@@ -211,7 +212,7 @@ inline void content_visit<Call>::endTrace() {
     }
 }
 
-/// The value that `name` refers to, where it is a `Kind`; otherwise null, and a message.
+/// The value of `name` if it is a `Kind`; otherwise null, with a message.
 template <typename Call>
 template <typename Kind, typename Record>
 inline const Kind* content_visit<Call>::find(const std::string& name, const Record& node,
@@ -228,7 +229,7 @@ inline const Kind* content_visit<Call>::find(const std::string& name, const Reco
     return value;
 }
 
-/// What `applyVisitor` does at its beginning, for a list of an open block.
+/// The beginning of `applyVisitor`, for a list of an open block.
 template <typename Call>
 inline void content_visit<Call>::enterList(block& current, const content_list& list,
                                            const ContextBase* scope) {
@@ -238,8 +239,8 @@ inline void content_visit<Call>::enterList(block& current, const content_list& l
     current.end = current.next + list.size();
 }
 
-/// Enters the body of a loop for its next element. False if there is none: the number of elements
-/// is read on each iteration, as a loop is defined.
+/// Enters the body of a loop for its next element. Returns false if there is none. The language
+/// requires reading the number of elements on each iteration.
 template <typename Call>
 inline bool content_visit<Call>::enterNextIteration(block& loop) {
     const auto& elements = context_access::elements(*loop.elements);
@@ -254,8 +255,8 @@ inline bool content_visit<Call>::enterNextIteration(block& loop) {
     return true;
 }
 
-/// Renders what is left of the list, or what precedes the next block in it. True if a block was
-/// opened.
+/// Renders the rest of the list, or the part before the next block in it. Returns true if a block
+/// was opened.
 template <typename Call>
 inline bool content_visit<Call>::renderToNextBlock(block& current) {
     const std::size_t depth = blocks_.size();
@@ -285,7 +286,7 @@ void content_visit<Call>::renderOpenBlocks() {
     }
 }
 
-/// Ends a block whose list is rendered, and was rendered for the last time.
+/// Ends a block after the last rendering of its list.
 template <typename Call>
 inline void content_visit<Call>::closeBlock(const block& current) {
     scopes_.leave(current.scope);
@@ -296,8 +297,7 @@ inline void content_visit<Call>::closeBlock(const block& current) {
     endTrace(); // of the block
 }
 
-/// Renders the nodes of an included template: inside a scope that holds no names, without a loop
-/// variable in force.
+/// Renders the nodes of an included template, in a scope without names and without loop variables.
 template <typename Call>
 void applyVisitor(const content_list& list, scope_stack& scopes, Call& call) {
     const trace_scope trace(trace_points::applyVisitor);

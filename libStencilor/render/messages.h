@@ -20,14 +20,14 @@ enum class fault : std::uint8_t {
     fileNotLoaded,
 };
 
-/// What `buildOutput` says of a fault: two texts around the name that it is about.
+/// The message of `buildOutput` for a fault: two texts around a name.
 struct message {
     std::string_view before;
     std::string_view after;
 };
 
-/// A row for each fault, in their order. Some end without a quotation mark or a line break. Hosts
-/// know them as they are.
+/// One row per fault, in the order of the enumeration. Some lack a final quotation mark or line
+/// break, but hosts depend on the exact texts.
 inline constexpr std::array messages{
     message{"Could not find expected replacement named \"", "\"\n"},
     message{"The replacement is not of type String for \"", "\""},
@@ -44,7 +44,7 @@ constexpr const message& messageOf(fault reason) {
     return messages[static_cast<std::size_t>(reason)];
 }
 
-/// What `buildOutput` says of a template that is rejected.
+/// The message of `buildOutput` for a rejected template.
 inline constexpr const char* notParsed =
     "Could not build formatted output: Failed to parse input correctly.";
 

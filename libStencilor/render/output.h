@@ -28,20 +28,20 @@ inline std::string_view upToNul(std::string_view bytes) {
     return bytes.substr(0, bytes.find('\0'));
 }
 
-/// The text of one call, for strings that hold UTF-8: everything is appended to one sink, and the
-/// sink becomes the result.
+/// The text of one call, for strings that contain UTF-8: everything is appended to one sink, which
+/// becomes the result.
 ///
-/// Each top-level node is decoded on its own, so that malformed bytes at the end of one never join
-/// those at the start of the next. What is known to be well formed on its own needs no decoding:
-/// the texts of a well-formed template, since tags divide it at ASCII bytes, and most values. A
-/// node is decoded only where something else was appended.
+/// Each top-level node is decoded separately, so that malformed bytes at the end of one never
+/// combine with those at the start of the next. Parts that are known to be well formed need no
+/// decoding: the texts of a well-formed template, because tags separate them at ASCII bytes, and
+/// most values. A node is only decoded if something else was appended.
 template <typename Text>
 class joined_output {
   public:
     /// `wellFormed` is true if the source of the template is.
     explicit joined_output(bool wellFormed) : doubtful_(!wellFormed), wellFormed_(wellFormed) {}
 
-    /// Makes room for so many bytes.
+    /// Reserves room for this number of bytes.
     void reserve(std::size_t size) { sink_.reserve(size); }
 
     /// Appends a text of the template.
@@ -61,7 +61,8 @@ class joined_output {
         doubtful_ = doubtful_ || !Text::isUtf8(bytes);
     }
 
-    /// As `text_sink`: false, with nothing appended, where a bound or the bytes need more care.
+    /// As in `text_sink`: returns false, with nothing appended, if the bound or the bytes need the
+    /// general case.
     /// @{
     bool textIfRoom(std::string_view text) { return sink_.appendIfRoom(text); }
     bool plainIfRoom(std::string_view bytes) { return sink_.appendPlainIfRoom(bytes); }
@@ -71,8 +72,8 @@ class joined_output {
     }
     /// @}
 
-    /// Sets how many bytes may be appended in total before these answer false, and how many may be
-    /// held.
+    /// Sets how many bytes may be appended in total before these return false, and how many may be
+    /// stored.
     void setBounds(std::uint64_t appended, std::uint64_t held) {
         sink_.setBound(std::min(appended - changed_, held));
     }
@@ -80,7 +81,7 @@ class joined_output {
     /// How many bytes were appended, before any decoding.
     std::uint64_t appended() const noexcept { return changed_ + sink_.size(); }
 
-    /// Begins an included template, whose texts are `wellFormed` or not.
+    /// Begins an included template; `wellFormed` is true if its texts are.
     void beginIncluded(bool wellFormed) { doubtful_ = doubtful_ || !wellFormed; }
 
     /// Ends a top-level node. True if that may have changed how long the text is.
@@ -98,7 +99,7 @@ class joined_output {
 
     std::size_t size() const noexcept { return sink_.size(); }
 
-    /// Hands over all but a character at the end whose last bytes may follow.
+    /// Passes on everything except an incomplete character at the end.
     template <typename Write>
     void drain(Write write) {
         const std::string_view all = sink_.view();
@@ -133,7 +134,7 @@ class joined_output {
         changed_ = before - sink_.size();
     }
 
-    /// How many bytes at the end begin a character that is longer: at most three.
+    /// The number of bytes of an incomplete character at the end, at most three.
     static std::size_t unfinishedSize(std::string_view bytes) {
         for (std::size_t size = 1; size <= 3 && size <= bytes.size(); ++size) {
             const auto byte = static_cast<unsigned char>(bytes[bytes.size() - size]);
@@ -147,13 +148,13 @@ class joined_output {
 
     text_sink sink_;
     std::size_t begin_ = 0;     // of the top-level node
-    std::uint64_t changed_ = 0; // how many more bytes were appended than are held; may wrap
-    bool doubtful_;             // whether the node may be malformed
+    std::uint64_t changed_ = 0; // the number of appended bytes minus the stored ones; may wrap
+    bool doubtful_;             // true if the node may be malformed
     const bool wellFormed_;
 };
 
-/// The text of one call, for all other strings: values and top-level nodes are converted as they
-/// come.
+/// The text of one call, for all other strings: values and top-level nodes are converted
+/// individually.
 template <typename Text>
 class converted_output {
   public:
@@ -172,7 +173,7 @@ class converted_output {
 
     Text take() { return std::move(rendered_); }
 
-    /// What was appended since the last node, as an included template hands it over.
+    /// The text appended since the last node, as an included template returns it.
     Text takeIncluded() { return Text(sink_.c_str()); }
 
   private:

@@ -18,7 +18,7 @@ void moveMessages(text_sink& messages, String& errors) {
     messages.clear();
 }
 
-/// Renders the top-level nodes. Where strings are converted, so are the messages of each node.
+/// Renders the top-level nodes. If strings are converted, so are the messages of each node.
 template <typename Text>
 Text renderNodes(const content_list& nodes, const Text& input, const ContextBase& context,
                  Text& errors) {
@@ -44,7 +44,7 @@ Text renderNodes(const content_list& nodes, const Text& input, const ContextBase
     return text.take();
 }
 
-/// The rendered text, or nothing where the template is rejected.
+/// The rendered text, or nothing if the template is rejected.
 std::optional<String> renderText(const String& input, const ContextBase& context, String& errors) {
     syntax_tree tree;
     if (!parseTemplate(input, tree.nodes)) {

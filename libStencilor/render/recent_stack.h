@@ -10,27 +10,27 @@
 
 namespace kel::Stencilor::internal {
 
-/// A stack that is searched from its newest entry to its oldest, for the first that answers.
+/// A stack that is searched from its newest entry to its oldest, for the first match.
 ///
-/// An entry that is entered again while it is in force answers the same as before, so the older
-/// occurrence need not be asked: it is moved to the top, and back when it is left. Deep nesting of
-/// the same few entries then keeps the stack short. Only the newest entries are looked through for
-/// it, which bounds the cost of entering; an occurrence further down stays, and does no harm.
-/// Copying: not possible; blocks enter and leave one stack, innermost first.
+/// If an entry is entered again while it is in force, its older occurrence need not be searched, so
+/// it is moved to the top, and back when it is left. This keeps the stack short if the same few
+/// entries nest deeply. Only the newest entries are searched for an older occurrence, which bounds
+/// the cost of entering; one further down is harmless.
+/// Copying: not possible, because blocks enter and leave the same stack, innermost first.
 template <typename Entry>
 class recent_stack {
   public:
-    /// Where an entry stood before it was entered.
+    /// The position of an entry before it was entered.
     using position = std::size_t;
 
-    /// For an entry that was not in force before.
+    /// The position of an entry that was not in force before.
     static constexpr position nowhere = std::numeric_limits<position>::max();
 
     recent_stack() = default;
     recent_stack(const recent_stack&) = delete;
     recent_stack& operator=(const recent_stack&) = delete;
 
-    /// Makes `entry` the newest. The result is for `leave`.
+    /// Makes `entry` the newest. Pass the result to `leave`.
     position enter(const Entry& entry) {
         const Entry* const first = entries_.data();
         const Entry* const last = first + entries_.size();
@@ -44,7 +44,7 @@ class recent_stack {
         return nowhere;
     }
 
-    /// Undoes the newest `enter` that was not undone yet.
+    /// Undoes the most recent `enter` that has not been undone.
     void leave(position before) {
         assert(!entries_.empty() && (before == nowhere || before < entries_.size()));
         if (before == nowhere) {

@@ -9,8 +9,8 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-/// The keys that `name` is tried as. Trying a key twice in one scope finds nothing new, so each is
-/// kept once; they differ in their length.
+/// The keys to try for `name`. Trying a key twice in one scope would be pointless, so each occurs
+/// once; they differ in length.
 template <typename Keys>
 void collectKeys(const std::string& name, const prefix_stack& prefixes, Keys& keys) {
     keys.clear();
@@ -56,8 +56,8 @@ void scope_stack::moveFromTop(position to) {
     renewStamps();
 }
 
-/// After a move: the stamps that may be compared before it is undone are those of the two newest
-/// scopes. The others are found as they were when it has been undone.
+/// After a move, only the stamps of the two newest scopes are compared until it is undone. The
+/// others are unchanged afterwards.
 void scope_stack::renewStamps() {
     const std::size_t size = scopes_.size();
     for (std::size_t at = size - std::min<std::size_t>(size, 2); at < size; ++at) {
@@ -100,7 +100,7 @@ name_lookup::kept_name& name_lookup::keep(const std::string& name, const prefix_
         kept = std::make_unique<kept_name>();
     }
     if (kept->name != &name) {
-        kept->name = nullptr; // it belongs to no name while its keys change
+        kept->name = nullptr; // the slot has no name while its keys change
         kept->outside = {};
         collectKeys(name, prefixes, kept->keys);
         kept->name = &name;
@@ -108,7 +108,7 @@ name_lookup::kept_name& name_lookup::keep(const std::string& name, const prefix_
     return *kept;
 }
 
-/// The slot that `name` has, else a free one near where it belongs, else one that another loses.
+/// The slot of `name`, or else a free one nearby, or else one that is taken from another name.
 name_lookup::slot& name_lookup::slotOf(const std::string& name) const {
     constexpr std::size_t neighbours = 4;
     const std::size_t home = homeOf(name);

@@ -20,28 +20,28 @@
 
 namespace kel::Stencilor::internal {
 
-/// What a name was found to be outside the innermost scope. In a loop only that one changes, so the
-/// result holds until the loop ends.
+/// The result of a search outside of the innermost scope. In a loop, only the innermost scope
+/// changes, so the result is valid until the loop ends.
 struct outer_search {
-    std::uint64_t stamp = 0; // of the scopes that were searched; 0: none were
+    std::uint64_t stamp = 0; // of the searched scopes; 0 if there were none
     const ContextBase* found = nullptr;
 };
 
 /// The values whose children are in scope, the root context first. The values are borrowed.
 ///
-/// It is searched from the newest scope to the oldest, as a `recent_stack` is, and keeps a scope
-/// that is entered again in one place for the same reason.
+/// Like a `recent_stack`, it is searched from the newest scope to the oldest, and keeps only one
+/// occurrence of a scope that is entered again.
 class scope_stack {
   public:
-    /// Where a scope was before it was entered.
+    /// The position of a scope before it was entered.
     using position = std::size_t;
 
     scope_stack() = default;
     scope_stack(const scope_stack&) = delete;
     scope_stack& operator=(const scope_stack&) = delete;
 
-    /// Makes `scope` the innermost. It may be null. One that holds no names answers nothing, and is
-    /// not kept. The result is for `leave`.
+    /// Makes `scope`, which may be null, the innermost. A scope without names is not stored. Pass
+    /// the result to `leave`.
     position enter(const ContextBase* scope) {
         if (!holdsNames(scope)) {
             return notKept;
@@ -55,7 +55,7 @@ class scope_stack {
         return nowhere;
     }
 
-    /// Undoes the newest `enter` that was not undone yet.
+    /// Undoes the most recent `enter` that has not been undone.
     void leave(position before) {
         assert(before == notKept || !scopes_.empty());
         if (before == nowhere) {
@@ -87,15 +87,15 @@ class scope_stack {
         return findBelow(scopes_.size(), findIn);
     }
 
-    /// The same. `remembered` gives what the last search from the same place found; it is asked
-    /// where there is more than one scope.
+    /// The same, but if there is more than one scope, `remembered` returns the last result for the
+    /// same place.
     template <typename Remembered, typename FindIn>
     const ContextBase* findFirst(Remembered remembered, FindIn findIn) const;
 
   private:
     struct kept_scope {
         const ContextBase* scope;
-        std::uint64_t stamp; // differs whenever the scopes up to this place do
+        std::uint64_t stamp; // differs whenever the scopes up to this position differ
     };
 
     static constexpr position nowhere = std::numeric_limits<position>::max();
@@ -106,7 +106,7 @@ class scope_stack {
         return scope != nullptr && !context_access::children(*scope).empty();
     }
 
-    /// Where `scope` is among the newest scopes below `end`.
+    /// The position of `scope` among the newest scopes below `end`.
     position find(const ContextBase* scope, std::size_t end) const {
         const std::size_t oldest = end > window ? end - window : 0;
         for (std::size_t at = end; at != oldest;) {
@@ -147,41 +147,41 @@ const ContextBase* scope_stack::findFirst(Remembered remembered, FindIn findIn) 
     outer_search& known = remembered();
     if (known.stamp != outer) {
         known.found = findBelow(size - 1, findIn);
-        known.stamp = outer; // not before nothing can throw
+        known.stamp = outer; // only set when nothing can throw anymore
     }
     return known.found;
 }
 
-/// The variables of the loops in force; each stands for the prefix that is made of it and a dot.
-/// Borrowed from the syntax tree.
+/// The variables of the loops in force, borrowed from the syntax tree. Each represents the prefix
+/// that consists of it and a dot.
 using prefix_stack = recent_stack<std::string_view>;
 
-/// How many bytes at the start of `name` are the prefix made of `variable` and a dot; 0 if it does
-/// not begin with that.
+/// The length of the prefix of `name` that consists of `variable` and a dot; 0 if it does not begin
+/// with that.
 std::size_t prefixLength(std::string_view name, std::string_view variable) noexcept;
 
 /// Finds values by name, for one template.
 ///
-/// In a loop the same few names are looked up again and again, and the loops around a name are the
-/// same each time: what is tried for it is kept, for as many names as there are slots.
-/// Ownership: knows names by their address; they must outlive the object.
+/// In a loop, the same few names are looked up repeatedly, with the same loops around them, so
+/// their keys are cached for as many names as there are slots.
+/// Ownership: identifies names by their address, so they must outlive the object.
 class name_lookup {
   public:
-    /// Searches the scopes from the innermost outwards. In each, every prefix is tried, the newest
-    /// first: the name without it, or the whole name where it does not begin with it; then the
-    /// whole name. A key that holds null counts as absent. Null if nothing is found.
+    /// Searches the scopes from the innermost outwards. In each scope, every prefix is tried,
+    /// newest first: the name without the prefix, or the whole name if it does not begin with it;
+    /// finally the whole name. A null entry counts as missing. Returns null if nothing is found.
     const ContextBase* findInScopes(const scope_stack& scopes, const std::string& name,
                                     const prefix_stack& prefixes);
 
   private:
     static const ContextBase* findOutsideLoops(const scope_stack& scopes, const std::string& name);
 
-    /// What a name is tried as.
+    /// The keys of a name.
     struct kept_name {
         const std::string* name = nullptr;
         child_guess guess = 0;
         outer_search outside;
-        boost::container::small_vector<String, 2> keys; // in their order, each once
+        boost::container::small_vector<String, 2> keys; // in order, each once
     };
 
     using slot = std::unique_ptr<kept_name>;
@@ -194,10 +194,10 @@ class name_lookup {
     slot& slotOf(const std::string& name) const;
     static std::size_t homeOf(const std::string& name) noexcept;
 
-    std::unique_ptr<slot_table> slots_; // none until a name stands in a loop
+    std::unique_ptr<slot_table> slots_; // null until a name occurs in a loop
 };
 
-/// Names are members of records on the heap, which spreads their addresses well enough.
+/// Names are members of records on the heap, so their addresses are distributed well enough.
 inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
     return std::hash<const std::string*>()(&name) / alignof(std::max_align_t) % slotCount;
 }
@@ -205,7 +205,7 @@ inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
 inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
                                                     const std::string& name,
                                                     const prefix_stack& prefixes) {
-    // Nearly always a name has the slot where it belongs, and is found where it was found last.
+    // A name is nearly always in its preferred slot, and found where it was found last.
     if (slots_ != nullptr && !prefixes.empty()) {
         const kept_name* const kept = (*slots_)[homeOf(name)].get();
         if (kept != nullptr && kept->name == &name) {

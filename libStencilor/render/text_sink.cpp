@@ -9,12 +9,12 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-// Strings count their characters in 32 bits.
+// The size of a string has 32 bits.
 constexpr std::size_t longest = std::numeric_limits<std::uint32_t>::max();
 
 } // namespace
 
-/// Copies more than eight bytes. True if all of them are plain.
+/// Copies more than eight bytes. Returns true if all of them are plain.
 bool text_sink::copyPlain(char* to, std::string_view text) {
     std::uint64_t found = 0;
     const auto test = [&text, &found](std::size_t at) {
@@ -70,14 +70,14 @@ void text_sink::grow(std::size_t added) {
     renewLimit();
 }
 
-/// Gives back the room that a long text does not take.
+/// Releases the unused room of a long text.
 void text_sink::shrink() noexcept {
     const std::size_t size = this->size();
     if (capacity_ - size < longText) {
         return;
     }
     void* const block = std::realloc(begin_ - headroom, headroom + size + 1);
-    if (block != nullptr) { // otherwise it stays as it was
+    if (block != nullptr) { // otherwise it is unchanged
         begin_ = static_cast<char*>(block) + headroom;
         end_ = begin_ + size;
         capacity_ = size;

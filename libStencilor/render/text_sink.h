@@ -16,19 +16,19 @@ namespace kel::Stencilor::internal {
 constexpr std::uint64_t onePerByte = 0x0101010101010101u;
 constexpr std::uint64_t highBits = 0x8080808080808080u;
 
-/// Has high bits exactly where a byte of `word` is 0 or above 127, or follows one that is 0.
+/// Sets the high bit of exactly the bytes of `word` that are 0, above 127, or follow a 0.
 constexpr std::uint64_t notPlainBits(std::uint64_t word) noexcept {
     return ((word - onePerByte) | word) & highBits;
 }
 
-/// The text that rendering appends to. Unlike a `std::string` it keeps no terminator up to date, so
-/// that appending is a test and a copy; short texts need no memory of their own, and long ones grow
-/// by `realloc`, which moves large blocks without copying.
-/// Errors: `std::length_error` where it would hold more than a `kel::String` can.
-/// Copying: not possible, there is one for each rendering.
+/// The text that rendering appends to. Unlike `std::string`, it does not maintain a terminator, so
+/// appending is just a test and a copy. Short texts need no allocation, and long ones grow by
+/// `realloc`, which moves large blocks without copying.
+/// Errors: `std::length_error` if it would exceed the maximum size of a `kel::String`.
+/// Copying: not possible, because there is one for each rendering.
 class text_sink {
   public:
-    /// The bytes before the text in a block of `malloc`.
+    /// The bytes before the text in an allocated block.
     static constexpr std::size_t headroom = 16;
 
     text_sink() noexcept { forgetBlock(); }
@@ -46,21 +46,21 @@ class text_sink {
         }
     }
 
-    /// Appends `text` if there is room for it below the bound. False, with nothing appended, if
-    /// not.
+    /// Appends `text` if there is room below the bound. Otherwise returns false, with nothing
+    /// appended.
     bool appendIfRoom(std::string_view text) {
         if (!hasRoomFor(text.size())) {
             return false;
         }
-        char* const to = end_; // as far as the compiler knows, what is written could be `end_`
+        char* const to = end_; // the compiler must assume that the write could change `end_`
         copy(to, text.data(), text.size());
         end_ = to + text.size();
         return true;
     }
 
-    /// The same, and false where `text` is not all ASCII or holds a NUL, as few values do. 16 bytes
-    /// can be read where it begins. What is short is copied and tested without a branch: lengths
-    /// are hard to predict.
+    /// The same, but also returns false if `text` contains a NUL or is not all ASCII, which is rare
+    /// for values. 16 bytes must be readable from its beginning. Short texts are copied and tested
+    /// without a branch, because lengths are hard to predict.
     bool appendPlainIfRoom(std::string_view text) {
         const std::size_t size = text.size();
         if (!hasRoomFor(size)) {
@@ -84,23 +84,23 @@ class text_sink {
         return end != nullptr;
     }
 
-    /// How many bytes the text has before `appendIfRoom` answers false; `append` goes on.
+    /// The size of the text at which `appendIfRoom` returns false; `append` ignores it.
     void setBound(std::uint64_t bytes) noexcept {
         bound_ = bytes;
         renewLimit();
     }
 
-    /// Makes room for a text of so many bytes.
+    /// Reserves room for a text of this size.
     void reserve(std::size_t size) {
         if (size > capacity_) {
             grow(size);
         }
     }
 
-    /// Empties it. The room of a short text is kept for the next.
+    /// Removes the text. The room of a short text is kept for the next one.
     void clear() noexcept;
 
-    /// Drops what was appended after the first `size` bytes.
+    /// Removes everything after the first `size` bytes.
     void truncate(std::size_t size) noexcept {
         assert(size <= this->size());
         end_ = begin_ + size;
@@ -115,13 +115,13 @@ class text_sink {
         return begin_;
     }
 
-    /// The text as a string. A long one is not copied where strings of this kind can adopt a block.
+    /// The text as a string. A long one is not copied if the string type can adopt a block.
     template <typename Text>
     Text take();
 
   private:
-    // A text with more room than this gives it back early: at most two copies of an output exist
-    // at once.
+    // A text with more room than this releases it early, so that at most two copies of an output
+    // exist at once.
     static constexpr std::size_t longText = 65536;
 
     bool hasRoomFor(std::size_t added) const noexcept {
@@ -143,28 +143,29 @@ class text_sink {
         }
     }
 
-    /// The first and the last `Count` bytes of `size`, which are all where `size` is at most twice
-    /// as much.
+    /// Copies the first and the last `Count` of `size` bytes, which are all of them if `size` is at
+    /// most twice `Count`.
     template <std::size_t Count>
     static void copyEnds(char* to, const char* from, std::size_t size) {
         std::memcpy(to, from, Count);
         std::memcpy(to + size - Count, from + size - Count, Count);
     }
 
-    // Enough for a line or two, which then cost no allocation.
+    // Enough for a line or two without an allocation.
     static constexpr std::size_t inlineRoom = 240;
 
-    // There are so many bytes past the room.
+    // The number of extra bytes after the room.
     static constexpr std::size_t shortSize = 16;
 
-    // From the place that is so many bytes before the middle, those past as many are set.
+    // Read from a given number of bytes before the middle, this mask has all bytes after that
+    // number set.
     static constexpr std::array<unsigned char, 2 * shortSize> bytesPast = [] {
         std::array<unsigned char, 2 * shortSize> bytes{};
         std::fill(bytes.begin() + shortSize, bytes.end(), static_cast<unsigned char>(0xFF));
         return bytes;
     }();
 
-    /// Copies `shortSize` bytes. True if those of `text` are plain.
+    /// Copies `shortSize` bytes. Returns true if those of `text` are plain.
     static bool copyPlainShort(char* to, std::string_view text) {
         std::array<std::uint64_t, 2> words;
         static_assert(sizeof(words) == shortSize);
@@ -182,15 +183,15 @@ class text_sink {
     void shrink() noexcept;
     void forgetBlock() noexcept;
 
-    /// To be called where the block, the size beyond the bound, or the bound has changed.
+    /// Call this if the block, the size beyond the bound, or the bound has changed.
     void renewLimit() noexcept {
         const std::uint64_t limit = bound_ < capacity_ ? bound_ : capacity_;
         limit_ = begin_ + (limit < size() ? size() : static_cast<std::size_t>(limit));
     }
 
-    char* begin_; // inline_, or headroom bytes into a block of malloc
+    char* begin_; // inline_, or `headroom` bytes into an allocated block
     char* end_;
-    char* limit_; // where the capacity ends, or the bound if that is lower; never below end_
+    char* limit_; // the end of the capacity, or the bound if that is lower; never below end_
     std::size_t capacity_; // without the bytes past the room
     std::uint64_t bound_ = std::numeric_limits<std::uint64_t>::max();
     char inline_[inlineRoom + shortSize];

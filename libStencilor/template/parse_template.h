@@ -6,8 +6,9 @@
 
 namespace kel::Stencilor::internal {
 
-/// Parses `text` into `list`, which is passed empty. True if the whole template is well formed;
-/// otherwise the list may hold the nodes before the fault. A template ends at its first NUL byte.
+/// Parses `text` into the empty `list`. Returns true if the whole template is well formed;
+/// otherwise the list may contain the nodes before the fault. A template ends at its first NUL
+/// byte.
 bool parseTemplate(const String& text, content_list& list);
 
 /// The same for bytes up to a NUL.

@@ -9,12 +9,12 @@
 
 namespace kel::Stencilor::internal {
 
-/// A queue that grows by pieces, and gives each back when the next is begun to take from.
+/// A queue that grows in pieces, and frees each one once entries are taken from the next.
 ///
-/// A vector would move all entries to a block of twice the size again and again, and keep that to
-/// the end, beside the tree that is made of them. The first `Few` entries are held in the object,
-/// so that a small template takes no memory for them.
-/// Copying: not possible, nothing needs two.
+/// A vector would repeatedly move all entries to a larger block, and keep it until the end, in
+/// addition to the tree that is built from them. The first `Few` entries are stored in the object,
+/// so that a small template needs no allocation for them.
+/// Copying: not possible, because it is not needed.
 template <typename Entry, std::size_t Few>
 class piecewise_queue {
   public:
@@ -22,10 +22,10 @@ class piecewise_queue {
     piecewise_queue(const piecewise_queue&) = delete;
     piecewise_queue& operator=(const piecewise_queue&) = delete;
 
-    /// How many entries were not taken yet.
+    /// The number of remaining entries.
     std::size_t size() const noexcept { return size_; }
 
-    /// The new entry stays where it is until it is taken.
+    /// The address of the new entry does not change until it is taken.
     Entry& push_back(const Entry& entry) {
         if (free_ == freeEnd_) {
             addPiece();
@@ -34,7 +34,7 @@ class piecewise_queue {
         return *free_++ = entry;
     }
 
-    /// Takes the oldest entry; there is one.
+    /// Takes the oldest entry. The queue must not be empty.
     Entry take() noexcept {
         assert(size_ > 0);
         if (oldest_ == oldestEnd_) {
@@ -63,7 +63,7 @@ class piecewise_queue {
 
     std::array<Entry, Few> first_;
     std::vector<std::unique_ptr<Entry[]>> pieces_;
-    std::size_t taken_ = 0; // of the pieces: how many have been begun to take from
+    std::size_t taken_ = 0; // the number of pieces from which entries were taken
     std::size_t size_ = 0;
     Entry* free_ = first_.data();
     Entry* freeEnd_ = free_ + Few;

@@ -8,7 +8,8 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-// Large enough that a chunk costs next to nothing, small enough that malloc has it at hand.
+// Large enough to make the cost of a chunk negligible, small enough for malloc to have it
+// available.
 constexpr std::size_t largestChunk = 16384;
 
 } // namespace
@@ -20,7 +21,7 @@ record_memory::record_memory(std::size_t bytes) noexcept : expected_(bytes), out
 }
 
 record_memory::~record_memory() {
-    assert(active_ == this); // they end in the reverse order of their beginning
+    assert(active_ == this); // objects are destroyed in the reverse order of construction
     active_ = outer_;
     if (chunk_ != nullptr) {
         leave(chunk_);
@@ -68,7 +69,7 @@ void* record_memory::allocateFromChunk(std::size_t size) {
     return before + 1;
 }
 
-/// Begins a chunk that holds what is expected, or a part of it, and at least `size` bytes.
+/// Allocates a chunk for the expected bytes, or some of them, but for at least `size` bytes.
 void record_memory::addChunk(std::size_t size) {
     const std::size_t wanted = std::max(size, std::min(expected_, largestChunk));
     auto* const added = new (::operator new(sizeof(chunk) + wanted)) chunk{1};

@@ -7,30 +7,30 @@
 
 namespace kel::Stencilor::internal {
 
-/// Where the records and lists of a tree are allocated.
+/// Allocates the records and lists of a tree.
 ///
-/// While an object of this class exists, the records and lists that its thread makes come from a
-/// few chunks, and records are numbered from 0 in the order they are made. Those made without one,
-/// such as copies, have memory of their own. Each chunk is freed with the last thing in it, so they
-/// may outlive the object.
-/// Threads: the records of one chunk are freed by one thread at a time.
-/// Copying: not possible, a thread has one.
+/// While an object of this class exists, records and lists created by its thread are allocated from
+/// a few chunks, and records are numbered from 0 in order of creation. Others, such as copies, are
+/// allocated individually. Each chunk is freed with the last part of it, so they may outlive the
+/// object.
+/// Threads: only one thread at a time may free parts of a chunk.
+/// Copying: not possible, because there is one per thread.
 class record_memory {
   public:
-    /// Prepares memory for what takes `bytes` in total, `sizeOf` each record or list.
+    /// Prepares memory for records and lists of `bytes` in total; `sizeOf` is the size of each.
     explicit record_memory(std::size_t bytes) noexcept;
     record_memory(const record_memory&) = delete;
     record_memory& operator=(const record_memory&) = delete;
     ~record_memory();
 
-    /// What a record takes of a chunk.
+    /// The size of a record in a chunk.
     template <typename Record>
     static constexpr std::size_t sizeOf() {
         static_assert(alignof(Record) <= alignof(header) && sizeof(Record) % sizeof(header) == 0);
         return sizeof(header) + sizeof(Record);
     }
 
-    /// What a list takes of a chunk beyond its nodes.
+    /// The size of a list in a chunk in addition to its nodes.
     static constexpr std::size_t sizeOfList() { return sizeof(header); }
 
     /// For the allocation functions of the records.
@@ -49,11 +49,11 @@ class record_memory {
   private:
     /// Precedes each record and list.
     struct alignas(std::uint64_t) header {
-        std::uint32_t offset; // from the start of the chunk; 0 for what has memory of its own
+        std::uint32_t offset; // from the start of the chunk; 0 if allocated individually
         std::uint32_t number; // of a record
     };
     struct chunk {
-        std::size_t holders; // what is in it, and the object that still fills it
+        std::size_t holders; // its contents, and the object that is still filling it
     };
 
     static void* allocateAlone(std::size_t size);
@@ -63,7 +63,7 @@ class record_memory {
 
     static constinit thread_local record_memory* active_;
 
-    std::size_t expected_; // bytes that were not allocated yet
+    std::size_t expected_; // bytes not yet allocated
     chunk* chunk_ = nullptr;
     std::size_t used_ = 0; // bytes of the chunk
     std::size_t size_ = 0;

@@ -8,16 +8,16 @@ namespace kel::Stencilor::internal {
 
 using Kind = SyntaxElement::Kind;
 
-/// Tells what the first pass of a parse found.
+/// Reports the result of the first pass of a parse.
 ///
-/// How it works: the parts follow each other without a gap, so that each begins where the one
-///   before it ends. Of a tag the steps hold the names; behind those, the next pair closes it.
+/// How it works: there are no gaps between parts, so each begins at the end of the previous one.
+/// The steps contain the names of a tag; the next delimiter after them closes it.
 /// Ownership: borrows the grammar, and takes its steps.
 class template_grammar::reporter {
   public:
     explicit reporter(template_grammar& grammar) : grammar_(grammar), text_(grammar.begin_) {}
 
-    /// To be called once, before `fault`.
+    /// Call this once, before `fault`.
     void visitParts(SyntaxVisitor& visitor) {
         while (grammar_.steps_.size() > 0) {
             const SyntaxElement part = nextPart(grammar_.steps_.take());
@@ -27,7 +27,7 @@ class template_grammar::reporter {
         }
     }
 
-    /// What ended a parse that did not match.
+    /// The reason why a parse failed.
     SyntaxFault fault() const {
         SyntaxFault found;
         found.block = open_.empty() ? SyntaxRange() : open_.back().whole;
@@ -47,7 +47,7 @@ class template_grammar::reporter {
 
   private:
     struct open_tag {
-        Kind kind; // If, Else or For: what the innermost part of the block is
+        Kind kind; // If, Else or For: the innermost part of the block
         SyntaxRange whole;
     };
 
@@ -125,7 +125,7 @@ class template_grammar::reporter {
     template_grammar& grammar_;
     std::string_view text_;
     std::vector<open_tag> open_;
-    unsigned int position_ = 0; // where the next part begins
+    unsigned int position_ = 0; // the beginning of the next part
 };
 
 SyntaxFault template_grammar::report(SyntaxVisitor& visitor) {

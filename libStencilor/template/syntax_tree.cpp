@@ -18,7 +18,7 @@ bool holdsBlocks(const content_list& list) {
     return std::any_of(list.begin(), list.end(), isBlock);
 }
 
-/// A list of the block `node` that holds blocks itself, or null.
+/// A list of the block `node` that contains blocks, or null.
 content_list* nestedList(content& node) {
     if (auto* const conditional = boost::get<if_expr>(&node)) {
         return holdsBlocks(conditional->then_list)   ? &conditional->then_list
@@ -29,7 +29,7 @@ content_list* nestedList(content& node) {
     return loop != nullptr && holdsBlocks(loop->body) ? &loop->body : nullptr;
 }
 
-/// A string of the block `node` that is no longer needed.
+/// An unneeded string of the block `node`.
 std::string& spareString(content& node) {
     if (auto* const conditional = boost::get<if_expr>(&node)) {
         return conditional->name;
@@ -39,9 +39,9 @@ std::string& spareString(content& node) {
     return loop->variable;
 }
 
-/// Keeps a pointer in the characters of a string, where every string has room for it.
+/// Stores a pointer in the characters of a string, in which every string has room for it.
 void keep(content_list* pointer, std::string& string) noexcept {
-    assert(string.capacity() >= sizeof(pointer)); // so that nothing is allocated
+    assert(string.capacity() >= sizeof(pointer)); // so nothing is allocated
     string.assign(reinterpret_cast<const char*>(&pointer), sizeof(pointer));
 }
 
@@ -53,10 +53,10 @@ content_list* kept(const std::string& string) noexcept {
 
 } // namespace
 
-// While a nested list is destroyed, the list around it waits in its place: the two are swapped, and
-// the block between them keeps where the next outer list waits. So the tree itself is the stack.
+// While a nested list is destroyed, it is swapped with the list around it, and the block between
+// them stores the position of the next outer list. So the tree itself is the stack.
 void destroyNodes(content_list& list) noexcept {
-    content_list* outer = nullptr; // where the list around this level waits
+    content_list* outer = nullptr; // the position of the outer list
     while (true) {
         while (!list.empty()) {
             content_list* const nested = nestedList(list.back());

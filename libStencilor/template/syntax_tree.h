@@ -20,8 +20,8 @@ struct replace_expr;
 struct include_expr;
 
 /// A node: one of the four statements, or literal text. The order fixes `which()`, 0 to 4, and
-/// makes a default-constructed node an empty `if_expr`.
-/// Copying a node copies all below it. Moving one allocates, and leaves an empty record behind.
+/// makes a default-constructed node an empty `if_expr`. Copying a node is deep. Moving one
+/// allocates, and leaves an empty record in the source.
 using content =
     boost::variant<boost::recursive_wrapper<if_expr>, boost::recursive_wrapper<for_expr>,
                    boost::recursive_wrapper<replace_expr>, boost::recursive_wrapper<include_expr>,
@@ -51,11 +51,11 @@ struct std::allocator<kel::Stencilor::internal::content> {
 
 namespace kel::Stencilor::internal {
 
-/// The nodes of one level, in the order of the template.
+/// The nodes of one level, in template order.
 using content_list = std::vector<content>;
 
-/// `{% if name %} then_list {% else %} else_list {% endif %}`. A block without `else` is the same
-/// as one whose `else` part is empty.
+/// `{% if name %} then_list {% else %} else_list {% endif %}`. A block without `else` equals one
+/// with an empty `else` part.
 struct if_expr {
     content_list then_list;
     content_list else_list;
@@ -91,13 +91,13 @@ struct include_expr {
     static void operator delete(void* record) noexcept { record_memory::release(record); }
 };
 
-/// Destroys the nodes of `list`. Takes neither memory nor stack, however deeply blocks are nested;
-/// the destructor of a list would take stack for each level.
+/// Destroys the nodes of `list`. Needs neither memory nor stack, regardless of the nesting of
+/// blocks, whereas the destructor of a list would use stack for each level.
 void destroyNodes(content_list& list) noexcept;
 
 /// A tree.
 /// Ownership: owns its nodes, and destroys them without recursion.
-/// Copying: not possible, nothing needs two trees.
+/// Copying: not possible, because it is not needed.
 struct syntax_tree {
     syntax_tree() = default;
     syntax_tree(const syntax_tree&) = delete;

@@ -14,7 +14,8 @@ namespace {
 constexpr unsigned char inIdentifier = 1;
 constexpr unsigned char firstOfIdentifier = 2;
 
-/// What each byte may be. The functions of <cctype> follow the locale, and know no bytes over 127.
+/// The classes of each byte. The functions of <cctype> depend on the locale, and are undefined for
+/// bytes over 127.
 constexpr std::array<unsigned char, 256> byteKinds = [] {
     std::array<unsigned char, 256> kinds{};
     const auto mark = [&kinds](unsigned char first, unsigned char last, unsigned char kind) {
@@ -36,7 +37,7 @@ bool isOf(char byte, unsigned char kind) {
     return (byteKinds[static_cast<unsigned char>(byte)] & kind) != 0;
 }
 
-/// Nothing else is skipped: line breaks are not blanks.
+/// Line breaks are not skipped.
 const char* behindBlanks(const char* at) {
     while (*at == ' ' || *at == '\t') {
         ++at;
@@ -48,7 +49,7 @@ bool beginsTag(const char* at) {
     return at[0] == '{' && (at[1] == '%' || at[1] == '{');
 }
 
-/// Finds a brace, or the end. Most texts are short, and end before a call would have begun to look.
+/// Finds a brace, or the end. Inline, because most texts are shorter than the cost of a call.
 const char* nextBrace(const char* at) {
     for (const char* const few = at + 8; at != few; ++at) {
         if (*at == '{' || *at == '\0') {
@@ -67,7 +68,7 @@ bool template_grammar::parse(content_list& list) {
     const bool matched = start();
     std::size_t complete = steps_.size();
     if (!open_.empty()) {
-        complete = open_.front().step; // what stands in an open block is not
+        complete = open_.front().step; // nodes in an open block are not complete
         --top_level_count_;
     }
     build(list, complete);
@@ -82,7 +83,7 @@ bool template_grammar::start() {
 }
 
 // content_rule = text_rule | expr_rule
-// Both, since a text is followed by a tag or the end. False where no tag can be matched.
+// Matches both, because a text is followed by a tag or the end. Returns false if no tag matches.
 bool template_grammar::content_rule() {
     text_rule();
     return expr_rule();
@@ -100,8 +101,8 @@ void template_grammar::text_rule() {
 }
 
 // expr_rule = if_rule | for_rule | replace_rule | include_rule
-// Also the tags that may follow the content of an open block. What a tag begins with decides: only
-// one rule can match the whole tag. One that fails consumes nothing.
+// Also matches the tags that may follow the content of an open block. The beginning of a tag
+// determines the only rule that can match it. A rule that fails consumes nothing.
 bool template_grammar::expr_rule() {
     const char* const begin = position_;
     if (*begin == '\0') {
@@ -131,7 +132,7 @@ bool template_grammar::keyword_rule() {
 }
 
 // if_rule = "{%" "if" identifier "%}" content [ "{%" "else" "%}" content ] "{%" "endif" "%}"
-// The rest of the opening tag; the other tags are matched after the content.
+// Matches the rest of the opening tag; the other tags are matched after the content.
 bool template_grammar::if_rule() {
     span name{};
     if (!identifier_rule(name)) {
@@ -146,7 +147,7 @@ bool template_grammar::if_rule() {
 }
 
 // for_rule = "{%" "for" identifier "in" identifier "%}" content "{%" "endfor" "%}"
-// The rest of the opening tag, as in if_rule().
+// Matches the rest of the opening tag, as in if_rule().
 bool template_grammar::for_rule() {
     span variable{};
     span list_name{};
@@ -243,7 +244,7 @@ bool template_grammar::end_tag() {
     return true;
 }
 
-/// Matches `expected` behind any blanks.
+/// Matches `expected` after optional spaces and tabs.
 template <std::size_t Size>
 bool template_grammar::literal(const char (&expected)[Size]) {
     const char* at = behindBlanks(position_);
@@ -261,7 +262,7 @@ template_grammar::span template_grammar::spanFrom(const char* begin) const {
             static_cast<std::uint32_t>(position_ - begin)};
 }
 
-/// Notes a node, and counts it in the list that it belongs to.
+/// Records a node, and counts it in its list.
 void template_grammar::add(step_kind kind, span text, std::size_t record_bytes) {
     steps_.push_back({kind, text});
     record_bytes_ += record_bytes + sizeof(content);
@@ -278,17 +279,17 @@ void template_grammar::open(step_kind kind, span text, span list_name, std::size
     open_.push_back({kind, steps_.size() - 1, &blocks_.push_back({list_name, 0, 0})});
 }
 
-/// Notes what should stand behind the blanks here. False, for the rule to return.
+/// Records what was expected after spaces and tabs. Returns false, as the result of the rule.
 bool template_grammar::missing(SyntaxExpectation expected) {
     missing_ = {expected, static_cast<std::uint32_t>(behindBlanks(position_) - begin_)};
     return false;
 }
 
-/// Appends the nodes that the first `count` steps describe to `list`, and forgets the steps.
+/// Appends the nodes of the first `count` steps to `list`, and removes the steps.
 void template_grammar::build(content_list& list, std::size_t count) {
     struct level {
         content_list* nodes;
-        if_expr* conditional = nullptr; // where an `else` belongs
+        if_expr* conditional = nullptr; // the owner of an `else`
         std::uint32_t else_count = 0;
     };
     boost::container::small_vector<level, 4> enclosing;

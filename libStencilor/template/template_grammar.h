@@ -13,18 +13,17 @@
 
 namespace kel::Stencilor::internal {
 
-/// The language, one function per rule, for one parse.
+/// The grammar, with one function per rule. An object parses one text.
 ///
-/// How it works: a first pass recognises the template and notes what it found as a flat queue of
-///   steps, with the open blocks on a stack of its own; a second one builds the tree from the
-///   steps. The number of nodes in each list is known by then, so that no list ever grows: a node
-///   that moves would have to be allocated again.
-/// Ownership: borrows the text, which must outlive the object. Lengths fit in 32 bits, as those of
-///   `kel::String` do. The text ends at its NUL, which nothing in a tag matches, so that only text
-///   looks for it.
-/// Copying: not possible, the rules share one position.
+/// How it works: the first pass recognizes the template and records a flat queue of steps, with its
+/// own stack of open blocks. The second pass builds the tree from the steps. It knows the number of
+/// nodes in each list, so no list ever grows; growing would allocate moved nodes again.
+/// Ownership: borrows the text, which must outlive the object. Lengths have 32 bits, as in
+///   `kel::String`. The text is NUL-terminated. No rule inside a tag accepts NUL, so only
+///   `text_rule` checks for it.
+/// Copying: not possible, because the rules share one position.
 ///
-/// Rules, where a quoted literal or an identifier skips blanks (space and tab) before it:
+/// Rules (spaces and tabs before a quoted literal or an identifier are skipped):
 ///
 ///     start      = content end
 ///     content    = { text | expr }
@@ -37,20 +36,20 @@ namespace kel::Stencilor::internal {
 ///                  "{%" "endfor" "%}"
 ///     replace    = "{{" identifier "}}"
 ///     include    = "{%" "include" '"' identifier '"' "%}"
-///     identifier = a-zA-Z_ { a-zA-Z_0-9./ }, greedy, no blanks inside
+///     identifier = a-zA-Z_ { a-zA-Z_0-9./ }, greedy, nothing skipped
 ///
-/// A literal matches whatever follows it: `{% iffy %}` is an `if` on `fy`.
+/// A literal matches regardless of what follows: `{% iffy %}` is an `if` on `fy`.
 class template_grammar {
   public:
     explicit template_grammar(const char* text);
     template_grammar(const template_grammar&) = delete;
     template_grammar& operator=(const template_grammar&) = delete;
 
-    /// Appends the top-level nodes to `list`. False if the text is not a template as a whole; the
-    /// list then receives the nodes that are complete before the fault.
+    /// Appends the top-level nodes to `list`. Returns false if the text is malformed; the list then
+    /// receives the complete nodes before the fault.
     bool parse(content_list& list);
 
-    /// In place of `parse`: hands the parts to `visitor`, and tells what is wrong.
+    /// Used instead of `parse`: passes the parts to `visitor`, and returns the fault.
     SyntaxFault report(SyntaxVisitor& visitor);
 
   private:
@@ -66,7 +65,7 @@ class template_grammar {
         span text; // a text, name, path or loop variable
     };
 
-    /// What there is to know of a block beyond its step; in the order of the opening tags.
+    /// Additional data of a block, in the order of the opening tags.
     struct block {
         span list_name;           // of a loop
         std::uint32_t count;      // nodes in the body
@@ -75,13 +74,13 @@ class template_grammar {
 
     struct open_block {
         step_kind kind;
-        std::size_t step; // how many steps there are before its opening tag
+        std::size_t step; // the number of steps before its opening tag
         block* counts;
         bool in_else = false;
     };
 
-    /// The part of a tag that was not found. Noted where nothing else can match the tag, so that
-    /// templates that are well formed do not pay for it.
+    /// The missing part of a tag. It is only recorded if nothing else can match the tag, so that it
+    /// costs well-formed templates nothing.
     struct missing_part {
         SyntaxExpectation expected = SyntaxExpectation::Nothing;
         std::uint32_t offset = 0;
@@ -114,7 +113,7 @@ class template_grammar {
 
     const char* begin_;
     const char* position_;
-    // A small template is parsed without asking for memory but for its nodes.
+    // A small template is parsed without allocations except for its nodes.
     piecewise_queue<step, 32> steps_;
     piecewise_queue<block, 4> blocks_;
     boost::container::small_vector<open_block, 4> open_;
