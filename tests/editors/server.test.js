@@ -2,7 +2,7 @@
 // Every request and notification of the language server, sent by a client that is not ours.
 
 const assert = require("node:assert/strict");
-const { spawn } = require("node:child_process");
+const { spawn, spawnSync } = require("node:child_process");
 const { after, test } = require("node:test");
 const { Client, PROGRAM, apply, protocol, show } = require("./client.js");
 
@@ -383,6 +383,30 @@ for (const [name, text, expected] of fixes) {
             assert.equal(apply(text, actions[0].edit.changes[client.uri("a.txt")]), expected);
             assert.deepEqual(actions[0].diagnostics, diagnostics);
         }
+    });
+}
+
+const projects = [
+    ["its context", '{"context": "context.json"}', "{{ titel }}", /a.txt:1:4: warning: .*did you mean "title"/],
+    ["its root", '{"root": "parts"}', '{% include "b.txt" %}', ""],
+    ["patterns of other files", '{"context": "context.json", "files": ["*.html"]}', "{{ titel }}", ""],
+    ["patterns of this file", '{"context": "context.json", "files": ["m*/*"]}', "{{ titel }}", /a.txt:1:4: warning/],
+    ["a root outside", '{"root": ".."}', "text", /stencilor.json: the root ".." is outside/],
+    ["a misspelt member", '{"rot": ".."}', "text", /"rot" is unknown/],
+];
+
+for (const [name, project, text, expected] of projects) {
+    test("stencilor.json in check: " + name, async () => {
+        const client = await start({ "stencilor.json": project, "mails/a.txt": text, "parts/b.txt": "" });
+        const { stdout, stderr } = spawnSync(PROGRAM, ["check", "mails/a.txt"], { cwd: client.folder });
+        if (expected === "") {
+            assert.equal(String(stdout) + stderr, "");
+        } else {
+            assert.match(String(stdout) + stderr, expected);
+        }
+        const given = spawnSync(PROGRAM, ["check", "mails/a.txt", "--root", "mails"], { cwd: client.folder });
+        const isOutside = name === "its root";
+        assert.equal(/is outside of "mails"/.test(given.stderr), isOutside);
     });
 }
 

@@ -5,6 +5,7 @@
 #include <tools/stencilor/commands/ContextPlaces.h>
 #include <tools/stencilor/commands/Messages.h>
 #include <tools/stencilor/commands/NamedTemplates.h>
+#include <tools/stencilor/commands/ProjectSettings.h>
 
 #include <algorithm>
 #include <iterator>
@@ -18,11 +19,13 @@ using kel::Stencilor::SyntaxRange;
 
 namespace {
 
-void checkTemplate(NamedTemplates& templates, const std::string& file, CheckReport& report,
-                   UnusedNames& unused) {
-    const NamedTemplates::Named named = templates.open(file);
+void checkTemplate(NamedTemplates& templates, ProjectSettings& projects, const std::string& file,
+                   CheckReport& report, UnusedNames& unused) {
+    const NamedTemplates::Named named = templates.open(file, projects.rootOf(file));
     survey(named.files, named.file, unused);
-    kel::Stencilor::Analysis::checkTemplate(named.files, named.file, templates.context(), report);
+    const auto* const context =
+        templates.context() != nullptr ? templates.context() : projects.contextOf(file);
+    kel::Stencilor::Analysis::checkTemplate(named.files, named.file, context, report);
 }
 
 std::string joinLines(const std::vector<std::string>& lines) {
@@ -105,12 +108,13 @@ ExitStatus check(const CheckRequest& request) {
     Files files;
     std::string contextText;
     NamedTemplates templates(request, files, request.unused ? &contextText : nullptr);
+    ProjectSettings projects(request, files);
     CheckReport report;
     UnusedNames unused;
     bool failed = false;
     for (const std::string& file : request.templateFiles) {
         try {
-            checkTemplate(templates, file, report, unused);
+            checkTemplate(templates, projects, file, report, unused);
         } catch (const Failure& failure) {
             printError(failure.what());
             failed = true;

@@ -17,10 +17,11 @@ NamedTemplates::NamedTemplates(const Request& request, Files& files, std::string
                    ? std::optional(makeContext(request.context, files, contextText))
                    : std::nullopt) {}
 
-NamedTemplates::Named NamedTemplates::open(const std::string& file) {
+NamedTemplates::Named NamedTemplates::open(const std::string& file,
+                                           const std::optional<std::string>& root) {
     TemplateText text = readTemplate(file, request_, files_);
-    const std::string root = includeRoot(file, request_);
-    TemplateFiles& files = roots_.try_emplace(root, root, files_).first->second.files;
+    const std::string folder = root ? *root : includeRoot(file, request_);
+    TemplateFiles& files = roots_.try_emplace(folder, folder, files_).first->second.files;
     return {files, files.add(std::move(text))};
 }
 

@@ -29,7 +29,8 @@ class NamedTemplates {
     NamedTemplates(const Request& request, Files& files, std::string* contextText = nullptr);
 
     /// Reads a template; `-` is the standard input.
-    Named open(const std::string& file);
+    /// @param root where its includes are looked up; nothing for what the call says
+    Named open(const std::string& file, const std::optional<std::string>& root = {});
 
     /// Reads all templates, and reports rejected ones.
     /// @return the templates; none if one is rejected
