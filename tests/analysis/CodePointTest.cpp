@@ -8,7 +8,7 @@
 namespace kel::Stencilor::Analysis {
 namespace {
 
-/// Bytes that begin, continue and break sequences.
+/// Bytes that begin, continue and break off sequences.
 std::string randomBytes(support::Random& random) {
     static constexpr std::string_view bytes = "a\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC1\xC2\xDF\xE0"
                                               "\xE1\xED\xEF\xF0\xF1\xF4\xF5\xFF";
@@ -25,7 +25,7 @@ std::string repaired(const std::string& text) {
     return result.str();
 }
 
-// The engine's output and what is shown of it agree on what is malformed.
+// The engine's output and the displayed text agree on malformed bytes.
 TEST(CodePoint, IsReplacedWhereTheEngineReplacesIt) {
     support::Random random(1);
     for (int turn = 0; turn < 20'000 && !testing::Test::HasFailure(); ++turn) {

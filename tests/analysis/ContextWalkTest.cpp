@@ -14,7 +14,7 @@
 namespace kel::Stencilor::Analysis {
 namespace {
 
-/// The engine's message for what was found.
+/// The engine's message for an occurrence.
 std::string messageOf(const Occurrence& found) {
     const std::string name(found.file->slice(found.part->name));
     const std::string list(found.file->slice(found.part->list));
@@ -56,8 +56,8 @@ void writeFiles(support::TemporaryFolder& folder, std::uint64_t seed) {
     }
 }
 
-// In included files the engine drops its messages; those of each are compared where it is rendered
-// by itself.
+// The engine drops messages in included files, so those are compared when the files are rendered on
+// their own.
 TEST(ContextWalk, TellsWhatTheEngineTells) {
     support::TemporaryFolder folder;
     const support::WorkingFolder inside(folder.path());

@@ -7,7 +7,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Finds the files that the engine finds.
+/// Finds files like the engine.
 class FileReader final : public TemplateReader {
   public:
     Answer find(const std::string& path, TemplateText& found) override {

@@ -15,9 +15,9 @@
 #include <libStencilorAnalysis/names/Skeleton.h>
 #include <libStencilorAnalysis/template/TemplateTree.h>
 
-// Counts what the analysis does, since times depend on the machine: this program has a copy of it
-// that is compiled to report each basic block that it enters, and is linked so that what goes
-// through many bytes at a time comes through here. Each sixteen bytes count as a block.
+// Counts the work of the analysis, because times depend on the machine. This program has a copy of
+// it that reports each basic block that it enters, and functions that process many bytes at a time
+// are redirected to this file. Sixteen bytes count as a block.
 
 namespace {
 
@@ -66,7 +66,7 @@ namespace {
 
 using Texts = std::map<std::string, std::string>;
 
-/// The sizes that are tried at least, or the largest where they are smaller.
+/// The minimum sizes, unless the largest size is smaller.
 constexpr std::size_t smallest = 800;
 
 std::string repeat(std::size_t count, const std::string& text) {
@@ -77,7 +77,7 @@ std::string repeat(std::size_t count, const std::string& text) {
     return all;
 }
 
-/// `#` becomes the number of the repetition, `$` the one after it.
+/// `#` is replaced by the number of the repetition, `$` by the next one.
 std::string repeatNumbered(std::size_t count, const std::string& text) {
     std::string all;
     for (std::size_t i = 0; i < count; ++i) {
@@ -90,7 +90,7 @@ std::string repeatNumbered(std::size_t count, const std::string& text) {
     return all;
 }
 
-/// Files that each include the next one, as `text` does.
+/// Files that each include the next one with `text`.
 Texts chain(std::size_t count, const std::string& text) {
     Texts texts;
     for (std::size_t i = 0; i < count; ++i) {
@@ -108,7 +108,7 @@ struct Case {
     const char* name;
     std::size_t size; ///< the largest
     std::function<Texts(std::size_t)> make;
-    std::string except{}; ///< the commands that take more, as a render does
+    std::string except{}; ///< commands that take longer, like a render
 };
 
 Texts page(std::string text) {
@@ -163,7 +163,7 @@ const std::vector<Case> cases = {
      }},
 };
 
-/// What the commands make of the template.
+/// Runs the commands on the template.
 struct Command {
     const char* name;
     std::function<std::string(TemplateFiles&, const TemplateFile&)> run;
@@ -239,7 +239,7 @@ const std::vector<Command> commands = {
 
 struct Cost {
     std::uint64_t steps;
-    std::size_t memory; ///< the most bytes at a time
+    std::size_t memory; ///< the peak in bytes
     std::size_t output; ///< bytes
 };
 
@@ -256,8 +256,8 @@ Cost measure(const Texts& texts, const Command& command) {
     return cost;
 }
 
-/// Four times as much input may take six times as much, since there is sorting and blocks double,
-/// or as much as there is more output. What is quadratic would take sixteen times.
+/// Four times the input may cost six times as much, because of sorting and doubling blocks, or in
+/// proportion to the output. Quadratic cost would be sixteen times as much.
 void expectLinear(const Cost& whole, const Cost& quarter) {
     const std::uint64_t growth =
         std::max<std::uint64_t>(6, 2 * whole.output / std::max<std::size_t>(quarter.output, 1));
@@ -267,7 +267,7 @@ void expectLinear(const Cost& whole, const Cost& quarter) {
     EXPECT_LT(whole.output, 8 * quarter.output + 100'000'000);
 }
 
-// STENCILOR_SIZE is the size of all in percent; the preset "exhaustive" has 100.
+// STENCILOR_SIZE is the percentage of the full sizes; the preset "exhaustive" has 100.
 TEST(Analysis, DoesWorkLinearInWhatItReadsAndWritesOnASmallStack) {
     const std::uint64_t percent = support::numberFromEnvironment("STENCILOR_SIZE", 0);
     for (const Case& one : cases) {

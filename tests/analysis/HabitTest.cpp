@@ -11,8 +11,8 @@ namespace {
 
 struct Case {
     std::string text;
-    std::string notes;     ///< how the notes of the findings begin, in a line each
-    std::string message{}; ///< of the first finding, unless it is what was expected
+    std::string notes;     ///< the beginnings of the notes, one per line
+    std::string message{}; ///< of the first finding, unless it begins with `expected`
 };
 
 const std::string filter = "there are no filters";
@@ -40,7 +40,7 @@ const std::string path = "a path consists of letters, digits";
 const std::string text = "to output these two characters";
 const std::string block = "close each block with its own tag";
 
-/// As people write them who know other engines; none is followed by what is only a consequence.
+/// Tags as written by users of other engines. None causes further findings.
 const std::vector<Case> cases = {
     {"{{ name | upper }}", filter},
     {R"({{ title|default("none")|e }})", filter},
@@ -188,7 +188,7 @@ std::vector<Finding> check(const std::string& page, TemplateFiles& files) {
     return sortFindings(std::move(report));
 }
 
-// Also: nothing follows that is only a consequence, so that there is one finding for each note.
+// Also checks that there are no consequential findings: there is one finding per note.
 TEST(Habits, OfOtherEnginesAreAnswered) {
     MemoryReader reader({});
     TemplateFiles files(reader);
@@ -248,7 +248,7 @@ TEST(Habits, OfOtherEnginesAreNotesWhereTheyAreWellFormed) {
     }
 }
 
-/// What was lacking, and in which tag.
+/// The tags at fault, with what was expected.
 std::vector<std::string> listFaults(const std::string& page) {
     std::vector<SyntaxElement> parts;
     std::vector<std::string> list;
@@ -259,7 +259,7 @@ std::vector<std::string> listFaults(const std::string& page) {
     return list;
 }
 
-/// Without a fault: with the tags that the analysis takes it for.
+/// Replaces a fault by the tags that the analysis uses in its place.
 std::string repair(std::string page, std::size_t fault) {
     std::vector<SyntaxElement> parts;
     const std::vector<TagRepair> repairs = readTemplate(page, parts).repairs;

@@ -9,7 +9,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Templates in memory. A path with the text "?" cannot be read.
+/// Templates in memory. One with the text "?" cannot be read.
 class MemoryReader final : public TemplateReader {
   public:
     explicit MemoryReader(std::map<std::string, std::string> texts) : texts_(std::move(texts)) {}

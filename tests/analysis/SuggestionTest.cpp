@@ -44,7 +44,7 @@ TEST(KnownWords, AreFoundForOnesThatAreMisspelt) {
     };
     for (const auto& [name, word, known, found] : cases) {
         EXPECT_EQ(KnownWords(known).findNearest(word), found) << name;
-        std::vector<std::string> more = known; // so many that not all are compared
+        std::vector<std::string> more = known; // too many to compare all of them
         for (char letter = 'A'; letter <= 'Z'; ++letter) {
             more.push_back(std::string(40, letter));
             more.push_back(std::string(50, letter));

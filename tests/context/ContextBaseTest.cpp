@@ -154,7 +154,7 @@ TEST(ContextBase, DeletesAWholeTreeThroughItsRoot) {
     flag->insert("inner", new Logged<ContextString>(deletions, "inner", "text"));
     list->add(new Logged<ContextString>(deletions, "element", "text"));
     delete root;
-    // A destructor writes its name before what the value holds goes.
+    // A destructor records its name before its contents are destroyed.
     EXPECT_THAT(deletions, ElementsAre("root", "flag", "inner", "list", "element"));
 }
 

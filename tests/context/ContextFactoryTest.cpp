@@ -20,7 +20,7 @@ static_assert(std::is_empty_v<ContextFactory> && !std::is_polymorphic_v<ContextF
 
 enum Unscoped { One };
 
-// What may stand for a boolean. A pointer may not: it would always be true.
+// What converts to a boolean. A pointer does not, because it would always be true.
 template <typename T>
 concept buildsBoolean = requires(T&& source) {
     ContextFactory::buildBoolean(source);

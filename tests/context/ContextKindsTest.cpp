@@ -18,8 +18,8 @@ static_assert(
     std::is_same_v<decltype(std::declval<const ContextDictionary&>().size()), std::size_t>);
 static_assert(std::is_same_v<decltype(std::declval<const ContextIterable&>().size()), std::size_t>);
 
-// The children of all kinds behave alike when a value is copied, moved and assigned: each kind is
-// made with this child, which stands in several places until they are emptied by hand.
+// Children behave alike in all kinds when a value is copied, moved and assigned. Each kind is made
+// with this child, which has several parents until they are emptied by hand.
 template <typename Value>
 class SharedChild {
   public:
@@ -216,7 +216,7 @@ TEST(ContextIterable, DeletesItsElementsInOrderAndThenItsNamedChildren) {
                 ElementsAre("element 0", "element 2", "element 3", "child a", "child b"));
 }
 
-// The elements are not on the heap: where a list deleted one, the test would not survive.
+// The elements are not on the heap, so the test would crash if a list deleted one.
 TEST(ContextIterable, SharesItsElementsWithCopiesAndIsCopiedWhenMoved) {
     Deletions deletions;
     Logged<ContextBase> element(deletions, "element");
@@ -243,7 +243,7 @@ TEST(ContextIterable, SharesItsElementsWithCopiesAndIsCopiedWhenMoved) {
         EXPECT_EQ((*value)[0], &element);
         EXPECT_EQ((*value)[1], nullptr);
     }
-    // Assigning an empty list takes the elements away again, and none is deleted by that.
+    // Assigning an empty list removes the elements without deleting them.
     for (ContextIterable* const value : {&source, &copy, &moved, &assigned, &moveAssigned}) {
         *value = ContextIterable();
         EXPECT_EQ(value->size(), 0u);

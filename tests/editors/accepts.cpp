@@ -1,5 +1,5 @@
-// Reads templates from the standard input, each ended by a NUL byte, and tells of each, on a line
-// of its own, whether the engine accepts it.
+// Reads templates from the standard input, each terminated by a NUL byte, and reports for each, on
+// its own line, whether the engine accepts it.
 
 #include <libStencilor/Stencilor.h>
 

@@ -21,8 +21,8 @@ class Gates : public testing::Test {
     HostDouble& host_ = HostDouble::instance();
 };
 
-/// What the gates ask for and let through while "{{ x }}" is rendered and there is no `x`. The
-/// first that needs the logger has it made.
+/// What the gates query and pass while "{{ x }}" is rendered without an `x`. The first one that
+/// needs the logger creates it.
 class ExpectedCalls {
   public:
     ExpectedCalls(std::int32_t global, std::int32_t threshold, std::int32_t effective)

@@ -31,7 +31,7 @@ void noteText(const char* call, std::size_t length) {
     }
 }
 
-/// Characters past the low 8 bits would not be in the calls that are noted.
+/// Characters over 8 bits would be missing in the recorded calls.
 std::string narrow(const String& string) {
     const std::u32string_view text = HostDouble::textOf(string);
     std::string bytes(text.size(), '\0');
@@ -59,8 +59,8 @@ void appendUtf8(std::string& bytes, unsigned int character) {
     }
 }
 
-/// The character of the sequence that `bytes` begin with, if it is complete; its length otherwise
-/// is one, and its character U+FFFD. Sequences longer than they need be are taken, too.
+/// The first character of `bytes` and its length; U+FFFD and 1 if it is incomplete. Overlong
+/// sequences are accepted.
 struct Sequence {
     explicit Sequence(std::string_view bytes) {
         const unsigned int lead = static_cast<unsigned char>(bytes[0]);
@@ -195,7 +195,7 @@ bool FileSystem::loadFile(const String& path, Buffer<unsigned char>& out, unsign
     if (!bytes) {
         return false;
     }
-    if (!bytes->empty()) { // a null pointer stands for no bytes
+    if (!bytes->empty()) { // a null pointer means no bytes
         out.data = static_cast<unsigned char*>(::operator new(bytes->size()));
         std::memcpy(out.data, bytes->data(), bytes->size());
         out.size = bytes->size();

@@ -14,37 +14,37 @@
 
 namespace kel {
 
-/// What the tests tell the double to do, and what it was asked for. There is one, and each test
+/// The behavior of the double, and the calls that it received. There is only one, and each test
 /// begins with a `reset`.
 struct HostDouble {
     static HostDouble& instance();
 
-    /// Everything is new but the loggers that were made: who asked for one keeps it.
+    /// Resets everything except existing loggers, which their users keep.
     void reset();
 
-    /// Those who asked for a logger have none again, as if the process had just begun.
+    /// Resets the users' pointers to loggers, as if the process had just started.
     void takeLoggersBack();
 
     static String wide(std::u32string_view text);
     static std::u32string_view textOf(const String& string);
 
-    /// How it answers.
+    /// The answers.
     std::int32_t globalPriority = 3;
     std::int32_t resolvedPriority = 0;
-    std::map<std::string, std::optional<std::string>> files; ///< nothing: cannot be loaded
+    std::map<std::string, std::optional<std::string>> files; ///< empty if it cannot be loaded
     Logger logger;
 
-    /// The calls in the order they came, with their arguments.
+    /// The calls in order, with their arguments.
     std::vector<std::string> calls;
     std::vector<std::string> takeCalls();
-    bool notesText = false; ///< whether conversions and appends of text are among them
+    bool notesText = false; ///< true if conversions and appends of text are included
 
-    /// After so many calls from now on one throws `std::bad_alloc`; nothing: none does. What
-    /// objects do when they are destroyed is not counted.
+    /// The number of calls before one throws `std::bad_alloc`; empty if none does. Destructors are
+    /// not counted.
     std::optional<std::uint64_t> callsUntilFailure;
 
-    std::set<std::string> sourcePaths;  ///< all that scopes were traced with
-    std::set<Logger**> loggersAskedFor; ///< where they were to be stored
+    std::set<std::string> sourcePaths;  ///< the paths of all traced scopes
+    std::set<Logger**> loggersAskedFor; ///< the pointers that receive them
 };
 
 } // namespace kel

@@ -8,8 +8,8 @@ namespace {
 using kel::HostDouble;
 using kel::String;
 
-/// The records are all calls, so that the engine asks the base library for the same things in the
-/// same order as the second renderer does, the comparisons of names aside.
+/// All calls are recorded, so the engine must make the same calls to the base library as the second
+/// renderer, in the same order, except for comparisons of names.
 class ForeignHost : public ComparedHost {
   public:
     ForeignHost() { host_.reset(); }

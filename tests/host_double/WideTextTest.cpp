@@ -48,8 +48,8 @@ TEST_F(WideText, OfATemplateIsReducedToItsLowBytesAndDecodedAsUtf8) {
     }
 }
 
-// Rendered text passes through the narrow constructor and comes out as UTF-8 once more: its bytes
-// over 127 become two each.
+// Rendered text passes through the narrow constructor and is encoded as UTF-8 again: each byte over
+// 127 becomes two.
 TEST_F(WideText, OfAnIncludedFileIsEncodedOnceMore) {
     host_.files["file"] = "\xC3\xA9";
     host_.files["value"] = "{{ x }}";

@@ -11,7 +11,7 @@
 namespace kel::Stencilor::internal {
 namespace {
 
-/// Notes each value and name with its range, as `KIND BEGIN-END`.
+/// Records each value and name with its range, as `KIND BEGIN-END`.
 class Recorder : public JsonReceiver {
   public:
     void null(JsonRange range) override { note("null", range); }
@@ -117,7 +117,7 @@ TEST(JsonCharacters, AreWellFormedUtf8) {
     }
 }
 
-/// What the reader does with less stack than a thread has anywhere.
+/// Runs the reader with less stack than a thread has on any system.
 bool readsOnASmallStack(const std::string& text) {
     bool accepted = true;
     support::runWithStack(256u * 1024, [&] {

@@ -63,7 +63,7 @@ TEST_F(ExhaustedMemory, LeavesTheTargetOfAnAssignmentAsItWas) {
     source = ContextIterable();
 }
 
-// On Windows the base library has allocation functions of its own; `BorderTest` has them fail.
+// On Windows, the base library has its own allocation functions; `BorderTest` makes them fail.
 #ifndef _WIN32
 
 TEST_F(ExhaustedMemory, LeavesAStringAsItWas) {
@@ -84,7 +84,7 @@ TEST_F(ExhaustedMemory, LeavesAStringAsItWas) {
                                false);
          }},
     };
-    // Without memory of its own, with it, and with memory that it shares with the copies.
+    // Without allocated memory, with it, and with memory shared with copies.
     const std::array<kel::String, 3> formers = {"ten bytes.", std::string(200, 'f'),
                                                 std::string(10000, 'f')};
     for (const auto& [name, action] : actions) {
@@ -154,7 +154,7 @@ TEST_F(ExhaustedMemory, IsNoReasonForAFileToBeMissing) {
 
 #endif
 
-/// A copy that fails half way must not delete what it shares with its source.
+/// A copy that fails halfway must not delete what it shares with its source.
 template <typename Value>
 void expectCopyToLeaveChildrenAlone(Value& source) {
     Deletions deletions;
@@ -215,7 +215,7 @@ TEST_F(ExhaustedMemory, LeavesThePointersWithTheCallerOfABuilder) {
     EXPECT_THAT(deletions, IsEmpty());
 }
 
-// Taking a tree apart gets along without memory, so a failure there changes nothing.
+// Destroying a tree needs no memory, so a failure there has no effect.
 TEST_F(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());
@@ -229,7 +229,7 @@ TEST_F(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
         "a text that is longer than a few bytes {{ name }}{{ missing }}"
         "{% for user in users %}{{ user.name }}{% if yes %}{% include \"part\" %}{% else %}x"
         "{% endif %}{% endfor %}{% if missing %}{% endif %}";
-    for (int blocks = 0; blocks < 5; ++blocks) { // more than are taken apart without memory
+    for (int blocks = 0; blocks < 5; ++blocks) { // more than are destroyed without memory
         input += "{% if yes %}{% if yes %}{% endif %}{% endif %}";
     }
     const Rendered expected = render(input, root);
@@ -242,7 +242,7 @@ TEST_F(ExhaustedMemory, PassesThroughARenderingThatFreesEverything) {
                        });
 }
 
-// The room that a long text does not take is given back, which may need memory, too.
+// Releasing the unused room of a long text may need memory, too.
 TEST_F(ExhaustedMemory, PassesThroughTheRenderingOfALongText) {
     const Root root({{"text", text(std::string(50000, 't'))}, {"two", listOf(2)}});
     const kel::String input("{% for x in two %}{{ text }}{% endfor %}{{ text }}");
@@ -259,7 +259,7 @@ TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
     const Root root;
     std::string input = "a text that is longer than a few bytes {% if a %}{% for b in c %}x"
                         "{% endfor %}{% else %}y{% endif %}{{ d }}";
-    for (int more = 0; more < 17; ++more) { // than what the parser notes without memory
+    for (int more = 0; more < 17; ++more) { // than the parser records without memory
         input += "{{ g }}{% if a %}{% endif %}";
     }
     input += "{% if e %}{{ f }}";
@@ -270,8 +270,8 @@ TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
         [&](Rendered& rendered) { EXPECT_THAT(rendered, AnyOf(Rendered(), expected)); });
 }
 
-// The recorder itself may be what runs out of memory, and a record is lost then: so the scopes are
-// counted, without memory.
+// The recorder itself may run out of memory and lose a record, so the scopes are counted without
+// memory.
 TEST_F(ExhaustedMemory, IsNoObstacleToDestroyingATree) {
     using namespace kel::Stencilor::internal;
     constexpr int chains = 6;
@@ -307,7 +307,7 @@ TEST_F(ExhaustedMemory, ClosesEveryTracedScopeInnermostFirst) {
     const std::string input = "{% if yes %}{% for i in two %}{{ name }}{% include \"part\" %}"
                               "{% endfor %}{% endif %}";
     const LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE);
-    std::array<int, 32> lines = {}; // of the scopes that are open
+    std::array<int, 32> lines = {}; // of the open scopes
     unsigned int depth = 0;
     kel::LogFactory::setSink([&lines, &depth](const kel::LogRecord& record) {
         if (record.kind == kel::LogRecord::Kind::ScopeEntered) {

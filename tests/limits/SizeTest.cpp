@@ -11,8 +11,8 @@
 #include <ctime>
 #include <iomanip>
 
-// Everything here is done in a thread with a stack of 256 KiB: no depth takes call stack.
-// STENCILOR_SIZE is the size of all in percent; the preset "exhaustive" has 100.
+// Everything here runs in a thread with a stack of 256 KiB, because nesting must not use the call
+// stack. STENCILOR_SIZE is the size of all in percent; the preset "exhaustive" has 100.
 
 namespace support {
 namespace {
@@ -31,7 +31,7 @@ struct Cost {
     double megabytes = 0;
 };
 
-/// The time that this program has had a processor. Other programs do not change it, or hardly.
+/// The processor time of this program, which other programs hardly affect.
 double processorSeconds() {
     timespec time = {};
     if (::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time) != 0) {
@@ -40,7 +40,7 @@ double processorSeconds() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-/// What `work` costs, and that it needs no more stack than there is.
+/// Measures the cost of `work` on a small stack.
 Cost costOf(const std::function<void()>& work) {
     resetPeakMemory();
     const std::uint64_t before = peakMemory();
@@ -51,8 +51,7 @@ Cost costOf(const std::function<void()>& work) {
 
 class Size : public testing::Test {
   protected:
-    /// Calls `work` with a quarter of `largest`, with the half and with all of it, and prints what
-    /// each takes.
+    /// Calls `work` with a quarter, half and all of `largest`, and prints the costs.
     std::array<Cost, 3> costsOf(const char* what, std::size_t largest,
                                 const std::function<void(std::size_t)>& work) const {
         const std::size_t full = largest * percent_ / 100;
@@ -67,8 +66,8 @@ class Size : public testing::Test {
         return costs;
     }
 
-    /// Four times the size may take ten times as long, since it leaves the caches, and six times
-    /// the memory, since blocks double. What grows with the square takes sixteen times as much.
+    /// Four times the size may take ten times as long, because it exceeds the caches, and six times
+    /// the memory, because blocks double. Quadratic growth would be sixteen times as much.
     void expectLinearGrowth(const char* what, std::size_t largest,
                             const std::function<void(std::size_t)>& work) const {
         const std::array<Cost, 3> costs = costsOf(what, largest, work);
@@ -100,7 +99,7 @@ TEST_F(Size, OfNestedBlocks) {
 TEST_F(Size, OfNestedBlocksThatAreTraced) {
     const Root root({{"yes", truth(true)}});
     expectLinearGrowth("nested blocks, traced", 1000000, [&root](std::size_t size) {
-        const LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE); // puts back what is set
+        const LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE); // restores the settings
         std::size_t records = 0;
         std::size_t deepest = 0;
         kel::LogFactory::setSink([&](const kel::LogRecord& record) {
@@ -175,8 +174,8 @@ TEST_F(Size, OfManyMessages) {
     });
 }
 
-// Each name is looked for in all of the scopes and without each of the variables: the time grows
-// with the square of the depth, but no faster.
+// Each name is looked up in all scopes and without each of the variables, so the time is quadratic
+// in the depth, but not more.
 TEST_F(Size, OfNestedLoopsWithNamesOfTheirOwn) {
     const auto work = [](std::size_t size) {
         Root root({{"name", text("root")}});

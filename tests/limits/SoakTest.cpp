@@ -10,17 +10,18 @@
 namespace support {
 namespace {
 
-/// Everything that a rendering can meet. The first is rendered most often, since it opens no file.
+/// Everything that can occur in a rendering. The first one is rendered most often, because it opens
+/// no file.
 const std::array<std::string, 4> templates = {
     "{{ title }}: {% for user in users %}{% if user.active %}{{ user.name }}, a name of more bytes "
     "than fit into a string itself{% else %}{{ missing }}{% endif %}{% endfor %}",
     "{% include \"part\" %}{% include \"no/such/file\" %}",
     "{% if title %}{{ title }}{% for user in users %} never closed",
-    // More than is kept from one text to the next, and more than is kept without memory of its own.
+    // More than is kept from one text to the next, and more than fits without an allocation.
     std::string(100000, 't') + "{{ title }}" + std::string(1000, 't'),
 };
 
-/// Renders that many times. Returns how many results were other than the first of their template.
+/// Renders repeatedly. Returns the number of results that differ from the first of their template.
 std::uint64_t renderOften(std::uint64_t count, const Root& root) {
     const std::array<Rendered, templates.size()> expected = {
         render(templates[0], root), render(templates[1], root), render(templates[2], root),
@@ -33,7 +34,7 @@ std::uint64_t renderOften(std::uint64_t count, const Root& root) {
     return wrong;
 }
 
-// STENCILOR_RENDERS is the number of renderings; the preset "exhaustive" has ten millions of them.
+// STENCILOR_RENDERS is the number of renderings; the preset "exhaustive" has ten million.
 TEST(Soak, NeitherChangesWhatIsRenderedNorKeepsMemory) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());

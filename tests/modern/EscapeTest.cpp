@@ -119,7 +119,7 @@ TEST(Escaping, HasTheseResults) {
 TEST(Escaping, OfARenderIsThatOfTheFunctions) {
     const Template made("<&{{ v }}\"'");
     std::string all;
-    for (int byte = 1; byte < 256; ++byte) { // what follows a NUL is no part of a value
+    for (int byte = 1; byte < 256; ++byte) { // what follows a NUL is not part of a value
         all += static_cast<char>(byte);
     }
     all += "\u2028";

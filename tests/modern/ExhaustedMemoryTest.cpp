@@ -11,7 +11,7 @@ using kel::Stencilor::renderFile;
 
 const std::string longText(300, 'x');
 
-/// A template with everything that takes memory.
+/// A template with everything that allocates memory.
 std::string everything() {
     return "{% for x in list %}{{ x.value }}{{ x." + longText +
            " }}{% if yes %}{% include \"part\" %}{% endif %}{{ malformed }}{% endfor %}" +
@@ -36,7 +36,7 @@ class ExhaustedTemplates : public ExhaustedMemory {
         source_.add("rejected", "{{");
     }
 
-    /// Expects the same result after a failure as before.
+    /// Expects the same result after a failure as before it.
     template <typename Render>
     void sweep(Render render) {
         const RenderResult expected = render();
@@ -52,7 +52,7 @@ class ExhaustedTemplates : public ExhaustedMemory {
     const Context context_{values()};
 };
 
-// Memory that is only given back may be refused without harm.
+// A failure to shrink memory is harmless.
 TEST_F(ExhaustedTemplates, AreMadeWholeOrNotAtAll) {
     const RenderOptions options{.source = &source_};
     for (const std::string& text : {everything(), everything() + "{{", std::string()}) {
@@ -96,7 +96,7 @@ TEST_F(ExhaustedTemplates, RenderPiecesAgainWhereThereIsMemory) {
     const RenderOptions options{.escape = Escape::html(), .source = &source_};
     const std::string whole = made.render(context, options).text.str();
     sweep([&] {
-        std::size_t at = 0; // what was written is the beginning of the text
+        std::size_t at = 0; // the output is the beginning of the text
         return made.renderTo(
             context,
             [&](std::string_view piece) {
@@ -144,7 +144,7 @@ TEST_F(ExhaustedTemplates, DescribeTheirMessages) {
                        [](std::optional<kel::String>& text) { EXPECT_FALSE(text.has_value()); });
 }
 
-// On Windows the files are those of the base library, which has allocation functions of its own.
+// On Windows, the base library reads files, and has its own allocation functions.
 #ifndef _WIN32
 
 TEST_F(ExhaustedTemplates, AreRenderedFromFiles) {

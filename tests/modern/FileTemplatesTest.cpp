@@ -16,14 +16,14 @@ class FileSource : public testing::Test {
         return result.status == RenderStatus::Complete ? result.text.str() : "no text";
     }
 
-    /// What a template is made of, which is the same block while it is kept.
+    /// The text of a template, which stays in the same block while it is cached.
     const char* textOf(const char* path) {
         std::optional<Template> found;
         EXPECT_EQ(source_.find(path, UINT64_MAX, found), Answer::Found);
         return found->text().view().data();
     }
 
-    /// Sets the time of a file's last change.
+    /// Sets the modification time of a file.
     void age(const char* path, std::filesystem::file_time_type::duration age) {
         const std::filesystem::path file = folder_.path(path);
         last_write_time(file, std::filesystem::file_time_type::clock::now() - age);
@@ -33,7 +33,7 @@ class FileSource : public testing::Test {
     FileTemplates source_{folder_.path()};
 };
 
-const std::string longText(1000, 'x'); // no short string
+const std::string longText(1000, 'x'); // not a short string
 
 TEST_F(FileSource, KeepsAFileThatDoesNotChange) {
     folder_.writeFile("a", longText);
@@ -133,7 +133,7 @@ TEST_F(FileSource, AnswersToTheByteWhetherItKeepsAFileOrNot) {
     }
 }
 
-// The size is looked at before anything is read.
+// The size is checked before anything is read.
 TEST_F(FileSource, NeverReadsMoreThanATemplateMayHave) {
     folder_.writeSparseFile("huge", 4ull << 30);
     std::optional<Template> found;
@@ -145,7 +145,7 @@ TEST_F(FileSource, NeverReadsMoreThanATemplateMayHave) {
     EXPECT_EQ(renderFile("huge", {}, {.source = &source_}).status, RenderStatus::Unreadable);
 }
 
-// What is inside a folder, and which folder that is, is tested with kel::Folder.
+// Which files are inside a folder is tested with kel::Folder.
 TEST_F(FileSource, FindsNothingOutsideItsFolder) {
     folder_.makeFolder("root");
     folder_.writeFile("secret", "secret");

@@ -14,15 +14,15 @@ using testing::SizeIs;
 constexpr std::size_t stackSize = 256 * 1024;
 constexpr std::uint64_t stepLimit = 100'000;
 
-/// The memory that a render may need: in proportion to its templates and its output, and for each
-/// message and the includes around it. All of them have limits.
+/// The memory that a render may use: in proportion to its templates, its output, and its messages
+/// with the includes around them. All of these have limits.
 std::size_t memoryFor(const std::string& text, const RenderResult& result) {
     const std::size_t perMessage = 512 + 64 * result.usage.includeDepth;
     return 64 * 1024 + 16 * (text.size() + result.usage.templateBytes) +
            4 * result.usage.outputBytes + perMessage * result.messages.size();
 }
 
-/// Parses and renders in a thread that has a small stack, within the memory that it may need.
+/// Parses and renders in a thread with a small stack, within the allowed memory.
 RenderResult renderWithSmallStack(const std::string& text, const Value& values,
                                   const RenderOptions& options) {
     const Context context(values);
@@ -124,7 +124,7 @@ TEST(HostileTemplates, ThatNestThousandsOfLoopsRenderOrEnd) {
     expectStepLimit(renderWithSmallStack(text, rows, options));
 }
 
-/// A name of so many dots inside loops whose variables it begins with.
+/// A name with many dots, inside loops whose variables are its prefixes.
 std::string longNames(std::size_t dots, std::size_t loops) {
     std::string text;
     std::string variable = "a";
@@ -191,7 +191,7 @@ TEST(HostileTemplates, ThatIncludeEachOtherFromBlocksNeedLittleStack) {
     }
 }
 
-/// The processor time of a render that includes an empty template again and again.
+/// The processor time of a render that repeatedly includes an empty template.
 double secondsToInclude(const std::string& path) {
     MemoryTemplates source;
     source.add(path, "");
@@ -206,7 +206,7 @@ TEST(HostileTemplates, ThatIncludeALongPathAreNotSlower) {
     EXPECT_LE(secondsToInclude(std::string(200'000, 'p')), 10 * secondsToInclude("p") + 0.2);
 }
 
-/// A source of templates that are parsed when they are asked for.
+/// A source that parses templates on request.
 class ParsedOnDemand : public TemplateSource {
   public:
     explicit ParsedOnDemand(std::string text) : text_(std::move(text)) {}

@@ -41,7 +41,7 @@ TEST(LoopVariables, AreStrippedFromTheInnermostOutwards) {
     EXPECT_THAT(prefixesOf(variables, "a.b.c"), ElementsAre(0));
 }
 
-/// As the rule is written: each loop's variable in turn, then the whole name.
+/// The documented rule: each loop's variable in turn, then the whole name.
 std::vector<std::uint32_t> obviousPrefixes(const std::vector<std::string>& loops,
                                            std::string_view name) {
     std::vector<std::uint32_t> lengths;
@@ -112,7 +112,7 @@ TEST(Keys, FindWhatBuildOutputFinds) {
     }
 }
 
-/// What is kept for the names of a template.
+/// The memory for the names of a template.
 struct Kept {
     std::size_t bytes = 0;
     std::size_t prefixes = 0;
@@ -136,9 +136,8 @@ Kept keptFor(const parsed_template& parsed, std::uint32_t names) {
     return kept;
 }
 
-// Many names with many dots inside many loops: what is kept is bounded by the template all the
-// same.
-// A search begins where the last element had the key.
+// Even for many names with many dots inside many loops, the memory is bounded by the template. A
+// search begins where the last element had the key.
 TEST(Keys, AreFoundWhereverAnElementHasThem) {
     for (const std::string& key :
          {std::string("k"), std::string("eightlng"), std::string(17, 'k')}) {

@@ -26,8 +26,8 @@ std::string repeated(std::string_view text, int count) {
     return all;
 }
 
-/// Two loops around a name that is tried as three keys, of which one is kept: in each scope bytes
-/// of the other two are made.
+/// Two loops around a name with three keys, of which one is stored: the other two are built in each
+/// scope.
 std::string longName() {
     const std::string name = "a.a." + std::string(10'000, 'b');
     return "{% for a in one %}{% for a.a in one %}{{ " + name + " }}{% endfor %}{% endfor %}";
@@ -50,8 +50,7 @@ class Limits : public testing::Test {
     const Context context_{values()};
 };
 
-// What is remembered from one iteration to the next must not depend on where a template is in
-// memory.
+// What is remembered between iterations must not depend on the address of a template.
 TEST_F(Limits, CountTheSameStepsForEachCopyOfATemplate) {
     std::string tags;
     for (int name = 0; name < 40; ++name) {
@@ -348,7 +347,7 @@ TEST_F(Limits, AreMessagesThatAreAlwaysKept) {
     EXPECT_EQ(one.usage.messages, 2u);
 }
 
-/// Counts how often it is asked, and stops a render at a question.
+/// Counts its calls, and stops a render at one of them.
 struct Question {
     RenderOptions options() {
         return {.keepGoing = [this] { return ++asked != stopAt; }};

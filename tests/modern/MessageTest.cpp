@@ -12,7 +12,7 @@ using kel::Stencilor::SyntaxExpectation;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A value of each kind, and one that is there and null.
+/// A value of each kind, and a null entry.
 const Value& values() {
     static const Value instance{
         {"text", "t"}, {"yes", true}, {"list", Value::list({1, 2})}, {"row", {{"text", "r"}}}};
@@ -212,7 +212,7 @@ TEST(Messages, DescribeWhatEndsARenderInOneLine) {
     }
 }
 
-// Only a host can ask for such a path.
+// Only a host can request such a path.
 TEST(Messages, StayInOneLineWhateverThePath) {
     MemoryTemplates source;
     const RenderResult result =

@@ -8,7 +8,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// What is held back, sliced and handed over is decided at multiples of this many bytes.
+// Text is held back, sliced and passed on at multiples of this size.
 constexpr std::size_t slice = 16384;
 
 const std::size_t longSize = thorough() ? 200'000 : 70'000;
@@ -74,7 +74,7 @@ TEST(Pieces, DivideAMegabyte) {
     expectSamePieces(Template(text + "{{ v }}"), Context({{"v", text + '\xF0'}}));
 }
 
-// The pieces must agree with the whole text on every byte, so the same is malformed for both.
+// The pieces must agree with the whole text on every byte, so the same bytes are malformed in both.
 TEST(Pieces, RepairMalformedBytesWhereverThePieceEnds) {
     const Template alone("{{ v }}b");
     const Template inBlock("{% for i in l %}{{ v }}{{ w }}{% endfor %}b");
@@ -109,7 +109,7 @@ TEST(Pieces, RepairMalformedTemplatesWhereverThePieceEnds) {
     }
 }
 
-// Inside one node of the template values join to characters, and between such nodes they do not.
+// Values combine to characters inside one node of the template, but not across nodes.
 TEST(Pieces, JoinCharactersWithinANodeAlone) {
     for (std::size_t size = 2 * slice - 4; size <= 2 * slice + 4; ++size) {
         SCOPED_TRACE(size);

@@ -6,7 +6,7 @@
 
 #include <libStencilor/Template.h>
 
-// Short names for templates that are parsed once, and what every render promises.
+// Short names for templates that are parsed once, and checks that apply to every render.
 
 namespace support {
 
@@ -25,12 +25,12 @@ using kel::Stencilor::Template;
 using kel::Stencilor::TemplateSource;
 using kel::Stencilor::Value;
 
-/// What a range of a template holds.
+/// The text of a range of a template.
 inline std::string textIn(const kel::String& text, SyntaxRange range) {
     return std::string(text.view().substr(range.begin, range.end - range.begin));
 }
 
-/// A value with a list of that many elements without names.
+/// A value with a list of this many elements without names.
 inline Value listOfNulls(std::size_t count) {
     Value list = Value::list({});
     for (std::size_t element = 0; element < count; ++element) {
@@ -52,7 +52,7 @@ struct Pieces {
     }
 };
 
-/// Renders piece by piece, and expects of each piece what is promised.
+/// Renders in pieces, and checks the promises for each piece.
 inline Pieces renderPieces(const Template& made, const ContextBase& context,
                            const RenderOptions& options = {}) {
     Pieces written;
@@ -67,7 +67,7 @@ inline Pieces renderPieces(const Template& made, const ContextBase& context,
     return written;
 }
 
-/// Expects that the pieces of a text are the text.
+/// Expects that the pieces add up to the text.
 inline void expectSamePieces(const Template& made, const ContextBase& context,
                              const RenderOptions& options = {}) {
     const RenderResult whole = made.render(context, options);

@@ -16,7 +16,7 @@ using testing::SizeIs;
 
 constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
-/// A source that does what a function does, and notes what it was asked.
+/// A source that calls a function, and records the requests.
 class Scripted : public TemplateSource {
   public:
     using Script = std::function<Answer(const std::string&, std::optional<Template>&)>;

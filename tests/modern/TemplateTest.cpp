@@ -91,7 +91,7 @@ TEST(Template, IsAssignedWhateverItWas) {
     Template& same = taken;
     taken = same;
     EXPECT_EQ(taken.render({}).text, "third");
-    const Template destroyed = std::move(second); // and what is left of it is destroyed
+    const Template destroyed = std::move(second); // and the rest is destroyed
 }
 
 TEST(Template, ThrowsWhatTheContextOfAValueThrows) {

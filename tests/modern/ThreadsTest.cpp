@@ -10,7 +10,7 @@ using kel::Stencilor::renderFile;
 constexpr int threadCount = 6;
 constexpr int turns = 100;
 
-/// Runs `work` in several threads at once, and `meanwhile` in this one until all have ended.
+/// Runs `work` in several threads at once, and `meanwhile` in this one until all of them end.
 template <typename Work, typename Meanwhile>
 void runTogether(Work work, Meanwhile meanwhile) {
     std::atomic<int> running = threadCount;
@@ -31,7 +31,7 @@ void runTogether(Work work, Meanwhile meanwhile) {
     }
 }
 
-/// A version of a text: a digit, many times.
+/// A version of a text: one digit, repeated.
 std::string version(int number) {
     const auto size = static_cast<std::size_t>(100 + number % 3 * 5000);
     return std::string(size, static_cast<char>('0' + number % 10));
@@ -97,9 +97,9 @@ TEST(TemplateThreads, ShareFileTemplatesWhileFilesChange) {
             const RenderResult kept = renderFile("kept", {}, {.source = &source});
             good += isOneVersionTwice(result.text.str()) && kept.text == "kept" ? 1 : 0;
         },
-        [&](int time) { // replaced, removed, and there again
+        [&](int time) { // replaced, removed, and created again
             folder.writeFile("next", version(time));
-            std::error_code ignored; // Windows refuses while it is read
+            std::error_code ignored; // Windows refuses this while it is read
             std::filesystem::rename(folder.path("next"), folder.path("a"), ignored);
             if (time % 10 == 0) {
                 std::filesystem::remove(folder.path("a"), ignored);
@@ -108,7 +108,7 @@ TEST(TemplateThreads, ShareFileTemplatesWhileFilesChange) {
     EXPECT_EQ(good, threadCount * turns);
 }
 
-// What is read then may be any beginning, and is used for one render alone.
+// Any prefix may be read, but it is used for one render only.
 TEST(TemplateThreads, ReadFilesThatGrowAndShrink) {
     const TemporaryFolder folder;
     FileTemplates source(folder.path());

@@ -12,7 +12,7 @@
 namespace support {
 namespace {
 
-/// Closes the standard input for a while, so that the next file that is opened has its number.
+/// Closes the standard input temporarily, so that the next opened file gets its number.
 class ClosedInput {
   public:
     ClosedInput() : former_(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)) { ::close(STDIN_FILENO); }
@@ -25,7 +25,7 @@ class ClosedInput {
         }
     }
 
-    /// True where nothing has the number of the standard input.
+    /// True if the number of the standard input is unused.
     bool isFree() const { return ::fcntl(STDIN_FILENO, F_GETFD) < 0; }
 
   private:

@@ -56,7 +56,7 @@ std::size_t EndlessRead::given() const {
 
 } // namespace support
 
-// The libraries find this one first, since it stands in the program.
+// The libraries find this function first, because it is in the program.
 extern "C" __attribute__((visibility("default"))) ssize_t read(int file, void* to, size_t count) {
     using namespace support;
     if (endless) {

@@ -5,15 +5,15 @@
 
 namespace support {
 
-/// While it lives, reads of this thread give a few bytes at a time, and the read after the next
-/// `count` ones does not succeed; the ones behind it do again. It needs `FailingRead.cpp` in the
-/// program, which stands in front of the function `read` of the system.
+/// During its lifetime, reads of this thread return a few bytes at a time, and the read after the
+/// next `count` ones fails; later ones succeed again. Requires `FailingRead.cpp` in the program,
+/// which intercepts the system's function `read`.
 class FailingRead {
   public:
-    /// The most that one read gives.
+    /// The maximum that one read returns.
     static constexpr std::size_t step = 16;
 
-    /// What the read gives instead: an error with this number, or the end of the file for 0.
+    /// The outcome of the failing read: an error with this number, or the end of the file for 0.
     FailingRead(int count, int error);
     FailingRead(const FailingRead&) = delete;
     FailingRead& operator=(const FailingRead&) = delete;
@@ -22,16 +22,15 @@ class FailingRead {
     /// True once the read has failed.
     bool happened() const;
 
-    /// True if a program that was started during one of the reads would have had the file open,
-    /// too.
+    /// True if a program started during one of the reads would have inherited the open file.
     bool wasInheritable() const;
 };
 
-/// While it lives, reads of this thread give all that is asked for, as long as it is no more than
-/// the system gives at a time, and write none of it.
+/// During its lifetime, reads of this thread return as much as requested, up to the maximum of the
+/// system, without writing any of it.
 class EndlessRead {
   public:
-    /// The most that one read gives.
+    /// The maximum that one read returns.
     static constexpr std::size_t step = 0x7FFFF000;
 
     EndlessRead();
@@ -39,7 +38,7 @@ class EndlessRead {
     EndlessRead& operator=(const EndlessRead&) = delete;
     ~EndlessRead();
 
-    /// How many bytes the reads gave.
+    /// The number of bytes that the reads returned.
     std::size_t given() const;
 };
 

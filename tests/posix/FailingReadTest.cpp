@@ -11,7 +11,7 @@
 
 #include <cerrno>
 
-// What is leaked on the way is for the address sanitizer to say, but for open files.
+// The address sanitizer detects leaks, except for open files.
 
 namespace support {
 namespace {
@@ -33,7 +33,7 @@ std::ptrdiff_t openFiles() {
     return std::distance(begin(files), end(files));
 }
 
-/// Longer than several reads give.
+/// Longer than several reads return.
 const std::string content = "{{ name }}" + std::string(5 * FailingRead::step, 't');
 
 class FailingReadTest : public testing::Test {
@@ -42,7 +42,7 @@ class FailingReadTest : public testing::Test {
 
     ~FailingReadTest() override { EXPECT_EQ(openFiles(), openBefore_); }
 
-    /// Calls `action` with each read failing in turn, until none is left to fail.
+    /// Calls `action` with each read failing in turn.
     template <typename Action>
     void failEachRead(int error, Action action) {
         int count = 0;
@@ -142,7 +142,7 @@ TEST_F(FailingReadTest, IsThatOfAFileThatGrowsPastWhatIsAllowed) {
     }
 }
 
-/// Renders the file through each way to files: none named, and a folder.
+/// Renders the file through each kind of access: without a source, and through a folder.
 template <typename Check>
 void renderThroughEachSource(const RenderLimits& limits, Check check) {
     FileTemplates folder(".");

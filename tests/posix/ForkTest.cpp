@@ -13,7 +13,7 @@
 namespace kel {
 namespace {
 
-/// Threads that do the same again and again as long as it lives.
+/// Threads that repeat an action during its lifetime.
 class Busy {
   public:
     explicit Busy(const std::vector<std::function<void()>>& actions) {
@@ -46,7 +46,7 @@ bool logs(Logger& logger) {
     return logger.log(LoggerPriority::PRIORITY_FAILURE, message + "text");
 }
 
-/// What a process made by fork() does with the library; it is killed if it has to wait.
+/// Uses the library in a process made by fork(), which is killed if it blocks.
 bool works() {
     ::alarm(20);
     Logger* logger = nullptr;
@@ -79,7 +79,7 @@ TEST(Fork, LeavesTheLibraryUsableWhateverOtherThreadsDoMeanwhile) {
     FileSystem::clearRoot();
 }
 
-/// What a process made by fork() renders with a source of the parent.
+/// The output of a process made by fork() with a source of the parent.
 bool renders(Stencilor::TemplateSource& source) {
     ::alarm(20);
     Stencilor::RenderOptions options;
@@ -111,10 +111,10 @@ TEST(Fork, LeavesSourcesUsableWhateverOtherThreadsDoMeanwhile) {
     }
 }
 
-// A sink is called without any lock, so that it may use the library itself.
+// A sink is called without a lock, so it may use the library itself.
 TEST(Fork, MayBeCalledByASink) {
     LogFactory::setSink([](const LogRecord& record) {
-        LogFactory::setSink({}); // this one is kept until it returns
+        LogFactory::setSink({}); // this sink is kept until it returns
         const pid_t child = ::fork();
         if (child == 0) {
             ::alarm(20);

@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <string_view>
 
-// A library to be loaded before all others (LD_PRELOAD), which lets one call of one function of C
-// fail. Variables of the environment name it:
+// A library to be loaded before all others (LD_PRELOAD), which makes one call of a C function fail.
+// Environment variables select it:
 //
 //     SYSTEM_FAULT         the function
 //     SYSTEM_FAULT_CALL    which of its calls, from 1
@@ -22,7 +22,7 @@
 
 namespace {
 
-/// The number that a variable holds; 0 without one.
+/// The number in a variable, or 0.
 int numberOf(const char* variable) {
     const char* const text = std::getenv(variable);
     return text == nullptr ? 0 : std::atoi(text);
@@ -35,7 +35,7 @@ void leaveMark() {
     }
 }
 
-/// True where this call of `function` is to fail; errno then says how.
+/// True if this call of `function` must fail; errno is then set.
 bool isItsTurn(std::string_view function) {
     static int calls = 0;
     const char* const chosen = std::getenv("SYSTEM_FAULT");
@@ -60,8 +60,8 @@ Function* original(const char* name) {
 
 #define REPLACED extern "C" __attribute__((visibility("default")))
 
-// A function whose arguments are passed on as they are. Where a thread may be cancelled, the system
-// declares it without `noexcept`.
+// A function whose arguments are passed on unchanged. The system declares cancellation points
+// without `noexcept`.
 #define FAILING_POINT(result, failure, function, parameters, arguments)                            \
     REPLACED result function parameters {                                                          \
         static auto* const next = original<result parameters>(#function);                          \
@@ -88,7 +88,7 @@ FAILING(int, -1, stat, (const char* path, struct stat* status), (path, status))
 FAILING(int, -1, unlink, (const char* path), (path))
 FAILING_POINT(ssize_t, -1, write, (int file, const void* from, size_t size), (file, from, size))
 
-// Those that have a mode only where they make a file.
+// Functions with a mode that is only used if they create a file.
 
 REPLACED int open(const char* path, int flags, ...) {
     std::va_list rest;

@@ -175,7 +175,7 @@ TEST_F(CallTest, NamesATemplateOnTheStandardInput) {
         SCOPED_TRACE(command);
         expectOutcome(runStencilor(command + name, unsaved), status, output, errors);
     }
-    // What includes the file gets what is not saved.
+    // Templates that include the file see the unsaved text.
     const std::string text = R"({% if a %}{% include "loop.txt" %}{% endif %}new)";
     expectOutcome(runStencilor({"render", "-", "--stdin-name", "pages/page.txt", "-D",
                                 R"(a:={"$boolean":true,"a":{"$boolean":false}})"},
@@ -230,7 +230,8 @@ TEST_F(CallTest, PrintsItsHelp) {
         for (const std::string& part : parts) {
             EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
         }
-        EXPECT_EQ(outcome.output.find("--trace"), std::string::npos); // for the engine's makers
+        EXPECT_EQ(outcome.output.find("--trace"),
+                  std::string::npos); // for developers of the engine
     }
 }
 

@@ -9,8 +9,8 @@
 namespace program {
 namespace {
 
-/// Has the program check templates, all of them in one call, and expects an error of the syntax in
-/// those that the engine rejects and in no other.
+/// Checks templates with the program, in one call, and expects a syntax error exactly in those that
+/// the engine rejects.
 class CheckCorpusTest : public ProgramTest {
   protected:
     void add(const std::string& text) {

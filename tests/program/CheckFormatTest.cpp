@@ -57,7 +57,7 @@ TEST_F(CheckFormatTest, IsSarif) {
             "region": {"startLine": 1, "startColumn": 2, "endLine": 1, "endColumn": 12}}}]})");
     EXPECT_EQ(run["results"][1], expected);
 
-    // What a result refers to is there.
+    // The rules of all results exist.
     const Json& rules = run["tool"]["driver"]["rules"];
     for (const Json& result : run["results"]) {
         EXPECT_EQ(rules.at(result["ruleIndex"].get<std::size_t>())["id"], result["ruleId"]);

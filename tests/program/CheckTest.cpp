@@ -321,7 +321,7 @@ TEST_F(CheckTest, EndsWithRecursionOverAContext) {
     folder.writeFile("page.txt", R"({% for x in all %}{{ n }}{% include "page.txt" %}{% endfor %})"
                                  R"({% if more %}{% include "page.txt" %}{% endif %})");
     const Outcome outcome = runStencilor("check page.txt --context values.json");
-    EXPECT_EQ(outcome.status, 0); // names are found in the elements around, too
+    EXPECT_EQ(outcome.status, 0); // names are also found in outer elements
     EXPECT_NE(outcome.output.find("note: the file includes itself"), std::string::npos);
 }
 

@@ -24,8 +24,8 @@ namespace {
 // Made absolute before any test leaves the working directory.
 const std::filesystem::path stencilor = std::filesystem::absolute(STENCILOR_PROGRAM);
 
-/// The files that stand for the streams of a child. Files, since pipes would have to be read and
-/// written at the same time.
+/// The files that replace the streams of a child. Pipes would have to be read and written at the
+/// same time.
 class StreamFiles {
   public:
     explicit StreamFiles(const Streams& streams)
@@ -85,7 +85,7 @@ HANDLE openForChild(const std::string& path, DWORD access) {
                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-/// An argument as the C run-time takes it apart again: backslashes count only before quotes.
+/// Quotes an argument for the C run-time, in which backslashes are only special before quotes.
 std::wstring quoted(const std::wstring& argument) {
     std::wstring result = L"\"";
     std::size_t backslashes = 0;
@@ -160,7 +160,7 @@ class FileActions {
     posix_spawn_file_actions_t actions_;
 };
 
-/// A child that ends where nobody reads what it writes, though this program may ignore that.
+/// Makes a child end if nobody reads its output, even if this program ignores that signal.
 class Attributes {
   public:
     Attributes() {

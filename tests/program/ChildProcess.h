@@ -9,7 +9,7 @@
 
 namespace program {
 
-/// What a program left behind. `status` is its exit status; 128 and the signal's number where one
+/// The outcome of a program. `status` is its exit status, or 128 plus the number of the signal that
 /// ended it.
 struct Outcome {
     int status;
@@ -17,14 +17,14 @@ struct Outcome {
     std::string errors;
 };
 
-/// Where a child's streams come from and lead to, instead of to this process.
+/// The streams of a child, instead of those of this process.
 struct Streams {
     std::string input{};      ///< the bytes on the standard input
     std::string outputFile{}; ///< an existing file to write to; then `Outcome::output` is empty
 };
 
-/// The arguments of a call: a list of them, or a line that holds them between spaces. In a line,
-/// what is between '...' belongs to one argument.
+/// The arguments of a call: a list, or a line that is split at spaces. In a line, text in '...'
+/// belongs to one argument.
 struct Arguments : std::vector<std::string> {
     Arguments(std::initializer_list<std::string> list) : vector(list) {}
     Arguments(std::vector<std::string> list) : vector(std::move(list)) {}
@@ -33,7 +33,7 @@ struct Arguments : std::vector<std::string> {
 };
 
 /// Runs `stencilor` in the working directory and waits for its end.
-/// Errors: throws `std::system_error` where it cannot be started.
+/// Errors: throws `std::system_error` if it cannot be started.
 Outcome runStencilor(const Arguments& arguments, const Streams& streams = {});
 
 /// `stencilor`, running in the working directory until this object is destroyed.

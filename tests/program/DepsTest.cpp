@@ -74,7 +74,7 @@ TEST_F(DepsTest, WritesARuleThatMakeReads) {
     expectOutcome(runStencilor("deps 'p q$#/page.txt' --depfile 'o u$t' -o rules"), 0, "", "");
     folder.writeFile("Makefile", "include rules\no\\ u$$t:\n\t@touch '$@'\n");
     EXPECT_EQ(runShell("make -s 'o u$t' && make -q 'o u$t'").status, 0);
-    // The file is older than what it depends on, and is to be made again.
+    // The file is older than its dependencies, so it must be made again.
     EXPECT_EQ(runShell("touch -d '+1 hour' 'p q$#/row.txt' && make -q 'o u$t'").status, 1);
 }
 #endif

@@ -9,7 +9,7 @@ class OutputFileTest : public ProgramTest {
   protected:
     OutputFileTest() { folder.writeFile("page.txt", "new"); }
 
-    /// The names of everything in the working directory, in their order.
+    /// The sorted names of everything in the working directory.
     static std::vector<std::string> names(const fs::path& where = ".") {
         std::vector<std::string> result;
         for (const fs::directory_entry& entry : fs::directory_iterator(where)) {
@@ -214,7 +214,7 @@ TEST_F(OutputFileTest, IsRefusedWhereLinksGoInCircles) {
 
 TEST_F(OutputFileTest, MayBeTheStandardOutputByItsName) {
     expectOutcome(runStencilor("render page.txt -o /dev/stdout"), 0, "new", "");
-    // What was written before it stays, as for everything that writes there.
+    // Earlier output is kept, as with any program that writes there.
     expectOutcome(runShell("echo before; \"$0\" render page.txt -o /dev/stdout; echo; echo after"),
                   0, "before\nnew\nafter\n", "");
     expectOutcome(runShell("\"$0\" render page.txt -o /dev/stdout | cat"), 0, "new", "");

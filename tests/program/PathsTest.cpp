@@ -15,8 +15,7 @@ fs::path native(const std::string& path) {
     return fs::path(std::u8string(path.begin(), path.end()));
 }
 
-/// `模板/überblick.txt` includes the file of an ASCII name beside it, since a template can write no
-/// other.
+/// `模板/überblick.txt` includes a file in its folder, which must have an ASCII name.
 class PathsTest : public ProgramTest {
   protected:
     PathsTest() {
@@ -67,8 +66,8 @@ TEST_F(PathsTest, OfIncludedFilesAreInAsciiOrTheTemplateIsRejected) {
     EXPECT_TRUE(outcome.errors.starts_with(page + ":1:16: error: ")) << outcome.errors;
 }
 
-/// A folder whose path is longer than the 260 characters that Windows allows at first. What removes
-/// the folder of the test cannot remove this one there, so that it does so itself.
+/// A folder whose path exceeds the default limit of 260 characters on Windows. It removes itself,
+/// because the removal of the test's folder would fail there.
 class LongFolder {
   public:
     explicit LongFolder(const support::TemporaryFolder& folder)

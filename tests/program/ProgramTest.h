@@ -7,7 +7,7 @@
 
 namespace program {
 
-/// A test of the program in an empty working directory of its own.
+/// A test of the program in its own empty working directory.
 class ProgramTest : public ::testing::Test {
   protected:
     support::TemporaryFolder folder;
@@ -16,7 +16,7 @@ class ProgramTest : public ::testing::Test {
     support::WorkingFolder inside_{folder.path()};
 };
 
-/// What comes after the message about a wrong call.
+/// The text after the message about wrong usage.
 inline std::string helpHint(const std::string& command) {
     return "\nRun 'stencilor " + command + (command.empty() ? "" : " ") + "--help' for usage.\n";
 }

@@ -130,7 +130,7 @@ TEST_F(RenderTest, EndsAtALimit) {
     const struct {
         const char* name;
         std::string arguments;
-        std::string message; // empty where there is no limit
+        std::string message; // empty if there is no limit
     } cases[] = {
         {"a template that includes itself", "endless.txt",
          "endless.txt:1:13: error: includes are nested deeper than 100 (--max-depth)\n"},

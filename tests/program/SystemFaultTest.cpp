@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// One call of the program that the system refuses, or that a signal interrupts.
+/// One system call of the program that fails, or that a signal interrupts.
 struct Fault {
     std::string function;
     int call = 1;
@@ -30,7 +30,7 @@ class SystemFaultTest : public ProgramTest {
         folder.writeFile("out.txt", "before");
     }
 
-    /// Runs `stencilor` with a fault; nothing where the fault did not come.
+    /// Runs `stencilor` with a fault. Returns nothing if the fault did not occur.
     static std::optional<Outcome> run(const Fault& fault, const std::string& arguments) {
         fs::remove("mark");
         const Outcome outcome = runShell("exec env SYSTEM_FAULT=" + fault.function +
@@ -44,7 +44,7 @@ class SystemFaultTest : public ProgramTest {
         return fs::remove("mark") ? std::optional(outcome) : std::nullopt;
     }
 
-    /// True if there is nothing in the working directory but what the test made.
+    /// True if the working directory only contains the files of the test.
     static bool nothingIsLeft() {
         return std::all_of(fs::directory_iterator("."), fs::directory_iterator(),
                            [](const fs::directory_entry& entry) {
@@ -107,7 +107,7 @@ TEST_F(SystemFaultTest, IsReportedWhereTheStandardOutputIsNotWritten) {
     }
 }
 
-// Which call makes the temporary file depends on what else the standard library opens.
+// The call that creates the temporary file depends on what else the standard library opens.
 TEST_F(SystemFaultTest, IsNoneWhereAnotherProcessTakesTheNameOfATemporaryFile) {
     int made = 0;
     for (int call = 1;
@@ -172,7 +172,7 @@ TEST_F(SystemFaultTest, FindsATemporaryFileThatNobodyElseCanOpen) {
     EXPECT_EQ(left->status().permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-/// What another user leaves to this one.
+/// A file of another user.
 class SharedFileTest : public SystemFaultTest {
   protected:
     static constexpr gid_t ownGroup = 64001;

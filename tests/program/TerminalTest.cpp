@@ -5,18 +5,18 @@ namespace {
 
 using TerminalTest = ProgramTest;
 
-/// What a terminal obeys, or what changes where other text is seen, as UTF-8.
+/// Characters that control a terminal, or change the position of other text, as UTF-8.
 const std::string_view obeyed[] = {
     "\x01",   "\x07",   "\b",     "\x1B",   "\x7F",   "\u0080", "\u009B", "\u009F",     "\u061C",
     "\u200B", "\u200E", "\u200F", "\u2028", "\u2029", "\u202A", "\u202E", "\u2060",     "\u2066",
     "\u2069", "\uFEFF", "\uFFF9", "\x9B",   "\xFF",   "\xE2",   "\r",     "\U000E0001",
 };
 
-/// None of them reaches a terminal, but for the line breaks of the program itself.
+/// None of them reaches a terminal, except for the program's own line breaks.
 void expectNothingObeyed(const std::string& text) {
     for (const std::string_view character : obeyed) {
         if (character.size() == 1 && static_cast<unsigned char>(character[0]) > 0x7F) {
-            continue; // a part of other characters, too
+            continue; // also a part of other characters
         }
         EXPECT_EQ(text.find(character), std::string::npos) << text;
     }

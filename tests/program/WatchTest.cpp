@@ -5,8 +5,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// True if the output has the content soon, and the last message says what happened. While the
-/// output is read, Windows does not let it be replaced, so it is not looked at often.
+/// True if the output soon has the content, and the last message says what happened. Windows does
+/// not replace the output while it is read, so it is not read often.
 bool becomes(const std::string& content, const RunningStencilor& watching,
              const std::string& message = "rendered") {
     const std::string last = "stencilor: " + message + "; waiting for a change\n";

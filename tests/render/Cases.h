@@ -6,7 +6,7 @@
 
 namespace support {
 
-/// A template, and what it renders to without messages.
+/// A template, and its output without messages.
 struct Case {
     const char* name;
     std::string input;

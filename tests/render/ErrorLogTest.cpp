@@ -17,7 +17,7 @@ TEST(ErrorLog, HoldsAllMessagesOfACallInOneRecord) {
                                  "Could not find expected replacement named \"a\"\n"
                                  "Could not find expected boolean named \"b\n";
     render("{{ a }}{% if b %}{% endif %}", Root());
-    buildOutput("{{ a }}{% if b %}{% endif %}", Root()); // nobody asks for the messages
+    buildOutput("{{ a }}{% if b %}{% endif %}", Root()); // the messages are not requested
     EXPECT_THAT(recorder.lines(), ElementsAre(expected, expected));
 }
 

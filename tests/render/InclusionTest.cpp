@@ -5,7 +5,7 @@
 namespace support {
 namespace {
 
-/// Renders inside a folder of its own, which is the working directory.
+/// Renders in its own folder, which is the working directory.
 class InclusionTest : public testing::Test {
   protected:
     TemporaryFolder folder_;
@@ -148,8 +148,8 @@ TEST_F(InclusionTest, MayNestHundredsDeep) {
               (Rendered{std::string(depth, '<') + "x" + std::string(depth, '>'), ""}));
 }
 
-// Two halves of a character, one in the file and one behind the statement, are two malformed parts:
-// the nodes at top level are decoded one by one. Inside a block they are one node's text.
+// Two halves of a character, one in the file and one after the tag, are two malformed parts,
+// because top-level nodes are decoded separately. Inside a block, they are in the text of one node.
 TEST_F(InclusionTest, IsDecodedApartFromItsNeighboursAtTopLevel) {
     folder_.writeFile("half.txt", "\xC3");
     const Root root({{"yes", truth(true)}, {"half", text("\xC3")}});

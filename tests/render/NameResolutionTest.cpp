@@ -155,7 +155,7 @@ TEST(NameResolution, HoldsForConditionsAndListsToo) {
               (Rendered{"yesx;no;", ""}));
 }
 
-// Many scopes and prefixes at once, the same ones and different ones, inside out.
+// Many scopes and prefixes at once, both equal and different, from the inside out.
 TEST(NameResolution, FindsTheRightScopeAmongHundreds) {
     Root root;
     std::string opening;

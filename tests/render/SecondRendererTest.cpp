@@ -16,7 +16,7 @@ using kel::Stencilor::ContextBase;
 using kel::Stencilor::RenderResult;
 using kel::Stencilor::Template;
 
-/// Our own base library, with files below a root.
+/// Our own base library, with files in a root.
 class OwnHost : public ComparedHost {
   public:
     OwnHost() {
@@ -36,14 +36,14 @@ class OwnHost : public ComparedHost {
     void setFiles(const Files& files) override {
         for (const auto& [path, bytes] : files) {
             if (bytes) {
-                // Some file systems wait for the disk where a file is written over.
+                // Some file systems wait for the disk when a file is overwritten.
                 std::filesystem::remove(folder_.path(path));
                 folder_.writeFile(path, *bytes);
             }
         }
     }
 
-    /// The effective priority follows from the others here.
+    /// Here, the effective priority follows from the others.
     void setPriorities(std::int32_t global, std::int32_t threshold, std::int32_t) override {
         kel::LogFactory::setPriority(static_cast<LOGGER_PRIORITY>(global));
         logger_.threshold = threshold;

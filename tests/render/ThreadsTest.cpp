@@ -20,12 +20,12 @@ const std::array<std::string, 5> templates = {
     "{% if a %}rejected",
 };
 
-/// Which template a thread renders in a turn: in each turn some render the same, others not.
+/// The template that a thread renders in a round. In each round, some threads render the same one.
 std::size_t templateOf(int thread, int turn) {
     return static_cast<std::size_t>(thread / 2 + turn) % templates.size();
 }
 
-/// Lets all threads render at once. Nothing is rendered before they begin.
+/// Makes all threads render at once. Nothing is rendered before they begin.
 std::vector<std::vector<Rendered>> renderInThreads(const ContextBase& root) {
     std::vector<std::vector<Rendered>> results(threadCount);
     std::atomic<int> ready = 0;
@@ -47,7 +47,7 @@ std::vector<std::vector<Rendered>> renderInThreads(const ContextBase& root) {
     return results;
 }
 
-// In a program of its own: the logger must not be there yet when the threads begin.
+// In a separate program, because the logger must not exist when the threads begin.
 TEST(Threads, RenderOneContextAtOnceAsOneThreadDoesWhileTheLoggerIsMade) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());

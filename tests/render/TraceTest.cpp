@@ -11,8 +11,8 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 
-/// The scopes of a rendering, each with those inside it in brackets. Each must be left as it was
-/// entered, and recorded with its depth.
+/// The scopes of a rendering, with nested ones in brackets. Each must be left as it was entered,
+/// and recorded with its depth.
 std::string tracesOf(const std::string& input, const ContextBase& root) {
     LogRecorder recorder(PRIORITY_TRACE);
     kel::Stencilor::buildOutput(input, root);
@@ -129,7 +129,7 @@ TEST(Traces, ChangeNothingOfWhatIsRendered) {
 TEST(Traces, MayMakeAHostAddToTheListThatIsRendered) {
     ContextIterable* const elements = list({dictionary(), dictionary()});
     const Root root({{"xs", elements}});
-    const LogRecorder recorder(PRIORITY_TRACE); // for what it puts back at its end
+    const LogRecorder recorder(PRIORITY_TRACE); // restores the settings at its end
     bool added = false;
     kel::LogFactory::setSink([&](const kel::LogRecord& record) {
         if (!added && record.text == "content_visit::string") {

@@ -18,7 +18,7 @@ namespace support {
 #define TESTS_THREAD_SANITIZER
 #endif
 
-/// True where a sanitizer multiplies the memory that is needed.
+/// True if a sanitizer multiplies the required memory.
 #if defined(TESTS_ADDRESS_SANITIZER) || defined(TESTS_THREAD_SANITIZER)
 inline constexpr bool sanitized = true;
 #else
@@ -31,8 +31,8 @@ inline constexpr bool threadSanitized = true;
 inline constexpr bool threadSanitized = false;
 #endif
 
-/// True where the libraries take several times as long as those that are shipped. How the tests
-/// themselves are compiled says nothing about that.
+/// True if the libraries are several times slower than those that are shipped, which is independent
+/// of how the tests themselves are compiled.
 #if defined(TESTS_SLOW_BUILD)
 inline constexpr bool slow = true;
 #else

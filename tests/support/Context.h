@@ -40,7 +40,7 @@ inline ContextIterable* list(const Elements& elements = {}) {
     return ContextFactory::buildIterable(elements);
 }
 
-/// A list of that many values without names.
+/// A list of this many values without names.
 inline ContextIterable* listOf(std::size_t count) {
     return list(Elements(count, nullptr));
 }
@@ -58,7 +58,7 @@ class Root : public ContextDictionary {
     Root& operator=(const Root&) = delete;
 };
 
-/// What one rendering gives.
+/// The result of one rendering.
 struct Rendered {
     std::string output;
     std::string errors;
@@ -76,16 +76,16 @@ inline Rendered render(const kel::String& input, const ContextBase& context) {
     return {std::move(output), errors.str()};
 }
 
-/// The text of a value, which the interface shows by rendering alone.
+/// The text of a value, which is only accessible by rendering.
 inline std::string textOf(ContextString& value) {
     ContextBase root;
     root.insert("value", &value);
     std::string text = render("{{ value }}", root).output;
-    root["value"] = nullptr; // it is not the root's
+    root["value"] = nullptr; // the root must not delete it
     return text;
 }
 
-/// Whether a value is true, as conditional blocks see it.
+/// True if a conditional block considers the value true.
 inline bool truthOf(ContextBoolean& value) {
     ContextBase root;
     root.insert("value", &value);

@@ -8,8 +8,8 @@
 
 namespace support {
 
-/// The number in the environment variable `name`; `otherwise` where it is not set. Anything but a
-/// number throws, which fails the test.
+/// The number in the environment variable `name`, or `otherwise` if it is not set. Throws if it is
+/// not a number, which fails the test.
 inline std::uint64_t numberFromEnvironment(const char* name, std::uint64_t otherwise) {
     const char* const value = std::getenv(name);
     if (value == nullptr) {
@@ -22,7 +22,7 @@ inline std::uint64_t numberFromEnvironment(const char* name, std::uint64_t other
     return std::stoull(digits);
 }
 
-/// True where the environment asks for what takes gigabytes or many seconds, too.
+/// True if the environment requests tests that take gigabytes or many seconds.
 inline bool thorough() {
     return numberFromEnvironment("STENCILOR_THOROUGH", 0) != 0;
 }

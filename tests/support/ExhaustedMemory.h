@@ -5,12 +5,12 @@
 #include "FailingAllocation.h"
 #include "Test.h"
 
-// What is leaked or deleted twice on the way is for the address sanitizer to say.
+// The address sanitizer detects leaks and double deletions.
 
 namespace support {
 
-/// Calls `action` with each of its allocations failing in turn, each time on a fresh `make()`, and
-/// `check` on what is left where one failed.
+/// Calls `action` with each of its allocations failing in turn, each time on a new `make()`, and
+/// then `check` on the result.
 template <typename Make, typename Action, typename Check>
 void failEachAllocation(Make make, Action action, Check check) {
     bool failed = true;

@@ -17,14 +17,14 @@ namespace support {
 
 namespace {
 
-constexpr int never = -1; // what counting down ends with
+constexpr int never = -1; // the end of the countdown
 
 thread_local int remaining = never;
 thread_local bool failed = false;
 thread_local std::ptrdiff_t inUse = 0; // bytes
 thread_local std::ptrdiff_t mostInUse = 0;
 
-/// True for the allocation that is to fail.
+/// True for the allocation that must fail.
 [[maybe_unused]] bool isItsTurn() {
     if (remaining == never || remaining-- > 0) {
         return false;
@@ -70,7 +70,7 @@ std::size_t AllocatedMemory::most() const {
 
 } // namespace support
 
-// The thread sanitizer has its own ones, which cannot be replaced.
+// Those of the thread sanitizer cannot be replaced.
 #ifndef TESTS_THREAD_SANITIZER
 
 void* operator new(std::size_t size) {
@@ -95,14 +95,14 @@ void operator delete(void* block, std::size_t) noexcept {
 
 #endif
 
-// The libraries find these first, since they stand in the program.
+// The libraries find these first, because they are in the program.
 #ifdef TESTS_REPLACE_FUNCTIONS_OF_C
 
 namespace support {
 
 namespace {
 
-/// The same for a function of C, which says so by `errno`.
+/// The same for a C function, which reports it by `errno`.
 bool isItsTurnInC() {
     if (isItsTurn()) {
         errno = ENOMEM;
@@ -117,7 +117,7 @@ bool isItsTurnInC() {
     return block;
 }
 
-/// The function of the system, or of the sanitizer, that the one here stands in front of.
+/// The function of the system, or of the sanitizer, that this one intercepts.
 template <typename Function>
 Function* behind(Function*, const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
@@ -126,8 +126,9 @@ Function* behind(Function*, const char* name) {
 } // namespace
 } // namespace support
 
-// Where `realloc` is to make a block, the compiler may call `malloc` at once. The address sanitizer
-// needs the ones of its own from the first moment of the program, and is built with less of that.
+// If `realloc` allocates a new block, the compiler may call `malloc` directly. The address
+// sanitizer needs its own functions from the start of the program, so builds with it intercept
+// less.
 #ifndef TESTS_ADDRESS_SANITIZER
 
 extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {

@@ -5,9 +5,9 @@
 
 namespace support {
 
-/// While it lives, the allocation after the next `count` ones of this thread fails; the ones behind
-/// it succeed again. It needs `FailingAllocation.cpp` in the program, which replaces the global
-/// operator new, and but for Windows `malloc`, `realloc` and `realpath`.
+/// During its lifetime, the allocation after the next `count` ones of this thread fails; later ones
+/// succeed again. Requires `FailingAllocation.cpp` in the program, which replaces the global
+/// operator new and, except on Windows, `malloc`, `realloc` and `realpath`.
 class FailingAllocation {
   public:
     explicit FailingAllocation(int count);
@@ -19,13 +19,13 @@ class FailingAllocation {
     bool happened() const;
 };
 
-/// Counts what this thread allocates from the moment it is made. It needs `FailingAllocation.cpp`,
-/// too.
+/// Counts the allocations of this thread during its lifetime. Also requires
+/// `FailingAllocation.cpp`.
 class AllocatedMemory {
   public:
     AllocatedMemory();
 
-    /// The most bytes that were in use at a time. Zero on Windows and under a sanitizer.
+    /// The peak of bytes in use. Zero on Windows and with a sanitizer.
     std::size_t most() const;
 };
 

@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// A file that is open for this process alone, as only Windows can have it.
+/// A file that is open exclusively for this process, which is only possible on Windows.
 class LockedFile {
   public:
     explicit LockedFile(const std::filesystem::path& path)

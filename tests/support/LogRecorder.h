@@ -9,13 +9,13 @@
 
 namespace support {
 
-/// Receives all log records while it lives, one line for each:
+/// Receives all log records during its lifetime, as one line each:
 ///
 ///     > buildOutput:408          a scope entered, indented by its depth
 ///     < buildOutput:408          the scope left
 ///     2 libStencilor: 437 ...    a message, with its priority and its category
 ///
-/// At its end the priority is the one from before, and records go to the standard error stream.
+/// Its destructor restores the priority, and resets the sink to the standard error stream.
 class LogRecorder {
   public:
     explicit LogRecorder(kel::LoggerPriority::LOGGER_PRIORITY priority);
@@ -25,13 +25,13 @@ class LogRecorder {
 
     std::vector<std::string> lines() const;
 
-    /// The lines, and none are left.
+    /// Returns and removes the lines.
     std::vector<std::string> takeLines();
 
-    /// The messages alone, without priority and category.
+    /// Only the messages, without priority and category.
     std::vector<std::string> messages() const;
 
-    /// The source file that the last scope told.
+    /// The source file of the last scope.
     std::string lastFile() const;
 
   private:
@@ -44,10 +44,10 @@ class LogRecorder {
     std::string lastFile_;
 };
 
-/// The one logger of `category`.
+/// The logger of `category`.
 kel::Logger& loggerOf(const char* category);
 
-/// Sets a logger's own threshold for a while.
+/// Sets a logger's own threshold during its lifetime.
 class Threshold {
   public:
     Threshold(kel::Logger& logger, std::int32_t threshold)

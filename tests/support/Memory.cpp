@@ -62,7 +62,7 @@ void resetPeakMemory() {}
 
 namespace {
 
-/// A line of a file below /proc that reads `name` and a number of kilobytes.
+/// The number of kilobytes after `name` in a file in /proc.
 std::uint64_t kilobytesOf(const char* file, const std::string& wanted) {
     std::ifstream lines(file);
     std::string name;
@@ -76,8 +76,7 @@ std::uint64_t kilobytesOf(const char* file, const std::string& wanted) {
     return 0;
 }
 
-/// What is left of the memory that a container may have; the most there can be where it has no
-/// limit.
+/// The remaining memory of a container; the maximum number if there is no limit.
 std::uint64_t kilobytesOfContainer() {
     std::uint64_t limit = 0;
     std::uint64_t used = 0;
@@ -103,7 +102,8 @@ std::uint64_t peakMemory() {
 }
 
 void resetPeakMemory() {
-    // What was freed is given back, or else would count; threads of their own arenas keep theirs.
+    // Returns freed memory to the system, which would otherwise count. Other threads' arenas keep
+    // theirs.
     ::mallopt(M_ARENA_MAX, 1);
     ::malloc_trim(0);
     std::ofstream("/proc/self/clear_refs") << "5";

@@ -5,16 +5,16 @@
 
 namespace support {
 
-/// True where tests are to be thorough and this many gigabytes can be used without driving the
-/// machine out of memory. Under a sanitizer there is never enough: it needs several times as much.
+/// True for exhaustive tests, if this many gigabytes can be used without exhausting the machine's
+/// memory. Always false with a sanitizer, which needs several times as much.
 bool hasMemory(unsigned int gigabytes);
 
-/// How many bytes of memory this program has allocated and not freed. Zero under a sanitizer, which
-/// tells of what is not freed itself.
+/// The number of bytes that this program has allocated and not freed. Zero with a sanitizer, which
+/// reports leaks itself.
 std::uint64_t memoryInUse();
 
-/// The most memory that this program has occupied since `resetPeakMemory`, in bytes. Zero where the
-/// system tells no such thing.
+/// The peak memory of this program since `resetPeakMemory`, in bytes. Zero if the system does not
+/// report it.
 std::uint64_t peakMemory();
 void resetPeakMemory();
 

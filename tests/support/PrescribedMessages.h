@@ -9,7 +9,7 @@
 
 namespace support {
 
-/// What `buildOutput` says where a render gives a message of a kind.
+/// The text of `buildOutput` for each kind of message of a render.
 struct PrescribedMessage {
     kel::Stencilor::RenderMessage::Kind kind;
     std::string_view before;
@@ -40,7 +40,7 @@ inline constexpr std::array prescribedMessages = [] {
     };
 }();
 
-/// The messages of a render as `buildOutput` gives them: without those from inside includes.
+/// The messages of a render as returned by `buildOutput`, without those from inside includes.
 inline std::string prescribedText(const kel::Stencilor::RenderResult& result) {
     std::string text;
     for (const kel::Stencilor::RenderMessage& message : result.messages) {

@@ -6,8 +6,8 @@
 
 namespace support {
 
-/// Runs `work` in a thread whose stack has `stackSize` bytes, and waits for its end. What takes
-/// more stack ends the program. `work` may not throw.
+/// Runs `work` in a thread with a stack of `stackSize` bytes, and waits for its end. Stack overflow
+/// ends the program. `work` must not throw.
 void runWithStack(std::size_t stackSize, const std::function<void()>& work);
 
 } // namespace support

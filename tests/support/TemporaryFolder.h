@@ -8,8 +8,8 @@
 
 namespace support {
 
-/// A folder of its own for one test, removed with everything in it at the end.
-/// Errors: what cannot be made throws `std::runtime_error`, which fails the test.
+/// A folder for one test, which is removed with its contents at the end.
+/// Errors: failures throw `std::runtime_error`, which fails the test.
 class TemporaryFolder {
   public:
     TemporaryFolder();
@@ -17,26 +17,26 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
 
-    /// The full path of `name` inside the folder, in UTF-8 and with `/` between its parts.
+    /// The full path of `name` in the folder, in UTF-8 and with `/` as the separator.
     std::string path(std::string_view name = {}) const;
 
     void writeFile(std::string_view name, std::string_view bytes) const;
     void makeFolder(std::string_view name) const;
 
-    /// A file that is `size` bytes long and takes no room, since nothing is written to it.
+    /// A sparse file of `size` bytes.
     void writeSparseFile(std::string_view name, std::uint64_t size) const;
 
-    /// A symbolic link that leads to `target`. False where the system cannot make one.
+    /// Creates a symbolic link to `target`. Returns false if the system does not support it.
     [[nodiscard]] bool makeLink(std::string_view name, std::string_view target) const;
 
-    /// A named pipe that nobody writes to. False where the system has none among its files.
+    /// Creates a named pipe without a writer. Returns false if the system does not support it.
     [[nodiscard]] bool makePipe(std::string_view name) const;
 
   private:
     std::filesystem::path folder_;
 };
 
-/// Makes a folder the working directory for a while.
+/// Makes a folder the working directory during its lifetime.
 class WorkingFolder {
   public:
     explicit WorkingFolder(const std::string& folder);
@@ -48,7 +48,7 @@ class WorkingFolder {
     std::filesystem::path former_;
 };
 
-/// The bytes of a file. Throws where it cannot be read.
+/// The bytes of a file. Throws if it cannot be read.
 std::string readFile(const std::string& path);
 
 } // namespace support

@@ -1,1 +1,1 @@
-// Nothing: what the tests share is compiled with the headers that are precompiled for them.
+// Empty. It exists to build the precompiled headers that the tests share.

@@ -9,7 +9,7 @@ namespace {
 using Queue = piecewise_queue<std::size_t, 16>;
 
 TEST(PiecewiseQueue, GivesEveryEntryInItsOrder) {
-    // 16 are held in the object, and 256 in each piece behind it.
+    // 16 are stored in the object, and 256 in each following piece.
     for (const std::size_t count : {0u, 1u, 15u, 16u, 17u, 271u, 272u, 273u, 528u, 529u, 5000u}) {
         SCOPED_TRACE(count);
         Queue queue;
@@ -37,7 +37,7 @@ TEST(PiecewiseQueue, LetsEntriesComeAndGoByTurns) {
     while (queue.size() > 0) {
         ASSERT_EQ(queue.take(), taken++);
     }
-    queue.push_back(7); // empty again, wherever in a piece that is
+    queue.push_back(7); // empty again, at any position in a piece
     EXPECT_EQ(queue.take(), 7u);
 }
 
@@ -65,7 +65,7 @@ TEST(PiecewiseQueue, GivesBackWhatWasTaken) {
     for (std::size_t number = 0; number < count / 2; ++number) {
         queue.take();
     }
-    if (filled > 0) { // a sanitizer does not tell
+    if (filled > 0) { // sanitizers do not report this
         EXPECT_LT(support::memoryInUse(), filled - count / 2 * sizeof(std::size_t) * 9 / 10);
     }
 }

@@ -141,7 +141,7 @@ TEST(Rejection, OfBlocksThatDoNotMatch) {
     });
 }
 
-// The list then holds what is complete before the fault; nobody looks at it.
+// The list then contains the complete nodes before the fault, which are not used.
 TEST(Rejection, LeavesTheCompleteNodesBeforeTheFault) {
     const struct {
         const char* name;

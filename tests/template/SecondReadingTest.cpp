@@ -6,8 +6,8 @@
 namespace support {
 namespace {
 
-/// Every sequence of `count` tokens after `begin`. What is reported to hosts takes longer to
-/// compare, and is compared for the first few tokens.
+/// Tests every sequence of `count` tokens after `begin`. The reports to hosts take longer to
+/// compare, so they are only compared for the first few tokens.
 void tryAllSequences(const std::string& begin, int count, int reported) {
     if (reported >= 0 || !readsTheSame(begin)) {
         expectTheSameReading(begin);
@@ -19,7 +19,8 @@ void tryAllSequences(const std::string& begin, int count, int reported) {
     }
 }
 
-// Each token more takes 22 times as long. Blocks have seven: those take a quarter of an hour.
+// Each additional token takes 22 times as long. Blocks have seven tokens, which takes a quarter of
+// an hour.
 TEST(EverySequence, OfAFewTokensIsReadTheSame) {
     const std::uint64_t count = numberFromEnvironment("STENCILOR_TOKENS", 4);
     tryAllSequences("", static_cast<int>(count), thorough() ? 4 : 3);
@@ -52,7 +53,7 @@ TEST(SecondReading, AgreesOnRandomSequencesOfStatements) {
             open += statement == "{%if a%}" ? 1 : 0;
             input += statement;
         }
-        // Half of them are given their closers, so that many are accepted.
+        // Half of them get closing tags, so that many are accepted.
         for (; random() % 2 == 0 && open > 0; --open) {
             input += "{% endif %}";
         }
@@ -60,7 +61,7 @@ TEST(SecondReading, AgreesOnRandomSequencesOfStatements) {
     }
 }
 
-// The environment chooses the cases as for renderings.
+// The environment selects the cases, as for renderings.
 TEST(SecondReading, AgreesOnRandomTemplates) {
     const std::uint64_t first = numberFromEnvironment("STENCILOR_SEED", 0);
     const std::uint64_t last = first + numberFromEnvironment("STENCILOR_CASES", 5000);
@@ -70,7 +71,7 @@ TEST(SecondReading, AgreesOnRandomTemplates) {
     }
 }
 
-/// Those that mean something, and some others; all of them where tests are thorough.
+/// The significant bytes and some others; all of them in exhaustive tests.
 std::string bytesToTry() {
     std::string bytes("{}% \t\r\n\"azAZ_09./\x01\x7F\x80\xFF\0", 22);
     if (thorough()) {
@@ -82,7 +83,7 @@ std::string bytesToTry() {
     return bytes;
 }
 
-// A template that is well formed, with one byte of it changed, left out or put in.
+// A well-formed template with one byte changed, removed or inserted.
 TEST(SecondReading, AgreesOnWellFormedTemplatesWithOneFault) {
     const std::string whole =
         "a {{ b.c }}\n{% if d %}e{% else %}{% for f in g/h %} {{f}} {% endfor "

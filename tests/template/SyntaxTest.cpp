@@ -7,7 +7,7 @@ namespace {
 
 using Expected = SyntaxExpectation;
 
-/// Writes down the parts as `kind[text|name|list]`.
+/// Formats the parts as `kind[text|name|list]`.
 class Notes : public SyntaxVisitor {
   public:
     explicit Notes(std::string text) : text_(std::move(text)) {}
@@ -69,7 +69,7 @@ TEST(Syntax, GivesThePartsInTheirOrder) {
 }
 
 TEST(Syntax, TellsWhatIsExpectedWhere) {
-    // In each text, `^` stands where the fault is.
+    // In each text, `^` marks the fault.
     const struct {
         const char* name;
         std::string input;

@@ -8,7 +8,7 @@
 
 namespace kel::Stencilor {
 
-/// What a template makes of a value, followed by the messages.
+/// The output of a template for a value, followed by the messages.
 inline std::string rendered(const Value& value, const std::string& text,
                             ContextOptions options = {}) {
     const auto [output, errors] = support::render(text, Context(value, options));

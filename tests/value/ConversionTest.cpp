@@ -10,7 +10,7 @@
 namespace kel::Stencilor {
 namespace {
 
-/// Converts to a text as types of other libraries do.
+/// Converts to a text like types of other libraries.
 struct Name {
     operator std::string_view() const { return "name"; }
 };
@@ -143,7 +143,7 @@ TEST(Conversion, NestsBraces) {
     EXPECT_EQ(value.find("list")->at(1), Value());
 }
 
-/// Moving each level into the one around it; copies would take as many as there are levels.
+/// Moves each level into the next one. Copying would take quadratic time.
 TEST(Conversion, CopiesNoBraces) {
     const Value inner{{"x", 1}};
     Value moved = inner;

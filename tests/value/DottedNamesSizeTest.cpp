@@ -5,7 +5,7 @@
 namespace kel::Stencilor::internal {
 namespace {
 
-constexpr std::uint64_t perEntry = 192; // a map's node and a value, about
+constexpr std::uint64_t perEntry = 192; // about a map node and a value
 
 bool isBuilt(const Value& value, std::uint64_t limit) {
     try {

@@ -116,8 +116,8 @@ TEST(DottedNames, ReachToTheDeepestLevel) {
     EXPECT_EQ(rendered(nested(Value::deepest, "x"), "{{ " + name + " }}"), "x");
 }
 
-/// Dictionaries and lists in turn, in which copies of each list for each dictionary around it would
-/// double with every level.
+/// Alternating dictionaries and lists. If each list were copied for each dictionary around it, the
+/// copies would double with every level.
 TEST(DottedNames, OfListsWithinListsTakeNoCopies) {
     Value value{{"n", "x"}};
     std::string text = "{{ n }}";
@@ -138,7 +138,7 @@ Value members(int count) {
 
 TEST(DottedNames, AreRefusedWhereTheyWouldTakeTooMuch) {
     constexpr std::size_t mebibyte = 1024 * 1024;
-    const std::string longText(60 * mebibyte, 'x'); // held in common, so that it is there once
+    const std::string longText(60 * mebibyte, 'x'); // shared, so that it exists once
     const struct {
         const char* name;
         Value value;

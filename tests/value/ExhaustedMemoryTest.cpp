@@ -10,7 +10,7 @@ using kel::Stencilor::Value;
 
 const std::string longText(100, 'x');
 
-/// A value with everything that takes memory.
+/// A value with everything that allocates memory.
 Value everything() {
     return {{longText, longText},
             {"raw", Value::raw(longText)},

@@ -24,14 +24,14 @@ struct Row {
 };
 STENCILOR_MEMBERS(Row, name, price, isNew, maker, tags, others, stock, importer, bits);
 
-/// Holds rows of its own type.
+/// Contains rows of its own type.
 struct Folder {
     std::string name;
     std::vector<Folder> folders;
 };
 STENCILOR_MEMBERS(Folder, name, folders);
 
-/// Says itself what it is as a value.
+/// Defines its own conversion.
 class Money {
   public:
     explicit Money(int cents) : cents_(cents) {}
@@ -44,7 +44,7 @@ kel::Stencilor::Value toValue(const Money& money) {
     return std::to_string(money.cents() / 100) + " EUR";
 }
 
-/// A range that is described, and so no list.
+/// A range with its own conversion, which does not become a list.
 struct Names : std::vector<std::string> {
     using std::vector<std::string>::vector;
 };

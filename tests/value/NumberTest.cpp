@@ -78,7 +78,7 @@ TEST(FloatingPoint, IsRefusedWhereItIsNotFinite) {
     }
 }
 
-/// Reads a number exactly. The C library does not on Windows, and not every C++ library can.
+/// Reads a number exactly, which the C library on Windows and some C++ libraries cannot do.
 template <typename Number>
 Number read(const std::string& text) {
 #ifdef _WIN32
@@ -92,7 +92,7 @@ Number read(const std::string& text) {
 #endif
 }
 
-/// The rule in other words: the fewest digits of `printf` that read back as the number.
+/// The rule in other words: the fewest digits from `printf` that read back as the number.
 std::string obviousText(double number) {
     char written[64];
     int precision = 0;
@@ -128,7 +128,7 @@ TEST(FloatingPoint, FollowsTheRuleForRandomNumbers) {
     for (int i = 0; i < count; ++i) {
         const std::uint64_t bits = random.below(std::numeric_limits<std::uint64_t>::max());
         const auto any = std::bit_cast<double>(bits);
-        // Of any size, and of the sizes that hosts have.
+        // Of any size, and of common sizes.
         for (const double number : {any, std::ldexp(static_cast<double>(bits >> 11), -60),
                                     static_cast<double>(random.below(1'000'000'000)) / 1000}) {
             if (std::isfinite(number) && number != 0) {
@@ -140,7 +140,7 @@ TEST(FloatingPoint, FollowsTheRuleForRandomNumbers) {
     }
 }
 
-// There the digits of `printf` are not always the fewest: the next number below is nearer.
+// There, the digits of `printf` are not always the fewest, because the next lower number is closer.
 TEST(FloatingPoint, ReadsBackAtPowersOfTwo) {
     for (int exponent = -1074; exponent < 1024; ++exponent) {
         const double number = std::ldexp(1.0, exponent);

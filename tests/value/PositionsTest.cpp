@@ -35,7 +35,7 @@ TEST(Positions, AreInEveryElement) {
 TEST(Positions, GiveWayToKeys) {
     const Value list = Value::list({{{"index", "i"}, {"first", false}, {"last", true}}, Value{}});
     EXPECT_EQ(rendered({{"l", list}}, all, positions), "il 2l ");
-    // A key of null hides nothing, and is no position either.
+    // A null entry hides nothing, and does not count as a position.
     EXPECT_EQ(rendered({{"index", "out"}, {"l", Value::list({{{"index", nullptr}}})}},
                        "{% for x in l %}{{ index }}{% endfor %}", positions),
               "out");

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// What must not compile. A case fails by failing to compile.
+// Conversions that must not compile. A failing case does not compile.
 
 namespace kel::Stencilor {
 namespace {
@@ -26,16 +26,16 @@ struct Plain {
 template <typename... Sources>
 constexpr bool areRefused = (!std::is_constructible_v<Value, Sources> && ...);
 
-// Pointers: a text by mistake, or a boolean that is always true.
+// Pointers would be texts by mistake, or booleans that are always true.
 static_assert(areRefused<int*, void*, const void*, bool*, Plain*, Value*, String*, std::string*,
                          void (*)(), int Plain::*, std::unique_ptr<int>, std::shared_ptr<Value>>);
-// Wide characters and their texts: as numbers or lists of them.
+// Wide characters and strings would be numbers or lists of numbers.
 static_assert(areRefused<wchar_t, char8_t, char16_t, char32_t>);
 static_assert(areRefused<const wchar_t*, const wchar_t (&)[2], std::wstring, std::wstring_view,
                          const char8_t*, const char8_t (&)[2], std::u8string, std::u16string,
                          std::u32string, std::vector<wchar_t>>);
 static_assert(areRefused<Unscoped, Scoped, std::byte, std::filesystem::path>);
-// Types that nothing describes, and what holds them.
+// Types without a conversion, and containers of them.
 static_assert(areRefused<Plain, std::vector<Plain>, std::optional<Plain>, std::vector<int*>,
                          std::map<std::string, Scoped>, std::map<int, int>,
                          std::map<std::wstring, int>, std::pair<int, int>, std::tuple<int>,
@@ -46,7 +46,7 @@ template <typename... Keys>
 constexpr bool areNoKeys = (!std::is_constructible_v<Value::Member, Keys, int> && ...);
 static_assert(areNoKeys<int, bool, char, std::nullptr_t, Value, std::wstring, Plain>);
 
-// Braces that are no pairs. As concepts, since only what depends on a type may fail to compile.
+// Braces without pairs. These are concepts, because only dependent expressions may fail to compile.
 template <typename V>
 concept holdsBareItems = requires {
     V{{"list", {1, 2}}};

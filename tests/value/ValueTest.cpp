@@ -131,7 +131,7 @@ TEST(Value, RefusesAChangeThatItsKindDoesNotHave) {
     EXPECT_THROW(Value::list().set("a", 1), std::logic_error);
 }
 
-/// A value of every kind, no two of them the same.
+/// A value of every kind, all different.
 std::vector<Value> differentValues() {
     return {nullptr,
             true,
@@ -247,7 +247,7 @@ TEST(ValueDepth, CountsWhatIsThere) {
     value.set("empty", nestedLists(Value::deepest - 1));
     EXPECT_THROW(Value::list({value}), std::length_error);
     value.set("empty", Value::list());
-    EXPECT_NO_THROW(Value::list({value})); // what was deep has been replaced
+    EXPECT_NO_THROW(Value::list({value})); // the deep value has been replaced
     value.set("a", nestedLists(Value::deepest - 1));
     value.set("b", nestedLists(Value::deepest - 1));
     value.set("a", 1);
@@ -257,7 +257,7 @@ TEST(ValueDepth, CountsWhatIsThere) {
 }
 
 TEST(ValueDepth, FitsASmallStack) {
-    // Without optimisation, and with a sanitizer, each call takes several times as much.
+    // Without optimization, or with a sanitizer, each call uses several times as much.
     support::runWithStack((support::slow ? 4096 : 256) * 1024, [] {
         const Value value{{"list", nestedLists(Value::deepest - 1)},
                           {"dictionary", nestedDictionaries(Value::deepest - 1)}};

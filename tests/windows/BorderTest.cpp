@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-// What crosses the border between this program and the two libraries: memory and exceptions.
+// What passes between this program and the two libraries: memory and exceptions.
 
 namespace support {
 namespace {
@@ -26,7 +26,7 @@ void expectSoundHeaps() {
     }
 }
 
-/// The number of blocks that are allocated in the whole process, whatever module did it.
+/// The number of allocated blocks in the whole process, by any module.
 std::size_t allocatedBlocks() {
     std::size_t blocks = 0;
     for (const HANDLE heap : heaps()) {
@@ -38,8 +38,8 @@ std::size_t allocatedBlocks() {
     return blocks;
 }
 
-// How often something is done that may leave nothing behind. Heaps keep some blocks for themselves,
-// so what is left behind is compared with this number.
+// The number of repetitions of an action that must not leak. Heaps keep some blocks for themselves,
+// so leaks are compared with this number.
 constexpr int turns = 1000;
 
 const std::string longText(200, 't');
@@ -65,7 +65,7 @@ ContextBase* madeThere() {
          {"truth of " + longText, truth(true, {{kel::String(longText), text("short")}})}});
 }
 
-/// Destroys the values in the library, which has to delete what it is given.
+/// Destroys the values in the library.
 void destroyThere(ContextBase* values) {
     delete ContextFactory::buildIterable({values});
 }
@@ -120,7 +120,7 @@ TEST(Border, TextsAndBuffersAreFreedByWhomeverHasThem) {
     expectSoundHeaps();
 }
 
-// So that the tests above are known to see what is left behind.
+// Shows that the tests above detect leaks.
 TEST(Border, WhatIsLeftBehindOnEitherSideCounts) {
     for (ContextBase* (*make)() : {madeHere, madeThere}) {
         const std::size_t before = allocatedBlocks();
@@ -153,7 +153,7 @@ TEST(Border, ClassesOfThisProgramAreKnownThereAndDestroyedByTheirOwnDestructor) 
 }
 
 /// Calls `action` with the allocations of a DLL failing from the first one on, then from the second
-/// one on, until none fails any more; `std::bad_alloc` must arrive here each time.
+/// one on, and so on until none fails. `std::bad_alloc` must arrive here each time.
 template <typename Action>
 void exhaustMemory(const wchar_t* dll, Action action) {
     bool failed = true;
@@ -179,14 +179,14 @@ TEST(Border, ExhaustedMemoryPassesFromTheEngineToThisProgram) {
         "{{ name }}{% if yes %}{{ name }}{{ name }}{{ missing }}{% endif %}" + longText;
     const Rendered expected = render(input, root);
     const auto exhaust = [&] {
-        // Where texts grow beyond a line or two it asks for memory itself; for strings the base
-        // library asks for it, elsewhere the C++ run-time.
+        // It allocates memory itself for texts longer than a line or two. The base library
+        // allocates for strings, and the C++ run-time elsewhere.
         for (const wchar_t* const dll : {L"libStencilor.dll", L"libKel.dll", L"libstdc++-6.dll"}) {
             exhaustMemory(dll, [&] { render(input, root); });
             EXPECT_EQ(render(input, root), expected);
         }
     };
-    exhaust(); // what heaps and the run-time keep for themselves is there from now on
+    exhaust(); // heaps and the run-time have now allocated what they keep
     const std::size_t before = allocatedBlocks();
     exhaust();
     EXPECT_LT(allocatedBlocks(), before + 5);

@@ -5,13 +5,13 @@
 
 #include <regex>
 
-// What a user reads in a console window: the program runs in a console that is not shown but
-// written to a pipe, as UTF-8.
+// What users see in a console window: the program runs in a console that is written to a pipe as
+// UTF-8.
 
 namespace program {
 namespace {
 
-// Known to newer headers only.
+// Only defined in newer headers.
 constexpr DWORD_PTR pseudoConsoleAttribute = 0x00020016;
 using PseudoConsole = void*;
 using CreatePseudoConsole = HRESULT WINAPI(COORD, HANDLE, HANDLE, DWORD, PseudoConsole*);
@@ -91,12 +91,12 @@ class Console {
                   0);
     }
 
-    /// What was shown since the beginning, without what moves the cursor and the like.
+    /// The text shown so far, without escape sequences.
     std::string close() {
         return std::regex_replace(closeRaw(), std::regex("\x1B\\[[0-9;?]*[A-Za-z]"), "");
     }
 
-    /// All that the console's window was sent.
+    /// Everything sent to the console window.
     std::string closeRaw() {
         if (reading_.joinable()) {
             findSystemFunction<ClosePseudoConsole>("ClosePseudoConsole")(console_);

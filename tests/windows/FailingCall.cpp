@@ -15,7 +15,7 @@ int remaining = 0;
 bool failed = false;
 int open = 0;
 
-/// True for the call that is not to succeed.
+/// True for the call that must fail.
 bool isItsTurn(std::string_view function) {
     if (failed || function != failing || remaining-- > 0) {
         return false;

@@ -9,16 +9,15 @@
 
 namespace support {
 
-/// While it lives, one call of the base library for a file does not succeed: of the calls of
-/// `function`, the one after the next `count` ones. The ones behind it do again. A read gives a few
-/// bytes at a time. One object at a time.
+/// During its lifetime, one call of the base library for a file fails: of the calls of `function`,
+/// the one after the next `count` ones. Later ones succeed again. A read returns a few bytes at a
+/// time. There can only be one object at a time.
 class FailingCall {
   public:
-    /// The most that one read gives.
+    /// The maximum that one read returns.
     static constexpr std::size_t step = 16;
 
-    /// In place of a function: the next `count` calls of `ReadFile` read, then the file is at its
-    /// end.
+    /// Instead of a function: the next `count` calls of `ReadFile` succeed, then the file ends.
     static constexpr std::string_view end = "the end of the file";
 
     FailingCall(std::string_view function, int count);
@@ -28,7 +27,7 @@ class FailingCall {
     /// True once the call has failed.
     bool happened() const;
 
-    /// How many files and folders were opened since and not closed yet.
+    /// The number of files and folders opened since then and not yet closed.
     int openHandles() const;
 
   private:

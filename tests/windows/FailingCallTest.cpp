@@ -7,7 +7,7 @@
 #include <libKel/FileSystem.h>
 #include <libKel/Folder.h>
 
-// Each call for a file fails, in its turn.
+// Makes each call for a file fail in turn.
 
 namespace support {
 namespace {
@@ -18,7 +18,7 @@ using kel::FileSystem;
 using kel::Folder;
 using Answer = Folder::Answer;
 
-/// What is asked for a path, in that order; the last one only below a root.
+/// The calls for a path, in order; the last one only with a root.
 constexpr std::string_view callsForAFile[] = {"GetFullPathNameW", "CreateFileW", "GetFileType",
                                               "GetFileInformationByHandle",
                                               "GetFinalPathNameByHandleW"};
@@ -26,7 +26,7 @@ constexpr std::string_view callForContent = "ReadFile";
 constexpr std::string_view callsForARoot[] = {
     "GetFullPathNameW", "CreateFileW", "GetFileInformationByHandle", "GetFinalPathNameByHandleW"};
 
-/// Longer than several reads give.
+/// Longer than several reads return.
 const std::string content = "{{ name }}" + std::string(5 * FailingCall::step, 't');
 const std::string contentRendered = "root" + std::string(5 * FailingCall::step, 't');
 
@@ -39,8 +39,7 @@ class FailingCallTest : public testing::Test {
     }
     ~FailingCallTest() override { FileSystem::clearRoot(); }
 
-    /// Calls `action` with each call of `function` failing in turn, until none is left to fail.
-    /// Returns how many failed.
+    /// Calls `action` with each call of `function` failing in turn. Returns the number of failures.
     template <typename Action>
     int failEach(std::string_view function, Action action) {
         int count = 0;
@@ -115,7 +114,7 @@ TEST_F(FailingCallTest, IsReportedByAFolder) {
         EXPECT_EQ(answer, failure.happened() ? Answer::Unreadable : Answer::Found);
         EXPECT_EQ(buffer.data == nullptr, failure.happened());
     });
-    // A second look finds the file that could not be opened.
+    // A second attempt finds the file that could not be opened.
     for (const std::string_view function : callsForAFile) {
         failEach(function, [&load](const FailingCall& failure) {
             Buffer<unsigned char> buffer;
@@ -147,7 +146,7 @@ TEST_F(FailingCallTest, IsReportedAsAFileThatIsMissingOrCannotBeLoaded) {
         int count = 0;
         failEach(function, [&root, &count](const FailingCall& failure) {
             const Rendered rendered = render("a{% include \"part\" %}b", root);
-            // The first call looks whether there is a file, the second opens it to be read.
+            // The first call checks whether the file exists, the second opens it for reading.
             const Rendered expected[] = {
                 {"ab", "Could not include file \"part\", file doesn't exist"},
                 {"ab", "Could not load file \"part\""},

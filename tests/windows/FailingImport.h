@@ -5,8 +5,8 @@
 
 namespace support {
 
-/// Lets `malloc` and `realloc` fail, as long as it lives, where a DLL that was loaded by this
-/// program calls them: after `allowed` calls that succeed, all others return null. One at a time.
+/// During its lifetime, makes `malloc` and `realloc` fail in a DLL of this program: after `allowed`
+/// successful calls, all others return null. There can only be one at a time.
 class FailingImport {
   public:
     FailingImport(const wchar_t* dll, int allowed);

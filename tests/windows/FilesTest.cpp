@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-// Files as only Windows has them. What is the same on every system is tested with the base library.
+// Files as on Windows only. Common behavior is tested with the base library.
 
 namespace support {
 namespace {
@@ -18,7 +18,7 @@ std::wstring native(const std::string& path) {
     return std::filesystem::path(std::u8string(path.begin(), path.end())).make_preferred().native();
 }
 
-/// The form in which Windows takes paths of any length, and leaves names as they are.
+/// The form of paths that allows any length, and in which Windows does not change names.
 std::wstring unlimited(const std::string& path) {
     return L"\\\\?\\" + native(path);
 }
@@ -55,7 +55,7 @@ TEST_F(WindowsFiles, AreTemplatesInAnyLanguage) {
                             static_cast<unsigned int>(buffer.size));
     EXPECT_EQ(render(input, Root()), (Rendered{"\u00DC[\u6A21]", ""}));
 
-    // Such a file is there, but a template can name it no more than on other systems.
+    // Such a file exists, but as on other systems, templates cannot name it.
     expectLoaded("na\u00EFve.txt", "text");
     EXPECT_EQ(render("{% include \"na\u00EFve.txt\" %}", Root()).errors,
               "Could not build formatted output: Failed to parse input correctly.");
@@ -109,11 +109,11 @@ TEST_F(WindowsFiles, AreFoundByBackslashesAndDrives) {
     const WorkingFolder working(folder_.path("below"));
     expectLoaded(".\\file.txt", "text");
     expectLoaded("..\\below\\file.txt", "text");
-    expectLoaded(path.substr(0, 2) + "file.txt", "text"); // where the working directory is
+    expectLoaded(path.substr(0, 2) + "file.txt", "text"); // in the working directory
     expectLoaded(path.substr(2), "text");
 }
 
-// Windows drops what is at the end of such names, and what is before `..`.
+// Windows removes the end of such names, and the part before `..`.
 TEST_F(WindowsFiles, AreFoundByTheNamesAsTheyAreWritten) {
     folder_.makeFolder("below");
     folder_.writeFile("f0", "text");
@@ -147,7 +147,7 @@ TEST_F(WindowsFiles, AreFoundByTheNamesAsTheyAreWritten) {
     EXPECT_FALSE(FileSystem::setRoot("nodir/.."));
 }
 
-// A name with a blank or a dot at its end can be made in the unlimited form of a path only.
+// A name that ends in a space or a dot can only be created with the unlimited form of a path.
 TEST_F(WindowsFiles, OfNamesThatOtherProgramsCannotNameAreNotFound) {
     for (const char* const name : {"file.", "file ", "CON", "NUL.txt"}) {
         const HANDLE file =
@@ -199,8 +199,8 @@ TEST_F(WindowsFiles, HaveNoRootThatIsADevice) {
     }
 }
 
-/// A folder whose path is longer than the 260 characters that Windows allows at first. It is made
-/// and removed by the form of paths that has no such limit.
+/// A folder whose path exceeds the default limit of 260 characters on Windows. It is created and
+/// removed with the unlimited form of paths.
 class LongFolder {
   public:
     explicit LongFolder(const TemporaryFolder& folder) : path_(folder.path()) {
@@ -230,7 +230,7 @@ class LongFolder {
         ::CloseHandle(handle);
     }
 
-    /// True where the system can tell the path of this folder once it is open.
+    /// True if the system can report the path of this folder once it is open.
     bool hasFinalPath() const {
         const HANDLE folder =
             ::CreateFileW(unlimited(path_).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <string>
 
-// Runs the program whose full path is the first argument, with the standard streams that lead to
-// the console. Its other arguments follow, as they are. Ends with the program's exit status, also
-// where Ctrl+C ends the program.
+// Runs the program whose full path is the first argument, with the console as its standard streams.
+// The other arguments are passed on. The exit status is that of the program, even if Ctrl+C ends
+// it.
 
 namespace {
 

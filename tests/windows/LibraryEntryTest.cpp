@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// This program is not linked to the libraries: it loads and frees them while it runs.
+// This program is not linked to the libraries, but loads and frees them while it runs.
 
 namespace {
 
@@ -41,8 +41,8 @@ class Module {
     HMODULE handle_;
 };
 
-/// Counts the calls of a module's entry point, and keeps them from it: its first instruction is
-/// replaced by a breakpoint. One at a time.
+/// Counts and intercepts the calls of a module's entry point, by replacing its first instruction
+/// with a breakpoint. There can only be one at a time.
 class EntryPointCalls {
   public:
     explicit EntryPointCalls(HMODULE module) {
@@ -143,7 +143,7 @@ TEST(LibraryEntry, IsNotCalledForThreads) {
     EXPECT_EQ(callsByAThread(module), 0);
 }
 
-// So that the test above is known to see such calls.
+// Shows that the test above detects such calls.
 TEST(LibraryEntry, OfAnotherLibraryIsCalledForThreads) {
     const Module module(L"rendering_module.dll");
     EXPECT_EQ(callsByAThread(module), 2);

@@ -1,6 +1,6 @@
 #include "../support/Context.h"
 
-// A module of a host that is loaded while the host runs, and the libraries with it.
+// A module that a host loads at run time, together with the libraries.
 
 extern "C" __declspec(dllexport) bool rendersAsExpected() {
     const support::Root root({

@@ -21,7 +21,8 @@ const IMAGE_IMPORT_DESCRIPTOR* firstImport(HMODULE module) {
         module, headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
 }
 
-/// Where a DLL keeps the address of a function of others, or null where it does not call it.
+/// The place where a DLL stores the address of an imported function, or null if it does not call
+/// it.
 void** importOf(HMODULE module, std::string_view function) {
     for (const auto* dll = firstImport(module); dll->Name != 0; ++dll) {
         const auto* name = at<IMAGE_THUNK_DATA>(module, dll->OriginalFirstThunk);

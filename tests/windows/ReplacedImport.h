@@ -3,10 +3,10 @@
 
 namespace support {
 
-/// Has a DLL that was loaded by this program call `replacement`, as long as it lives, where it
-/// calls the function `name` of another DLL. Its table of imported functions is changed for it, so
-/// all else in the DLL is as it is. Nothing happens where the DLL does not call the function. Those
-/// of one function of a DLL go in the reverse order of their coming.
+/// During its lifetime, makes a DLL of this program call `replacement` instead of the function
+/// `name` of another DLL, by changing its import table. Does nothing if the DLL does not call the
+/// function. Replacements of the same function must be destroyed in the reverse order of
+/// construction.
 class ReplacedImport {
   public:
     ReplacedImport(const wchar_t* dll, const char* name, void* replacement);
@@ -14,7 +14,7 @@ class ReplacedImport {
     ReplacedImport& operator=(const ReplacedImport&) = delete;
     ~ReplacedImport();
 
-    /// True where the DLL calls the function.
+    /// True if the DLL calls the function.
     bool isThere() const { return import_ != nullptr; }
 
   private:

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
-// The base library of another maker, as the tests imagine it: its characters have 32 bits, and its
-// narrow constructors take each byte for one character. It has what the engine may use and nothing
-// else, so that the engine does not compile where it uses more.
+// A fictional base library of another project: its characters have 32 bits, and its narrow
+// constructors interpret each byte as one character. It only has what the engine may use, so that
+// the engine does not compile if it uses more.
 
 namespace kel {
 

@@ -7,6 +7,6 @@ using namespace kel::Stencilor;
 int main() {
     ContextDictionary context;
     context.insert("name", ContextFactory::buildString("world"));
-    // Written so that it compiles with each base library, also one whose strings are no bytes.
+    // Compiles with any base library, even one whose strings do not consist of bytes.
     std::cout << buildOutput("Hello, {{ name }}!\n", context).getUTF8String().c_str();
 }

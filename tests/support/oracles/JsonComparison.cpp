@@ -18,7 +18,7 @@ using kel::Stencilor::internal::JsonGrammar;
 using kel::Stencilor::internal::JsonRange;
 using kel::Stencilor::internal::JsonReceiver;
 
-/// Values and names, one after the other. Sizes keep different ones from looking the same.
+/// A sequence of values and names. Their sizes make it unambiguous.
 class Events {
   public:
     void add(std::string_view kind, std::string_view text = "") {
@@ -31,7 +31,7 @@ class Events {
     std::string text_;
 };
 
-/// Notes what the reader reports, and the first range that does not hold it.
+/// Records what the reader reports, and the first wrong range.
 class Reader final : public JsonReceiver {
   public:
     explicit Reader(std::string_view text) : text_(text) {}
@@ -91,7 +91,7 @@ class Reader final : public JsonReceiver {
     std::vector<std::size_t> open_;
 };
 
-/// Notes what nlohmann-json reports, up to what the reader alone refuses.
+/// Records what nlohmann-json reports, up to what only the reader rejects.
 class Peer final : public nlohmann::json_sax<Json> {
   public:
     bool null() override { return add("null"); }
@@ -116,8 +116,8 @@ class Peer final : public nlohmann::json_sax<Json> {
     }
 
     Events events;
-    bool refused = false;          // by the reader alone
-    bool isNumberTooLarge = false; // for this one alone
+    bool refused = false;          // only by the reader
+    bool isNumberTooLarge = false; // only for this parser
 
   private:
     bool add(std::string_view kind, std::string_view text = "") {
@@ -163,10 +163,9 @@ JsonComparison compareJsonReaders(std::string_view text) {
         return {accepted, reader.misplaced};
     }
     if (accepted != acceptedByBoth && !peer.isNumberTooLarge) {
-        return {accepted,
-                accepted ? "accepted by the reader alone" : "refused by the reader alone"};
+        return {accepted, accepted ? "accepted only by the reader" : "refused only by the reader"};
     }
-    // Where one of them stops, either may have noticed first.
+    // If one of them stops, either may have found the error first.
     const bool agree = acceptedByBoth
                            ? events == peersEvents
                            : events.starts_with(peersEvents) || peersEvents.starts_with(events);

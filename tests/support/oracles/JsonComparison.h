@@ -6,16 +6,15 @@
 
 namespace support {
 
-/// What the JSON reader and the parser of nlohmann-json make of the same text.
+/// The results of the JSON reader and of nlohmann-json for the same text.
 struct JsonComparison {
     bool accepted;          ///< by the reader
-    std::string difference; ///< empty where they agree
+    std::string difference; ///< empty if they agree
 };
 
-/// Compares what is accepted, all values and names in their order, and that each range that the
-/// reader reports holds what it reports. The reader alone refuses texts nested more than 512
-/// levels, names that occur twice in an object, and NUL bytes after the end; nlohmann-json alone
-/// refuses numbers that a `double` cannot hold.
+/// Compares acceptance, all values and names in order, and the ranges that the reader reports. Only
+/// the reader rejects texts with more than 512 levels, duplicate names in an object, and NUL bytes
+/// after the end; only nlohmann-json rejects numbers that exceed a `double`.
 JsonComparison compareJsonReaders(std::string_view text);
 
 } // namespace support

@@ -29,7 +29,7 @@ constexpr Row rows[] = {
     {4, {{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}}},
 };
 
-/// How many bytes at the start of `text` go along with `row`.
+/// The number of bytes at the start of `text` that match `row`.
 std::size_t matchedBy(const Row& row, std::string_view text) {
     std::size_t matched = 0;
     while (matched < row.length && matched < text.size() &&
@@ -45,7 +45,7 @@ std::size_t matchedBy(const Row& row, std::string_view text) {
 std::string obviouslyRepairedUtf8(std::string_view text) {
     std::string repaired;
     while (!text.empty()) {
-        std::size_t matched = 1; // a byte that begins nothing stands alone
+        std::size_t matched = 1; // an invalid lead byte counts alone
         bool whole = false;
         for (const Row& row : rows) {
             const std::size_t length = matchedBy(row, text);

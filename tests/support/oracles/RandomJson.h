@@ -7,10 +7,10 @@
 
 namespace support {
 
-/// A text that JSON allows, but that a name may occur twice in an object.
+/// A valid JSON text, except that names may be duplicate in an object.
 std::string randomJson(Random& random);
 
-/// `text` with something put in, left out, replaced or repeated, or cut off.
+/// `text` with a part inserted, removed, replaced or repeated, or truncated.
 std::string mutatedJson(Random& random, std::string text);
 
 } // namespace support

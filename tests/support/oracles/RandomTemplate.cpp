@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// Variables that begin each other, and one that ends in a dot.
+// Variables that are prefixes of each other, and one that ends in a dot.
 const char* const variables[] = {"a", "a", "b", "a.b", "a.", "a.a", "a.b.a"};
 
 const char* const prefixes[] = {"", "", "", "", "a.", "a.", "b.", "a.b.", "a..", "a.a.", "a.b.a."};
@@ -17,7 +17,7 @@ const char* stem(Meaning meaning) {
     return meaning == Meaning::text ? "s" : meaning == Meaning::truth ? "c" : "l";
 }
 
-/// The name of a value of that kind; seldom of another one, or one that is a prefix alone.
+/// The name of a value of this kind; rarely of another kind, or only a prefix.
 std::string stemFor(Random& random, Meaning meaning) {
     switch (random.below(16)) {
     case 0:
@@ -88,7 +88,7 @@ class Writer {
     }
 
     void writeLoop(int depth) {
-        // Behind the variable a blank is needed, or it would take the keyword.
+        // A space is needed after the variable, which would otherwise include the keyword.
         writeTag("{%",
                  {"for", random_.oneOf(variables) + " "s, "in", randomName(random_, Meaning::list)},
                  "%}");
@@ -151,7 +151,7 @@ std::string randomName(Random& random, Meaning meaning) {
 }
 
 std::string randomKey(Random& random, Meaning meaning) {
-    // What is left of a name without a prefix may begin with a dot, or be nothing at all.
+    // The rest of a name after a prefix may begin with a dot, or be empty.
     const char* const prefix = random.oneIn(2)    ? random.oneOf(prefixes)
                                : random.oneIn(16) ? "."
                                                   : "";

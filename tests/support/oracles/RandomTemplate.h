@@ -8,24 +8,24 @@
 
 namespace support {
 
-/// What a name is meant to stand for.
+/// The intended kind of a name's value.
 enum class Meaning { text, truth, list };
 
-/// A name that stands in a tag: one of a few, which are the same with and without the loop
-/// variables in front of them. Mostly one that a random context has for values of that kind.
+/// A name for a tag: one of a few that coincide with and without the prefixes of loop variables.
+/// Mostly one that a random context uses for values of this kind.
 std::string randomName(Random& random, Meaning meaning);
 
-/// A key of a random context; `meaning` is what its value is meant to be.
+/// A key of a random context; `meaning` is the intended kind of its value.
 std::string randomKey(Random& random, Meaning meaning);
 
 Meaning randomMeaning(Random& random);
 
-/// Bytes between tags or of a value: ASCII, other letters, parts of characters, bytes that begin
-/// none. It may hold a NUL.
+/// Bytes between tags or of a value: ASCII, other letters, parts of characters, invalid bytes. They
+/// may contain a NUL.
 std::string randomText(Random& random);
 
-/// A template of at most about `size` nodes. Mostly well formed; some have a fault.
-/// `paths` are what it may include, and may be empty.
+/// A template of at most about `size` nodes, which is usually well formed. `paths`, which may be
+/// empty, are the paths that it may include.
 std::string randomTemplate(Random& random, std::size_t size, const std::vector<std::string>& paths);
 
 } // namespace support

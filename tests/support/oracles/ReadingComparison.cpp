@@ -44,7 +44,7 @@ void expectTheSameReading(const std::string& input) {
                                   << (readings.acceptedOnceMore ? "accepted" : "rejected")
                                   << " by the second reading:\n"
                                   << describe(readings.read.nodes);
-    // Of the longer ones some, by their length: this takes longer than all the rest.
+    // Only some of the longer ones, by length, because this takes longer than everything else.
     if (input.size() <= 24 || input.size() % 8 == 0) {
         EXPECT_EQ(findMistakeInReport(input), "") << "[" << input << "]";
     }

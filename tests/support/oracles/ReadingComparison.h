@@ -7,18 +7,18 @@
 
 namespace support {
 
-/// All that means something in a template, and one of each that does not.
+/// All significant tokens of a template, and one of each insignificant kind.
 inline constexpr std::array<std::string_view, 22> tokens = {
     "{{",    "}}",  "{%", "%}",     "{",       "if", "else",
     "endif", "for", "in", "endfor", "include", "\"", "x",
     "1",     ".",   "/",  " ",      "\t",      "\n", std::string_view("\0", 1),
     "\xFF"};
 
-/// True if the parser and the second reading say the same of `input`, and make the same tree of it:
-/// where it is rejected, of what is complete before the fault.
+/// True if the parser and the second reading agree on `input`, and make the same tree of it; if it
+/// is rejected, of the complete nodes before the fault.
 bool readsTheSame(const std::string& input);
 
-/// The same as a check, which tells the difference, and of what is reported to hosts.
+/// The same as a check that reports the difference, and also compares the reports to hosts.
 void expectTheSameReading(const std::string& input);
 
 } // namespace support

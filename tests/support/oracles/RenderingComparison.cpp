@@ -15,13 +15,13 @@ using kel::Stencilor::ContextBase;
 
 constexpr std::uint64_t casesWithTheSameFiles = 64;
 
-/// What templates may include: files, of which each includes only those behind it, so that none
-/// includes itself; then what is not there or no file.
+/// The paths that templates may include: files, which only include later ones, so that none
+/// includes itself, then missing paths and paths of other kinds.
 const std::vector<std::string> paths = {"f0",         "f1",  "f2",      "parts/f3",
                                         "parts/f4",   "f5",  "missing", "parts",
                                         "parts/none", "bad", "f0/f1"};
 constexpr std::size_t fileCount = 6;
-const std::string detour = "parts/../"; // in front of a path it leads to the same file
+const std::string detour = "parts/../"; // as a prefix, it leads to the same file
 
 Files randomFiles(Random& random) {
     Files files;
@@ -119,8 +119,8 @@ class Comparison {
     std::unique_ptr<ContextBase> context_;
     std::string text_;
     String input_;
-    std::string before_;   ///< what the messages are appended to
-    bool dropped_ = false; ///< whether nobody asks for the messages
+    std::string before_;   ///< the text to which the messages are appended
+    bool dropped_ = false; ///< true if the messages are not requested
     std::optional<std::uint64_t> callsUntilFailure_;
 };
 

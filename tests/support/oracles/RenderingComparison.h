@@ -14,11 +14,10 @@
 
 namespace support {
 
-/// The files of a few cases by their paths; nothing stands for one that is there and cannot be
-/// loaded.
+/// The files of a few cases by path; an empty value is an existing file that cannot be loaded.
 using Files = std::map<std::string, std::optional<std::string>>;
 
-/// What the comparison needs of the base library that it runs on.
+/// The interface of the base library for the comparison.
 class ComparedHost {
   public:
     ComparedHost() = default;
@@ -30,29 +29,30 @@ class ComparedHost {
     virtual void setPriorities(std::int32_t global, std::int32_t threshold,
                                std::int32_t effective) = 0;
 
-    /// A template or a value; what it is made of is all that need be reproducible.
+    /// A template or a value. It only has to be reproducible.
     virtual kel::String toString(Random& random, const std::string& bytes) = 0;
     virtual std::string toBytes(const kel::String& string) = 0;
 
-    /// What was recorded since the last call, whatever that is: it must be the same for both.
+    /// The records since the last call, which must be the same for both.
     virtual std::vector<std::string> takeRecords() = 0;
 
-    /// Compares a further way to render with what `buildOutput` gave: its output, and its messages
-    /// if they are known. Does nothing where there is none.
+    /// Compares another way to render with the result of `buildOutput`: its output, and its
+    /// messages if they are known. Does nothing if there is none.
     virtual void compareFurther(const kel::String& input,
                                 const kel::Stencilor::ContextBase& context,
                                 const std::string& output,
                                 const std::optional<std::string>& errors);
 
-    /// Has the call after so many throw `std::bad_alloc`, where the library can; nothing: none.
+    /// Makes the call after this number throw `std::bad_alloc`, if the library supports it; if
+    /// empty, none.
     virtual void setCallsUntilFailure(std::optional<std::uint64_t>) {}
 };
 
 /// Renders random templates with random contexts and files, by the engine and by the second
 /// renderer, and expects the same output, messages and records, and the same exceptions.
 ///
-/// `STENCILOR_CASES` in the environment is the number of cases to try instead of `count`, and
-/// `STENCILOR_SEED` the number of the first: a failure tells the numbers that bring it back.
+/// `STENCILOR_CASES` in the environment is the number of cases instead of `count`, and
+/// `STENCILOR_SEED` the number of the first one. A failure reports the numbers that reproduce it.
 void compareRenderings(ComparedHost& host, std::uint64_t count);
 
 } // namespace support

@@ -3,7 +3,7 @@
 #include <boost/fusion/include/adapt_struct.hpp>
 #include <boost/spirit/include/qi.hpp>
 
-// The order of binding, which is not the order of the members.
+// The binding order, which differs from the order of the members.
 BOOST_FUSION_ADAPT_STRUCT(kel::Stencilor::internal::if_expr, name, then_list, else_list)
 BOOST_FUSION_ADAPT_STRUCT(kel::Stencilor::internal::for_expr, variable, list_name, body)
 BOOST_FUSION_ADAPT_STRUCT(kel::Stencilor::internal::replace_expr, name)
@@ -18,7 +18,7 @@ namespace qi = boost::spirit::qi;
 namespace encoding = boost::spirit::standard;
 
 using Iterator = std::string::const_iterator;
-using Blanks = qi::rule<Iterator>; // Spirit's own rule for blanks refuses bytes over 127
+using Blanks = qi::rule<Iterator>; // Spirit's own rule for spaces rejects bytes over 127
 
 template <typename... Attribute>
 using Rule = qi::rule<Iterator, Blanks, Attribute...>;

@@ -7,8 +7,8 @@
 
 namespace support {
 
-/// The language once more, written with Spirit Qi: slow, recursive, and independent of the parser.
-/// As `parseTemplate`, but for text that holds no NUL.
+/// A second implementation of the language, in Spirit Qi: slow, recursive, and independent of the
+/// parser. Like `parseTemplate`, but for text without a NUL.
 bool readOnceMore(const std::string& text, kel::Stencilor::internal::content_list& nodes);
 
 } // namespace support

@@ -186,7 +186,7 @@ struct Visit : boost::static_visitor<Result> {
     Prefixes prefixes;
 };
 
-// By value, as every visit is to have its own.
+// By value, because every visit needs its own copy.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 Result applyVisitor(content_list list, Scopes scopes, const ContextBase* scope, Prefixes prefixes) {
     const Trace trace("applyVisitor", 230);

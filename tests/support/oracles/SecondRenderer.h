@@ -6,10 +6,10 @@
 
 namespace support {
 
-/// Rendering once more, as plainly as it can be written: every visit works on copies of the scopes
-/// and of the prefixes, every operation returns a pair of texts, blocks are calls. Slow, recursive,
-/// and independent of the engine, of which it knows the tree and the values alone.
-/// As `buildOutput`, log records included; it runs on any base library that the engine runs on.
+/// A second renderer, as simple as possible: every visit works on copies of the scopes and the
+/// prefixes, every operation returns a pair of texts, and blocks are calls. It is slow, recursive,
+/// and independent of the engine except for the tree and the values. It behaves like `buildOutput`,
+/// including log records, and works with any base library that the engine works with.
 kel::String buildOutputOnceMore(const kel::String& input,
                                 const kel::Stencilor::ContextBase& context, kel::String& errors);
 kel::String buildOutputOnceMore(const kel::String& input,

@@ -20,13 +20,13 @@ struct Parts : SyntaxVisitor {
     std::vector<SyntaxElement> all;
 };
 
-/// Makes a tree of the parts of a template.
+/// Makes a tree from the parts of a template.
 class Builder {
   public:
     Builder(const std::string& text, const std::vector<SyntaxElement>& parts)
         : text_(text), next_(parts.begin()), end_(parts.end()) {}
 
-    /// Up to the end, or to a tag that ends a list.
+    /// Continues to the end, or to a tag that ends a list.
     content_list build() {
         content_list nodes;
         for (; next_ != end_ && next_->kind != Kind::Else && next_->kind != Kind::EndIf &&
@@ -76,7 +76,8 @@ class Builder {
     std::vector<SyntaxElement>::const_iterator end_;
 };
 
-/// What makes a template of a tag that was read up to its fault, in an open block or outside.
+/// Completions that make a template of a tag that was read up to its fault, inside or outside of a
+/// block.
 struct Completion {
     Expected expected;
     const char* text;
@@ -97,7 +98,7 @@ const Completion completions[] = {
     {Expected::ElseEnd, "%}"},
     {Expected::EndIfEnd, "%}", true},
     {Expected::ForVariable, "x in y%}{%endfor%}"},
-    {Expected::ForIn, " in y%}{%endfor%}"}, // behind a name a blank is needed
+    {Expected::ForIn, " in y%}{%endfor%}"}, // a space is needed after a name
     {Expected::ForList, "y%}{%endfor%}"},
     {Expected::ForEnd, "%}{%endfor%}"},
     {Expected::EndForEnd, "%}", true},
@@ -110,7 +111,7 @@ const Completion completions[] = {
     {Expected::MissingEndFor, "{%endfor%}", true},
 };
 
-/// What may stand in one part of a block may stand in another, too.
+/// What is allowed in one part of a block is also allowed in the other.
 bool isAmong(Expected one, Expected expected) {
     switch (expected) {
     case Expected::KeywordInIf:
@@ -126,7 +127,7 @@ bool isAmong(Expected one, Expected expected) {
 }
 
 struct OpenBlock {
-    Kind kind; // of the tag that the innermost part of the block begins with
+    Kind kind; // of the first tag of the innermost part of the block
     SyntaxRange opener;
 
     const char* begin() const {
@@ -137,7 +138,7 @@ struct OpenBlock {
     const char* end() const { return kind == Kind::For ? "{%endfor%}" : "{%endif%}"; }
 };
 
-/// The blocks that are open behind the parts, the outermost first.
+/// The open blocks after the parts, outermost first.
 std::vector<OpenBlock> findOpenBlocks(const std::vector<SyntaxElement>& parts) {
     std::vector<OpenBlock> open;
     for (const SyntaxElement& part : parts) {
@@ -157,7 +158,7 @@ bool isTemplate(const std::string& text) {
     return readOnceMore(text, ignored);
 }
 
-/// True if `tag` and the completion make a template inside of `block`, or outside of all blocks.
+/// True if `tag` and the completion make a template inside `block`, or outside of all blocks.
 bool completes(const std::string& tag, const Completion& completion, const OpenBlock* block) {
     if (block == nullptr) {
         return isTemplate(tag + completion.text);
@@ -166,9 +167,9 @@ bool completes(const std::string& tag, const Completion& completion, const OpenB
                       (completion.closesBlock ? "" : block->end()));
 }
 
-/// True if what stands before the tag at fault is a template but for the ends of its blocks.
+/// True if the text before the malformed tag is a template, except for the ends of its blocks.
 bool beginsWell(const std::string& before, const std::vector<OpenBlock>& open) {
-    std::string whole = before + " "; // a brace at the end would join the tag
+    std::string whole = before + " "; // otherwise a brace at the end would join the tag
     for (auto block = open.rbegin(); block != open.rend(); ++block) {
         whole += block->end();
     }
@@ -186,7 +187,7 @@ std::string findMistakeInFault(const std::string& text, const std::vector<OpenBl
         !beginsWell(text.substr(0, fault.tag), open)) {
         return "the fault stands elsewhere";
     }
-    // No token is longer than seven bytes. At the end of a text there may be the beginning of one.
+    // No token is longer than seven bytes. A text may end with a part of one.
     constexpr std::size_t longestToken = 7;
     const bool endsBehind = text.size() >= fault.offset + longestToken;
     const std::string read = text.substr(fault.tag, fault.offset - fault.tag);

@@ -7,12 +7,12 @@
 
 namespace support {
 
-/// Looks for a mistake in what `readSyntax` tells of `input`, with the help of the second reading.
-/// Empty if there is none; otherwise what is wrong.
+/// Checks the report of `readSyntax` on `input` with the second reading. Returns an empty text, or
+/// a description of the mistake.
 ///
-/// What is told of a fault is checked like this: the tag up to the fault can be completed by what
-/// is expected there, so not too much of it was read; and it cannot be completed in any way if the
-/// next few bytes are kept, so not too little was read.
+/// A fault is checked as follows: the tag up to the fault can be completed by what is expected
+/// there, so not too much was read; and it cannot be completed in any way that keeps the next few
+/// bytes, so not too little was read.
 std::string findMistakeInReport(const std::string& input);
 
 } // namespace support

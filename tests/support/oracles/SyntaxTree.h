@@ -7,11 +7,11 @@
 
 namespace support {
 
-/// The nodes in one line, to compare and to read:
+/// Formats the nodes on one line, to be compared and read:
 ///
 ///     'text' {name} include(path) if(name ? nodes : nodes) for(variable in list ? nodes)
 ///
-/// An `if` without nodes behind the colon has no colon.
+/// An `if` without nodes after the colon has no colon.
 std::string describe(const kel::Stencilor::internal::content_list& nodes);
 
 } // namespace support
