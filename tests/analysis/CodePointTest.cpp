@@ -26,7 +26,7 @@ std::string repaired(const std::string& text) {
 }
 
 // The engine's output and the displayed text agree on malformed bytes.
-TEST(CodePoint, IsReplacedWhereTheEngineReplacesIt) {
+TEST(CodePoint, IsReplacedAsByTheEngine) {
     support::Random random(1);
     for (int turn = 0; turn < 20'000 && !testing::Test::HasFailure(); ++turn) {
         const std::string text = randomBytes(random);

@@ -18,7 +18,7 @@ Context makeContext() {
                          {"first_name", "Ada"}});
 }
 
-TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
+TEST(ContextCheck, MakesSuggestions) {
     const struct {
         const char* name;
         std::string text;
@@ -67,7 +67,7 @@ TEST(ContextCheck, SuggestsWhatMayHaveBeenMeant) {
     }
 }
 
-TEST(ContextCheck, WarnsWhereAnotherLoopAnswers) {
+TEST(ContextCheck, WarnsIfANameIsFoundInAnotherLoop) {
     const std::string hint = ", an inner loop; in the context, give the elements keys of their own";
     const struct {
         const char* name;

@@ -58,7 +58,7 @@ void writeFiles(support::TemporaryFolder& folder, std::uint64_t seed) {
 
 // The engine drops messages in included files, so those are compared when the files are rendered on
 // their own.
-TEST(ContextWalk, TellsWhatTheEngineTells) {
+TEST(ContextWalk, ReportsWhatTheEngineReports) {
     support::TemporaryFolder folder;
     const support::WorkingFolder inside(folder.path());
     folder.makeFolder("parts");
@@ -97,7 +97,7 @@ TEST(ContextWalk, TellsWhatTheEngineTells) {
               << " with messages\n";
 }
 
-TEST(ContextWalk, EndsWhereInclusionsDoNot) {
+TEST(ContextWalk, EndsIfIncludesDoNot) {
     support::TemporaryFolder folder;
     const support::WorkingFolder inside(folder.path());
     const std::string text = "{% for a in l %}{% include \"page\" %}{{ x }}{% endfor %}";
@@ -119,7 +119,7 @@ TEST(ContextWalk, EndsWhereInclusionsDoNot) {
     EXPECT_EQ(found, std::vector{Problem::TooDeep});
 }
 
-TEST(ContextWalk, DeletesNothingOfTheContextWhereMemoryIsExhausted) {
+TEST(ContextWalk, KeepsTheContextWhenMemoryIsExhausted) {
     if (support::threadSanitized) {
         GTEST_SKIP() << "the thread sanitizer does not let allocations fail";
     }
@@ -146,7 +146,7 @@ TEST(ContextWalk, DeletesNothingOfTheContextWhereMemoryIsExhausted) {
     }
 }
 
-TEST(ContextWalk, TakesNoCallStackForBlocks) {
+TEST(ContextWalk, UsesNoCallStackForBlocks) {
     std::string text;
     constexpr int depth = 100000;
     for (int i = 0; i < depth; ++i) {

@@ -189,7 +189,7 @@ std::vector<Finding> check(const std::string& page, TemplateFiles& files) {
 }
 
 // Also checks that there are no consequential findings: there is one finding per note.
-TEST(Habits, OfOtherEnginesAreAnswered) {
+TEST(Habits, OfOtherEnginesAreExplained) {
     MemoryReader reader({});
     TemplateFiles files(reader);
     for (const Case& each : cases) {
@@ -221,7 +221,7 @@ TEST(Habits, OfOtherEnginesAreAnswered) {
     }
 }
 
-TEST(Habits, OfOtherEnginesAreNotesWhereTheyAreWellFormed) {
+TEST(Habits, OfOtherEnginesAreNotedIfWellFormed) {
     MemoryReader reader({});
     TemplateFiles files(reader);
     const std::pair<std::string, std::string> wellFormed[] = {
@@ -271,7 +271,7 @@ std::string repair(std::string page, std::size_t fault) {
     return page;
 }
 
-TEST(Faults, StayWhereAnotherOneIsRepaired) {
+TEST(Faults, StayWhenAnotherOneIsRepaired) {
     for (std::size_t first = 0; first < cases.size(); ++first) {
         std::string page;
         for (std::size_t i = 0; i < 5; ++i) {

@@ -5,7 +5,7 @@
 namespace kel::Stencilor::Analysis {
 namespace {
 
-TEST(KnownWords, AreFoundForOnesThatAreMisspelt) {
+TEST(KnownWords, AreFoundForMisspelledOnes) {
     const struct {
         const char* name;
         std::string word;

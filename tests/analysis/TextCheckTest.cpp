@@ -9,7 +9,7 @@
 namespace kel::Stencilor::Analysis {
 namespace {
 
-TEST(TextCheck, WarnsOfDamagedBytes) {
+TEST(TextCheck, WarnsAboutDamagedBytes) {
     const struct {
         const char* name;
         std::string text;
@@ -48,7 +48,7 @@ TEST(TextCheck, WarnsOfDamagedBytes) {
     }
 }
 
-TEST(UnusedNames, AreThoseOfTheContextThatNoTemplateUses) {
+TEST(UnusedNames, AreFoundInTheContext) {
     const Context context(Value{{"title", "x"},
                                 {"old", "x"},
                                 {"user", Value{{"name", "x"}, {"mail", "x"}}},

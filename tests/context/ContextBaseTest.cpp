@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 static_assert(std::has_virtual_destructor_v<ContextBase>);
 
-TEST(ContextBase, HoldsNothingAtFirst) {
+TEST(ContextBase, IsInitiallyEmpty) {
     const ContextBase value;
     EXPECT_EQ(value.find("key"), nullptr);
     EXPECT_FALSE(value.containsKey("key"));
@@ -22,7 +22,7 @@ TEST(ContextBase, HoldsNothingAtFirst) {
     EXPECT_FALSE(value.containsKey(""));
 }
 
-TEST(ContextBase, FindsWhatWasInsertedAndInsertsNothingByIt) {
+TEST(ContextBase, FindsInsertedChildrenWithoutInserting) {
     ContextDictionary value;
     auto* const child = new ContextBase;
     EXPECT_EQ(value.insert("key", child), child);
@@ -34,7 +34,7 @@ TEST(ContextBase, FindsWhatWasInsertedAndInsertsNothingByIt) {
     EXPECT_EQ(value.size(), 1u);
 }
 
-TEST(ContextBase, OperatorRefersToTheEntryWhichIsNullAtFirst) {
+TEST(ContextBase, OperatorRefersToTheEntryWhichIsInitiallyNull) {
     Deletions deletions;
     {
         ContextDictionary value;
@@ -50,7 +50,7 @@ TEST(ContextBase, OperatorRefersToTheEntryWhichIsNullAtFirst) {
     EXPECT_THAT(deletions, ElementsAre("child"));
 }
 
-TEST(ContextBase, InsertDropsTheFormerPointerWithoutDeletingIt) {
+TEST(ContextBase, InsertDropsThePreviousPointerWithoutDeletingIt) {
     Deletions deletions;
     Logged<ContextBase> former(deletions, "former");
     {
@@ -78,7 +78,7 @@ TEST(ContextBase, KeepsCopiesOfItsKeys) {
     EXPECT_FALSE(value.containsKey(key));
 }
 
-TEST(ContextBase, TellsKeysApartByEveryByte) {
+TEST(ContextBase, DistinguishesKeysByEveryByte) {
     ContextDictionary value;
     const String keys[] = {"key", "Key", "key ", " key", "ke", "", String("key\0", 4), "k\u00E9y"};
     for (const String& key : keys) {

@@ -40,7 +40,7 @@ static_assert(areBooleans<bool, bool&, int, const int&, Unscoped>);
 static_assert(areNoBooleans<const char (&)[6], const char*, char*, const void*, ContextString*,
                             void (*)(), std::nullptr_t, std::string, String>);
 
-TEST(ContextFactory, BuildsBooleansOfNumbers) {
+TEST(ContextFactory, BuildsBooleansFromNumbers) {
     const std::unique_ptr<ContextBoolean> zero(ContextFactory::buildBoolean(0));
     EXPECT_FALSE(truthOf(*zero));
     const std::unique_ptr<ContextBoolean> one(ContextFactory::buildBoolean(1, {}));
@@ -56,7 +56,7 @@ TEST(ContextFactory, BuildsAStringWithACopyOfTheText) {
     EXPECT_EQ(textOf(*value), "text");
 }
 
-TEST(ContextFactory, BuildsABooleanOfEitherTruthWithAndWithoutChildren) {
+TEST(ContextFactory, BuildsBothBooleansWithAndWithoutChildren) {
     for (const bool truth : {true, false}) {
         const std::unique_ptr<ContextBoolean> alone(ContextFactory::buildBoolean(truth));
         EXPECT_EQ(truthOf(*alone), truth);
@@ -106,7 +106,7 @@ TEST(ContextFactory, PutsThePointersOfAVectorIntoAList) {
     }
 }
 
-TEST(ContextFactory, LeavesTheDeletingToTheValuesItBuilt) {
+TEST(ContextFactory, LeavesDeletionToTheValues) {
     Deletions deletions;
     const auto logged = [&deletions](const char* name) {
         return new Logged<ContextBase>(deletions, name);

@@ -161,7 +161,7 @@ TEST(ContextRawString, IsRenderedAsAString) {
     static_assert(std::is_base_of_v<ContextString, ContextRawString>);
 }
 
-TEST(ContextBoolean, HoldsItsTruthThroughEveryCopyAndMove) {
+TEST(ContextBoolean, KeepsItsValueThroughEveryCopyAndMove) {
     for (const bool truth : {true, false}) {
         ContextBoolean source(truth);
         ContextBoolean copy(source);
@@ -176,7 +176,7 @@ TEST(ContextBoolean, HoldsItsTruthThroughEveryCopyAndMove) {
     }
 }
 
-TEST(ContextDictionary, CountsItsEntriesNullOnesIncluded) {
+TEST(ContextDictionary, CountsItsEntriesIncludingNullOnes) {
     ContextDictionary value;
     EXPECT_EQ(value.size(), 0u);
     value.insert("one", new ContextBase);

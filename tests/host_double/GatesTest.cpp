@@ -76,7 +76,7 @@ class ExpectedCalls {
     std::vector<std::string> calls_;
 };
 
-TEST_F(Gates, AskForNothingThatIsNotNeededWhateverThePriorities) {
+TEST_F(Gates, RequestNothingUnneededForAnyPriorities) {
     for (std::int32_t global = -1; global <= 4; ++global) {
         for (std::int32_t threshold = -1; threshold <= 4; ++threshold) {
             for (std::int32_t effective = 0; effective <= 4; ++effective) {
@@ -94,7 +94,7 @@ TEST_F(Gates, AskForNothingThatIsNotNeededWhateverThePriorities) {
     }
 }
 
-TEST_F(Gates, TellOneSourceFileForAllScopes) {
+TEST_F(Gates, NameOneSourceFileForAllScopes) {
     host_.files["file"] = "text";
     callsOf("{% if x %}{% endif %}{% for x in y %}{% endfor %}{{ x }}{% include \"file\" %}text");
     EXPECT_THAT(host_.sourcePaths, ElementsAre("libStencilor/render/content_visit.cpp"));

@@ -50,7 +50,7 @@ TEST_F(WideText, OfATemplateIsReducedToItsLowBytesAndDecodedAsUtf8) {
 
 // Rendered text passes through the narrow constructor and is encoded as UTF-8 again: each byte over
 // 127 becomes two.
-TEST_F(WideText, OfAnIncludedFileIsEncodedOnceMore) {
+TEST_F(WideText, OfAnIncludedFileIsEncodedAgain) {
     host_.files["file"] = "\xC3\xA9";
     host_.files["value"] = "{{ x }}";
     host_.files["outer"] = "{% include \"file\" %}";

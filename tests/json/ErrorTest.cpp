@@ -28,7 +28,7 @@ void expectErrors(std::span<const Case> cases) {
     }
 }
 
-TEST(JsonErrors, TellWhatWasExpectedAndWhere) {
+TEST(JsonErrors, ReportWhatWasExpectedAndWhere) {
     const Case cases[] = {
         {"an empty text", "", "1:1: expected a value, found the end of the text"},
         {"blanks only", " \n ", "2:2: expected a value, found the end of the text"},
@@ -142,7 +142,7 @@ TEST(JsonErrors, CountLinesAndColumnsInCodePoints) {
     expectErrors(cases);
 }
 
-TEST(JsonErrors, QuoteLittleAndNothingThatControlsATerminal) {
+TEST(JsonErrors, QuoteLittleAndEscapeControlCharacters) {
     const std::string longName(1000, 'a');
     const Case cases[] = {
         {"a control character", "[\x1B", "1:2: expected a value or ']', found '\\u001B'"},
@@ -178,7 +178,7 @@ TEST(JsonErrors, HaveLineAndColumnAsNumbers) {
     }
 }
 
-TEST(JsonErrors, TellOfMalformedUtf8) {
+TEST(JsonErrors, ReportMalformedUtf8) {
     const Case cases[] = {
         {"a byte that is never used", "[\"a\xFF\"]", "1:4: malformed UTF-8"},
         {"a continuation byte alone", "[\"a\x80\"]", "1:4: malformed UTF-8"},
@@ -204,7 +204,7 @@ TEST(JsonErrors, TellOfMalformedUtf8) {
     expectErrors(cases);
 }
 
-TEST(JsonErrors, TellOfNamesThatOccurTwice) {
+TEST(JsonErrors, ReportDuplicateNames) {
     const Case cases[] = {
         {"side by side", R"({"a":1,"a":2})", "1:8: duplicate name \"a\""},
         {"with others between", "{\"a\":1,\"b\":{},\n  \"a\" : 2}", "2:3: duplicate name \"a\""},
@@ -222,7 +222,7 @@ TEST(JsonErrors, TellOfNamesThatOccurTwice) {
     expectErrors(cases);
 }
 
-TEST(JsonErrors, TellOfBooleansThatAreNone) {
+TEST(JsonErrors, ReportInvalidBooleans) {
     for (const std::string value : {"\"true\"", "1", "null", "[]", "{\"$boolean\":true}"}) {
         SCOPED_TRACE(value);
         EXPECT_EQ(errorIn("[{\"x\":1,\n \"$boolean\": " + value + "}]"),
@@ -230,7 +230,7 @@ TEST(JsonErrors, TellOfBooleansThatAreNone) {
     }
 }
 
-TEST(JsonErrors, TellWhereItIsNestedMoreThan512LevelsDeep) {
+TEST(JsonErrors, ReportNestingOverTheLimit) {
     EXPECT_EQ(errorIn("[\n" + std::string(512, '[')), "2:512: nested more than 512 levels deep");
     const std::string arrays = std::string(512, '[') + std::string(512, ']');
     EXPECT_EQ(errorIn(arrays), "none");

@@ -5,7 +5,7 @@
 namespace kel::Stencilor {
 namespace {
 
-TEST(JsonText, BecomesWhatItSays) {
+TEST(JsonText, ConvertsToValues) {
     const struct {
         const char* name;
         std::string text;

@@ -131,7 +131,7 @@ bool readsOnASmallStack(const std::string& text) {
     return accepted;
 }
 
-TEST(JsonNesting, TakesNoStack) {
+TEST(JsonNesting, UsesNoStack) {
     std::string objects = "1";
     for (std::size_t i = 0; i < Value::deepest; ++i) {
         objects = "{\"a\":" + objects + "}";

@@ -21,7 +21,7 @@ std::string errorOf(const Json& json) {
     return "none";
 }
 
-TEST(NlohmannValues, BecomeWhatTheyAre) {
+TEST(NlohmannValues, ConvertToTheSameValues) {
     const struct {
         const char* name;
         Json json;
@@ -62,7 +62,7 @@ Json nested(int levels) {
     return json;
 }
 
-TEST(NlohmannValues, AreRefusedWithTheirPointer) {
+TEST(NlohmannValues, AreRejectedWithTheirPointer) {
     const double infinite = std::numeric_limits<double>::infinity();
     const double none = std::numeric_limits<double>::quiet_NaN();
     const struct {
@@ -87,7 +87,7 @@ TEST(NlohmannValues, AreRefusedWithTheirPointer) {
     }
 }
 
-TEST(NlohmannValues, AreRefusedWhereTheyAreNestedTooDeep) {
+TEST(NlohmannValues, AreRejectedIfNestedTooDeeply) {
     std::string place;
     for (int i = 0; i < 512; ++i) {
         place += "/0";

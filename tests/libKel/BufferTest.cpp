@@ -28,13 +28,13 @@ unsigned char* newBytes(std::size_t count) {
     return static_cast<unsigned char*>(::operator new(count));
 }
 
-TEST(Buffer, IsAllZeroAtFirst) {
+TEST(Buffer, IsInitiallyZero) {
     const Bytes buffer;
     expectAllZero(buffer);
 }
 
 // Whether the block was freed, and freed once, is for the address sanitizer to say.
-TEST(Buffer, FreesItsBlockAndIsAllZeroThen) {
+TEST(Buffer, FreesItsBlockAndBecomesZero) {
     Bytes buffer;
     buffer.data = newBytes(10);
     buffer.size = 3;

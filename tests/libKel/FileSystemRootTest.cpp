@@ -78,7 +78,7 @@ TEST_F(FileSystemRootTest, FindsNothingByAnAbsolutePath) {
 
 // Such names are files on some systems; there they are made, so that it is the root that refuses
 // them. RootedPathTest has all kinds.
-TEST_F(FileSystemRootTest, FindsNoNameThatSomeSystemTakesForSomethingElse) {
+TEST_F(FileSystemRootTest, FindsNoNameThatAnySystemInterpretsDifferently) {
     for (const char* const name : {"a\\b.txt", "C:file.txt", "file.txt:stream", "NUL", "a/com1",
                                    "file.", "a/file ", "a?b", "line\nbreak"}) {
 #ifndef _WIN32
@@ -141,7 +141,7 @@ TEST_F(FileSystemRootTest, MayBeRelativeToTheWorkingDirectoryOfThatMoment) {
     expectMissing("../file.txt");
 }
 
-TEST_F(FileSystemRootTest, StaysWhereTheNewOneIsNoDirectory) {
+TEST_F(FileSystemRootTest, IsKeptIfTheNewOneIsNotADirectory) {
     for (const std::string& path : {folder_.path("missing"), folder_.path("outside.txt"),
                                     std::string(), folder_.path("root/a") + std::string("\0", 1)}) {
         EXPECT_FALSE(FileSystem::setRoot(path)) << path;
@@ -149,7 +149,7 @@ TEST_F(FileSystemRootTest, StaysWhereTheNewOneIsNoDirectory) {
     expectLoaded("a/b.txt", "b");
 }
 
-TEST_F(FileSystemRootTest, CanBeExchanged) {
+TEST_F(FileSystemRootTest, CanBeReplaced) {
     ASSERT_TRUE(FileSystem::setRoot(folder_.path("root/a")));
     expectLoaded("b.txt", "b");
     expectMissing("../file.txt");

@@ -109,7 +109,7 @@ TEST_F(FileSystemTest, FindsNothingWhereNoRegularFileIs) {
     expectMissing("/");
 }
 
-TEST_F(FileSystemTest, FindsNothingBehindANulByte) {
+TEST_F(FileSystemTest, FindsNoPathWithANulByte) {
     folder_.writeFile("file", "text");
     const std::string path = folder_.path("file");
     ASSERT_TRUE(FileSystem::exists(path));
@@ -159,7 +159,7 @@ TEST_F(FileSystemTest, FollowsSymbolicLinks) {
     }
 }
 
-TEST_F(FileSystemTest, DoesNotLoadWhatIsLongerThanThirtyTwoBitsTell) {
+TEST_F(FileSystemTest, DoesNotLoadFilesWhoseSizeExceedsThirtyTwoBits) {
     constexpr std::uint64_t gigabyte = 1ull << 30;
     for (const std::uint64_t size : {4 * gigabyte, 5 * gigabyte, 16 * gigabyte + 5}) {
         folder_.writeSparseFile("large", size);

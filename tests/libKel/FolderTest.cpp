@@ -127,7 +127,7 @@ TEST_F(FolderTest, HasNothingElse) {
     }
 }
 
-TEST_F(FolderTest, IsTheOneOfTheMomentWhenItWasOpened) {
+TEST_F(FolderTest, IsResolvedWhenItIsOpened) {
     std::optional<Folder> folder;
     {
         const WorkingFolder working(folder_.path());
@@ -165,7 +165,7 @@ TEST_F(FolderTest, BoundsFilesWhoseSizeIsNotKnownBeforehand) {
 }
 #endif
 
-TEST_F(FolderTest, TellsUnreadableFilesFromMissingOnes) {
+TEST_F(FolderTest, DistinguishesUnreadableFilesFromMissingOnes) {
     const Folder folder = opened();
 #ifdef _WIN32
     const support::LockedFile locked(native(folder_.path("in/file")));

@@ -37,7 +37,7 @@ TEST(LogFactory, IsSilentAtFirstAboutTracesAndMessagesOfTheEngine) {
     EXPECT_EQ(LogFactory::getPriority(), PRIORITY_WARNING);
 }
 
-TEST(LogFactory, HandsOutOneLoggerForEachCategory) {
+TEST(LogFactory, HasOneLoggerForEachCategory) {
     Logger* first = nullptr;
     Logger* again = nullptr;
     Logger* other = nullptr;
@@ -88,7 +88,7 @@ TEST(Logger, IsBoundByTheHigherOfItsThresholdAndTheGlobalPriority) {
     }
 }
 
-TEST(Logger, HandsEachMessageToTheSinkOnceAndWhole) {
+TEST(Logger, PassesEachMessageToTheSinkOnce) {
     LogRecorder recorder(PRIORITY_INFO);
     Logger& logger = loggerOf("messages");
     LoggerStream stream;

@@ -17,7 +17,7 @@ TEST(PortableRelativePath, IsOneThatMeansTheSameFileOnEverySystem) {
     }
 }
 
-TEST(PortableRelativePath, IsNoneThatOneSystemTakesForSomethingElse) {
+TEST(PortableRelativePath, IsRejectedIfAnySystemInterpretsItDifferently) {
     const struct {
         const char* name;
         std::string path;

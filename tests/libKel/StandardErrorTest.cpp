@@ -64,7 +64,7 @@ TEST(LineOfARecord, DescribesAScope) {
     EXPECT_EQ(lineFor(record), "test info:     < work (a.cpp:12)\n");
 }
 
-TEST(LineOfARecord, IsOneLineOfValidUtf8WithoutControlCharacters) {
+TEST(LineOfARecord, IsASingleLineOfValidUtf8WithoutControlCharacters) {
     const struct {
         const char* name;
         std::string_view text;

@@ -129,7 +129,7 @@ TEST(StringSharing, LeavesTheStringAsItIsWhenACopyChanges) {
     });
 }
 
-TEST(StringSharing, EndsWithTheLastThatHoldsTheBytes) {
+TEST(StringSharing, EndsWithTheLastHolder) {
     for (const std::size_t length : lengths) {
         SCOPED_TRACE(length);
         const std::string pattern = patternOf(length);
@@ -143,14 +143,14 @@ TEST(StringSharing, EndsWithTheLastThatHoldsTheBytes) {
     }
 }
 
-TEST(StringSharing, CostsNoMemoryForTheBytes) {
+TEST(StringSharing, NeedsNoMemoryForTheBytes) {
     const String string(patternOf(100000));
     const String copy(string);
     EXPECT_EQ(string.view().data(), copy.view().data());
     EXPECT_EQ(string.getUTF8String().c_str(), string.view().data());
 }
 
-TEST(StringSharing, LetsAStringBeChangedInPlaceWhenTheOthersAreGone) {
+TEST(StringSharing, AllowsChangesInPlaceWithoutOtherHolders) {
     String string = withRoom(patternOf(5000));
     const char* const place = string.view().data();
     {
@@ -165,7 +165,7 @@ TEST(StringSharing, LetsAStringBeChangedInPlaceWhenTheOthersAreGone) {
 }
 
 // Each state of a text that grows, as of the messages of several calls, is kept.
-TEST(StringSharing, TakesMemoryInProportionToWhatIsHeldAndGivesItBack) {
+TEST(StringSharing, UsesMemoryInProportionToTheBytesAndReleasesIt) {
     const std::uint64_t before = support::memoryInUse();
     {
         String string(patternOf(5000));

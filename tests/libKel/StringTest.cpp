@@ -20,7 +20,7 @@ std::string patternOf(std::size_t length, char first = 'a') {
     return pattern;
 }
 
-TEST(StringConstruction, GivesTheBytesThatWereHandedIn) {
+TEST(StringConstruction, KeepsTheBytes) {
     const struct {
         const char* name;
         String made;
@@ -48,7 +48,7 @@ TEST(StringConstruction, GivesTheBytesThatWereHandedIn) {
     }
 }
 
-TEST(StringConstruction, RefusesWhatIsTooLongWithoutReadingIt) {
+TEST(StringConstruction, RejectsTooLongTextsWithoutReadingThem) {
     const std::string_view tooLong("never looked at", std::size_t{1} << 32);
     try {
         const String string(tooLong);
@@ -58,7 +58,7 @@ TEST(StringConstruction, RefusesWhatIsTooLongWithoutReadingIt) {
     }
 }
 
-TEST(StringCopying, GivesAnEqualStringOfItsOwn) {
+TEST(StringCopying, MakesAnIndependentEqualString) {
     for (const std::size_t length : lengths) {
         SCOPED_TRACE(length);
         const std::string pattern = patternOf(length);
@@ -163,7 +163,7 @@ TEST(StringEquality, WithNarrowTextIsExact) {
     }
 }
 
-TEST(StringSubString, GivesThePartThatIsThere) {
+TEST(StringSubString, ReturnsTheAvailablePart) {
     const String text("0123456789");
     const struct {
         const char* name;
@@ -227,7 +227,7 @@ TEST(StringStreaming, WritesEveryByte) {
     EXPECT_EQ(stream.str(), std::string("a\0b", 3) + patternOf(100));
 }
 
-TEST(StringHashing, GoesTogetherWithEquality) {
+TEST(StringHashing, IsConsistentWithEquality) {
     const std::unordered_set<String> set = {"one", "two", "one", patternOf(100), patternOf(100)};
     EXPECT_THAT(set, testing::UnorderedElementsAre("one", "two", String(patternOf(100))));
 }

@@ -38,7 +38,7 @@ TEST(StringLimits, RefuseMakingAStringPastThirtyTwoBits) {
     EXPECT_THROW(String{tooLong}, std::length_error);
 }
 
-TEST(FileLimits, AllowTheLongestFileThatThirtyTwoBitsTell) {
+TEST(FileLimits, AllowTheLargestThirtyTwoBitSize) {
     if (!hasMemory(5)) {
         GTEST_SKIP() << "takes five gigabytes of memory";
     }

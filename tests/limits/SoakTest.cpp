@@ -35,7 +35,7 @@ std::uint64_t renderOften(std::uint64_t count, const Root& root) {
 }
 
 // STENCILOR_RENDERS is the number of renderings; the preset "exhaustive" has ten million.
-TEST(Soak, NeitherChangesWhatIsRenderedNorKeepsMemory) {
+TEST(Soak, NeitherChangesTheOutputNorLeaksMemory) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());
     folder.writeFile("part", "{% for user in users %}{{ user.name }}{{ missing }}{% endfor %}");

@@ -48,7 +48,7 @@ struct Wrong {
     std::string fault; ///< after the path
 };
 
-TEST(ProjectFile, SaysWhatIsWrong) {
+TEST(ProjectFile, ReportsErrors) {
     const support::TemporaryFolder folder;
     folder.makeFolder("inner");
     const std::string file = system::identityOf(folder.path("inner")) + "/stencilor.json";

@@ -211,7 +211,7 @@ TEST(Escaping, ByAFunctionOfTheHostGetsAnEmptyTextEachTime) {
     EXPECT_EQ(Template("{{ a }}{{ b }}{{ a }}").render(values, {.escape = escape}).text, "A12A3");
 }
 
-TEST(Escaping, ByAFunctionOfTheHostMayGiveAnyBytes) {
+TEST(Escaping, ByAFunctionOfTheHostMayReturnAnyBytes) {
     const struct {
         const char* name;
         std::string given;

@@ -114,7 +114,7 @@ TEST_F(FileSource, GivesATemplateTheNameOfItsPath) {
     EXPECT_EQ(result.messages[0].templateName, "below/a");
 }
 
-TEST_F(FileSource, AnswersToTheByteWhetherItKeepsAFileOrNot) {
+TEST_F(FileSource, RespectsTheLimitToTheByteForCachedAndUncachedFiles) {
     folder_.writeFile("kept", "12345");
     folder_.writeFile("new", "12345");
     folder_.writeFile("empty", "");

@@ -102,7 +102,7 @@ TEST_F(Limits, CountEachNodeIterationAndSixtyFourKeysAsSteps) {
     }
 }
 
-TEST_F(Limits, CountEachFourKibibytesOfKeysThatAreMadeAsAStep) {
+TEST_F(Limits, CountEveryFourKibibytesOfBuiltKeysAsAStep) {
     const std::string input = longName();
     const RenderResult result = Template(input).render({{"one", listOfNulls(1)}});
     EXPECT_EQ(result.usage.messages, 1u);
@@ -357,7 +357,7 @@ struct Question {
     int stopAt = 0;
 };
 
-TEST_F(Limits, HaveTheHostAskedAfterEvery1024Steps) {
+TEST_F(Limits, CallTheHostEvery1024Steps) {
     const struct {
         int nodes;
         int asked;

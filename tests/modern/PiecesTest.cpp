@@ -55,7 +55,7 @@ TEST(Pieces, HaveTheMessagesAndTheUsageOfTheWholeText) {
     EXPECT_EQ(written.result.usage.outputBytes, 2u);
 }
 
-TEST(Pieces, NeverDivideACharacterOfALongTemplateOrValue) {
+TEST(Pieces, NeverSplitACharacterOfALongTemplateOrValue) {
     for (const std::string_view character : characters) {
         for (std::size_t shift = 0; shift < 4; ++shift) {
             SCOPED_TRACE(std::string(character) + " after " + std::to_string(shift));
@@ -69,7 +69,7 @@ TEST(Pieces, NeverDivideACharacterOfALongTemplateOrValue) {
     }
 }
 
-TEST(Pieces, DivideAMegabyte) {
+TEST(Pieces, SplitAMegabyte) {
     const std::string text = repeat("a\u00E9\u20AC\U0001F4DA", 1 << 20);
     expectSamePieces(Template(text + "{{ v }}"), Context({{"v", text + '\xF0'}}));
 }
@@ -148,7 +148,7 @@ TEST(Pieces, AreWrittenWhileTheRenderGoesOn) {
     EXPECT_EQ(written, 600'000u);
 }
 
-TEST(Pieces, AreABeginningOfTheTextWhereALimitEndsIt) {
+TEST(Pieces, AreTheBeginningOfTheTextIfALimitEndsIt) {
     const Template made("{% for i in l %}{{ v }}\u20AC{% endfor %}");
     const Context context({{"l", listOfNulls(300)}, {"v", std::string(997, 'v') + '\xE2'}});
     const std::string whole = made.render(context).text.str();
@@ -160,7 +160,7 @@ TEST(Pieces, AreABeginningOfTheTextWhereALimitEndsIt) {
     }
 }
 
-TEST(Pieces, ThatCannotBeWrittenEndTheRenderWithWhatWasThrown) {
+TEST(Pieces, ThatCannotBeWrittenEndTheRenderWithTheException) {
     const Template made("{% for i in l %}{{ v }}{% endfor %}");
     const Context context({{"l", listOfNulls(200)}, {"v", std::string(1000, 'v')}});
     for (int good = 0; good < 5; ++good) {

@@ -58,7 +58,7 @@ TEST(Sources, AreAskedOncePerPathAndRender) {
     EXPECT_THAT(source.asked, ElementsAre(Pair("a", unlimited), Pair("b", unlimited)));
 }
 
-TEST(Sources, AreGivenTheBytesThatAreLeft) {
+TEST(Sources, ReceiveTheRemainingBytes) {
     Scripted source([](const std::string& path, std::optional<Template>& found) {
         found.emplace(path == "a" ? "12345" : "", path);
         return Answer::Found;
@@ -72,7 +72,7 @@ TEST(Sources, AreGivenTheBytesThatAreLeft) {
     EXPECT_THAT(source.asked, ElementsAre(Pair("a", 5u), Pair("b", 0u)));
 }
 
-TEST(Sources, AreNotBelievedWhereTheyExceedTheLimit) {
+TEST(Sources, AreCheckedAgainstTheLimit) {
     Scripted source([](const std::string& path, std::optional<Template>& found) {
         found.emplace("12345", path);
         return Answer::Found;
@@ -166,7 +166,7 @@ TEST(Sources, MayRender) {
     EXPECT_GT(result.text.size(), 4u);
 }
 
-TEST(Sources, MayHandOverTheTemplateThatIsRendered) {
+TEST(Sources, MayReturnTheRenderedTemplate) {
     const Template self("a{% include \"self\" %}", "self");
     Scripted source([&self](const std::string&, std::optional<Template>& found) {
         found = self;
@@ -177,7 +177,7 @@ TEST(Sources, MayHandOverTheTemplateThatIsRendered) {
     EXPECT_EQ(result.usage.templateBytes, self.text().size());
 }
 
-TEST(Sources, GiveTheirTemplatesTheScopesButNotTheLoopVariables) {
+TEST(Sources, RenderTheirTemplatesWithScopesButNoLoopVariables) {
     MemoryTemplates source;
     source.add("part", "{{ x.value }}{{ value }}");
     const RenderResult result =
@@ -247,7 +247,7 @@ TEST(RendersWithoutASource, FindTheFilesOfBuildOutput) {
     EXPECT_EQ(allPaths.render(values, few).status, RenderStatus::TemplateLimit);
 }
 
-TEST(RendersWithoutASource, HaveNoTemplateThatNoTextHolds) {
+TEST(RendersWithoutASource, RejectTooLargeTemplates) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());
     folder.writeSparseFile("huge", 4ull << 30);

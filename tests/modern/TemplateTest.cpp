@@ -66,7 +66,7 @@ TEST(Template, EndsAtItsFirstNulAndKeepsItsText) {
     EXPECT_FALSE(Template(kel::String("{{\0}}", 5)).isWellFormed());
 }
 
-TEST(Template, GivesItsCopiesAllThatItHas) {
+TEST(Template, SharesEverythingWithItsCopies) {
     std::optional<Template> original(std::in_place, "a{{ b }}{{ gone }}", "name");
     const Template copy = *original;
     EXPECT_EQ(copy.text().view().data(), original->text().view().data());
@@ -77,7 +77,7 @@ TEST(Template, GivesItsCopiesAllThatItHas) {
     EXPECT_EQ(copy.render({}).messages[1].name, "gone");
 }
 
-TEST(Template, IsAssignedWhateverItWas) {
+TEST(Template, CanAlwaysBeAssigned) {
     Template first("first");
     Template second("{{ rejected");
     Template taken = std::move(first);
@@ -94,7 +94,7 @@ TEST(Template, IsAssignedWhateverItWas) {
     const Template destroyed = std::move(second); // and the rest is destroyed
 }
 
-TEST(Template, ThrowsWhatTheContextOfAValueThrows) {
+TEST(Template, PropagatesExceptionsOfTheContext) {
     EXPECT_THROW(Template("").render(Value("no dictionary")), std::invalid_argument);
     EXPECT_THROW(Template("").renderTo(Value::list({}), [](std::string_view) {}),
                  std::invalid_argument);

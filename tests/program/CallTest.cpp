@@ -7,7 +7,7 @@ namespace {
 
 using CallTest = ProgramTest;
 
-TEST_F(CallTest, EndsWithStatus2WhereItIsWrong) {
+TEST_F(CallTest, EndsWithStatus2IfItIsWrong) {
     folder.writeFile("page.txt", "text");
     folder.writeFile("values.json", "{}");
     const struct {

@@ -69,7 +69,7 @@ TEST_F(CheckFormatTest, IsSarif) {
     }
 }
 
-TEST_F(CheckFormatTest, GivesAFullPathAsAUri) {
+TEST_F(CheckFormatTest, WritesAFullPathAsAUri) {
     const std::string path = folder.path("bad.txt");
     folder.writeFile("bad.txt", "{{");
     const Outcome outcome = runStencilor({"check", path, "--format", "sarif"});
@@ -81,7 +81,7 @@ TEST_F(CheckFormatTest, GivesAFullPathAsAUri) {
     EXPECT_EQ(uri.find('\\'), std::string::npos) << uri;
 }
 
-TEST_F(CheckFormatTest, IsWholeWhereNothingIsFound) {
+TEST_F(CheckFormatTest, IsCompleteIfNothingIsFound) {
     folder.writeFile("good.txt", "text");
     EXPECT_EQ(Json::parse(runStencilor("check good.txt --format json").output),
               Json::parse(R"({"findings": []})"));

@@ -5,7 +5,7 @@ namespace {
 
 using CheckTest = ProgramTest;
 
-TEST_F(CheckTest, TellsWhereATemplateGoesWrong) {
+TEST_F(CheckTest, ReportsErrorsWithTheirLocations) {
     const struct {
         const char* name;
         std::string text;
@@ -136,7 +136,7 @@ TEST_F(CheckTest, FindsNothingInATemplate) {
     expectOutcome(runStencilor("check -", {.input = "{{ a }}"}), 0, "", "");
 }
 
-TEST_F(CheckTest, FollowsInclusions) {
+TEST_F(CheckTest, FollowsIncludes) {
     folder.makeFolder("pages/parts");
     folder.makeFolder("other");
     folder.writeFile("pages/bad.txt", "{{");
@@ -182,7 +182,7 @@ TEST_F(CheckTest, FollowsInclusions) {
     }
 }
 
-TEST_F(CheckTest, TellsCyclesThatMayEndFromThoseThatCannot) {
+TEST_F(CheckTest, DistinguishesCyclesThatMayEndFromEndlessOnes) {
     const std::string toA = R"({% include "a.txt" %})";
     const std::string toB = R"({% include "b.txt" %})";
     const std::string guarded = "{% if x %}" + toB + "{% endif %}";
@@ -229,7 +229,7 @@ TEST_F(CheckTest, NamesTheFirstAndTheLastFilesOfALongCycle) {
         << outcome.output;
 }
 
-TEST_F(CheckTest, GoesOnBehindWhatIsWrong) {
+TEST_F(CheckTest, ContinuesAfterAnError) {
     folder.writeFile("a.txt", "{{");
     folder.writeFile("b.txt", "text");
     folder.writeFile("c.txt", "{%");
@@ -245,7 +245,7 @@ TEST_F(CheckTest, GoesOnBehindWhatIsWrong) {
                   "stencilor: none.txt: " + reason + "\n");
 }
 
-TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
+TEST_F(CheckTest, WarnsAboutNamesThatAContextDoesNotHave) {
     folder.writeFile("values.json", R"({"s":"x","b":true,"no":false,"o":{"m":"y"},"items":[
         {"name":"one","price":"1"},{"name":"two","sub":[{"x":1}]},{"sub":[{}]}],"empty":[]})");
     folder.writeFile("part.txt", "{{ name }}{{ item.name }}");
@@ -308,14 +308,14 @@ TEST_F(CheckTest, WarnsOfNamesThatAContextDoesNotHave) {
     }
 }
 
-TEST_F(CheckTest, TakesDefinitionsForAContext) {
+TEST_F(CheckTest, TreatsDefinitionsAsAContext) {
     folder.writeFile("page.txt", "{{ a }}");
     expectOutcome(runStencilor("check page.txt -D a=x"), 0, "", "");
     EXPECT_EQ(runStencilor("check page.txt -D b=x").status, 1);
     EXPECT_EQ(runStencilor("check page.txt").status, 0);
 }
 
-TEST_F(CheckTest, EndsWithRecursionOverAContext) {
+TEST_F(CheckTest, StopsAtEndlessRecursionOverAContext) {
     folder.writeFile("values.json",
                      R"({"all":[{"n":"a","all":[{"n":"b","all":[]},{"all":[]}]}],"more":true})");
     folder.writeFile("page.txt", R"({% for x in all %}{{ n }}{% include "page.txt" %}{% endfor %})"

@@ -74,21 +74,21 @@ TEST_F(ContextTest, LosesTheDottedNamesOfAnObjectThatIsReplaced) {
         "{{ user.first }}\n   ^~~~~~~~~~\n");
 }
 
-TEST_F(ContextTest, IsEmptyWhereNoneIsGiven) {
+TEST_F(ContextTest, IsEmptyByDefault) {
     folder.writeFile("page.txt", "[{{ a }}]");
     expectOutcome(runStencilor("render page.txt"), 1, "[]",
                   "page.txt:1:5: warning: no string is named \"a\"\n[{{ a }}]\n    ^\n");
     expectOutcome(runStencilor("render page.txt -D a=x"), 0, "[x]", "");
 }
 
-TEST_F(ContextTest, DefinitionsStandWhereverOptionsDo) {
+TEST_F(ContextTest, AcceptsDefinitionsWhereverOptionsAre) {
     folder.writeFile("page.txt", "{{ a }}{{ b }}");
     folder.writeFile("values.json", R"({"a":"1"})");
     expectOutcome(runStencilor("render -Db=2 page.txt values.json"), 0, "12", "");
     expectOutcome(runStencilor("render -D b=2 page.txt -D a=3 values.json"), 0, "32", "");
 }
 
-TEST_F(ContextTest, NamesFileLineAndColumnOfWhatIsWrong) {
+TEST_F(ContextTest, ReportsFileLineAndColumnOfErrors) {
     folder.writeFile("page.txt", "text");
     const struct {
         const char* name;
@@ -116,7 +116,7 @@ TEST_F(ContextTest, NamesFileLineAndColumnOfWhatIsWrong) {
     }
 }
 
-TEST_F(ContextTest, NamesTheDefinitionThatIsWrong) {
+TEST_F(ContextTest, NamesTheWrongDefinition) {
     folder.writeFile("page.txt", "text");
     const struct {
         const char* name;
@@ -151,7 +151,7 @@ TEST_F(ContextTest, HasPositionsOnRequest) {
     EXPECT_EQ(runStencilor({"check", "page.txt", "-D", list}).status, 1);
 }
 
-TEST_F(ContextTest, IsRefusedWhereItsDottedNamesWouldTakeTooMuch) {
+TEST_F(ContextTest, IsRejectedIfItsDottedNamesNeedTooMuchMemory) {
     folder.writeFile("page.txt", "text");
     std::string openings;
     for (int i = 0; i < 300; ++i) {

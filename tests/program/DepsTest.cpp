@@ -36,7 +36,7 @@ TEST_F(DepsTest, ListsFilesThatAreMissing) {
                   "{% include \"none.txt\" %}\n            ^~~~~~~~\n");
 }
 
-TEST_F(DepsTest, WritesARuleOfMake) {
+TEST_F(DepsTest, WritesAMakeRule) {
     folder.makeFolder("p q$#");
     folder.writeFile("p q$#/page.txt", R"({% include "row.txt" %})");
     folder.writeFile("p q$#/row.txt", "text");

@@ -19,7 +19,7 @@ class NamesTest : public ProgramTest {
     }
 };
 
-TEST_F(NamesTest, AreListedWithWhereTheyStand) {
+TEST_F(NamesTest, AreListedWithTheirPlaces) {
     expectOutcome(runStencilor("names page.txt"), 0,
                   "title       string   page.txt:1, page.txt:4\n"
                   "new         boolean  page.txt:1\n"
@@ -88,7 +88,7 @@ TEST_F(NamesTest, MakeASkeletonToFillIn) {
         "shop": {"items": [{"name": "", "tags": [{"x": ""}], "price": ""}]}})"));
 }
 
-TEST_F(NamesTest, MakeASkeletonThatLacksNothing) {
+TEST_F(NamesTest, MakeACompleteSkeleton) {
     const struct {
         const char* name;
         std::string text;
@@ -129,7 +129,7 @@ TEST_F(NamesTest, MakeASkeletonThatLacksNothing) {
     }
 }
 
-TEST_F(NamesTest, OfTwoKindsAreTold) {
+TEST_F(NamesTest, OfTwoKindsAreReported) {
     folder.writeFile("case.txt", "{% if a %}{% for x in a %}{{ x.y }}{% endfor %}{% endif %}");
     const Outcome outcome = runStencilor("names case.txt --skeleton");
     expectOutcome(outcome, 1, "{\n  \"a\": true\n}\n",

@@ -132,7 +132,7 @@ fs::perms permissions(const char* file) {
     return fs::status(file).permissions();
 }
 
-TEST_F(OutputFileTest, StaysAsItWasWhereTheNewOneCannotBeWritten) {
+TEST_F(OutputFileTest, IsKeptIfTheNewOneCannotBeWritten) {
     folder.writeFile("out.txt", "before");
     folder.writeFile("page.txt", std::string(100'000, 'x'));
     expectOutcome(runShell("ulimit -f 1; exec \"$0\" render page.txt -o out.txt"), 2, "",
@@ -141,14 +141,14 @@ TEST_F(OutputFileTest, StaysAsItWasWhereTheNewOneCannotBeWritten) {
     EXPECT_EQ(names(), (Names{"out.txt", "page.txt"}));
 }
 
-TEST_F(OutputFileTest, IsNotMadeWhereItCannotBeWritten) {
+TEST_F(OutputFileTest, IsNotCreatedIfItCannotBeWritten) {
     folder.writeFile("page.txt", std::string(100'000, 'x'));
     expectOutcome(runShell("ulimit -f 1; exec \"$0\" render page.txt -o out.txt"), 2, "",
                   "stencilor: out.txt: File too large\n");
     EXPECT_EQ(names(), Names{"page.txt"});
 }
 
-TEST_F(OutputFileTest, KeepsThePermissionsOfTheFormerOne) {
+TEST_F(OutputFileTest, KeepsThePermissionsOfThePreviousFile) {
     for (const unsigned int mode : {0600u, 0640u, 0755u, 0666u}) {
         SCOPED_TRACE(mode);
         folder.writeFile("out.txt", "before");
@@ -166,7 +166,7 @@ TEST_F(OutputFileTest, GetsThePermissionsThatNewFilesHave) {
     EXPECT_EQ(permissions("b.txt"), fs::perms(0600));
 }
 
-TEST_F(OutputFileTest, IsLeftAloneWhereItMayNotBeWritten) {
+TEST_F(OutputFileTest, IsKeptIfItIsNotWritable) {
     if (::geteuid() == 0) {
         GTEST_SKIP() << "the administrator may write everything";
     }
@@ -177,7 +177,7 @@ TEST_F(OutputFileTest, IsLeftAloneWhereItMayNotBeWritten) {
     EXPECT_EQ(support::readFile("out.txt"), "before");
 }
 
-TEST_F(OutputFileTest, IsWhatALinkLeadsTo) {
+TEST_F(OutputFileTest, IsTheTargetOfALink) {
     folder.makeFolder("below");
     folder.writeFile("below/old.txt", "before");
     fs::permissions("below/old.txt", fs::perms(0640));
@@ -204,7 +204,7 @@ TEST_F(OutputFileTest, IsWhatALinkLeadsTo) {
     EXPECT_EQ(names("below"), (Names{"made.txt", "old.txt"}));
 }
 
-TEST_F(OutputFileTest, IsRefusedWhereLinksGoInCircles) {
+TEST_F(OutputFileTest, IsRejectedIfLinksAreCyclic) {
     ASSERT_TRUE(folder.makeLink("a", "b"));
     ASSERT_TRUE(folder.makeLink("b", "a"));
     expectOutcome(runStencilor("render page.txt -o a"), 2, "",

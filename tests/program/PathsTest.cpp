@@ -50,7 +50,7 @@ TEST_F(PathsTest, MayLeadToARootInAnyLanguage) {
                   "stencilor: \u677F: not a readable folder\n");
 }
 
-TEST_F(PathsTest, AreToldAsTheyWereGiven) {
+TEST_F(PathsTest, AreReportedAsGiven) {
     folder.writeFile(page, "{{ missing }}");
     expectOutcome(runStencilor({"render", page}), 1, "",
                   page +

@@ -21,7 +21,7 @@ class RenderTest : public ProgramTest {
     }
 };
 
-TEST_F(RenderTest, LeavesGapsAndSaysWhereUnlessItIsStrict) {
+TEST_F(RenderTest, LeavesAndReportsGapsUnlessItIsStrict) {
     const struct {
         const char* name;
         std::string text;
@@ -162,7 +162,7 @@ TEST_F(RenderTest, EndsAtALimit) {
     }
 }
 
-TEST_F(RenderTest, EndsAtMoreStepsThanAnyoneWaitsFor) {
+TEST_F(RenderTest, EndsAtTheDefaultStepLimit) {
     if (!support::thorough()) {
         GTEST_SKIP() << "takes a second";
     }
@@ -238,7 +238,7 @@ TEST_F(RenderTest, ShowsTheTraceBeforeTheMessages) {
                   "trace:         content_visit::string:120\n");
 }
 
-TEST_F(RenderTest, ShowsATraceThatIsNotIndentedForEver) {
+TEST_F(RenderTest, LimitsTheIndentationOfATrace) {
     std::string text = "text";
     for (int i = 0; i < 30; ++i) {
         text = "{% if b %}" + text + "{% endif %}";

@@ -5,7 +5,7 @@ namespace {
 
 using StreamsTest = ProgramTest;
 
-TEST_F(StreamsTest, StandForTheTemplateOrTheContext) {
+TEST_F(StreamsTest, MayBeTheTemplateOrTheContext) {
     folder.writeFile("page.txt", "{{ a }}");
     folder.writeFile("values.json", R"({"a":"x"})");
     expectOutcome(runStencilor("render - values.json", {.input = "[{{ a }}]"}), 0, "[x]", "");
@@ -13,7 +13,7 @@ TEST_F(StreamsTest, StandForTheTemplateOrTheContext) {
     expectOutcome(runStencilor("render page.txt values.json -o -"), 0, "x", "");
 }
 
-TEST_F(StreamsTest, CarryEveryByteAsItIs) {
+TEST_F(StreamsTest, PreserveEveryByte) {
     const struct {
         const char* name;
         std::string text;
@@ -54,7 +54,7 @@ TEST_F(StreamsTest, CarryEveryByteAsItIs) {
     }
 }
 
-TEST_F(StreamsTest, AreWarnedOfWhereTheirBytesAreDamaged) {
+TEST_F(StreamsTest, CauseWarningsIfTheirBytesAreDamaged) {
     expectOutcome(runStencilor("render -", {.input = std::string("a\0b", 3)}), 1, "a",
                   "<stdin>:1:2: warning: a NUL byte: the template ends here, and what follows is "
                   "ignored\na\\x00b\n ^~~~\n");
@@ -75,7 +75,7 @@ TEST_F(StreamsTest, KeepANulInAContext) {
 
 #ifndef _WIN32
 
-TEST_F(StreamsTest, ThatAreFullOrClosedAreToldOf) {
+TEST_F(StreamsTest, ThatAreFullOrClosedAreReported) {
     folder.writeFile("page.txt", "text");
     const struct {
         const char* name;
@@ -99,7 +99,7 @@ TEST_F(StreamsTest, ThatAreFullOrClosedAreToldOf) {
     }
 }
 
-TEST_F(StreamsTest, WhoseReaderIsGoneEndTheProgramQuietly) {
+TEST_F(StreamsTest, WhoseReaderHasExitedEndTheProgramSilently) {
     folder.writeFile("page.txt", std::string(1'000'000, 'x'));
     expectOutcome(runShell("{ \"$0\" render page.txt; echo $? >status; } | :"), 0, "", "");
     EXPECT_EQ(support::readFile("status"), "141\n");

@@ -90,7 +90,7 @@ TEST_F(SystemFaultTest, LeavesAFileThatIsOldOrNew) {
     EXPECT_GT(faults, 10);
 }
 
-TEST_F(SystemFaultTest, IsReportedWhereTheStandardOutputIsNotWritten) {
+TEST_F(SystemFaultTest, IsReportedIfTheStandardOutputIsNotWritten) {
     folder.writeFile("page.txt", "text");
     for (const std::string function : {"write", "dup", "close"}) {
         int reported = 0;
@@ -108,7 +108,7 @@ TEST_F(SystemFaultTest, IsReportedWhereTheStandardOutputIsNotWritten) {
 }
 
 // The call that creates the temporary file depends on what else the standard library opens.
-TEST_F(SystemFaultTest, IsNoneWhereAnotherProcessTakesTheNameOfATemporaryFile) {
+TEST_F(SystemFaultTest, IsAvoidedIfTheNameOfATemporaryFileIsTaken) {
     int made = 0;
     for (int call = 1;
          const auto outcome = run({"open", call, EEXIST}, "render page.txt values.json -o out.txt");
@@ -122,7 +122,7 @@ TEST_F(SystemFaultTest, IsNoneWhereAnotherProcessTakesTheNameOfATemporaryFile) {
     EXPECT_TRUE(nothingIsLeft());
 }
 
-TEST_F(SystemFaultTest, IsNoneWhereAnotherTryHelps) {
+TEST_F(SystemFaultTest, IsAvoidedByARetry) {
     const struct {
         const char* name;
         Fault fault;

@@ -39,7 +39,7 @@ TEST_F(TreeTest, ShowsEachNodeWithItsPlace) {
     }
 }
 
-TEST_F(TreeTest, DoesNotIndentForEver) {
+TEST_F(TreeTest, LimitsTheIndentation) {
     std::string text = "x";
     for (int i = 0; i < 50; ++i) {
         text = "{% if a %}" + text + "{% endif %}";

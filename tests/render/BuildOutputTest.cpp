@@ -26,7 +26,7 @@ TEST(BuildOutput, OfARejectedTemplateIsEmptyWithOneMessage) {
     }
 }
 
-TEST(BuildOutput, AppendsItsMessagesToWhatIsThereAlready) {
+TEST(BuildOutput, AppendsItsMessages) {
     const Root root;
     String errors("before|");
     buildOutput("{{ a }}", root, errors);
@@ -39,7 +39,7 @@ TEST(BuildOutput, AppendsItsMessagesToWhatIsThereAlready) {
                                 notParsed + notParsed);
 }
 
-TEST(BuildOutput, GivesTheSameTextWithoutErrorArgument) {
+TEST(BuildOutput, ReturnsTheSameTextWithoutErrorArgument) {
     const Root root({{"x", text("value")}});
     for (const char* const input : {"a{{ x }}b{{ missing }}c", "plain", "{{"}) {
         String errors;
@@ -47,7 +47,7 @@ TEST(BuildOutput, GivesTheSameTextWithoutErrorArgument) {
     }
 }
 
-TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
+TEST(BuildOutput, ReturnsValidUtf8ForAnyTemplate) {
     const Root root({{"x", text("\xE2\x82")}});
     const Case cases[] = {
         {"text of every language", "\u00E4 \u65E5\u672C \U0001F600",
@@ -62,7 +62,7 @@ TEST(BuildOutput, GivesValidUtf8WhateverTheTemplateHolds) {
     expectRendered(root, cases);
 }
 
-TEST(BuildOutput, HoldsLongTextsBesideShortOnes) {
+TEST(BuildOutput, RendersLongTextsNextToShortOnes) {
     const Root root({{"short", text("s")}, {"long", text(std::string(100000, 'l'))}});
     for (const std::size_t length : {300u, 65535u, 65536u, 65537u, 100000u}) {
         SCOPED_TRACE(length);
@@ -75,7 +75,7 @@ TEST(BuildOutput, HoldsLongTextsBesideShortOnes) {
     }
 }
 
-TEST(BuildOutput, TakesAnyValueAsItsRoot) {
+TEST(BuildOutput, AcceptsAnyValueAsItsRoot) {
     ContextString string("its own text is no name");
     string.insert("x", text("child of a string"));
     ContextBoolean boolean(true);

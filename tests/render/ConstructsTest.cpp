@@ -20,7 +20,7 @@ std::string with(const std::string& name, std::string text) {
     return text.replace(text.find('^'), 1, name);
 }
 
-TEST(Constructs, ReportANameThatIsMissingAndAValueOfAnotherKind) {
+TEST(Constructs, ReportMissingNamesAndValuesOfAnotherKind) {
     const Root root({
         {"null", nullptr},
         {"string", text("true")},
@@ -56,7 +56,7 @@ TEST(Constructs, ReportANameThatIsMissingAndAValueOfAnotherKind) {
     }
 }
 
-TEST(Constructs, GoOnAfterAFault) {
+TEST(Constructs, ContinueAfterAFault) {
     const Root root({
         {"x", text("value")},
         {"yes", truth(true)},

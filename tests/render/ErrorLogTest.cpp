@@ -34,7 +34,7 @@ TEST(ErrorLog, HoldsWhatTheCallerHadCollectedBefore) {
                             "Could not find expected replacement named \"b\"\n"));
 }
 
-TEST(ErrorLog, SaysNothingWithoutMessagesAndOfARejectedTemplate) {
+TEST(ErrorLog, IsEmptyWithoutMessagesAndForARejectedTemplate) {
     LogRecorder recorder(PRIORITY_INFO);
     render("", Root());
     render("text", Root());
@@ -44,7 +44,7 @@ TEST(ErrorLog, SaysNothingWithoutMessagesAndOfARejectedTemplate) {
     EXPECT_THAT(recorder.lines(), IsEmpty());
 }
 
-TEST(ErrorLog, SaysNothingOfTheFaultsInsideAnInclusion) {
+TEST(ErrorLog, OmitsFaultsInsideAnInclude) {
     LogRecorder recorder(PRIORITY_INFO);
     render("{% include \"no/such/file\" %}", Root());
     EXPECT_THAT(
@@ -65,7 +65,7 @@ TEST(ErrorLog, IsWrittenAtPriorityTwoAndBelow) {
     }
 }
 
-TEST(ErrorLog, StandsInsideTheScopeOfTheEntryPoint) {
+TEST(ErrorLog, IsWrittenInsideTheScopeOfTheEntryPoint) {
     LogRecorder recorder(PRIORITY_TRACE);
     render("{{ a }}", Root());
     EXPECT_THAT(recorder.lines(),
@@ -76,7 +76,7 @@ TEST(ErrorLog, StandsInsideTheScopeOfTheEntryPoint) {
                             "< buildOutput:408"));
 }
 
-TEST(ErrorLog, ChangesNothingWhereTheSinkThrows) {
+TEST(ErrorLog, ChangesNothingIfTheSinkThrows) {
     const LogRecorder recorder(PRIORITY_TRACE);
     kel::LogFactory::setSink([](const kel::LogRecord&) { throw std::runtime_error("no room"); });
     EXPECT_EQ(render("a{{ b }}", Root()),

@@ -94,7 +94,7 @@ TEST(Traces, NameEachScopeWithItsLineAndDepth) {
     }
 }
 
-TEST(Traces, AllTellTheFileOfTheRenderer) {
+TEST(Traces, AllNameTheFileOfTheRenderer) {
     LogRecorder recorder(PRIORITY_TRACE);
     render("text", Root());
     EXPECT_THAT(recorder.lastFile(), EndsWith("render/content_visit.cpp"));
@@ -118,7 +118,7 @@ TEST(Traces, AreWrittenAtPriorityOneAndBelow) {
     }
 }
 
-TEST(Traces, ChangeNothingOfWhatIsRendered) {
+TEST(Traces, DoNotAffectTheOutput) {
     const Root root({{"x", text("value")}, {"yes", truth(true)}, {"two", listOf(2)}});
     const std::string input = "{% for i in two %}{% if yes %}{{ x }}{{ y }}{% endif %}{% endfor %}";
     const Rendered untraced = render(input, root);
@@ -126,7 +126,7 @@ TEST(Traces, ChangeNothingOfWhatIsRendered) {
     EXPECT_EQ(render(input, root), untraced);
 }
 
-TEST(Traces, MayMakeAHostAddToTheListThatIsRendered) {
+TEST(Traces, MayCauseAHostToExtendTheRenderedList) {
     ContextIterable* const elements = list({dictionary(), dictionary()});
     const Root root({{"xs", elements}});
     const LogRecorder recorder(PRIORITY_TRACE); // restores the settings at its end

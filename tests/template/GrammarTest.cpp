@@ -50,7 +50,7 @@ TEST(Grammar, EndsATemplateAtItsFirstZeroByte) {
     });
 }
 
-TEST(Grammar, KeepsTheBlanksAroundTags) {
+TEST(Grammar, KeepsTheWhitespaceAroundTags) {
     expectParsed({
         {"around a substitution", "a {{x}} b", "'a ' {x} ' b'"},
         {"at both ends of the template", " {{x}}\t", "' ' {x} '\t'"},
@@ -120,7 +120,7 @@ TEST(Grammar, ReadsInclusions) {
     });
 }
 
-TEST(Grammar, NeedsNoBlankAfterAKeyword) {
+TEST(Grammar, NeedsNoSpaceAfterAKeyword) {
     expectParsed({
         {"if and a name", "{%ifx%}{%endif%}", "if(x ?)"},
         {"a name that begins with if", "{% iffy %}{% endif %}", "if(fy ?)"},

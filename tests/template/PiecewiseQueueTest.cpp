@@ -8,7 +8,7 @@ namespace {
 
 using Queue = piecewise_queue<std::size_t, 16>;
 
-TEST(PiecewiseQueue, GivesEveryEntryInItsOrder) {
+TEST(PiecewiseQueue, ReturnsEntriesInOrder) {
     // 16 are stored in the object, and 256 in each following piece.
     for (const std::size_t count : {0u, 1u, 15u, 16u, 17u, 271u, 272u, 273u, 528u, 529u, 5000u}) {
         SCOPED_TRACE(count);
@@ -24,7 +24,7 @@ TEST(PiecewiseQueue, GivesEveryEntryInItsOrder) {
     }
 }
 
-TEST(PiecewiseQueue, LetsEntriesComeAndGoByTurns) {
+TEST(PiecewiseQueue, AlternatesBetweenAddingAndTaking) {
     Queue queue;
     std::size_t taken = 0;
     for (std::size_t number = 0; number < 2000; ++number) {
@@ -41,7 +41,7 @@ TEST(PiecewiseQueue, LetsEntriesComeAndGoByTurns) {
     EXPECT_EQ(queue.take(), 7u);
 }
 
-TEST(PiecewiseQueue, LeavesEntriesWhereTheyAre) {
+TEST(PiecewiseQueue, KeepsTheAddressesOfEntries) {
     Queue queue;
     std::vector<std::size_t*> places;
     for (std::size_t number = 0; number < 1000; ++number) {
@@ -55,7 +55,7 @@ TEST(PiecewiseQueue, LeavesEntriesWhereTheyAre) {
     }
 }
 
-TEST(PiecewiseQueue, GivesBackWhatWasTaken) {
+TEST(PiecewiseQueue, FreesTakenPieces) {
     constexpr std::size_t count = 1000000;
     Queue queue;
     for (std::size_t number = 0; number < count; ++number) {

@@ -20,7 +20,7 @@ void expectRejected(const Case (&cases)[count]) {
     }
 }
 
-TEST(Rejection, OfOpenersThatOpenNoStatement) {
+TEST(Rejection, OfDelimitersThatOpenNoTag) {
     expectRejected({
         {"an opener of a statement in text", "50{% off"},
         {"an opener of a substitution in text", "a {{ b"},
@@ -39,7 +39,7 @@ TEST(Rejection, OfOpenersThatOpenNoStatement) {
     });
 }
 
-TEST(Rejection, OfNamesThatAreNone) {
+TEST(Rejection, OfInvalidNames) {
     expectRejected({
         {"a hyphen", "{{ a-b }}"},
         {"a leading digit", "{{ 1x }}"},
@@ -63,7 +63,7 @@ TEST(Rejection, OfNamesThatAreNone) {
     });
 }
 
-TEST(Rejection, OfKeywordsThatAreNotRead) {
+TEST(Rejection, OfInvalidKeywords) {
     expectRejected({
         {"a variable that swallows the keyword in", "{% for xin ys %}{% endfor %}"},
         {"a keyword in that is missing", "{% for x of ys %}{% endfor %}"},
@@ -98,7 +98,7 @@ TEST(Rejection, OfLineBreaksInsideTags) {
     }
 }
 
-TEST(Rejection, OfPathsThatAreNone) {
+TEST(Rejection, OfInvalidPaths) {
     expectRejected({
         {"one that goes up first", "{% include \"../x.txt\" %}"},
         {"one in this folder", "{% include \"./x.txt\" %}"},

@@ -26,7 +26,7 @@ TEST(EverySequence, OfAFewTokensIsReadTheSame) {
     tryAllSequences("", static_cast<int>(count), thorough() ? 4 : 3);
 }
 
-TEST(SecondReading, AgreesOnAllEndsOfStatementsThatBeganWell) {
+TEST(SecondReading, AgreesOnAllEndsOfTagsWithAValidBeginning) {
     const int count = thorough() ? 3 : 2;
     for (const char* const begin :
          {"{%if x", "{% if x %}", "{% if x %}{% else", "{% if x %}a{% else %}",

@@ -34,7 +34,7 @@ class Notes : public SyntaxVisitor {
     std::string notes_;
 };
 
-TEST(Syntax, GivesThePartsInTheirOrder) {
+TEST(Syntax, ReturnsThePartsInOrder) {
     const struct {
         const char* name;
         std::string input;
@@ -68,7 +68,7 @@ TEST(Syntax, GivesThePartsInTheirOrder) {
     }
 }
 
-TEST(Syntax, TellsWhatIsExpectedWhere) {
+TEST(Syntax, ReportsWhatIsExpectedAndWhere) {
     // In each text, `^` marks the fault.
     const struct {
         const char* name;
@@ -146,7 +146,7 @@ TEST(Syntax, TellsWhatIsExpectedWhere) {
     }
 }
 
-TEST(Syntax, TellsWhichTagIsAtFaultAndWhichBlockIsOpen) {
+TEST(Syntax, ReportsTheMalformedTagAndTheOpenBlock) {
     const struct {
         const char* name;
         const char* input;
@@ -170,7 +170,7 @@ TEST(Syntax, TellsWhichTagIsAtFaultAndWhichBlockIsOpen) {
     }
 }
 
-TEST(Syntax, FindsNothingWrongInATemplate) {
+TEST(Syntax, FindsNoFaultInATemplate) {
     const SyntaxFault fault = findSyntaxFault("{% if a %}{{ b }}{% endif %}");
     EXPECT_FALSE(fault.isPresent());
     EXPECT_STREQ(describe(fault.expected), "");
@@ -189,7 +189,7 @@ TEST(Syntax, IsReadByCopiesOfAVisitor) {
     EXPECT_EQ(assigned.notes(), copy.notes());
 }
 
-TEST(Syntax, LetsThroughWhatTheVisitorThrows) {
+TEST(Syntax, PropagatesExceptionsOfTheVisitor) {
     struct Thrower : SyntaxVisitor {
         void visit(const SyntaxElement&) override { throw std::runtime_error("enough"); }
     };

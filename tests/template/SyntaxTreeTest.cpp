@@ -14,7 +14,7 @@ static_assert(std::is_same_v<content_list, std::vector<content>>);
 static_assert(std::is_aggregate_v<if_expr> && std::is_aggregate_v<for_expr>);
 static_assert(std::is_aggregate_v<replace_expr> && std::is_aggregate_v<include_expr>);
 
-TEST(Content, IsAnEmptyConditionalAtFirst) {
+TEST(Content, IsInitiallyAnEmptyConditional) {
     const content node;
     EXPECT_EQ(node.which(), 0);
     const auto& record = boost::get<if_expr>(node);
@@ -51,7 +51,7 @@ TEST(Content, IsCopiedWithEverythingBelowIt) {
     EXPECT_EQ(support::describe(copy), "if(a ? for(b in c ? 'x' {d} include(e)) : 'y')");
 }
 
-TEST(Content, LeavesAnEmptyRecordBehindWhenItIsMoved) {
+TEST(Content, LeavesAnEmptyRecordWhenMoved) {
     content source = for_expr{{content(std::string("body"))}, "variable", "list"};
     const content target(std::move(source));
     EXPECT_EQ(support::describe({target}), "for(variable in list ? 'body')");

@@ -4,7 +4,7 @@
 namespace kel::Stencilor {
 namespace {
 
-TEST(Context, GivesEachKindOfValueItsClass) {
+TEST(Context, HasAClassForEachKindOfValue) {
     const Context made(Value{{"text", "a"},
                              {"number", 1},
                              {"raw", Value::raw("<b>")},
@@ -57,7 +57,7 @@ TEST(Context, IsRendered) {
     expectRendered(cases);
 }
 
-TEST(Context, HasElementsThatAreNoDictionariesAsValue) {
+TEST(Context, ProvidesElementsThatAreNotDictionariesAsValue) {
     const struct {
         const char* name;
         Value list;
@@ -90,7 +90,7 @@ TEST(Context, HasElementsThatAreNoDictionariesAsValue) {
 }
 
 /// A prefix is not tied to its loop.
-TEST(Context, AnswersAnOuterLoopVariableWithTheInnerElementWhereItHasTheKey) {
+TEST(Context, FindsAnOuterVariableInTheInnerElementIfItHasTheKey) {
     const Value table{{"rows", Value::list({Value::list({"a"})})}};
     EXPECT_EQ(rendered(table, "{% for row in rows %}{% for cell in row.value %}"
                               "{{ row.value }}{% endfor %}{% endfor %}"),
@@ -147,7 +147,7 @@ TEST(BooleanDictionaries, AreRefusedWithoutABoolean) {
     }
 }
 
-TEST(Context, IsRefusedWhereTheRootIsNoDictionary) {
+TEST(Context, IsRejectedIfTheRootIsNotADictionary) {
     for (const Value& root : {Value(nullptr), Value(true), Value("a"), Value::list({Value{}})}) {
         EXPECT_THROW(Context{root}, std::invalid_argument);
     }
@@ -164,7 +164,7 @@ TEST(Context, IsMoved) {
     EXPECT_EQ(buildOutput("{{ a }}", target), "2");
 }
 
-TEST(Context, KeepsNothingOfTheValue) {
+TEST(Context, IsIndependentOfTheValue) {
     Value value{{"a", std::string(100, 'a')}, {"b", Value::list({"1"})}};
     const Context context(value);
     value = nullptr;

@@ -79,7 +79,7 @@ TEST(Conversion, MakesBooleansOfBooleans) {
     EXPECT_FALSE(Value(false).isTrue());
 }
 
-TEST(Conversion, MakesNullOfWhatIsNotThere) {
+TEST(Conversion, MakesNullFromAbsentValues) {
     EXPECT_EQ(Value(nullptr).kind(), Value::Kind::Null);
     EXPECT_EQ(Value(std::nullopt).kind(), Value::Kind::Null);
     EXPECT_EQ(Value(std::optional<int>()).kind(), Value::Kind::Null);

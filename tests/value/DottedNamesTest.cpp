@@ -118,7 +118,7 @@ TEST(DottedNames, ReachToTheDeepestLevel) {
 
 /// Alternating dictionaries and lists. If each list were copied for each dictionary around it, the
 /// copies would double with every level.
-TEST(DottedNames, OfListsWithinListsTakeNoCopies) {
+TEST(DottedNames, OfListsWithinListsAreNotCopied) {
     Value value{{"n", "x"}};
     std::string text = "{{ n }}";
     for (int i = 0; i < 100; ++i) {
@@ -136,7 +136,7 @@ Value members(int count) {
     return result;
 }
 
-TEST(DottedNames, AreRefusedWhereTheyWouldTakeTooMuch) {
+TEST(DottedNames, AreRejectedIfTheyNeedTooMuchMemory) {
     constexpr std::size_t mebibyte = 1024 * 1024;
     const std::string longText(60 * mebibyte, 'x'); // shared, so that it exists once
     const struct {

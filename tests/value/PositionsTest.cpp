@@ -41,7 +41,7 @@ TEST(Positions, GiveWayToKeys) {
               "out");
 }
 
-TEST(Positions, AreBesideTheValueOfAnElement) {
+TEST(Positions, AreAddedToTheValueOfAnElement) {
     EXPECT_EQ(rendered({{"l", Value::list({"a", "b"})}},
                        "{% for x in l %}{{ x.index }}{{ x.value }}{% endfor %}", positions),
               "1a2b");
@@ -58,7 +58,7 @@ TEST(Positions, AreInListsUnderDottedNames) {
               "12");
 }
 
-TEST(Positions, AreThereOnRequestAlone) {
+TEST(Positions, AreOnlyAddedOnRequest) {
     EXPECT_EQ(rendered({{"l", Value::list({"a"})}}, "{% for x in l %}{{ x.index }}{% endfor %}"),
               "Could not find expected replacement named \"x.index\"\n");
 }

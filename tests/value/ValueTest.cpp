@@ -39,7 +39,7 @@ TEST(Value, IsOfTheKindThatItWasMadeOf) {
     }
 }
 
-TEST(Value, IsReadAsWhatItIs) {
+TEST(Value, IsReadAsItsKind) {
     const Value value{{"b", true}, {"a", "text"}, {"c", Value::list({1, "two"})}};
     EXPECT_EQ(value.size(), 3u);
     EXPECT_THAT(value.keys(), ElementsAre("a", "b", "c"));
@@ -54,7 +54,7 @@ TEST(Value, IsReadAsWhatItIs) {
     EXPECT_FALSE(Value(false).isTrue());
 }
 
-TEST(Value, HasNothingOfOtherKinds) {
+TEST(Value, IsEmptyAsAnotherKind) {
     const struct {
         const char* name;
         Value value;
@@ -120,7 +120,7 @@ TEST(Value, TakesACopyOfItself) {
     EXPECT_EQ(list, Value::list({1, Value::list({1})}));
 }
 
-TEST(Value, RefusesAChangeThatItsKindDoesNotHave) {
+TEST(Value, RejectsChangesThatItsKindDoesNotSupport) {
     for (const Value& source : {Value(nullptr), Value(true), Value("a"), Value::raw("a")}) {
         Value value = source;
         EXPECT_THROW(value.set("a", 1), std::logic_error);
@@ -242,7 +242,7 @@ TEST(ValueDepth, IsBounded) {
     EXPECT_EQ(Value::deepest, 512u);
 }
 
-TEST(ValueDepth, CountsWhatIsThere) {
+TEST(ValueDepth, CountsCurrentContents) {
     Value value;
     value.set("empty", nestedLists(Value::deepest - 1));
     EXPECT_THROW(Value::list({value}), std::length_error);

@@ -97,7 +97,7 @@ TEST(Border, ValuesMayBeMadeOnOneSideAndDestroyedOnTheOther) {
     }
 }
 
-TEST(Border, TextsAndBuffersAreFreedByWhomeverHasThem) {
+TEST(Border, TextsAndBuffersAreFreedByTheirOwner) {
     const TemporaryFolder folder;
     folder.writeFile("file", longText);
     const kel::String path = folder.path("file");
@@ -121,7 +121,7 @@ TEST(Border, TextsAndBuffersAreFreedByWhomeverHasThem) {
 }
 
 // Shows that the tests above detect leaks.
-TEST(Border, WhatIsLeftBehindOnEitherSideCounts) {
+TEST(Border, LeaksOnEitherSideAreDetected) {
     for (ContextBase* (*make)() : {madeHere, madeThere}) {
         const std::size_t before = allocatedBlocks();
         ContextBase* const values = make();

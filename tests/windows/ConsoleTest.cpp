@@ -176,7 +176,7 @@ TEST(ConsoleTest, ShowsColorsUnlessTheyAreUnwanted) {
     ::SetEnvironmentVariableW(L"NO_COLOR", nullptr);
 }
 
-TEST(ConsoleTest, EndsToWatchAtCtrlC) {
+TEST(ConsoleTest, StopsWatchingAtCtrlC) {
     const support::TemporaryFolder folder;
     const support::WorkingFolder inside(folder.path());
     folder.writeFile("page.txt", "text");
