@@ -1,4 +1,4 @@
-# Takes the fenced blocks out of a Markdown file, so that they can be compiled and run.
+# Extracts the fenced blocks of a Markdown file, so that they can be compiled and run.
 #
 #   awk -f extract.awk -v document=NAME -v folder=FOLDER FILE
 #

@@ -1,6 +1,6 @@
 # stencilor_expect_targets(FOLDER TARGETS...)
 #
-# Fails unless TARGETS are all that a folder and those below it build, objects on their way aside.
+# Fails unless TARGETS are all targets of a folder and its subfolders, except for object libraries.
 function(stencilor_expect_targets folder)
     set(built "")
     set(folders "${folder}")
