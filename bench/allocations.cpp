@@ -5,7 +5,7 @@
 #include <algorithm>
 
 // The allocator's functions are replaced for the whole process by ones that count and then call
-// glibc's own. Counting goes on in a call of its own, never while a call is timed.
+// those of glibc. Calls are never counted while they are timed.
 
 extern "C" {
 void* __libc_malloc(std::size_t size);

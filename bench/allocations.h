@@ -5,14 +5,14 @@
 
 namespace bench {
 
-/// What one stretch of code asked of the memory allocator.
+/// The allocations of a piece of code.
 struct allocations {
     std::size_t count = 0;
-    std::size_t peakBytes = 0; // above what was in use at the beginning
-    std::size_t heldBytes = 0; // at the end, likewise
+    std::size_t peakBytes = 0; // relative to the start
+    std::size_t heldBytes = 0; // at the end, relative to the start
 };
 
-/// Counts from here on, in all threads and libraries of the process.
+/// Starts counting, in all threads and libraries of the process.
 void startCounting();
 allocations stopCounting();
 

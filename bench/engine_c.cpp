@@ -35,7 +35,7 @@ stencilor::Value toCValue(const value& from) {
     return made;
 }
 
-/// What a host keeps from one render to the next.
+/// The state that a host keeps between renders.
 struct handles {
     explicit handles(const workload& work)
         : handles(work, translated(work.text, language::stencilor, work.escaped)) {}

@@ -12,8 +12,8 @@ using ctemplate::DO_NOT_STRIP;
 
 void fill(ctemplate::TemplateDictionary& dictionary, const object& data);
 
-/// One member of an object. The engine knows no `else`: where a workload needs one, its template
-/// has a second section, named with `not_` in front.
+/// One member of an object. The engine has no `else`; if a workload needs one, its template has a
+/// second section with the prefix `not_`.
 struct member_filler {
     void operator()(const std::string& text) const { dictionary.SetValue(name, text); }
     void operator()(bool truth) const { dictionary.ShowSection(truth ? name : "not_" + name); }
@@ -23,7 +23,7 @@ struct member_filler {
         }
     }
     void operator()(const object&) const { throw std::logic_error("no workload nests objects"); }
-    /// An included template sees only the dictionary that is made for it: the texts and booleans
+    /// An included template only sees the dictionary that is made for it: the texts and booleans
     /// around the include.
     void operator()(const partial& included) const {
         ctemplate::TemplateDictionary& own = *dictionary.AddIncludeDictionary(name);
@@ -47,7 +47,7 @@ void fill(ctemplate::TemplateDictionary& dictionary, const object& data) {
     }
 }
 
-/// Templates without includes: an object, as small as the engine can do it.
+/// Templates without includes: an object, with the smallest possible overhead.
 class single {
   public:
     single(const std::string& text, parsing when)
@@ -68,8 +68,8 @@ class single {
     parsed beforehand_;
 };
 
-/// Templates with includes: a cache. It reads the files and parses in every call, or has all in
-/// memory, or keeps files and checks in each call whether they changed.
+/// Templates with includes: a cache. It either reads and parses the files in every call, or has
+/// everything in memory, or keeps files and checks in each call whether they changed.
 class cached {
   public:
     cached(page from, bool inFiles, parsing when)

@@ -21,8 +21,8 @@ std::string readFile(const std::string& path) {
     return text;
 }
 
-/// Makes data of values. Partials are functions that return a text, which the engine parses
-/// whenever it renders one.
+/// Converts values. Partials are functions that return a text, which the engine parses each time it
+/// renders one.
 struct converter {
     data operator()(const std::string& text) const { return data(text); }
     data operator()(bool truth) const { return data(truth); }

@@ -17,7 +17,7 @@ page ours(const workload& work) {
     return translated(work.text, language::stencilor, work.escaped);
 }
 
-/// A template that is parsed beforehand, or kept by `FileTemplates`, and what it is rendered with.
+/// A template that is parsed in advance, or cached by `FileTemplates`, with its data.
 class prepared {
   public:
     prepared(const workload& work, std::shared_ptr<const ContextDictionary> context)

@@ -11,7 +11,7 @@ std::string peerTag(const char* kind, const std::string& name) {
     return "{{" + (kind + name) + "}}";
 }
 
-/// Peers search the member's name alone, in one scope after the other.
+/// Peers search for the member's name alone, in one scope after the other.
 std::string member(const std::string& name) {
     return name.substr(name.rfind('.') + 1);
 }
@@ -81,7 +81,7 @@ class translator {
         return open(peerTag(kind, section_), peerTag("/", section_));
     }
 
-    /// The section opened last is the one that is closed: no workload has a block before `else`.
+    /// The most recently opened section is closed: no workload has a block before `else`.
     std::string otherwise() {
         const std::string end = close();
         return end + (to_ == language::mustache ? openSection("^", section_)

@@ -1,5 +1,5 @@
-// Measures this engine alongside two others, and prints its times as parts of the better one's,
-// with the target of each.
+// Measures this engine alongside two others, and prints its times relative to the faster one, with
+// the targets.
 
 #include "allocations.h"
 #include "engines.h"
@@ -39,7 +39,7 @@ struct contender {
     std::size_t calls = 0; // in a slice
 };
 
-/// One of our calls, and those of which the better one is compared with it.
+/// One of our calls, and the rivals, of which the faster one is compared with it.
 struct race {
     std::string engine;
     std::vector<std::string> rivals;
@@ -101,8 +101,7 @@ void check(const contest& each) {
     }
 }
 
-/// Nanoseconds on the processor, which other work on the machine disturbs less than those on the
-/// clock.
+/// Processor time in nanoseconds, which other processes disturb less than wall-clock time.
 double timeOf(const contender& engine, std::size_t calls) {
     const std::clock_t begin = std::clock();
     for (; calls > 0; --calls) {
@@ -111,7 +110,7 @@ double timeOf(const contender& engine, std::size_t calls) {
     return static_cast<double>(std::clock() - begin) * (1e9 / CLOCKS_PER_SEC);
 }
 
-/// Sets how many calls fill a slice: one, or so many that they take two to four milliseconds.
+/// Sets the number of calls in a slice: one, or enough to take two to four milliseconds.
 void setCalls(contender& engine) {
     constexpr double enough = 2e6;
     for (engine.calls = 1; timeOf(engine, engine.calls) < enough;) {
@@ -121,7 +120,7 @@ void setCalls(contender& engine) {
 
 using figures = std::map<std::string, double>;
 
-/// The better of those that were measured; null if none was.
+/// The fastest of those that were measured; null if there is none.
 const figures::value_type* bestOf(const figures& times, const std::vector<std::string>& engines) {
     const figures::value_type* best = nullptr;
     for (const std::string& engine : engines) {
@@ -133,8 +132,8 @@ const figures::value_type* bestOf(const figures& times, const std::vector<std::s
     return best;
 }
 
-/// Measures the engines in turns of a slice each, so that what disturbs the machine meets all of
-/// them, and reports their times and ratios.
+/// Measures the engines in alternating slices, so that disturbances affect all of them, and reports
+/// their times and ratios.
 void measure(benchmark::State& state, contest& each) {
     std::minstd_rand random;
     figures times;
@@ -154,7 +153,7 @@ void measure(benchmark::State& state, contest& each) {
     }
 }
 
-/// Keeps the medians and prints nothing: the table follows at the end.
+/// Keeps the medians and prints nothing, because the table follows at the end.
 class median_reporter : public benchmark::BenchmarkReporter {
   public:
     bool ReportContext(const Context&) override { return true; }
@@ -170,7 +169,7 @@ class median_reporter : public benchmark::BenchmarkReporter {
     std::map<std::string, figures> medians; // by workload
 };
 
-/// @return false where an argument is wrong
+/// @return false if an argument is wrong
 bool run(std::vector<std::string> arguments, median_reporter& reporter) {
     arguments.insert(arguments.begin() + 1,
                      {"--benchmark_repetitions=7", "--benchmark_min_time=0.5"});
@@ -187,13 +186,14 @@ bool run(std::vector<std::string> arguments, median_reporter& reporter) {
     return true;
 }
 
-/// Compares what is printed, so rounded as it is printed.
+/// Compares the ratio as printed, that is, rounded.
 const char* verdict(double figure, double target, bool atLeast = false) {
     const double difference = std::round(figure * 100) - std::round(target * 100);
     return (atLeast ? difference >= 0 : difference <= 0) ? "reached" : "MISSED";
 }
 
-/// The columns of one of our calls: its time, the better rival's, their ratio, and the target.
+/// The columns of one of our calls: its time, that of the faster rival, their ratio, and the
+/// target.
 void printRace(const figures& medians, const race& each, std::optional<double> target) {
     const auto ratio = medians.find(each.ratio());
     if (ratio == medians.end()) {
@@ -265,7 +265,7 @@ void printFigures(const median_reporter& measured, const std::vector<contest>& c
         }
         const figures& medians = measured.medians.at(name);
         if (!each.work.inFiles) {
-            // A small page does not hide the memory of one handle.
+            // For a small page, the memory of one handle is significant.
             printFigure((name + ": render through C, of Template").c_str(),
                         medians.at(each.races[4].ratio()), name == "W1" ? 1.2 : 1.05);
         }

@@ -1,4 +1,4 @@
-// A page as large as those of manuals: prose, a menu, chapters of sections of notes, a list of
+// A page of the size of a manual: prose, a menu, chapters with sections of notes, a list of
 // sources, and twenty includes.
 
 #include "workloads.h"

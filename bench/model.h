@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// The data of a workload in no engine's own form; each engine makes its context of it before
+/// The data of a workload, independent of any engine. Each engine makes its context from it before
 /// anything is timed.
 struct value;
 using list = std::vector<value>;

@@ -107,7 +107,7 @@ constexpr const char* pageRow = "  <li class=\"row\"><a href=\"[item.url]\">[ite
 constexpr const char* includedRow = "  <li class=\"row\"><a href=\"[url]\">[name]</a>"
                                     "[if new] <b>new</b>[end]: [description]</li>\n";
 
-/// What reading a file takes at the least: its status, opening, reading, closing.
+/// The minimal calls to read a file: status, open, read, close.
 void readBare(const std::string& path) {
     struct stat status;
     std::array<char, 4096> bytes;
@@ -133,7 +133,8 @@ workload productPage(std::size_t count) {
             .templateTarget = few ? 0.85 : 0.80};
 }
 
-/// Every engine escapes the characters in this data alike; apostrophes they do not.
+/// All engines escape the characters in this data in the same way, which is not true for
+/// apostrophes.
 workload escapedPage() {
     const std::vector<product> rows = products(1000, "in <blue> & \"red\".");
     return {.name = "W10",
@@ -146,8 +147,8 @@ workload escapedPage() {
             .templateTarget = 0.60};
 }
 
-/// The row of W2 in a file. `buildOutput` reads it for each row; `hand` reads it as often and does
-/// nothing else, its text is that of a plain page.
+/// The row of W2 in a file. `buildOutput` reads it for each row; `hand` also reads it for each row,
+/// but only uses the text of a plain page.
 workload includedRows() {
     const std::vector<product> rows = products(1000);
     const std::string path = "row.html";

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// How many times a second the functions are called, all together, a thread for each.
+/// The total number of calls per second, with one thread for each function.
 double rate(const std::vector<std::function<std::size_t()>>& renders);
 
 } // namespace bench

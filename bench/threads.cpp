@@ -1,6 +1,5 @@
-// Renders with one thread and with two at once, from one context, and prints how much more two
-// render. The two ways take turns; the best turn of each counts, since what disturbs the machine
-// only ever takes time away.
+// Renders with one thread and with two at once, from one context, and prints the speedup. The
+// measurements alternate, and the best of each counts, because disturbances can only cost time.
 
 #include "engines.h"
 #include "rate.h"

@@ -6,7 +6,7 @@ namespace bench {
 
 namespace {
 
-/// An object of one member.
+/// An object with one member.
 value objectOf(const std::string& name, value member) {
     object made;
     made.emplace(name, std::move(member));

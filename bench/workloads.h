@@ -13,8 +13,8 @@
 
 namespace bench {
 
-/// Renders once and returns how many bytes came out. What it rendered stays until the next call.
-/// The contexts are made beforehand and belong to the function.
+/// Renders once and returns the number of bytes. The output is kept until the next call. The
+/// contexts are made in advance and belong to the function.
 struct renderer {
     std::function<std::size_t()> render;
     std::function<std::string()> output;
@@ -27,13 +27,13 @@ struct workload {
     page text;
     object data;
     bool escaped = false; // for HTML, which `buildOutput` cannot do
-    bool inFiles = false; // parsed beforehand means: the engine keeps and checks files itself
+    bool inFiles = false; // parsed in advance means that the engine caches and checks files itself
 
     /// Code that appends the same bytes to a string, from a struct. `buildOutput` is compared with
-    /// it where no peer parses in every call.
+    /// it if no peer parses in every call.
     renderer hand;
 
-    /// At most this part of the better peer's time.
+    /// The target: at most this fraction of the faster peer's time.
     std::optional<double> buildOutputTarget = {};
     std::optional<double> templateTarget = {};
 };

@@ -1,6 +1,6 @@
-// Measures how time and memory grow with the size of the work, and writes a table of numbers: for
-// each series and size the median time of one call in microseconds, its allocations, and the bytes
-// it held at most. scripts/bench-growth draws it.
+// Measures how time and memory grow with the size of the input, and writes a table: for each series
+// and size, the median time of one call in microseconds, its allocations, and its peak memory in
+// bytes. scripts/bench-growth plots it.
 
 #include "../allocations.h"
 #include "series.h"
@@ -16,13 +16,13 @@ namespace {
 
 using namespace bench;
 
-/// Renders once; the result is dropped.
+/// Renders once, and discards the result.
 void render(const sample& work) {
     kel::String errors;
     buildOutput(work.text, *work.context, errors);
 }
 
-/// The median of several runs, each of as many calls as take some milliseconds.
+/// The median of several runs, each with enough calls to take several milliseconds.
 double medianMicroseconds(const sample& work) {
     using clock = std::chrono::steady_clock;
     using microseconds = std::chrono::duration<double, std::micro>;
@@ -59,8 +59,8 @@ void measure(const series& each, std::size_t size) {
 } // namespace
 
 int main() {
-    // What the allocator returns to the system between calls, and is given anew page by page,
-    // depends on what else the process does: here it keeps what it has.
+    // The allocator keeps its memory here. Otherwise, what it returns to the system between calls,
+    // and gets again page by page, would depend on the rest of the process.
     mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
 

@@ -49,7 +49,7 @@ sample nesting(std::size_t depth) {
     return {repeated("{% if yes %}", depth) + "{{ a }}" + repeated("{% endif %}", depth), names()};
 }
 
-/// Ten thousand names are looked up, whatever the width.
+/// Ten thousand names are looked up, regardless of the width.
 sample width(std::size_t entries) {
     auto context = names();
     for (std::size_t number = 0; number < entries; ++number) {

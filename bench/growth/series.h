@@ -11,13 +11,13 @@
 
 namespace bench {
 
-/// A template and its context, of some size.
+/// A template and its context of a given size.
 struct sample {
     kel::String text;
     std::unique_ptr<kel::Stencilor::ContextDictionary> context;
 };
 
-/// One way in which work for the engine can grow.
+/// One way in which the input of the engine can grow.
 struct series {
     std::string name;
     std::size_t smallest;

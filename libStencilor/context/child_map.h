@@ -23,15 +23,15 @@ class ContextBase;
 
 namespace internal {
 
-/// Where a search by `child_table` begins.
+/// The starting position of a search in a `child_table`.
 using child_guess = std::uint8_t;
 
-/// An ordered map of children, made for being searched: like values have like keys in like order,
-/// so where a key was in one of them it nearly always is in the next.
+/// An ordered map of children, optimized for lookups: similar values have similar keys in the same
+/// order, so a key is nearly always at the same position in the next value.
 ///
-/// How it works: entries stay where they were added, the first in the table and the others in
-///   blocks, and are linked in the order of their keys. Few are searched one after the other; where
-///   there are more, a tree leads to them. None is ever removed.
+/// How it works: entries do not move. The first ones are in the table and the others in blocks, and
+/// all are linked in the order of their keys. Few entries are searched linearly, more of them
+/// through a tree. Entries are never removed.
 /// Ownership: owns keys, not values.
 template <typename Key>
 class child_table {
@@ -40,7 +40,7 @@ class child_table {
   public:
     using value_type = std::pair<const Key, ContextBase*>;
 
-    /// Goes through the entries in the order of their keys.
+    /// Iterates over the entries in the order of their keys.
     template <typename Value>
     class basic_iterator {
       public:
@@ -104,7 +104,7 @@ class child_table {
     /// Finds the entry of `key`, or the end.
     const_iterator find(const Key& key) const { return const_iterator(search(key)); }
 
-    /// The same. `guess` is set to where the entry is.
+    /// The same, and sets `guess` to the position of the entry.
     const_iterator find(const Key& key, child_guess& guess) const {
         node* const found = search(key);
         if (found != nullptr) {
@@ -113,7 +113,7 @@ class child_table {
         return const_iterator(found);
     }
 
-    /// The value under `key`, if `guess` is where it is; otherwise null.
+    /// The value under `key` if it is at the position `guess`; otherwise null.
     ContextBase* guess(const Key& key, child_guess guess) const {
         const node* const guessed = guess < size_ ? nodeAt(guess) : nullptr;
         return guessed != nullptr && guessed->entry.first == key ? guessed->entry.second : nullptr;
@@ -156,7 +156,7 @@ class child_table {
         return std::launder(reinterpret_cast<node*>(const_cast<std::byte*>(firstNode_)));
     }
 
-    /// The node that was added after `position` others; there is one.
+    /// The node at `position` in the order of addition, which must exist.
     node* nodeAt(std::size_t position) const noexcept {
         assert(position < size_);
         if (position == 0) {
@@ -169,7 +169,7 @@ class child_table {
         return at->nodes() + position;
     }
 
-    /// After how many others `found` was added.
+    /// The position of `found` in the order of addition.
     std::size_t positionOf(const node* found) const noexcept {
         if (found == firstNode()) {
             return 0;
@@ -194,7 +194,7 @@ class child_table {
         return at;
     }
 
-    /// The link to what follows `key`, which has no entry.
+    /// The link to the successor of `key`, which has no entry.
     node** linkBefore(const Key& key) {
         node** link = &lowest_;
         if (tree_ != nullptr) {
@@ -207,7 +207,7 @@ class child_table {
         return link;
     }
 
-    /// Adds an entry of a null value. What can fail comes first.
+    /// Adds an entry with a null value. Steps that can fail come first.
     node* add(const Key& key) {
         node** const link = linkBefore(key);
         node* const added = new (room()) node{{key, nullptr}, *link};
@@ -222,7 +222,7 @@ class child_table {
         return added;
     }
 
-    /// Where the next node goes.
+    /// The place of the next node.
     void* room() {
         if (size_ == 0) {
             return firstNode_;
@@ -260,7 +260,7 @@ class child_table {
     alignas(node) std::byte firstNode_[sizeof(node)];
 };
 
-/// The map of another base library's strings, which are only compared by their order.
+/// The map for strings of another base library, which only have an order.
 template <typename Key>
 class plain_child_map : public std::map<Key, ContextBase*> {
   public:

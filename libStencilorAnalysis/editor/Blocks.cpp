@@ -27,7 +27,7 @@ std::string_view wordOf(Kind kind) {
     }
 }
 
-/// The end of a block that has none is taken to be at the end of the text, and may be typed there.
+/// An unclosed block ends at the end of the text, where its end may be typed.
 bool isMissingAt(const SyntaxElement& part, std::size_t offset) {
     return part.whole.isEmpty() && part.whole.end == offset;
 }
@@ -45,7 +45,7 @@ unsigned int skipSpaces(const TemplateFile& file, unsigned int at) {
 std::vector<BlockTags> findBlocks(const TemplateFile& file) {
     const auto& parts = file.parts();
     std::vector<BlockTags> blocks;
-    std::vector<std::size_t> open; // indices of the blocks
+    std::vector<std::size_t> open; // the indices of open blocks
     for (std::size_t i = 0; i < parts.size(); ++i) {
         switch (parts[i].kind) {
         case Kind::If:
@@ -92,7 +92,7 @@ std::vector<std::size_t> blocksAround(const TemplateFile& file, std::size_t offs
             open.pop_back();
         }
     }
-    // A closing tag that the offset is in ends what is inside of it.
+    // A closing tag that contains the offset ends the inside of its block.
     const std::size_t at = partAt(file, offset);
     if (!open.empty() && at != TemplateFile::none && parts[at].whole.begin < offset &&
         offset < parts[at].whole.end &&
@@ -110,7 +110,7 @@ bool isAfterElse(const TemplateFile& file, std::size_t open, std::size_t offset)
 SyntaxRange keywordRangeOf(const TemplateFile& file, const SyntaxElement& tag) {
     const std::string_view word = wordOf(tag.kind);
     const unsigned int begin = skipSpaces(file, tag.whole.begin + 2);
-    // A tag at fault may have been taken for one of another keyword.
+    // A malformed tag may have been interpreted as one with another keyword.
     const bool isThere = !word.empty() && begin < tag.whole.end &&
                          file.slice({begin, tag.whole.end}).starts_with(word);
     return isThere ? SyntaxRange{begin, begin + static_cast<unsigned int>(word.size())}

@@ -6,30 +6,29 @@
 #include <cstddef>
 #include <vector>
 
-// The blocks of a template, as editors show them. In a template that is rejected, those that the
-// analysis goes on with.
+// The blocks of a template, for editors. In a rejected template, those that the analysis assumes.
 
 namespace kel::Stencilor::Analysis {
 
-/// The tags of a block, as indices of parts.
+/// The indices of the tags of a block.
 struct BlockTags {
     std::size_t open;
-    std::size_t otherwise; ///< its `else`; `TemplateFile::none` without one
+    std::size_t otherwise; ///< its `else`, or `TemplateFile::none`
     std::size_t close;
-    std::size_t depth; ///< how many blocks are around it
+    std::size_t depth; ///< the number of blocks around it
 };
 
-/// All blocks, in the order in which they open.
+/// All blocks, in the order of their opening tags.
 std::vector<BlockTags> findBlocks(const TemplateFile& file);
 
-/// The part at an offset, the later one between two; `TemplateFile::none` where there is none.
+/// The part at an offset, or the later one between two parts, or `TemplateFile::none`.
 std::size_t partAt(const TemplateFile& file, std::size_t offset);
 
-/// The tags that open the blocks around an offset, the outermost first. The tags of a block are not
+/// The opening tags of the blocks around an offset, outermost first. The tags of a block are not
 /// inside it.
 std::vector<std::size_t> blocksAround(const TemplateFile& file, std::size_t offset);
 
-/// Whether the `else` of the block that `open` opens comes before an offset.
+/// True if the `else` of the block with the opening tag `open` is before an offset.
 bool isAfterElse(const TemplateFile& file, std::size_t open, std::size_t offset);
 
 /// The keyword of a tag; empty for texts and substitutions.

@@ -22,7 +22,7 @@ std::string_view variableOf(const TemplateFile& file, std::size_t loop) {
     return file.slice(file.parts()[loop].name);
 }
 
-/// The first loop around a part, from the inside, whose variable a name begins with.
+/// The innermost loop around a part whose variable is a prefix of a name.
 std::size_t findLoopAround(const TemplateFile& file, std::size_t part, std::string_view name) {
     std::size_t loop = file.loopAround(part);
     while (loop != TemplateFile::none && !hasPrefix(name, variableOf(file, loop))) {
@@ -125,7 +125,7 @@ std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string
         if (owner == loop) {
             const std::string renamed =
                 std::string(name) + std::string(used.substr(variableOf(file, loop).size()));
-            // Loops between the use and this one come first.
+            // Loops between the use and this one take precedence.
             for (std::size_t inner = file.loopAround(i); inner != loop;
                  inner = file.loopAround(inner)) {
                 if (hasPrefix(renamed, variableOf(file, inner))) {

@@ -22,33 +22,32 @@ struct NameAt {
     Role role;
 };
 
-/// The one that an offset is in, or at the end of.
+/// The name or path that contains an offset, or ends there.
 std::optional<NameAt> findNameAt(const TemplateFile& file, std::size_t offset);
 
-/// The loop whose variable the name that a tag asks the context for begins with, the innermost of
-/// several; `TemplateFile::none` if there is none.
+/// The innermost loop whose variable is a prefix of the name in a tag, or `TemplateFile::none`.
 std::size_t findLoopOf(const TemplateFile& file, std::size_t part);
 
-/// The variable that such a name begins with, without the dot; empty if there is none.
+/// The variable at the beginning of such a name, without the dot, or empty.
 SyntaxRange prefixOf(const TemplateFile& file, std::size_t part);
 
-/// The loop whose variable is at an offset, where it is bound or as a prefix.
+/// The loop whose variable is at an offset, either in its tag or as a prefix.
 std::size_t findLoopAt(const TemplateFile& file, std::size_t offset);
 
-/// Where the variable of a loop is: first where it is bound, then where it is a prefix.
+/// The places of a loop variable: first in its tag, then as a prefix.
 std::vector<SyntaxRange> findVariable(const TemplateFile& file, std::size_t loop);
 
-/// Where the same text is a name of the same role.
+/// The places where the same text has the same role.
 std::vector<SyntaxRange> findSameNames(const TemplateFile& file, const NameAt& name);
 
-/// Why the variable of a loop cannot have another name without changing what names mean; empty if
-/// it can.
+/// The reason why renaming a loop variable would change the meaning of names; empty if it would
+/// not.
 std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string_view name);
 
-/// Whether the language takes a text for a name.
+/// True if a text is a valid name.
 bool isName(std::string_view text);
 
-/// Whether a name begins with a variable and a dot.
+/// True if a name begins with a variable and a dot.
 bool hasPrefix(std::string_view name, std::string_view variable);
 
 } // namespace kel::Stencilor::Analysis

@@ -18,7 +18,7 @@ struct Around {
     std::size_t tag;
     std::size_t site;
     std::size_t element = 0;
-    std::size_t count = 0; ///< as it was found in the last moment
+    std::size_t count = 0; ///< as found at the last moment
 };
 
 std::vector<Around> findAround(const std::vector<Site>& sites) {
@@ -48,7 +48,7 @@ void enterCondition(const Around& block, Moment& moment) {
 void enterLoop(Around& block, Moment& moment) {
     const SyntaxElement& tag = block.file->parts()[block.tag];
     auto found = moment.find(block.file->slice(tag.list));
-    // Reading an element needs a list that is not const.
+    // Reading an element requires a non-const list.
     auto* const list =
         found ? const_cast<ContextIterable*>(dynamic_cast<const ContextIterable*>(found->value))
               : nullptr;
@@ -68,7 +68,7 @@ void enterLoop(Around& block, Moment& moment) {
     }
 }
 
-/// The variables of one file do not count in the files that it includes.
+/// The variables of a file do not apply in the files that it includes.
 void passSites(std::size_t& site, std::size_t next, Moment& moment) {
     if (site != next) {
         moment.variables.clear();
@@ -92,7 +92,7 @@ Moment makeMoment(const ContextBase& context, std::vector<Around>& around, std::
     return moment;
 }
 
-/// Goes on to the next element of the innermost list that has one more.
+/// Advances to the next element of the innermost list that has one.
 bool advance(std::vector<Around>& around) {
     for (auto block = around.rbegin(); block != around.rend(); ++block) {
         if (++block->element < block->count) {

@@ -18,7 +18,7 @@ std::string_view trim(std::string_view text, std::string_view bytes = " \t\r\n")
     return end == text.npos ? std::string_view() : text.substr(begin, end + 1 - begin);
 }
 
-/// A tag without its pairs and what is written at them.
+/// The inside of a tag, without its delimiters and signs next to them.
 struct Inside {
     bool isSubstitution;
     std::string_view text;
@@ -47,7 +47,7 @@ std::string makeTag(const std::string& inside) {
     return "{% " + inside + " %}";
 }
 
-/// `"path"` of a path in any quotation marks, or in none.
+/// Converts a path in any quotation marks, or in none, to `"path"`.
 std::string makePath(std::string_view text) {
     std::string_view path = trim(text, " \t'\"");
     while (path.starts_with("./") || path.starts_with("/")) {
@@ -72,7 +72,7 @@ std::string fixSubstitution(std::string_view inside) {
     return "{{ " + std::string(inside) + " }}";
 }
 
-/// The keyword of this language that is meant by a word.
+/// The keyword that a word probably means.
 std::string keywordFor(const std::string& word, const TemplateFile& file, SyntaxRange block) {
     if (word == "foreach" || word == "each") {
         return "for";
@@ -100,7 +100,7 @@ std::string fixKeyword(std::string_view inside, const TemplateFile& file, Syntax
     return makeTag(keyword + (rest.empty() ? "" : " ") + std::string(rest));
 }
 
-/// Whether a text is one tag that may stand somewhere.
+/// True if a text is a single valid tag.
 bool isTag(const std::string& text) {
     struct Count final : SyntaxVisitor {
         std::size_t tags = 0;

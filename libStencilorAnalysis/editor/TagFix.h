@@ -8,9 +8,9 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// What to write in place of a tag at fault, where there is no doubt: signs that trim, other braces
-/// and quotation marks, misspelt keywords, a path with `./` in front, the tags of other languages
-/// that mean the same. Nothing where what was meant is not one tag.
+/// The replacement for a malformed tag, if it is unambiguous: trim signs, other braces and
+/// quotation marks, misspelled keywords, a path with a leading `./`, and tags of other languages
+/// with the same meaning. Nothing if it would not be a single tag.
 std::optional<std::string> fixTag(const TemplateFile& file, const TagFault& fault);
 
 } // namespace kel::Stencilor::Analysis

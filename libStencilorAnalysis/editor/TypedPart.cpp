@@ -16,7 +16,7 @@ bool isNameByte(char byte) {
     return isLetter(byte) || (byte >= '0' && byte <= '9') || byte == '.' || byte == '/';
 }
 
-/// Reads a tag from its opening pair up to the offset.
+/// Reads a tag from its opening delimiter up to the offset.
 class TagReader {
   public:
     TagReader(std::string_view text, std::size_t at, std::size_t offset)
@@ -48,7 +48,7 @@ class TagReader {
         }
     }
 
-    /// A name, if it is the one that the offset is in; otherwise `at_` is after it.
+    /// Returns a name if it contains the offset; otherwise moves `at_` after it.
     TypedPart name(Kind kind) {
         skipSpaces();
         const std::size_t begin = at_;

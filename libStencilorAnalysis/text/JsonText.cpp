@@ -17,7 +17,7 @@ std::string dump(const Json& document, int indent) {
     return showJson(document.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
-/// Appends text whose lines after the first one are indented further.
+/// Appends text, and indents all lines but the first.
 void appendIndented(std::string& text, std::string_view lines, const std::string& margin) {
     for (std::size_t end = lines.find('\n'); end != lines.npos; end = lines.find('\n')) {
         text.append(lines.substr(0, end + 1)).append(margin);

@@ -15,14 +15,14 @@ struct Range {
     char32_t last;
 };
 
-/// What is escaped, beyond ASCII.
+/// Escaped characters beyond ASCII.
 constexpr Range escaped[] = {
     {0x7F, 0x9F},       // control characters
-    {0x061C, 0x061C},   // a mark of direction
-    {0x200B, 0x200B},   // a space without width
-    {0x200E, 0x200F},   // marks of direction
-    {0x2028, 0x202E},   // separators, and what changes the direction
-    {0x2060, 0x206F},   // joiners without width, isolates
+    {0x061C, 0x061C},   // a direction mark
+    {0x200B, 0x200B},   // a zero-width space
+    {0x200E, 0x200F},   // direction marks
+    {0x2028, 0x202E},   // separators and direction controls
+    {0x2060, 0x206F},   // zero-width joiners, isolates
     {0xFEFF, 0xFEFF},   // a byte-order mark inside a text
     {0xFFF9, 0xFFFB},   // annotations
     {0xE0000, 0xE007F}, // tags
@@ -60,7 +60,7 @@ std::string escapeForJson(char32_t point) {
     if (point < 0x10000) {
         return "\\u" + hexadecimal(point, 4);
     }
-    const char32_t rest = point - 0x10000; // JSON writes these as two units of UTF-16
+    const char32_t rest = point - 0x10000; // JSON uses two UTF-16 units for these
     return "\\u" + hexadecimal(0xD800 + (rest >> 10), 4) + "\\u" +
            hexadecimal(0xDC00 + (rest & 0x3FF), 4);
 }
@@ -104,7 +104,7 @@ std::string showJson(std::string_view document) {
     std::size_t copied = 0;
     for (std::size_t at = 0; at < document.size();) {
         const CodePoint point = firstCodePoint(document.substr(at));
-        // Those of ASCII are escaped already, but for the line breaks between values.
+        // ASCII control characters are already escaped, except for line breaks between values.
         if (point.value >= 0x7F && isEscaped(point.value)) {
             shown.append(document, copied, at - copied);
             shown += escapeForJson(point.value);

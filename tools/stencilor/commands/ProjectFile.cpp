@@ -32,14 +32,15 @@ std::vector<std::string> textsOf(const std::string& file, const std::string& nam
     return texts;
 }
 
-/// Whether `..` is a part of a path. Where the rest does not exist, nobody knows where it leads.
+/// True if `..` is a part of a path. If the rest does not exist, its target is unknown.
 bool hasParentPart(const std::string& path) {
     const std::string parts = "/" + path + "/";
     return parts.find("/../") != parts.npos || path.find("..\\") != path.npos ||
            path.find("\\..") != path.npos;
 }
 
-/// A root outside would let a file that came with the templates open all others.
+/// With a root outside of its folder, a file that comes with the templates could open any other
+/// file.
 std::string rootOf(const Project& project, const std::string& given) {
     const std::string root = system::identityOf(joinPath(project.folder, given));
     if (hasParentPart(given) || !isInside(root, system::identityOf(project.folder))) {
@@ -49,7 +50,7 @@ std::string rootOf(const Project& project, const std::string& given) {
     return root;
 }
 
-/// `**/` matches any number of folders, also none.
+/// `**/` matches any number of folders, including none.
 bool startsAnyFolders(std::string_view pattern) {
     return pattern.starts_with("**/");
 }
@@ -132,7 +133,7 @@ std::string joinPath(const std::string& folder, const std::string& path) {
 }
 
 bool matchesGlob(std::string_view pattern, std::string_view path) {
-    // Where to go on when what follows the last `*` and the last `**` does not match.
+    // Where to continue if the text after the last `*` or `**` does not match.
     struct Retry {
         std::string_view pattern;
         std::string_view path;

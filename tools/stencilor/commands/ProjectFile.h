@@ -11,38 +11,37 @@ namespace stencilor {
 
 inline constexpr const char* projectFileName = "stencilor.json";
 
-/// What a file `stencilor.json` says about the templates in its folder and below.
+/// The settings in a file `stencilor.json` for the templates in its folder and its subfolders.
 struct Project {
     std::string file;
-    std::string folder;                 ///< that the file is in
-    std::optional<std::string> root{};  ///< the folder that includes are looked up in
+    std::string folder;                 ///< the folder of the file
+    std::optional<std::string> root{};  ///< the folder of the includes
     std::optional<std::string> context; ///< a JSON file
     std::vector<std::string> patterns{};
 
-    /// Whether a template is one of those that the context belongs to: without patterns all are.
+    /// True if the context applies to a template; without patterns, it applies to all.
     bool hasContextFor(const std::string& templateFile) const;
 };
 
-/// Reads such a file.
-/// @param file its path, from which those in it are made
-/// Errors: throws `Failure` where the text is not as it must be, or the root not a folder below the
-///   file's own.
+/// Reads a project file.
+/// @param file its path, to which the paths in it are relative
+/// Errors: throws `Failure` if the text is invalid, or the root is not in the folder of the file.
 Project parseProject(const std::string& file, std::string_view text);
 
-/// The path of the nearest one, in the folder of a template or around it.
-/// @param folder of the template
-/// @param outermost the last folder to look in, where it is around the template; otherwise only the
-///   template's own folder is looked in
+/// The path of the nearest project file, in the folder of a template or its parents.
+/// @param folder the folder of the template
+/// @param outermost the last folder to search, if it contains the template; otherwise only the
+///   template's own folder is searched
 std::optional<std::string> findProjectFile(const std::string& folder, const std::string& outermost,
                                            const std::function<bool(const std::string&)>& exists);
 
-/// Whether a path is a folder or leads to something below it. Both must be canonical.
+/// True if a path is a folder or inside it. Both must be canonical.
 bool isInside(std::string_view path, std::string_view folder);
 
 std::string joinPath(const std::string& folder, const std::string& path);
 
-/// Whether a path matches a pattern in which `*` and `?` are any characters within a name, and `**`
-/// is any number of folders.
+/// True if a path matches a pattern, in which `*` and `?` match characters within a name, and `**`
+/// any number of folders.
 bool matchesGlob(std::string_view pattern, std::string_view path);
 
 } // namespace stencilor
