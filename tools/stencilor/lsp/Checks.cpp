@@ -72,8 +72,8 @@ void Checks::checkSyntax(const std::string& name) {
     checks_.emplace(name, std::move(check));
 }
 
-/// True for a template whose names are looked up by itself. What another open template includes
-/// needs that one's names. Of templates that include each other each is looked at by itself.
+/// True for a template whose names are looked up on its own. A template that another open one
+/// includes needs that one's names. If templates include each other, each is looked up on its own.
 bool Checks::hasOwnNames(const Check& check) const {
     const ContextFile* const context = check.around.context.get();
     const std::string& name = check.file->name();
@@ -85,7 +85,7 @@ bool Checks::hasOwnNames(const Check& check) const {
             }));
 }
 
-/// False if it was interrupted.
+/// Returns false if it was interrupted.
 bool Checks::checkNames(Check& check, const GoOn& goOn) {
     const bool looksUpNames = !check.file->fault().isPresent() && hasOwnNames(check);
     if (check.looksUpNames == looksUpNames) {

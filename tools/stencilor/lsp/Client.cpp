@@ -6,7 +6,7 @@ namespace stencilor::lsp {
 
 namespace {
 
-/// A member of a member of …; null where there is none.
+/// A nested member; null if there is none.
 const Json& at(const Json& json, std::initializer_list<const char*> path) {
     static const Json nothing;
     const Json* found = &json;

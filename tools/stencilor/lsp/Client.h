@@ -5,17 +5,17 @@
 
 namespace stencilor::lsp {
 
-/// What the client can do.
+/// The capabilities of the client.
 struct Client {
     Encoding encoding = Encoding::Utf16;
     bool showsRelatedInformation = false;
-    bool watchesFiles = false; ///< where it is asked to
-    bool showsTree = false;    ///< document symbols inside each other
+    bool watchesFiles = false; ///< on request
+    bool showsTree = false;    ///< nested document symbols
     bool takesLiteralActions = false;
     bool takesSnippets = false;
 };
 
-/// Of the `capabilities` of the client.
+/// Reads the `capabilities` of the client.
 Client clientOf(const Json& capabilities);
 
 } // namespace stencilor::lsp

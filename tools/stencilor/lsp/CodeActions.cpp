@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// Quick fixes: of what was found, what can only be meant in one way.
+// Quick fixes for unambiguous findings.
 
 namespace stencilor::lsp {
 
@@ -40,7 +40,7 @@ Json makeFix(const Document& document, SyntaxRange range, const std::string& tex
     return fix;
 }
 
-/// Of the diagnostics that the client sent, those that begin at a place.
+/// The client's diagnostics that begin at a place.
 Json diagnosticsAt(const Json& context, const Json& position) {
     Json found = Json::array();
     for (const Json& diagnostic : context.at("diagnostics")) {

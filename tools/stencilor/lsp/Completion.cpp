@@ -20,7 +20,7 @@ using namespace kel::Stencilor::Analysis;
 
 namespace {
 
-/// As many are offered; of more, those that begin with what has been typed.
+/// The maximum number of items; if there are more, only those that begin with the typed text.
 constexpr std::size_t mostItems = 500;
 
 /// Kinds of items.
@@ -71,7 +71,7 @@ class ItemList {
 
 struct Keyword {
     const char* word;
-    const char* rest;    ///< what follows it in a tag
+    const char* rest;    ///< the text after it in a tag
     const char* snippet; ///< the whole block, from the word on
 };
 
@@ -81,14 +81,14 @@ constexpr Keyword openers[] = {
     {"include", " ", "include \"${1:path}\" %}$0"},
 };
 
-/// A closing tag is offered with its pair, if that is not there yet.
+/// A closing tag is offered with its delimiter, if that is missing.
 void addCloser(const std::string& word, const TypedPart& typed, ItemList& items) {
     items.add(word, itemOfKeyword, "{% " + word + " %}", word + (typed.isClosed ? "" : " %}"));
 }
 
 void completeKeyword(Session& session, const Place& place, const TypedPart& typed,
                      ItemList& items) {
-    // The tag may be taken for the end of the block that it is going to close.
+    // The tag may already count as the end of the block that it will close.
     const std::size_t tag = place.file.text().rfind("{%", typed.word.begin);
     const std::vector<std::size_t> open = blocksAround(place.file, tag);
     if (!open.empty()) {
@@ -128,7 +128,7 @@ const char* kindOf(TypedPart::Kind kind) {
     }
 }
 
-/// The variable of the loop that a scope is an element for, if it is one of the same file.
+/// The variable of the loop whose element is a scope, if the loop is in the same file.
 std::string_view variableOf(const PlaceScope& scope, const TemplateFile& file) {
     if (scope.file != &file || file.parts()[scope.tag].kind != SyntaxElement::Kind::For) {
         return "";
@@ -136,7 +136,7 @@ std::string_view variableOf(const PlaceScope& scope, const TemplateFile& file) {
     return file.slice(file.parts()[scope.tag].name);
 }
 
-/// The names that find a value of the wanted kind; an element's as a member of the variable.
+/// The names of values of the wanted kind; those of an element as members of the variable.
 void addNames(const Moment& moment, const Place& place, TypedPart::Kind kind, ItemList& items) {
     for (auto scope = moment.scopes.rbegin(); scope != moment.scopes.rend(); ++scope) {
         const std::string_view variable = variableOf(*scope, place.file);
@@ -153,7 +153,7 @@ void addNames(const Moment& moment, const Place& place, TypedPart::Kind kind, It
     }
 }
 
-/// Without a context: what other tags ask for, as far as the loops around it are those here.
+/// Without a context: the names in other tags with the same loops around them.
 void addUsedNames(const Place& place, TypedPart::Kind kind, ItemList& items) {
     const TemplateFile& file = place.file;
     const std::vector<std::size_t> open = blocksAround(file, place.offset);
@@ -188,7 +188,7 @@ void completeName(Session& session, const Place& place, const TypedPart& typed, 
     }
 }
 
-/// The files and folders that a path may go on with; none outside of the root.
+/// The files and folders that can complete a path; none outside of the root.
 void completePath(Session& session, const Place& place, const TypedPart& typed, ItemList& items) {
     const std::string_view word = place.file.slice(typed.word);
     const std::size_t before = std::min<std::size_t>(place.offset - typed.word.begin, word.size());

@@ -15,18 +15,18 @@ namespace stencilor::lsp {
 /// The URI of a file or a document.
 std::string uriOf(const Documents& documents, const std::string& name);
 
-/// A finding in a text, as the protocol has it.
+/// Converts a finding in a text to the protocol.
 Json describeFinding(const kel::Stencilor::Analysis::Finding& finding, const IndexedText& text,
                      const Documents& documents, const Client& client);
 
-/// Sends what was found, and knows what it has sent.
+/// Sends findings, and remembers what was sent.
 ///
-/// Ownership: borrows all that it is made of.
+/// Ownership: borrows its arguments.
 class DiagnosticsPublisher {
   public:
     using Notify = std::function<void(const char* method, Json params)>;
 
-    static constexpr std::size_t mostFindings = 1000; ///< of one file, as many are sent
+    static constexpr std::size_t mostFindings = 1000; ///< the maximum per file
 
     DiagnosticsPublisher(const Documents& documents, const Checks& checks, const Client& client,
                          Notify notify)

@@ -16,27 +16,26 @@ namespace stencilor::lsp {
 struct Document {
     Document(Encoding encoding, std::string content) : text(encoding, std::move(content)) {}
 
-    /// The syntax of the text as it is now.
+    /// The syntax of the current text.
     const kel::Stencilor::Analysis::TemplateFile& syntax() const;
 
     Json rangeOf(kel::Stencilor::SyntaxRange range) const;
 
     std::string uri;  ///< as the client writes it
-    std::string name; ///< the canonical path; the URI of what is not a file
+    std::string name; ///< the canonical path, or the URI if it is not a file
     std::string languageId;
     std::int64_t version = 0;
     bool isFile = false;
     IndexedText text;
 
-    /// Context files and the like are opened, too.
+    /// Other files, such as contexts, may be open, too.
     bool isTemplate() const { return languageId != "json" && languageId != "jsonc"; }
 
     mutable std::unique_ptr<kel::Stencilor::Analysis::TemplateFile> parsed; // null if it changed
 };
 
-/// The texts that are open in the editor, which count instead of the files.
-/// Errors: throws `ResponseError`, and what the JSON library throws, where parameters are not as
-///   they must be.
+/// The texts that are open in the editor, which replace the files.
+/// Errors: throws `ResponseError`, and what the JSON library throws, for invalid parameters.
 class Documents {
   public:
     void setEncoding(Encoding encoding) { encoding_ = encoding; }
@@ -44,13 +43,13 @@ class Documents {
 
     Document& open(const Json& item);
 
-    /// Carries out changes of whole texts or of ranges, in their order.
+    /// Applies changes of whole texts or of ranges, in order.
     Document& change(const Json& params);
 
-    /// The name of the one that was closed.
+    /// Returns the name of the closed document.
     std::string close(const Json& params);
 
-    /// Of the parameters of a request, `{"textDocument": {"uri": …}}`.
+    /// Reads the parameters of a request, `{"textDocument": {"uri": …}}`.
     Document& of(const Json& params);
 
     /// Null if it is not open.
@@ -64,7 +63,7 @@ class Documents {
     std::unordered_map<std::string, Document*> byUri_;
 };
 
-/// A range of bytes of a text, as the protocol has it.
+/// Converts a byte range of a text to the protocol.
 Json rangeIn(const IndexedText& text, kel::Stencilor::SyntaxRange range);
 
 /// The inverse. The end is not before the start.

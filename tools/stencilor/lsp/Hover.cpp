@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-// What a name is, its value, and how it was found.
+// The kind of a name, its value, and how it was found.
 
 namespace stencilor::lsp {
 
@@ -17,7 +17,7 @@ using namespace kel::Stencilor::Analysis;
 
 namespace {
 
-/// A text as Markdown shows it, letter by letter.
+/// Escapes a text for Markdown.
 std::string code(std::string_view text) {
     std::string shown = shorten(text);
     std::string fence = "`";
@@ -45,7 +45,7 @@ std::string describeValue(const ContextBase& value) {
            describeCount(internal::context_access::children(value).size(), "name");
 }
 
-/// Where the scope comes from that has a name.
+/// Describes the origin of the scope that has a name.
 std::string describeScope(const PlaceScope& scope) {
     if (scope.file == nullptr) {
         return "in the context";

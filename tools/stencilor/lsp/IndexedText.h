@@ -10,10 +10,10 @@
 
 namespace stencilor::lsp {
 
-/// What the characters of a line are counted in.
+/// The units in which characters of a line are counted.
 enum class Encoding { Utf8, Utf16 };
 
-/// A place as the protocol has it: both count from 0.
+/// A position in the protocol; both numbers count from 0.
 struct TextPosition {
     std::size_t line = 0;
     std::size_t character = 0;
@@ -24,8 +24,8 @@ struct TextPosition {
 /// A text with the lines and characters in it, which change with it. Lines end with LF, CR LF or a
 /// CR alone. A malformed byte counts as a character if it does not look like the rest of one.
 ///
-/// Cost: a place is found in logarithmic time once the text before it has been looked at. After a
-///   change only what follows it is looked at again, so many changes from the last to the first
+/// Cost: a position is found in logarithmic time once the text before it has been indexed. After a
+///   change, only the text after it is indexed again, so many changes from the last to the first
 ///   take no longer than one.
 class IndexedText {
   public:
@@ -53,15 +53,15 @@ class IndexedText {
 
     Encoding encoding_;
     std::string text_;
-    mutable std::vector<std::size_t> lines_{0}; // where those begin that are known
+    mutable std::vector<std::size_t> lines_{0}; // the offsets of known lines
     mutable std::vector<std::size_t> units_{0}; // before each block
     mutable std::size_t indexed_ = 0;           // up to here
 };
 
 Json toJson(TextPosition position);
 
-/// A negative number is taken as 0.
-/// Errors: throws `ResponseError`, and what the JSON library throws, where it is no position.
+/// Negative numbers count as 0.
+/// Errors: throws `ResponseError`, and what the JSON library throws, if it is not a position.
 TextPosition positionFrom(const Json& json);
 
 } // namespace stencilor::lsp

@@ -5,8 +5,8 @@
 
 namespace stencilor::lsp {
 
-/// A JSON value as the protocol has it. Copying and writing one recurses, so what is sent nests
-/// only a fixed number of levels, and nothing that was received is copied but identifiers.
+/// A JSON value of the protocol. Copying and writing one recurses, so values that are sent have a
+/// bounded depth, and of received values only identifiers are copied.
 using Json = nlohmann::json;
 
 } // namespace stencilor::lsp

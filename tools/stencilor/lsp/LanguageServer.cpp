@@ -14,13 +14,13 @@ namespace {
 
 const Json nothing;
 
-/// A member of a message; null where there is none.
+/// A member of a message; null if there is none.
 const Json& memberOf(const Json& message, const char* name) {
     const auto found = message.is_object() ? message.find(name) : message.end();
     return found == message.end() ? nothing : *found;
 }
 
-/// What a failure is answered with.
+/// The response to a failure.
 ResponseError errorOf(const std::exception& failure) {
     if (const auto* const error = dynamic_cast<const ResponseError*>(&failure)) {
         return *error;
@@ -64,7 +64,7 @@ void LanguageServer::receive(const Received& received) {
             takeNotification(name, memberOf(message, "params"));
         }
     } else if (!message.is_object() || !(message.contains("result") || message.contains("error"))) {
-        // What has one of these two answers a request of ours, and nothing depends on it.
+        // A message with one of these members answers a request of ours, which needs no action.
         sendError(nullptr, ErrorCode::InvalidRequest,
                   "the message is neither a request nor a notification");
     }

@@ -11,17 +11,17 @@
 
 namespace stencilor::lsp {
 
-/// The Language Server Protocol, without the streams: it is given messages, and sends others.
+/// The Language Server Protocol without the streams: it receives and sends messages.
 ///
-/// Errors: what is wrong with a message is answered, or, where there is nothing to answer, reported
-///   as a message of the log. What `send` throws reaches the caller.
-/// Threads: one at a time.
+/// Errors: invalid messages are answered with an error, or logged if they need no answer.
+///   Exceptions of `send` reach the caller.
+/// Threads: not thread-safe.
 class LanguageServer {
   public:
     using Clock = std::chrono::steady_clock;
     using Send = std::function<void(const Json& message)>;
 
-    /// So long after a change a document is checked: not after each key of a word.
+    /// The delay between a change and the check, so that there is no check for each key.
     static constexpr std::chrono::milliseconds delay{60};
 
     explicit LanguageServer(Send send);
@@ -30,15 +30,15 @@ class LanguageServer {
 
     void receive(const Received& received);
 
-    /// When there is something to do without a message; nothing if there is not.
+    /// The time of the next action without a message; nothing if there is none.
     std::optional<Clock::time_point> due() const;
 
-    /// Does it. `goOn` returns false to have it interrupted; it is then due again.
+    /// Performs the action. If `goOn` returns false, it is interrupted, and is then due again.
     void runDue(const Checks::GoOn& goOn);
 
     bool hasEnded() const { return state_ == State::Ended; }
 
-    /// How the program ends: 0 if the client said so before.
+    /// The exit status: 0 if the client has requested the shutdown.
     int exitStatus() const { return wasShutDown_ ? 0 : 1; }
 
   private:

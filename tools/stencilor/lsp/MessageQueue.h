@@ -13,18 +13,19 @@
 
 namespace stencilor::lsp {
 
-/// A message that was received.
+/// A received message.
 struct Received {
-    Json message;             ///< discarded where the content is not JSON
+    Json message;             ///< discarded if the content is not JSON
     bool isCancelled = false; ///< a request whose answer is no longer wanted
     std::size_t size = 0;
 };
 
-/// Parses the content of a message. What nests deeper than any message of the protocol is not JSON.
+/// Parses the content of a message. Content that is nested deeper than any message of the protocol
+/// counts as invalid.
 Received parseMessage(const std::string& content);
 
-/// The messages that wait to be handled, in the order in which they came.
-/// Threads: one adds, another one takes.
+/// The waiting messages, in order of arrival.
+/// Threads: one thread adds, another one takes.
 class MessageQueue {
   public:
     using Clock = std::chrono::steady_clock;
@@ -33,7 +34,7 @@ class MessageQueue {
     /// there is more than a client could want to have answered.
     void add(Received received);
 
-    /// No more messages come.
+    /// Signals that there are no more messages.
     void close();
 
     /// Waits for a message. Nothing once it is closed and empty, and from `until` on.

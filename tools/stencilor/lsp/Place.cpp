@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t mostMoments = 20;
 
-/// Where an include was found, and in which file.
+/// The place of an include, and its file.
 struct Step {
     const TemplateFile* file;
     std::size_t offset;

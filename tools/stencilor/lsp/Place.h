@@ -20,9 +20,9 @@ struct Place {
 
 Place placeOf(Session& session, const Json& params);
 
-/// A context, and what it has at a place.
+/// A context, and its names at a place.
 struct KnownNames {
-    std::shared_ptr<const ContextFile> context; ///< null where none is known
+    std::shared_ptr<const ContextFile> context; ///< null if none is known
     std::vector<kel::Stencilor::Analysis::Moment> moments;
 };
 

@@ -17,7 +17,7 @@ enum class ErrorCode : int {
     RequestCancelled = -32800,
 };
 
-/// What a request is answered with that cannot be carried out.
+/// The response to a request that fails.
 class ResponseError : public std::runtime_error {
   public:
     ResponseError(ErrorCode code, const std::string& message)

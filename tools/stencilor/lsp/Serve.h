@@ -5,8 +5,8 @@
 
 namespace stencilor::lsp {
 
-/// Serves a client on the standard streams until it says goodbye or is gone.
-/// Errors: throws `Failure` if nothing can be sent any more.
+/// Serves a client on the standard streams until it exits or disconnects.
+/// Errors: throws `Failure` if nothing can be sent anymore.
 ExitStatus serve();
 
 } // namespace stencilor::lsp

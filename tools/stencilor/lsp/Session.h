@@ -9,7 +9,7 @@
 
 namespace stencilor::lsp {
 
-/// All that requests are answered from.
+/// The state for answering requests.
 struct Session {
     Client client{};
     Documents documents{};

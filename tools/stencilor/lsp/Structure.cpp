@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// How a template is built: symbols, folding, selection, tags that belong together.
+// The structure of a template: symbols, folding, selection, matching tags.
 
 namespace stencilor::lsp {
 
@@ -20,7 +20,7 @@ using Kind = SyntaxElement::Kind;
 
 namespace {
 
-/// Deeper blocks are left out of what nests as they do.
+/// Deeper blocks are omitted from nested results.
 constexpr std::size_t deepestShown = 50;
 
 /// Kinds of symbols.

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-// Semantic tokens: what colours cannot tell from the text alone.
+// Semantic tokens: coloring that depends on more than the text.
 
 namespace stencilor::lsp {
 
@@ -53,7 +53,7 @@ class TokenList {
         }
     }
 
-    /// Relative to the one before it. None goes over the end of a line.
+    /// Relative to the previous token. No token spans lines.
     void add(SyntaxRange range, TokenType type) {
         if (range.isEmpty()) {
             return;

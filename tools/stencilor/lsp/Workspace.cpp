@@ -66,7 +66,7 @@ void Workspace::set(const Json& settings) {
     reported_.clear();
 }
 
-/// The outermost folder that may say something about a document; empty for what is not a file.
+/// The outermost folder whose settings may apply to a document; empty if it is not a file.
 std::string Workspace::folderAround(const Document& document) const {
     std::string folder = document.isFile ? system::folderOf(document.name) : "";
     for (const std::string& each : folders_) {
@@ -95,7 +95,7 @@ std::optional<Project> Workspace::projectOf(const Document& document) {
     }
 }
 
-/// A project may name a folder inside the root that is set, and no other one.
+/// A project may only name a folder inside the configured root.
 std::string Workspace::rootOf(const Document& document, const std::optional<Project>& project) {
     const auto openFolder = [this](const std::string& path) {
         if (kel::Folder::open(path)) {

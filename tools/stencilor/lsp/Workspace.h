@@ -17,11 +17,11 @@
 
 namespace stencilor::lsp {
 
-/// What the client sets, of its `initializationOptions` or its configuration.
+/// The client's settings, from its `initializationOptions` or its configuration.
 struct Settings {
     std::optional<std::string> root;
     std::optional<std::string> context;
-    bool positions = false;  ///< as the option `--positions` of the commands
+    bool positions = false;  ///< like the option `--positions`
     bool emptyLines = false; ///< report tags that leave an empty line
 };
 
