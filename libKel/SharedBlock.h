@@ -21,8 +21,8 @@ namespace kel::blocks {
 using Holders = std::atomic<std::size_t>;
 
 constexpr std::size_t leastShared = 4096;
-constexpr std::size_t roomForHolders =
-    alignof(std::max_align_t); // preserves the alignment of malloc
+constexpr std::size_t roomForHolders = 16;
+static_assert(roomForHolders % alignof(std::max_align_t) == 0); // preserves the alignment of malloc
 static_assert(sizeof(Holders) <= roomForHolders && alignof(Holders) <= roomForHolders);
 static_assert(Holders::is_always_lock_free);
 

@@ -104,7 +104,7 @@ class name_table::builder final : public SyntaxVisitor {
             table_.keys_.emplace_back(key);
             ++list.kept;
         }
-        const auto lastKept = prefixLengths_.begin() + list.kept;
+        const auto lastKept = prefixLengths_.begin() + static_cast<std::ptrdiff_t>(list.kept);
         if (std::find(prefixLengths_.begin(), lastKept, 0u) == lastKept) {
             table_.keys_.emplace_back(name);
         }

@@ -26,7 +26,7 @@ class record_memory {
     /// The size of a record in a chunk.
     template <typename Record>
     static constexpr std::size_t sizeOf() {
-        static_assert(alignof(Record) <= alignof(header) && sizeof(Record) % sizeof(header) == 0);
+        static_assert(alignof(Record) <= alignof(header) && sizeof(Record) % alignof(header) == 0);
         return sizeof(header) + sizeof(Record);
     }
 
@@ -48,7 +48,7 @@ class record_memory {
 
   private:
     /// Precedes each record and list.
-    struct alignas(std::uint64_t) header {
+    struct alignas(std::size_t) header {
         std::uint32_t offset; // from the start of the chunk; 0 if allocated individually
         std::uint32_t number; // of a record
     };

@@ -1,4 +1,5 @@
 #include <libStencilor/value/number_text.h>
+#include <libStencilor/value/scientific_text.h>
 
 #include <array>
 #include <charconv>
@@ -32,8 +33,7 @@ template <typename Number>
 decimal findShortestDigits(Number number) {
     Characters characters;
     char* const begin = characters.data();
-    const char* const end =
-        std::to_chars(begin, begin + characters.size(), number, std::chars_format::scientific).ptr;
+    const char* const end = writeScientific(begin, begin + characters.size(), number);
     const std::string_view text(begin, static_cast<std::size_t>(end - begin));
     const std::size_t exponentMark = text.find('e');
     decimal result{std::string(text.substr(0, 1)), 0};

@@ -3,6 +3,7 @@
 #include "../support/oracles/Random.h"
 
 #include <libStencilor/Value.h>
+#include <libStencilor/value/scientific_text.h>
 
 #include <bit>
 #include <charconv>
@@ -159,6 +160,21 @@ TEST(FloatingPoint, OfOneWidthReadsBack) {
             const std::string text = Value(number).text().str();
             EXPECT_EQ(read<float>(text), number);
             EXPECT_LE(text.size(), Value(static_cast<double>(number)).text().size());
+        }
+    }
+}
+
+// As where the standard library has no function for it.
+TEST(FloatingPoint, HasTheSameDigitsByTrial) {
+    support::Random random(3);
+    for (int i = 0; i < 20'000; ++i) {
+        const auto number = std::bit_cast<double>(
+            static_cast<std::uint64_t>(random.below(std::numeric_limits<std::int64_t>::max())));
+        if (std::isfinite(number)) {
+            char text[64];
+            const std::string tried(text,
+                                    internal::writeScientificByTrial(text, text + 64, number));
+            EXPECT_EQ(tried, std::string(text, internal::writeScientific(text, text + 64, number)));
         }
     }
 }
