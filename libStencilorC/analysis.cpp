@@ -1,6 +1,7 @@
 #include <libStencilorAnalysis/check/TemplateCheck.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/names/NameList.h>
+#include <libStencilorAnalysis/template/TemplateTree.h>
 #include <libStencilorC/border.h>
 #include <libStencilorC/handles.h>
 
@@ -81,6 +82,18 @@ int stencilor_names(const stencilor_template* parsed, stencilor_source* source,
         NameList names;
         survey(root.files(), root.file(), names);
         made = new stencilor_text{names.formatJson()};
+        return STENCILOR_OK;
+    });
+}
+
+int stencilor_tree(const stencilor_template* parsed, stencilor_text** json) {
+    return guarded([&] {
+        stencilor_text*& made = placeOf(json);
+        AnalysedTemplate root(given(parsed), nullptr);
+        if (root.file().fault().isPresent()) {
+            return STENCILOR_REJECTED;
+        }
+        made = new stencilor_text{formatTreeJson({&root.file()})};
         return STENCILOR_OK;
     });
 }

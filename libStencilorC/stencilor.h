@@ -654,6 +654,12 @@ STENCILOR_API int stencilor_check(const stencilor_template* parsed, stencilor_so
 STENCILOR_API int stencilor_names(const stencilor_template* parsed, stencilor_source* source,
                                   stencilor_text** json);
 
+/** Lists the nodes of a template's syntax tree, as `stencilor tree --format json` does.
+ * `STENCILOR_REJECTED` and no text for a template that is not well formed.
+ * @param parsed the template
+ * @param json receives a JSON document: `{"files": [{"nodes": [...]}]}` */
+STENCILOR_API int stencilor_tree(const stencilor_template* parsed, stencilor_text** json);
+
 /** @} */
 
 #ifdef __cplusplus

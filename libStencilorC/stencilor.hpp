@@ -543,6 +543,13 @@ inline std::string names(const Template& parsed, const Source* source = nullptr)
     return std::string(internal::text(stencilor_text_data, json.get()));
 }
 
+/// The nodes of a template's syntax tree, as JSON.
+/// @param parsed the template
+inline std::string tree(const Template& parsed) {
+    const auto json = internal::make<stencilor_text>(stencilor_tree, parsed.get());
+    return std::string(internal::text(stencilor_text_data, json.get()));
+}
+
 } // namespace stencilor
 
 #endif

@@ -39,6 +39,14 @@ TEST(CAnalysis, ListsNames) {
     EXPECT_EQ(found, nullptr);
 }
 
+TEST(CAnalysis, ListsNodes) {
+    TextHandle found;
+    EXPECT_EQ(stencilor_tree(parse("{% if a %}x{% endif %}").get(), out(found)), STENCILOR_OK);
+    EXPECT_NE(textOf(found).find("\"text\": \"x\""), std::string::npos) << textOf(found);
+    EXPECT_EQ(stencilor_tree(parse("{{").get(), out(found)), STENCILOR_REJECTED);
+    EXPECT_EQ(found, nullptr);
+}
+
 TEST(CAnalysis, HasOneTemplateOfEachName) {
     const SourceHandle source = makeMemory();
     add(source, "page", "{{");

@@ -113,6 +113,8 @@ TEST(NullHandles, AreInvalidArguments) {
         {"check nothing", stencilor_check(nullptr, nullptr, nullptr, &text)},
         {"check to nowhere", stencilor_check(parsed.get(), nullptr, nullptr, nullptr)},
         {"names of nothing", stencilor_names(nullptr, nullptr, &text)},
+        {"tree of nothing", stencilor_tree(nullptr, &text)},
+        {"tree to nowhere", stencilor_tree(parsed.get(), nullptr)},
         {"names to nowhere", stencilor_names(parsed.get(), nullptr, nullptr)},
     };
     for (const auto& [name, status] : calls) {
