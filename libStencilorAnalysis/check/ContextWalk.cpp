@@ -1,3 +1,4 @@
+#include <libStencilor/Template.h>
 #include <libStencilor/context/context_access.h>
 #include <libStencilorAnalysis/check/ContextWalk.h>
 #include <libStencilorAnalysis/text/ShownText.h>
@@ -35,8 +36,9 @@ class BorrowingContext {
 
 /// Only the engine can read the value.
 bool isTrue(ContextBoolean& value) {
+    static const Template question("{% if value %}x{% endif %}");
     const BorrowingContext context(value);
-    return !buildOutput("{% if value %}x{% endif %}", context.get()).empty();
+    return !question.render(context.get()).text.empty();
 }
 
 /// The engine's rule: a loop variable and a dot are removed from the front of a name.

@@ -1,15 +1,10 @@
 #include <libStencilorAnalysis/template/TemplateTree.h>
 #include <libStencilorAnalysis/text/JsonText.h>
 
-#include <nlohmann/json.hpp>
-
-#include <utility>
-
 namespace kel::Stencilor::Analysis {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Kind = SyntaxElement::Kind;
 
 std::string describeNode(const TemplateFile& file, const SyntaxElement& part) {
@@ -61,32 +56,40 @@ void visitNodes(const TemplateFile& file, const Visit& visit) {
     }
 }
 
-Json nodeJson(const TemplateFile& file, const SyntaxElement& part, std::size_t depth) {
+void writeNode(JsonWriter& json, const TemplateFile& file, const SyntaxElement& part,
+               std::size_t depth) {
     const Position position = file.positionOf(part.whole.begin);
-    Json node = {{"line", position.line}, {"column", position.column}, {"depth", depth}};
+    json.beginObject();
+    json.member("line", position.line);
+    json.member("column", position.column);
+    json.member("depth", depth);
     switch (part.kind) {
     case Kind::Text:
-        node.update({{"kind", "text"}, {"text", file.slice(part.whole)}});
+        json.member("kind", "text");
+        json.member("text", file.slice(part.whole));
         break;
     case Kind::Substitution:
-        node.update({{"kind", "substitution"}, {"name", file.slice(part.name)}});
+        json.member("kind", "substitution");
+        json.member("name", file.slice(part.name));
         break;
     case Kind::If:
-        node.update({{"kind", "if"}, {"name", file.slice(part.name)}});
+        json.member("kind", "if");
+        json.member("name", file.slice(part.name));
         break;
     case Kind::For:
-        node.update({{"kind", "for"},
-                     {"variable", file.slice(part.name)},
-                     {"list", file.slice(part.list)}});
+        json.member("kind", "for");
+        json.member("variable", file.slice(part.name));
+        json.member("list", file.slice(part.list));
         break;
     case Kind::Include:
-        node.update({{"kind", "include"}, {"path", file.slice(part.name)}});
+        json.member("kind", "include");
+        json.member("path", file.slice(part.name));
         break;
     default:
-        node["kind"] = "else";
+        json.member("kind", "else");
         break;
     }
-    return node;
+    json.endObject();
 }
 
 } // namespace
@@ -102,15 +105,24 @@ std::string formatTree(const TemplateFile& file) {
 }
 
 std::string formatTreeJson(const std::vector<const TemplateFile*>& files) {
-    Json list = Json::array();
+    JsonWriter json;
+    json.beginObject();
+    json.name("files");
+    json.beginArray();
     for (const TemplateFile* file : files) {
-        Json nodes = Json::array();
+        json.beginObject();
+        json.member("file", file->name());
+        json.name("nodes");
+        json.beginArray();
         visitNodes(*file, [&](const SyntaxElement& part, std::size_t depth) {
-            nodes.push_back(nodeJson(*file, part, depth));
+            writeNode(json, *file, part, depth);
         });
-        list.push_back({{"file", file->name()}, {"nodes", std::move(nodes)}});
+        json.endArray();
+        json.endObject();
     }
-    return jsonDocument({{"files", std::move(list)}});
+    json.endArray();
+    json.endObject();
+    return json.take();
 }
 
 } // namespace kel::Stencilor::Analysis

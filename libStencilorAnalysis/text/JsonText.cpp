@@ -1,3 +1,4 @@
+#include <libStencilorAnalysis/text/CodePoint.h>
 #include <libStencilorAnalysis/text/JsonText.h>
 #include <libStencilorAnalysis/text/ShownText.h>
 
@@ -24,6 +25,27 @@ void appendIndented(std::string& text, std::string_view lines, const std::string
         lines.remove_prefix(end + 1);
     }
     text += lines;
+}
+
+/// Appends a character of a string as JSON writes it.
+void appendCharacter(std::string& written, std::string_view bytes, char32_t point) {
+    constexpr std::string_view shortForms = "\"\"\\\\\bb\ff\nn\rr\tt";
+    if (point == replacement) {
+        written += "\uFFFD";
+        return;
+    }
+    for (std::size_t at = 0; at < shortForms.size(); at += 2) {
+        if (bytes[0] == shortForms[at]) {
+            written.append(1, '\\').append(1, shortForms[at + 1]);
+            return;
+        }
+    }
+    if (point < 0x20) {
+        constexpr std::string_view digits = "0123456789abcdef";
+        written.append("\\u00").append(1, digits[point >> 4]).append(1, digits[point & 15]);
+        return;
+    }
+    written += bytes;
 }
 
 } // namespace
@@ -53,7 +75,13 @@ std::string jsonDocument(const Json& document, std::string_view member, std::siz
 }
 
 std::string jsonString(std::string_view text) {
-    return dump(text, -1);
+    std::string written = "\"";
+    while (!text.empty()) {
+        const CodePoint point = firstCodePoint(text);
+        appendCharacter(written, text.substr(0, point.size), point.value);
+        text.remove_prefix(point.size);
+    }
+    return showJson(written) + "\"";
 }
 
 void JsonWriter::name(std::string_view name) {
