@@ -1,0 +1,148 @@
+#include <libStencilorC/border.h>
+#include <libStencilorC/handles.h>
+
+#include <cassert>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+// What JavaScript hands over in one call instead of many.
+
+using namespace kel::Stencilor;
+using namespace kel::Stencilor::internal;
+
+namespace {
+
+/// What a value begins with. A text follows as its size and its bytes; a list as its items and
+/// `End`; a dictionary as its members, each a key and a value, and `End`.
+enum class Tag : unsigned char { Null, False, True, Text, RawText, List, Dictionary, End };
+
+/// Reads values that `values.js` wrote, so nothing in them is malformed.
+class ValueReader {
+  public:
+    ValueReader(const unsigned char* bytes, std::size_t size) : next_(bytes), end_(bytes + size) {}
+
+    Value read() { return read(readTag()); }
+
+  private:
+    unsigned char readByte() {
+        assert(next_ < end_);
+        return *next_++;
+    }
+
+    Tag readTag() { return Tag{readByte()}; }
+
+    /// Seven bits in each byte, the lowest ones first; the highest bit says that more follow.
+    std::size_t readSize() {
+        std::size_t size = 0;
+        for (unsigned int shift = 0;; shift += 7) {
+            const unsigned char byte = readByte();
+            size |= std::size_t{byte & 0x7Fu} << shift;
+            if (byte < 0x80) {
+                return size;
+            }
+        }
+    }
+
+    std::string_view readText() {
+        const std::size_t size = readSize();
+        const std::string_view text(reinterpret_cast<const char*>(next_), size);
+        next_ += size;
+        assert(next_ <= end_);
+        return text;
+    }
+
+    Value readList() {
+        Value list = Value::list();
+        for (Tag tag = readTag(); tag != Tag::End; tag = readTag()) {
+            list.add(read(tag));
+        }
+        return list;
+    }
+
+    Value readDictionary() {
+        Value dictionary;
+        for (Tag tag = readTag(); tag != Tag::End; tag = readTag()) {
+            const std::string_view key = readText();
+            dictionary.set(key, read());
+        }
+        return dictionary;
+    }
+
+    /// Recursion ends: `values.js` writes no deeper values than there may be.
+    Value read(Tag tag) { // NOLINT(misc-no-recursion)
+        switch (tag) {
+        case Tag::False:
+            return false;
+        case Tag::True:
+            return true;
+        case Tag::Text:
+            return readText();
+        case Tag::RawText:
+            return Value::raw(readText());
+        case Tag::List:
+            return readList();
+        case Tag::Dictionary:
+            return readDictionary();
+        default:
+            return nullptr;
+        }
+    }
+
+    const unsigned char* next_;
+    [[maybe_unused]] const unsigned char* end_; // for assertions
+};
+
+} // namespace
+
+#define STENCILOR_WEB_IMPORT(name)                                                                 \
+    extern "C" __attribute__((import_module("host"), import_name(#name)))
+#define STENCILOR_WEB_EXPORT(name) extern "C" __attribute__((export_name(#name)))
+
+// The functions of JavaScript that callbacks call, with the payload that was passed along.
+STENCILOR_WEB_IMPORT(find)
+int hostFind(void* payload, const char* path, std::size_t size, stencilor_request* request);
+STENCILOR_WEB_IMPORT(escape)
+int hostEscape(void* payload, const char* text, std::size_t size, stencilor_output* output);
+STENCILOR_WEB_IMPORT(poll) int hostPoll(void* payload);
+
+/// Makes a context of a value, as `stencilor_context_create`.
+STENCILOR_WEB_EXPORT(stencilor_web_context)
+int makeContext(const unsigned char* bytes, std::size_t size, int flags,
+                stencilor_context** context, stencilor_error** error) {
+    return guarded(
+        [&] {
+            const stencilor_value root{ValueReader(bytes, size).read()};
+            return stencilor_context_create(&root, flags, context, error);
+        },
+        error);
+}
+
+/// Makes a source that asks `find`.
+STENCILOR_WEB_EXPORT(stencilor_web_source)
+int makeSource(void* payload, stencilor_source** source) {
+    return stencilor_source_callback(&hostFind, payload, source);
+}
+
+/// Lets values be escaped by `escape`.
+STENCILOR_WEB_EXPORT(stencilor_web_set_escape)
+int setEscape(stencilor_options* options, void* payload) {
+    return stencilor_options_set_escape_function(options, &hostEscape, payload);
+}
+
+/// Lets `poll` decide whether to go on.
+STENCILOR_WEB_EXPORT(stencilor_web_set_poll)
+int setPoll(stencilor_options* options, void* payload) {
+    return stencilor_options_set_poll(options, &hostPoll, payload);
+}
+
+// In place of functions of the C++ library that describe what goes wrong, and bring along all that
+// formats numbers. Calls come here only where the engine is wrong.
+
+extern "C" void abort_message(const char*, ...) {
+    __builtin_trap();
+}
+
+extern "C" int snprintf(char*, std::size_t, const char*, ...) {
+    __builtin_trap();
+}

@@ -1,0 +1,198 @@
+// The engine, and what is passed to it and back: texts, values and functions.
+
+import { compressed } from "./wasm.js";
+import { ValueWriter } from "./values.js";
+
+export const Status = { Ok: 0, Rejected: 2, WrongKind: 13 };
+
+const encoder = new TextEncoder();
+const decoder = new TextDecoder("utf-8", { ignoreBOM: true });
+
+async function decompress(base64) {
+  const bytes = Uint8Array.from(atob(base64), (character) => character.charCodeAt(0));
+  const stream = new Blob([bytes]).stream().pipeThrough(new DecompressionStream("deflate"));
+  const pieces = [];
+  for (const reader = stream.getReader(); ; ) {
+    const { done, value } = await reader.read();
+    if (done) {
+      return new Blob(pieces).arrayBuffer(); // a Response would take Node.js longer than the rest
+    }
+    pieces.push(value);
+  }
+}
+
+export class Engine {
+  /** The functions of the engine. */
+  wasm;
+  #calls = [];
+  #writer = new ValueWriter();
+  #results; // where the engine stores two pointers
+
+  static async load() {
+    const engine = new Engine();
+    const { instance } = await WebAssembly.instantiate(await decompress(compressed), engine.#imports());
+    engine.wasm = instance.exports;
+    engine.wasm._initialize();
+    engine.#results = engine.allocate(8);
+    return engine;
+  }
+
+  /** Without memory nothing can go on, which the engine says by a trap elsewhere. */
+  allocate(size) {
+    const address = this.wasm.malloc(size);
+    if (address === 0) {
+      throw new RangeError("out of memory");
+    }
+    return address;
+  }
+
+  bytes(address, size) {
+    return new Uint8Array(this.wasm.memory.buffer, address >>> 0, size);
+  }
+
+  readText(address, size) {
+    return decoder.decode(this.bytes(address, size));
+  }
+
+  /** What a function returns that stores the size of its text where its last pointer points to. */
+  textOf(name, ...handle) {
+    const address = this.wasm[name](...handle, this.#results);
+    return this.readText(address, this.#readPointer(this.#results));
+  }
+
+  #readPointer(address) {
+    return new DataView(this.wasm.memory.buffer).getUint32(address, true);
+  }
+
+  /** Calls `use` with the address and the size of a text in UTF-8. */
+  withText(text, use) {
+    return this.#withBytes(encoder.encode(text), use);
+  }
+
+  #withBytes(bytes, use) {
+    const address = this.allocate(bytes.length || 1);
+    try {
+      this.bytes(address, bytes.length).set(bytes);
+      return use(address, bytes.length);
+    } finally {
+      this.wasm.free(address);
+    }
+  }
+
+  /** Calls a function that returns a status and stores a handle. Returns both. */
+  make(call) {
+    const status = call(this.#results);
+    return { status, handle: this.#readPointer(this.#results) };
+  }
+
+  /** A handle, or an exception for any other status. */
+  makeOrThrow(call) {
+    const { status, handle } = this.make(call);
+    this.check(status);
+    return handle;
+  }
+
+  check(status) {
+    if (status !== Status.Ok) {
+      const address = this.wasm.stencilor_status_text(status);
+      const bytes = this.bytes(address, 128);
+      throw new Error(decoder.decode(bytes.subarray(0, bytes.indexOf(0))));
+    }
+  }
+
+  /** The handle of a context that is made of values. */
+  makeContext(values, positions) {
+    const writer = this.#writer ?? new ValueWriter();
+    this.#writer = null; // getters of the values may come back here
+    try {
+      return this.#withBytes(writer.write(values), (address, size) => {
+        const { status, handle } = this.make((context) =>
+          this.wasm.stencilor_web_context(address, size, positions ? 1 : 0, context, context + 4),
+        );
+        return status === Status.Ok ? handle : this.#throwError(status);
+      });
+    } finally {
+      this.#writer = writer;
+    }
+  }
+
+  /** The handle of a context that is made of a JSON text. */
+  makeContextOfJson(json, positions) {
+    return this.withText(json, (address, size) => {
+      const { status, handle } = this.make((context) =>
+        this.wasm.stencilor_context_parse_json(address, size, positions ? 1 : 0, 0, 0, context, context + 4),
+      );
+      return status === Status.Ok ? handle : this.#throwError(status);
+    });
+  }
+
+  /** Throws what was stored beside the handle that could not be made. */
+  #throwError(status) {
+    if (status === Status.WrongKind) {
+      throw new TypeError("the values are not an object");
+    }
+    const error = this.#readPointer(this.#results + 4);
+    if (error === 0) {
+      this.check(status);
+    }
+    const text = this.textOf("stencilor_error_text", error);
+    const line = this.wasm.stencilor_error_line(error);
+    const column = this.wasm.stencilor_error_column(error);
+    this.wasm.stencilor_error_free(error);
+    throw line === 0 ? new TypeError(text) : Object.assign(new SyntaxError(text), { line, column });
+  }
+
+  /** Calls `use` with a number by which callbacks of the engine find `functions`. What they throw is
+   * thrown in the end. */
+  withFunctions(functions, use) {
+    const call = { functions, failure: null };
+    this.#calls.push(call);
+    let result;
+    try {
+      result = use(this.#calls.length - 1);
+    } catch (error) {
+      throw call.failure === null ? error : call.failure.thrown;
+    } finally {
+      this.#calls.pop();
+    }
+    if (call.failure !== null) {
+      throw call.failure.thrown;
+    }
+    return result;
+  }
+
+  /** Runs a callback. Nothing may be thrown through the engine. What fails ends a render; an analysis
+   * goes on, since it could not clean up. */
+  #run(number, callback) {
+    const call = this.#calls[number];
+    try {
+      return callback(call.functions);
+    } catch (thrown) {
+      call.failure ??= { thrown };
+      return call.functions.goesOn ? 0 : 1;
+    }
+  }
+
+  #imports() {
+    return {
+      host: {
+        find: (number, path, size, request) =>
+          this.#run(number, ({ find }) => find(this.readText(path, size), request)),
+        escape: (number, text, size, output) =>
+          this.#run(number, ({ escape }) =>
+            this.withText(String(escape(this.readText(text, size))), (address, length) =>
+              this.wasm.stencilor_output_append(output, address, length),
+            ),
+          ),
+        poll: (number) => this.#run(number, ({ keepGoing }) => (keepGoing() ? 0 : 1)),
+      },
+      env: { emscripten_notify_memory_growth: () => {} },
+      wasi_snapshot_preview1: {
+        clock_time_get: () => 1, // for a log that nothing writes
+        proc_exit: (code) => {
+          throw new Error(`the engine ended with ${code}`);
+        },
+      },
+    };
+  }
+}

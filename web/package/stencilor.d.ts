@@ -1,0 +1,204 @@
+/** A value for templates: text, a number, a boolean, nothing, a list or a dictionary. An object with
+ * `toJSON`, such as a `Date`, is what that returns; any other iterable is a list. */
+export type Value =
+  | string
+  | number
+  | bigint
+  | boolean
+  | null
+  | undefined
+  | Raw
+  | Date
+  | Iterable<unknown>
+  | ReadonlyMap<string, unknown>
+  | { readonly [key: string]: unknown };
+
+/** The values that a template is rendered with, by name. */
+export type Values = ReadonlyMap<string, unknown> | object;
+
+/** A text that no render escapes; made by `raw`. */
+export interface Raw {
+  readonly text: string;
+}
+
+/** What happens to values on their way into the text. A function receives the text of a value. */
+export type Escape = "none" | "html" | "json" | ((text: string) => string);
+
+/** Where included templates come from: by path, or found by a function. A template that is already
+ * parsed may be included many times without being parsed again. */
+export type Templates =
+  | ReadonlyMap<string, string | Template>
+  | { readonly [path: string]: string | Template }
+  | ((path: string) => string | Template | null | undefined);
+
+/** What a render may take. 0 means no limit, except for `includeDepth`. */
+export interface Limits {
+  /** Nodes visited, iterations, and each 64 keys looked up. */
+  steps?: number;
+  /** Bytes of text in UTF-8. */
+  outputBytes?: number;
+  /** Bytes of included templates, each path counted once. */
+  templateBytes?: number;
+  /** Includes open inside each other: 1 to 100, which is the default. */
+  includeDepth?: number;
+  /** Messages kept, 1,000 by default. Further ones are only counted. */
+  messages?: number;
+}
+
+export interface ContextOptions {
+  /** Gives each element of a list `index` (from 1), `first` and `last`. */
+  positions?: boolean;
+}
+
+/** How to render. */
+export interface RenderOptions extends ContextOptions {
+  escape?: Escape;
+  templates?: Templates;
+  limits?: Limits;
+  /** Asked after every 1,024 steps; `false` stops the render. */
+  keepGoing?: () => boolean;
+}
+
+/** How a render ended. Only `complete` comes with a text. */
+export type Status =
+  | "complete"
+  | "rejected"
+  | "stepLimit"
+  | "outputLimit"
+  | "templateLimit"
+  | "depthLimit"
+  | "stopped";
+
+export type MessageKind =
+  | "valueNotFound"
+  | "valueNotText"
+  | "booleanNotFound"
+  | "notBoolean"
+  | "listNotFound"
+  | "notList"
+  | "templateNotFound"
+  | "templateUnreadable"
+  | "templateRejected"
+  | "stepLimit"
+  | "outputLimit"
+  | "templateLimit"
+  | "depthLimit"
+  | "stopped";
+
+/** A place in a template. Lines and columns count from 1, columns in code points. */
+export interface Site {
+  readonly templateName: string;
+  readonly line: number;
+  readonly column: number;
+}
+
+/** Something that could not be rendered, or the reason why a render ended. */
+export interface Message extends Site {
+  readonly kind: MessageKind;
+  /** The message in English, without its place. */
+  readonly text: string;
+  /** The name or path in the tag; empty where there is none. */
+  readonly name: string;
+  /** The include tags around the place, innermost first. */
+  readonly includedFrom: readonly Site[];
+}
+
+/** What a render produced. */
+export interface RenderResult {
+  readonly status: Status;
+  readonly text: string;
+  readonly messages: readonly Message[];
+  /** What the render took. */
+  readonly usage: Required<Limits>;
+}
+
+/** Values that are made ready once, to be rendered many times. */
+export interface Context {
+  /** Frees its memory. It is also freed when nothing refers to it any more. */
+  dispose(): void;
+}
+
+/** A template that is parsed once. */
+export interface Template {
+  readonly text: string;
+  readonly name: string;
+  /** Why the template is rejected; null where it is well formed. */
+  readonly fault: Message | null;
+  render(values?: Values | Context, options?: RenderOptions): RenderResult;
+  /** Frees its memory. It is also freed when nothing refers to it any more. */
+  dispose(): void;
+}
+
+export type Severity = "error" | "warning" | "note";
+
+export interface Range {
+  readonly file: string;
+  readonly line: number;
+  readonly column: number;
+  readonly endLine: number;
+  readonly endColumn: number;
+}
+
+export interface Note extends Range {
+  readonly message: string;
+}
+
+/** Something wrong in a template, with notes that explain it. */
+export interface Finding extends Note {
+  readonly rule: string;
+  readonly severity: Severity;
+  readonly notes: readonly Note[];
+}
+
+/** A name that a template asks for. */
+export interface Name {
+  readonly name: string;
+  readonly kind: "string" | "boolean" | "list";
+  readonly loops: readonly { readonly variable: string; readonly list: string }[];
+  readonly moreLoops: number;
+  readonly places: readonly { readonly file: string; readonly line: number; readonly column: number }[];
+  readonly includedAt: readonly { readonly file: string; readonly line: number; readonly column: number }[];
+  readonly moreInclusions: number;
+}
+
+/** A node of the syntax tree. */
+export interface Node {
+  readonly line: number;
+  readonly column: number;
+  readonly depth: number;
+  readonly kind: "text" | "substitution" | "if" | "else" | "for" | "include";
+  readonly text?: string;
+  readonly name?: string;
+  readonly variable?: string;
+  readonly list?: string;
+  readonly path?: string;
+}
+
+/** The engine. */
+export interface Stencilor {
+  readonly Template: new (text: string, options?: { name?: string }) => Template;
+  readonly Context: {
+    new (values?: Values, options?: ContextOptions): Context;
+    /** Makes a context of a JSON text, whose numbers keep their digits. Throws a `SyntaxError` with
+     * `line` and `column`, which count from 1. */
+    fromJson(json: string, options?: ContextOptions): Context;
+  };
+  /** Finds what is wrong with a template and all that it includes. With values, also which names
+   * they lack. */
+  check(
+    template: Template,
+    options?: ContextOptions & { templates?: Templates; context?: Values | Context },
+  ): Finding[];
+  /** Lists the names that a template and all that it includes ask for. Throws for a rejected one. */
+  names(template: Template, options?: { templates?: Templates }): Name[];
+  /** Lists the nodes of a template. Throws for a rejected one. */
+  tree(template: Template): Node[];
+  /** Marks a text as safe where it is inserted, so that no render escapes it. */
+  raw(text: string): Raw;
+  escapeHtml(text: string): string;
+  /** Escapes a text for the inside of a JSON string, also within HTML. */
+  escapeJson(text: string): string;
+}
+
+/** Loads the engine, the first time that it is called. */
+export function load(): Promise<Stencilor>;
