@@ -162,7 +162,7 @@ export class Engine {
   }
 
   /** Runs a callback. Nothing may be thrown through the engine. What fails ends a render; an analysis
-   * goes on, since it could not clean up. */
+   * goes on without the template. */
   #run(number, callback) {
     const call = this.#calls[number];
     try {

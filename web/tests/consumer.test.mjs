@@ -26,7 +26,7 @@ before(() => {
   run("npm", "install", "--offline", "--no-audit", "--no-fund", join(folder, tarball.filename));
 });
 
-test("the tarball has what is needed and no more, in 112 KB", () => {
+test("the tarball has what is needed and no more, in 120 KB", () => {
   assert.deepEqual(tarball.files.map(({ path }) => path).sort(), [
     "LICENSE",
     "LICENSES.txt",
@@ -40,7 +40,7 @@ test("the tarball has what is needed and no more, in 112 KB", () => {
   ]);
   const modules = ["engine.js", "stencilor.js", "values.js", "wasm.js"];
   const packed = execFileSync("gzip", ["-9c", ...modules], { cwd: STENCILOR_PACKAGE });
-  assert.ok(packed.length <= 112_000, `${packed.length} bytes`);
+  assert.ok(packed.length <= 120_000, `${packed.length} bytes`);
   assert.ok(statSync(join(folder, tarball.filename)).size < 160_000);
 });
 
