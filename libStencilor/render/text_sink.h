@@ -157,24 +157,30 @@ class text_sink {
     // The number of extra bytes after the room.
     static constexpr std::size_t shortSize = 16;
 
-    // Read from a given number of bytes before the middle, this mask has all bytes after that
-    // number set.
-    static constexpr std::array<unsigned char, 2 * shortSize> bytesPast = [] {
-        std::array<unsigned char, 2 * shortSize> bytes{};
-        std::fill(bytes.begin() + shortSize, bytes.end(), static_cast<unsigned char>(0xFF));
+    // Two masks for a text of `n` bytes: from `shortSize - n`, its bytes are set and those past it
+    // are not; from `2 * shortSize - n`, the opposite. Both are read from memory: if one were
+    // computed from the other, the compiler would merge their uses into exclusive ors, whose
+    // results valgrind takes for undefined.
+    static constexpr std::array<unsigned char, 3 * shortSize> masks = [] {
+        std::array<unsigned char, 3 * shortSize> bytes{};
+        std::fill(bytes.begin(), bytes.begin() + shortSize, static_cast<unsigned char>(0xFF));
+        std::fill(bytes.end() - shortSize, bytes.end(), static_cast<unsigned char>(0xFF));
         return bytes;
     }();
 
     /// Copies `shortSize` bytes. Returns true if those of `text` are plain.
     static bool copyPlainShort(char* to, std::string_view text) {
-        std::array<std::uint64_t, 2> words;
-        static_assert(sizeof(words) == shortSize);
+        using two_words = std::array<std::uint64_t, 2>;
+        static_assert(sizeof(two_words) == shortSize);
+        two_words words;
+        two_words inside;
+        two_words past;
         std::memcpy(words.data(), text.data(), sizeof(words));
         std::memcpy(to, words.data(), sizeof(words));
-        std::array<std::uint64_t, 2> past;
-        std::memcpy(past.data(), &bytesPast[shortSize - text.size()], sizeof(past));
-        return (notPlainBits((words[0] & ~past[0]) | (onePerByte & past[0])) |
-                notPlainBits((words[1] & ~past[1]) | (onePerByte & past[1]))) == 0;
+        std::memcpy(inside.data(), &masks[shortSize - text.size()], sizeof(inside));
+        std::memcpy(past.data(), &masks[2 * shortSize - text.size()], sizeof(past));
+        return (notPlainBits((words[0] & inside[0]) | (onePerByte & past[0])) |
+                notPlainBits((words[1] & inside[1]) | (onePerByte & past[1]))) == 0;
     }
 
     static bool copyPlain(char* to, std::string_view text);
