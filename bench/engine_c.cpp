@@ -22,8 +22,8 @@ stencilor::Value toCValue(const value& from) {
     if (const auto* const text = std::get_if<std::string>(&from.held)) {
         return *text;
     }
-    if (const auto* const truth = std::get_if<bool>(&from.held)) {
-        return *truth;
+    if (const auto* const held = std::get_if<bool>(&from.held)) {
+        return *held;
     }
     if (const auto* const members = std::get_if<object>(&from.held)) {
         return toCValue(*members);

@@ -254,7 +254,7 @@ STENCILOR_API int stencilor_escape(int kind, const char* text, size_t size,
 STENCILOR_API int stencilor_value_null(stencilor_value** value);
 
 /** Makes a boolean: false of 0, true of every other number. */
-STENCILOR_API int stencilor_value_boolean(int truth, stencilor_value** value);
+STENCILOR_API int stencilor_value_boolean(int is_true, stencilor_value** value);
 
 /** Makes a text. */
 STENCILOR_API int stencilor_value_text(const char* text, size_t size, stencilor_value** value);
@@ -300,7 +300,7 @@ STENCILOR_API int stencilor_value_add(stencilor_value* list, stencilor_value* it
 STENCILOR_API int stencilor_value_add_null(stencilor_value* list);
 
 /** Appends a boolean to a list. */
-STENCILOR_API int stencilor_value_add_boolean(stencilor_value* list, int truth);
+STENCILOR_API int stencilor_value_add_boolean(stencilor_value* list, int is_true);
 
 /** Appends a text to a list. */
 STENCILOR_API int stencilor_value_add_text(stencilor_value* list, const char* text, size_t size);
@@ -331,7 +331,7 @@ STENCILOR_API int stencilor_value_set_null(stencilor_value* dictionary, const ch
 
 /** Sets a member of a dictionary to a boolean. */
 STENCILOR_API int stencilor_value_set_boolean(stencilor_value* dictionary, const char* key,
-                                              size_t key_size, int truth);
+                                              size_t key_size, int is_true);
 
 /** Sets a member of a dictionary to a text. */
 STENCILOR_API int stencilor_value_set_text(stencilor_value* dictionary, const char* key,

@@ -218,8 +218,8 @@ class Value {
   private:
     explicit Value(internal::Handle<stencilor_value> handle) : handle_(std::move(handle)) {}
 
-    static Value convert(bool truth) {
-        return Value(internal::make<stencilor_value>(stencilor_value_boolean, truth ? 1 : 0));
+    static Value convert(bool is_true) {
+        return Value(internal::make<stencilor_value>(stencilor_value_boolean, is_true ? 1 : 0));
     }
 
     template <typename T>

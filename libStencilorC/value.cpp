@@ -39,8 +39,8 @@ auto null() {
     return [] { return Value(nullptr); };
 }
 
-auto boolean(int truth) {
-    return [truth] { return Value(truth != 0); };
+auto boolean(int is_true) {
+    return [is_true] { return Value(is_true != 0); };
 }
 
 auto text(const char* bytes, size_t size) {
@@ -70,8 +70,8 @@ int stencilor_value_null(stencilor_value** value) {
     return create(value, null());
 }
 
-int stencilor_value_boolean(int truth, stencilor_value** value) {
-    return create(value, boolean(truth));
+int stencilor_value_boolean(int is_true, stencilor_value** value) {
+    return create(value, boolean(is_true));
 }
 
 int stencilor_value_text(const char* bytes, size_t size, stencilor_value** value) {
@@ -124,8 +124,8 @@ int stencilor_value_add_null(stencilor_value* list) {
     return add(list, null());
 }
 
-int stencilor_value_add_boolean(stencilor_value* list, int truth) {
-    return add(list, boolean(truth));
+int stencilor_value_add_boolean(stencilor_value* list, int is_true) {
+    return add(list, boolean(is_true));
 }
 
 int stencilor_value_add_text(stencilor_value* list, const char* bytes, size_t size) {
@@ -154,8 +154,8 @@ int stencilor_value_set_null(stencilor_value* dictionary, const char* key, size_
 }
 
 int stencilor_value_set_boolean(stencilor_value* dictionary, const char* key, size_t keySize,
-                                int truth) {
-    return set(dictionary, key, keySize, boolean(truth));
+                                int is_true) {
+    return set(dictionary, key, keySize, boolean(is_true));
 }
 
 int stencilor_value_set_text(stencilor_value* dictionary, const char* key, size_t keySize,

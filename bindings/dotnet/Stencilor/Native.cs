@@ -126,7 +126,7 @@ namespace Stencilor
         [DllImport(Library, CallingConvention = C)]
         internal static extern int stencilor_value_null(out ValueHandle value);
         [DllImport(Library, CallingConvention = C)]
-        internal static extern int stencilor_value_boolean(int truth, out ValueHandle value);
+        internal static extern int stencilor_value_boolean(int isTrue, out ValueHandle value);
         [DllImport(Library, CallingConvention = C)]
         internal static extern int stencilor_value_text(byte[] text, UIntPtr size, out ValueHandle value);
         [DllImport(Library, CallingConvention = C)]
