@@ -266,19 +266,20 @@ void printFigures(const median_reporter& measured, const std::vector<contest>& c
         const figures& medians = measured.medians.at(name);
         if (!each.work.inFiles) {
             // For a small page, the memory of one handle is significant.
-            printFigure((name + ": render through C, of Template").c_str(),
+            printFigure((name + ": rendering in C, relative to C++").c_str(),
                         medians.at(each.races[4].ratio()), name == "W1" ? 1.2 : 1.05);
         }
         if (name == "W2-1000") {
-            printFigure("W2-1000: renderTo, of render", medians.at(each.races[2].ratio()), 1.0);
-            printFigure("W2-1000: Context of a Value, of the same by the classic classes",
+            printFigure("W2-1000: renderTo, relative to render", medians.at(each.races[2].ratio()),
+                        1.0);
+            printFigure("W2-1000: Context from a Value, relative to the classic classes",
                         medians.at(each.races[3].ratio()), 1.3);
-            printFigure("W2-1000: two threads on one Template, of two with a Template each",
+            printFigure("W2-1000: two threads sharing a Template, relative to one each",
                         ratioInThreads(each.work), 0.95, true);
         }
         if (name == "W5") {
-            printFigure("W5: bytes that a Template holds, of its text", memoryOfTemplate(each.work),
-                        13);
+            printFigure("W5: memory of a Template, relative to its text",
+                        memoryOfTemplate(each.work), 13);
         }
     }
 }
