@@ -28,7 +28,7 @@ function(stencilor_write_debian_changelog file)
     file(
         WRITE "${file}"
         "stencilor (${version}) unstable; urgency=medium\n\n"
-        "  * What has changed in the program and the libraries is told in changelog.gz.\n\n"
+        "  * See changelog.gz for the changes to the program and the libraries.\n\n"
         " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n"
     )
 endfunction()
