@@ -3,6 +3,7 @@
 #include "../support/TemporaryFolder.h"
 #include "Rendering.h"
 
+#include <ctime>
 #include <initializer_list>
 
 namespace support {
