@@ -433,6 +433,10 @@ class Context {
     STENCILOR_EXPORT operator const ContextBase&() const noexcept;
 
   private:
+    friend struct internal::value_access;
+
+    Context(internal::value_access, std::unique_ptr<ContextBase> root) noexcept;
+
     std::unique_ptr<ContextBase> root_;
 };
 

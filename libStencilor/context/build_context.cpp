@@ -56,34 +56,22 @@ std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
     return std::make_unique<ContextDictionary>();
 }
 
-/// Builds values from the inside out, so that the names of nested dictionaries are complete when
-/// those of the outer one are made.
-class context_builder {
+/// Makes context values from values.
+class value_reader {
   public:
-    context_builder(const ContextOptions& options, std::uint64_t limit)
-        : options_(options), limit_(limit) {}
+    explicit value_reader(context_builder& builder) : builder_(builder) {}
 
     std::unique_ptr<ContextBase> build(const Value& value);
 
   private:
     std::unique_ptr<ContextBase> buildDictionary(const Members& members);
     std::unique_ptr<ContextBase> buildList(const std::vector<Value>& items);
-    std::unique_ptr<ContextBase> buildElement(const Value& item);
-    void addDottedNames(ContextBase& dictionary, const String& key, const ContextBase& nested);
-    void addPosition(ContextBase& element, std::size_t index, std::size_t count) const;
-    void countDottedName(const String& name, const ContextBase* original);
 
-    const ContextOptions options_;
-    const std::uint64_t limit_; // for the dotted names, in bytes
-    const String booleanKey_ = "$boolean";
-    const String valueKey_ = "value";
-    const String indexKey_ = "index";
-    const String firstKey_ = "first";
-    const String lastKey_ = "last";
-    std::uint64_t dottedNames_ = 0; // their memory in bytes
+    context_builder& builder_;
+    const String booleanKey_ = context_builder::booleanKey;
 };
 
-std::unique_ptr<ContextBase> context_builder::build(const Value& value) {
+std::unique_ptr<ContextBase> value_reader::build(const Value& value) {
     switch (value.kind()) {
     case Kind::Null:
         break;
@@ -106,13 +94,11 @@ std::unique_ptr<ContextBase> buildEmptyDictionary(const Value* truth) {
     if (truth == nullptr) {
         return std::make_unique<ContextDictionary>();
     }
-    if (truth->kind() != Kind::Boolean) {
-        throw std::invalid_argument("the value of \"$boolean\" is neither true nor false");
-    }
+    context_builder::checkBoolean(truth->kind() == Kind::Boolean);
     return std::make_unique<ContextBoolean>(truth->isTrue());
 }
 
-std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& members) {
+std::unique_ptr<ContextBase> value_reader::buildDictionary(const Members& members) {
     const auto truth = members.find(booleanKey_);
     std::unique_ptr<ContextBase> result =
         buildEmptyDictionary(truth == members.end() ? nullptr : &truth->second);
@@ -122,14 +108,54 @@ std::unique_ptr<ContextBase> context_builder::buildDictionary(const Members& mem
             entry = build(member->second).release();
         }
     }
-    // Backwards, because the longest key wins: if two keys lead to the same dotted name, one is a
-    // prefix of the other and precedes it.
-    for (auto member = members.rbegin(); member != members.rend(); ++member) {
-        if (member->second.kind() == Kind::Dictionary) {
-            addDottedNames(*result, member->first, *result->find(member->first));
+    builder_.addDottedNames(*result);
+    return result;
+}
+
+std::unique_ptr<ContextBase> value_reader::buildList(const std::vector<Value>& items) {
+    auto result = std::make_unique<ContextIterable>();
+    std::vector<ContextBase*>& elements = context_access::elements(*result);
+    elements.reserve(items.size());
+    for (const Value& item : items) {
+        std::unique_ptr<ContextBase> element = build(item);
+        if (item.kind() != Kind::Dictionary) {
+            element = builder_.wrapItem(std::move(element));
+        }
+        elements.push_back(element.release());
+    }
+    builder_.addPositions(*result);
+    return result;
+}
+
+/// Adds a child to `element`, unless it has an entry with that name.
+template <typename Child, typename Source>
+void addMissing(ContextBase& element, const String& key, const Source& source) {
+    if (!element.containsKey(key)) {
+        ContextBase*& child = element[key];
+        child = new Child(source);
+    }
+}
+
+} // namespace
+
+void context_builder::checkBoolean(bool isBoolean) {
+    if (!isBoolean) {
+        throw std::invalid_argument("the value of \"$boolean\" is neither true nor false");
+    }
+}
+
+void context_builder::addDottedNames(ContextBase& dictionary) {
+    std::vector<const child_map::value_type*> nested; // they do not move as others are added
+    for (const auto& child : context_access::children(dictionary)) {
+        if (child.second != nullptr && !context_access::children(*child.second).empty()) {
+            nested.push_back(&child);
         }
     }
-    return result;
+    // Backwards, because the longest key wins: if two keys lead to the same dotted name, one is a
+    // prefix of the other and precedes it.
+    for (auto child = nested.rbegin(); child != nested.rend(); ++child) {
+        addDottedNames(dictionary, (*child)->first, *(*child)->second);
+    }
 }
 
 /// Adds the names of `nested`, the child `key`, prefixed with `key` and a dot.
@@ -156,41 +182,25 @@ void context_builder::countDottedName(const String& name, const ContextBase* ori
     }
 }
 
-std::unique_ptr<ContextBase> context_builder::buildList(const std::vector<Value>& items) {
-    auto result = std::make_unique<ContextIterable>();
-    std::vector<ContextBase*>& elements = context_access::elements(*result);
-    elements.reserve(items.size());
-    for (const Value& item : items) {
-        std::unique_ptr<ContextBase> element = buildElement(item);
-        if (options_.positions) {
-            addPosition(*element, elements.size(), items.size());
-        }
-        elements.push_back(element.release());
-    }
-    return result;
-}
-
-std::unique_ptr<ContextBase> context_builder::buildElement(const Value& item) {
-    if (item.kind() == Kind::Dictionary) {
-        return build(item);
-    }
-    if (item.kind() == Kind::Null && !options_.positions) {
+std::unique_ptr<ContextBase> context_builder::wrapItem(std::unique_ptr<ContextBase> item) const {
+    if (item == nullptr && !options_.positions) {
         return nullptr;
     }
     auto element = std::make_unique<ContextDictionary>();
-    if (item.kind() != Kind::Null) {
+    if (item != nullptr) {
         ContextBase*& value = (*element)[valueKey_];
-        value = build(item).release();
+        value = item.release();
     }
     return element;
 }
 
-/// Adds a child to `element`, unless it has an entry with that name.
-template <typename Child, typename Source>
-void addMissing(ContextBase& element, const String& key, const Source& source) {
-    if (!element.containsKey(key)) {
-        ContextBase*& child = element[key];
-        child = new Child(source);
+void context_builder::addPositions(ContextIterable& list) const {
+    if (!options_.positions) {
+        return;
+    }
+    const std::vector<ContextBase*>& elements = context_access::elements(list);
+    for (std::size_t index = 0; index < elements.size(); ++index) {
+        addPosition(*elements[index], index, elements.size());
     }
 }
 
@@ -201,14 +211,13 @@ void context_builder::addPosition(ContextBase& element, std::size_t index,
     addMissing<ContextBoolean>(element, lastKey_, index + 1 == count);
 }
 
-} // namespace
-
 std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,
                                           std::uint64_t limit) {
     if (root.kind() != Kind::Dictionary) {
         throw std::invalid_argument("the root of a context must be a dictionary");
     }
-    return context_builder(options, limit).build(root);
+    context_builder builder(options, limit);
+    return value_reader(builder).build(root);
 }
 
 } // namespace kel::Stencilor::internal

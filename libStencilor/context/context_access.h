@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 namespace kel::Stencilor::internal {
 
@@ -34,6 +35,12 @@ struct context_access {
     static void setChildren(ContextBase& value, std::unique_ptr<child_map> children) noexcept {
         assert(value.children == nullptr);
         value.children = children.release();
+    }
+
+    /// Moves all children to a value that has none yet.
+    static void moveChildren(ContextBase& from, ContextBase& to) noexcept {
+        assert(to.children == nullptr);
+        to.children = std::exchange(from.children, nullptr);
     }
 
     /// The child under `key`, or null. `guess` is set to where it is among the children.

@@ -4,6 +4,8 @@
 #include <libStencilor/Value.h>
 
 #include <map>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace kel::Stencilor {
@@ -35,6 +37,10 @@ struct value_access {
     /// The members of a dictionary.
     static const std::map<String, Value>& members(const Value& dictionary) {
         return std::get<std::unique_ptr<Value::Dictionary>>(dictionary.data_)->members;
+    }
+    /// A context that owns the tree of `root`.
+    static Context makeContext(std::unique_ptr<ContextBase> root) noexcept {
+        return Context(value_access(), std::move(root));
     }
 };
 

@@ -1,8 +1,12 @@
+#include <libStencilor/context/build_context.h>
+#include <libStencilor/context/context_access.h>
+#include <libStencilor/value/value_access.h>
 #include <libStencilorC/border.h>
 #include <libStencilorC/handles.h>
 
 #include <cassert>
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -20,11 +24,18 @@ enum class Tag : unsigned char { Null, False, True, Text, RawText, List, Diction
 /// Reads values that `values.js` wrote, so nothing in them is malformed.
 class ValueReader {
   public:
-    ValueReader(const unsigned char* bytes, std::size_t size) : next_(bytes), end_(bytes + size) {}
+    ValueReader(const unsigned char* bytes, std::size_t size, const ContextOptions& options)
+        : next_(bytes), end_(bytes + size), builder_(options) {}
 
-    Value read() { return read(readTag()); }
+    /// Reads the root of a context. Throws if it is not a dictionary.
+    std::unique_ptr<ContextBase> readRoot() {
+        failUnlessOk(readTag() == Tag::Dictionary ? STENCILOR_OK : STENCILOR_WRONG_KIND);
+        return readDictionary();
+    }
 
   private:
+    using Made = std::unique_ptr<ContextBase>;
+
     unsigned char readByte() {
         assert(next_ < end_);
         return *next_++;
@@ -44,42 +55,57 @@ class ValueReader {
         }
     }
 
-    std::string_view readText() {
+    kel::String readText() {
         const std::size_t size = readSize();
         const std::string_view text(reinterpret_cast<const char*>(next_), size);
         next_ += size;
         assert(next_ <= end_);
-        return text;
+        return kel::String(text);
     }
 
-    Value readList() {
-        Value list = Value::list();
+    Made readList() {
+        auto list = std::make_unique<ContextIterable>();
         for (Tag tag = readTag(); tag != Tag::End; tag = readTag()) {
-            list.add(read(tag));
+            Made element = read(tag);
+            if (tag != Tag::Dictionary) {
+                element = builder_.wrapItem(std::move(element));
+            }
+            list->add(element.release());
         }
+        builder_.addPositions(*list);
         return list;
     }
 
-    Value readDictionary() {
-        Value dictionary;
+    Made readDictionary() {
+        Made dictionary = std::make_unique<ContextDictionary>();
         for (Tag tag = readTag(); tag != Tag::End; tag = readTag()) {
-            const std::string_view key = readText();
-            dictionary.set(key, read());
+            const kel::String key = readText();
+            tag = readTag();
+            Made member = read(tag);
+            if (key == booleanKey_) {
+                context_builder::checkBoolean(tag == Tag::True || tag == Tag::False);
+                context_access::moveChildren(*dictionary, *member);
+                dictionary = std::move(member);
+                continue;
+            }
+            ContextBase*& entry = (*dictionary)[key];
+            delete std::exchange(entry,
+                                 member.release()); // different keys may be the same in UTF-8
         }
+        builder_.addDottedNames(*dictionary);
         return dictionary;
     }
 
     /// Recursion ends: `values.js` writes no deeper values than there may be.
-    Value read(Tag tag) { // NOLINT(misc-no-recursion)
+    Made read(Tag tag) { // NOLINT(misc-no-recursion)
         switch (tag) {
         case Tag::False:
-            return false;
         case Tag::True:
-            return true;
+            return std::make_unique<ContextBoolean>(tag == Tag::True);
         case Tag::Text:
-            return readText();
+            return std::make_unique<ContextString>(readText());
         case Tag::RawText:
-            return Value::raw(readText());
+            return std::make_unique<ContextRawString>(readText());
         case Tag::List:
             return readList();
         case Tag::Dictionary:
@@ -91,6 +117,8 @@ class ValueReader {
 
     const unsigned char* next_;
     [[maybe_unused]] const unsigned char* end_; // for assertions
+    context_builder builder_;
+    const kel::String booleanKey_ = context_builder::booleanKey;
 };
 
 } // namespace
@@ -106,14 +134,16 @@ STENCILOR_WEB_IMPORT(escape)
 int hostEscape(void* payload, const char* text, std::size_t size, stencilor_output* output);
 STENCILOR_WEB_IMPORT(poll) int hostPoll(void* payload);
 
-/// Makes a context of a value, as `stencilor_context_create`.
+/// Makes a context of values, as `stencilor_context_create` does of one value.
 STENCILOR_WEB_EXPORT(stencilor_web_context)
 int makeContext(const unsigned char* bytes, std::size_t size, int flags,
                 stencilor_context** context, stencilor_error** error) {
     return guarded(
         [&] {
-            const stencilor_value root{ValueReader(bytes, size).read()};
-            return stencilor_context_create(&root, flags, context, error);
+            stencilor_context*& made = placeOf(context);
+            const bool positions = (flags & STENCILOR_CONTEXT_POSITIONS) != 0;
+            ValueReader reader(bytes, size, {.positions = positions});
+            made = new stencilor_context{value_access::makeContext(reader.readRoot())};
         },
         error);
 }
@@ -136,8 +166,14 @@ int setPoll(stencilor_options* options, void* payload) {
     return stencilor_options_set_poll(options, &hostPoll, payload);
 }
 
-// In place of functions of the C++ library that describe what goes wrong, and bring along all that
-// formats numbers. Calls come here only where the engine is wrong.
+// In place of functions of the C and C++ libraries. There is no environment to read.
+
+extern "C" char* getenv(const char*) {
+    return nullptr;
+}
+
+// These describe what goes wrong, and bring along all that formats numbers. Calls come here only
+// where the engine is wrong.
 
 extern "C" void abort_message(const char*, ...) {
     __builtin_trap();

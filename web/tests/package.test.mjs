@@ -27,6 +27,10 @@ const rendered = [
   ["a date", "{{ a }}", { a: new Date(0) }, "1970-01-01T00:00:00.000Z"],
   ["null and undefined", "{{ a }}{{ b }}", { a: null, b: undefined }, ""],
   ["a boolean with members", "{% if a %}{{ b }}{% endif %}", { a: { $boolean: true, b: "x" } }, "x"],
+  ["the members of a boolean in an object", "{% if a.b %}{{ c }}{{ d.e }}{% endif %}", { a: { b: { c: 1, $boolean: true, d: { e: 2 } } } }, "12"],
+  ["objects whose keys are the same in UTF-8", "{{ a }}", { "\ud800": { b: 1 }, "\udc00": { b: 2 }, a: 3 }, "3"],
+  ["lists of all kinds", "{% for i in a %}<{{ i.value }}{{ i.b }}>{% endfor %}", { a: ["x", null, { b: "y" }, 1] }, "<x><><y><1>"],
+  ["lists in lists", "{% for i in a %}{% for j in i.value %}{{ j.value }}{% endfor %};{% endfor %}", { a: [[1, 2], [], [3]] }, "12;;3;"],
   ["a key that objects inherit", "{{ constructor }}{{ toString }}", {}, ""],
 ];
 for (const [name, text, values, expected] of rendered) {
@@ -178,6 +182,12 @@ for (const [status, text, values, options] of limited) {
 test("refuses limits that are none", () => {
   assert.throws(() => render("", {}, { limits: { step: 1 } }), /steps, outputBytes/);
   assert.throws(() => render("", {}, { limits: { steps: -1 } }), RangeError);
+});
+
+test("gives positions to elements of all kinds", () => {
+  const values = { a: ["x", null, { b: "y", index: "own" }] };
+  const text = "{% for i in a %}{{ i.index }}{% if i.first %}first{% endif %}{% if i.last %}last{% endif %} {% endfor %}";
+  assert.equal(render(text, values, { positions: true }).text, "1first 2 ownlast ");
 });
 
 test("keeps a context for many renders", () => {
