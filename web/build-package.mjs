@@ -2,33 +2,47 @@
 //
 //   node build-package.mjs WASM VERSION OUT
 
+import { execFileSync } from "node:child_process";
 import { cpSync, mkdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { fileURLToPath } from "node:url";
-import { deflateSync } from "node:zlib";
 
 const [wasm, version, out] = process.argv.slice(2);
 const web = fileURLToPath(new URL(".", import.meta.url));
 const root = join(web, "..");
-const system = "/usr/share/emscripten/system/lib";
 
-/** The licence of Boost, out of a list that names that of every file. */
+/** The paragraphs of a list of licences that begin with one of `beginnings`, each of which must. */
+function paragraphsOf(list, beginnings) {
+  const paragraphs = readFileSync(list, "utf8").split(/\n\n+/);
+  return beginnings.map((beginning) => {
+    const found = paragraphs.find((each) => each.replace(/\s+/g, " ").startsWith(beginning));
+    if (!found) {
+      throw new Error(`${list} has no paragraph that begins with "${beginning}"`);
+    }
+    return found.replace(/^ \.?/gm, "").trim();
+  });
+}
+
+/** The licence of Boost, from a list that names the licence of every file. */
 function boostLicence() {
   const list = readFileSync("/usr/share/doc/libboost1.74-dev/copyright", "utf8");
   const begin = list.indexOf("\n Boost Software License - Version 1.0");
   const end = list.indexOf("\n\n", begin);
   if (begin < 0 || end < 0) {
-    throw new Error("the package of Boost does not have its licence where it is looked for");
+    throw new Error("the licence of Boost is not where its package usually has it");
   }
   return list.slice(begin, end).replace(/^ \.?/gm, "").trim();
 }
 
+const libraries = ["compiler-rt", "libcxx", "libcxxabi", "libunwind"];
 const licences = {
   "Boost (Variant, Container and what they use)": boostLicence(),
-  "musl, the C library": readFileSync(`${system}/libc/musl/COPYRIGHT`, "utf8"),
-  "libc++, libc++abi, libunwind and compiler-rt of LLVM": readFileSync("/usr/share/doc/libc++-16-dev/copyright", "utf8"),
-  "nlohmann-json": readFileSync("/usr/share/doc/nlohmann-json3-dev/copyright", "utf8"),
-  "emscripten, and dlmalloc with it": readFileSync("/usr/share/doc/emscripten/copyright", "utf8"),
+  "musl, the C library": readFileSync("/usr/share/emscripten/system/lib/libc/musl/COPYRIGHT", "utf8"),
+  "emscripten, and libraries of LLVM": paragraphsOf("/usr/share/doc/emscripten/copyright", [
+    "Files: * ",
+    ...libraries.map((library) => `Files: system/lib/${library}/* `),
+    "License: Expat ",
+  ]).join("\n\n"),
 };
 
 rmSync(out, { recursive: true, force: true });
@@ -37,7 +51,7 @@ for (const file of ["engine.js", "stencilor.d.ts", "stencilor.js", "values.js", 
   cpSync(join(web, "package", file), join(out, file));
 }
 cpSync(join(root, "LICENSE"), join(out, "LICENSE"));
-const compressed = deflateSync(readFileSync(wasm), { level: 9 }).toString("base64");
+const compressed = execFileSync("zopfli", ["--zlib", "-c", wasm]).toString("base64"); // 5 % smaller than zlib does
 writeFileSync(join(out, "wasm.js"), `// The engine, compressed.\nexport const compressed =\n  "${compressed}";\n`);
 const description = JSON.parse(readFileSync(join(web, "package", "package.json"), "utf8"));
 writeFileSync(join(out, "package.json"), JSON.stringify({ ...description, version }, null, 2) + "\n");
