@@ -4,7 +4,7 @@ import { autocompletion, closeBrackets, closeBracketsKeymap, completionKeymap } 
 import { defaultKeymap, history, historyKeymap } from "@codemirror/commands";
 import { json } from "@codemirror/lang-json";
 import { HighlightStyle, bracketMatching, indentUnit, syntaxHighlighting } from "@codemirror/language";
-import { lintGutter, setDiagnostics } from "@codemirror/lint";
+import { diagnosticCount, lintGutter, setDiagnostics } from "@codemirror/lint";
 import { EditorState } from "@codemirror/state";
 import {
   EditorView,
@@ -80,6 +80,9 @@ function offsetOf(doc, line, column) {
 /** Underlines findings; each has a message, a severity, and a place with or without an end. */
 export function showFindings(view, findings) {
   const { doc } = view.state;
+  if (findings.length === 0 && diagnosticCount(view.state) === 0) {
+    return;
+  }
   const diagnostics = findings.map(({ severity, message, notes = [], ...place }) => {
     const from = offsetOf(doc, place.line, place.column);
     const to = place.endLine ? offsetOf(doc, place.endLine, place.endColumn) : from + 1;

@@ -6,7 +6,7 @@ import { fromFragment, restore, save, toFragment } from "./state.js";
 import { askForPath } from "./dialogs.js";
 import { Renderer } from "./renderer.js";
 import { fillTabs, makeTabs } from "./tabs.js";
-import { showFindingList, showNames, showTree } from "./views.js";
+import { replaceText, showFindingList, showNames, showTree } from "./views.js";
 
 const element = (id) => document.getElementById(id);
 const views = ["text", "page", "names", "tree"];
@@ -16,11 +16,12 @@ let active = 0;
 let view = "text";
 let title = "";
 let last = { findings: [], names: [], tree: [], text: "" };
+let shown = ""; // the messages in the list
 let contextValues = {};
 
 const hooks = {
   changed: () => update(),
-  values: () => contextValues,
+  values: readValues,
   paths: () => files.map(({ path }) => path),
 };
 const templateEditor = makeEditor(element("template"), templateState("", hooks));
@@ -49,13 +50,18 @@ function update() {
     return;
   }
   const state = currentState();
-  try {
-    contextValues = JSON.parse(state.values) ?? {};
-  } catch {
-    // Completion goes on with the values before.
-  }
   renderer.render({ ...state, main: state.files[0][0] });
   scheduleSave();
+}
+
+/** The values for completion: the last ones without a fault. */
+function readValues() {
+  try {
+    contextValues = JSON.parse(contextEditor.state.doc.toString()) ?? {};
+  } catch {
+    // The ones before are good enough.
+  }
+  return contextValues;
 }
 
 let saving;
@@ -114,16 +120,24 @@ function chooseView(name) {
   showView();
 }
 
-/** Only the view that is seen is filled. */
+/** Only the view that is seen is filled, with what the worker made for it. */
 function showView() {
   if (view === "text") {
-    element("text").textContent = last.limit ? `The render was stopped. ${last.limit}` : last.text;
+    const stopped = last.status === "error" ? "" : "The render was stopped. ";
+    replaceText(element("text"), last.limit ? stopped + last.limit : last.text);
   } else if (view === "page") {
-    element("page").srcdoc = last.text;
-  } else if (view === "names") {
+    showPage(last.text);
+  } else if (view === last.view && view === "names") {
     showNames(element("view-names"), last.names, openPlace);
-  } else {
+  } else if (view === last.view) {
     showTree(element("view-tree"), last.tree);
+  }
+}
+
+/** A page that stays the same also stays where it was scrolled to. */
+function showPage(text) {
+  if (element("page").srcdoc !== text) {
+    element("page").srcdoc = text;
   }
 }
 
@@ -131,20 +145,32 @@ function showResult(result) {
   last = result;
   element("output").classList.toggle("stopped", Boolean(result.limit));
   showView();
-  showFindingList(element("findings"), result, openPlace);
+  showMessages();
   element("status").textContent = describe(result);
-  showFiles();
   underline();
   document.body.dataset.rendered = result.id;
 }
 
-function describe({ status, text, usage, time, findings, findingCount }) {
+/** Most keys leave the messages as they are. */
+function showMessages() {
+  const { findings, findingCount, fault, limit } = last;
+  const messages = JSON.stringify([findings, findingCount, fault, limit]);
+  if (messages !== shown) {
+    shown = messages;
+    showFindingList(element("findings"), last, openPlace);
+    showFiles();
+  }
+}
+
+const inEnglish = new Intl.NumberFormat("en"); // making one takes longer than a render
+
+function describe({ status, usage, time, findings, findingCount }) {
   const count = findingCount ?? findings.length;
   const found = count === 0 ? "nothing to report" : count === 1 ? "1 message" : `${count} messages`;
   if (status !== "complete") {
     return found;
   }
-  const size = `${usage.outputBytes.toLocaleString("en")} ${usage.outputBytes === 1 ? "byte" : "bytes"}`;
+  const size = `${inEnglish.format(usage.outputBytes)} ${usage.outputBytes === 1 ? "byte" : "bytes"}`;
   return `${found} · ${size} in ${time < 10 ? time.toFixed(1) : Math.round(time)} ms`;
 }
 
@@ -234,7 +260,7 @@ function startControls() {
   makeTabs(element("files"), (tab) => openFile(Number(tab.dataset.index)));
   makeTabs(element("views"), (tab) => {
     chooseView(tab.id.slice("tab-".length));
-    scheduleSave();
+    update();
   });
   element("positions").addEventListener("change", update);
   element("escape").addEventListener("change", update);

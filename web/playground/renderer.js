@@ -5,7 +5,8 @@ const patience = 5000;
 /** Renders the newest job; those that it overtook are left out. */
 export class Renderer {
   #worker;
-  #busy = false;
+  #isBusy = false;
+  #isReady = false;
   #waiting = null;
   #id = 0;
   #timer;
@@ -21,32 +22,54 @@ export class Renderer {
   }
 
   #start() {
-    this.#busy = true; // until it is loaded
+    this.#isBusy = true; // until it is loaded
+    this.#isReady = false;
     this.#worker = new Worker("worker.js", { type: "module" });
-    this.#worker.addEventListener("message", ({ data }) => {
-      clearTimeout(this.#timer);
-      this.#busy = false;
-      if (!data.ready) {
-        this.show(data);
-      }
-      this.#next();
-    });
+    this.#worker.addEventListener("message", ({ data }) => this.#receive(data));
+    this.#worker.addEventListener("error", ({ message }) => this.#fail(message));
+  }
+
+  #receive(data) {
+    clearTimeout(this.#timer);
+    if (data.failure) {
+      this.#fail(data.failure);
+      return;
+    }
+    this.#isBusy = false;
+    if (data.ready) {
+      this.#isReady = true;
+    } else {
+      this.show(data);
+    }
+    this.#next();
   }
 
   #next() {
-    if (this.#busy || !this.#waiting) {
+    if (this.#isBusy || !this.#waiting) {
       return;
     }
-    this.#busy = true;
-    this.#timer = setTimeout(() => this.#giveUp(), patience);
+    this.#isBusy = true;
+    this.#timer = setTimeout(() => this.#replace(`It takes more than ${patience / 1000} seconds.`), patience);
     this.#worker.postMessage(this.#waiting);
     this.#waiting = null;
   }
 
-  #giveUp() {
+  /** A worker that cannot even be loaded is not replaced. */
+  #fail(reason) {
+    if (this.#isReady) {
+      this.#replace(reason);
+    } else {
+      this.#showFailure(`The engine cannot be loaded. ${reason ?? ""}`, "error");
+    }
+  }
+
+  #replace(reason) {
     this.#worker.terminate();
-    const limit = `It takes more than ${patience / 1000} seconds.`;
-    this.show({ id: this.#id, status: "failed", text: "", limit, findings: [], names: [], tree: [] });
+    this.#showFailure(reason, "stopped");
     this.#start();
+  }
+
+  #showFailure(limit, kind) {
+    this.show({ id: this.#id, status: kind, text: "", limit, findings: [], names: [], tree: [] });
   }
 }

@@ -8,6 +8,26 @@ function make(tag, properties = {}, ...children) {
   return made;
 }
 
+/** Sets the text of an element, in blocks of lines: only those that changed are laid out again. */
+export function replaceText(element, text) {
+  const lines = text.match(/(?:[^\n]*\n){1,50}|[^\n]+/g) ?? [];
+  const blocks = [...element.children];
+  const isSame = (block, line) => block.textContent === line;
+  const fewest = Math.min(blocks.length, lines.length);
+  let begin = 0;
+  while (begin < fewest && isSame(blocks[begin], lines[begin])) {
+    ++begin;
+  }
+  let end = 0;
+  while (end < fewest - begin && isSame(blocks.at(-1 - end), lines.at(-1 - end))) {
+    ++end;
+  }
+  const made = lines.slice(begin, lines.length - end).map((textContent) => make("div", { textContent }));
+  const next = blocks[blocks.length - end] ?? null;
+  blocks.slice(begin, blocks.length - end).forEach((block) => block.remove());
+  made.forEach((block) => element.insertBefore(block, next));
+}
+
 function placeText({ file, line, column }) {
   return `${file ?? "values"}:${line}:${column}`;
 }
@@ -29,13 +49,13 @@ function findingItem(finding, open) {
   return item;
 }
 
-export function showFindingList(list, { findings, findingCount, fault, limit }, open) {
+export function showFindingList(list, { status, findings, findingCount, fault, limit }, open) {
   const items = findings.map((finding) => findingItem(finding, open));
   if (fault) {
     items.unshift(findingItem({ ...fault, severity: "error" }, open));
   }
   if (limit) {
-    const label = make("span", { className: "error", textContent: "stopped" });
+    const label = make("span", { className: "error", textContent: status === "error" ? "error" : "stopped" });
     items.unshift(make("li", {}, label, ` ${limit}`));
   }
   if (findingCount > findings.length) {

@@ -11,9 +11,42 @@ const limitTexts = {
 };
 const mostFindings = 200;
 
-const engine = await load();
+const engine = await load().catch((error) => self.postMessage({ failure: String(error) }));
 
-function contextOf(text, positions) {
+/** What was made for the last job: most of it is the same in the next one. */
+class Session {
+  #templates = new Map();
+  #context = null;
+
+  /** The templates of `[path, text]` by path. */
+  templatesOf(files) {
+    const before = this.#templates;
+    this.#templates = new Map();
+    for (const [path, text] of files) {
+      const known = before.get(path);
+      const isSame = known?.text === text;
+      this.#templates.set(path, isSame ? known : new engine.Template(text, { name: path }));
+      if (isSame) {
+        before.delete(path);
+      }
+    }
+    before.forEach((template) => template.dispose());
+    return this.#templates;
+  }
+
+  /** `{context, fault}`; after a fault, the context is empty. */
+  contextOf(text, positions) {
+    const last = this.#context;
+    if (last?.text !== text || last.positions !== positions) {
+      last?.context.dispose();
+      this.#context = null;
+      this.#context = { text, positions, ...makeContext(text, positions) };
+    }
+    return this.#context;
+  }
+}
+
+function makeContext(text, positions) {
   try {
     return { context: engine.Context.fromJson(text, { positions }) };
   } catch (error) {
@@ -22,40 +55,40 @@ function contextOf(text, positions) {
   }
 }
 
-function analyse(page, templates, context) {
-  const options = { templates, context };
-  const findings = engine.check(page, options);
+/** What the analysis finds; names and tree only where they are seen. */
+function analyse(page, templates, context, view) {
+  const findings = engine.check(page, { templates, context });
   const wellFormed = page.fault === null;
   return {
     findings: findings.slice(0, mostFindings),
     findingCount: findings.length,
-    names: wellFormed ? engine.names(page, { templates }) : [],
-    tree: wellFormed ? engine.tree(page) : [],
+    names: view === "names" && wellFormed ? engine.names(page, { templates }) : [],
+    tree: view === "tree" && wellFormed ? engine.tree(page) : [],
   };
 }
 
-function work({ files, main, values, positions, escape }) {
+const session = new Session();
+
+function work({ files, main, values, positions, escape, view }) {
   const start = performance.now();
-  const templates = new Map(files);
-  const page = new engine.Template(templates.get(main), { name: main });
-  const { context, fault } = contextOf(values, positions);
-  try {
-    const { status, text, usage } = page.render(context, { templates, limits, escape });
-    const time = performance.now() - start;
-    // The analysis of a render that is stopped would go on for longer than that.
-    const known = fault || status !== "complete" ? undefined : context;
-    return { status, text, usage, limit: limitTexts[status], fault, time, ...analyse(page, templates, known) };
-  } finally {
-    context.dispose();
-    page.dispose();
-  }
+  const templates = session.templatesOf(files);
+  const page = templates.get(main);
+  const { context, fault } = session.contextOf(values, positions);
+  const { status, text, usage } = page.render(context, { templates, limits, escape });
+  const time = performance.now() - start;
+  // The analysis of a render that is stopped would go on for longer than that.
+  const known = fault || status !== "complete" ? undefined : context;
+  const limit = limitTexts[status];
+  return { view, status, text, usage, limit, fault, time, ...analyse(page, templates, known, view) };
 }
 
 self.addEventListener("message", ({ data: { id, job } }) => {
   try {
     self.postMessage({ id, ...work(job) });
   } catch (error) {
-    self.postMessage({ id, status: "failed", text: "", limit: String(error), findings: [], names: [], tree: [] });
+    self.postMessage({ id, failure: String(error) });
   }
 });
-self.postMessage({ ready: true });
+if (engine) {
+  self.postMessage({ ready: true });
+}

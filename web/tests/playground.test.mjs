@@ -26,7 +26,7 @@ after(async () => {
 });
 
 /** A page as someone sees it who was never here. Whatever goes wrong in it fails the test. */
-async function open(t, { fragment = "", ...options } = {}) {
+async function open(t, { fragment = "", prepare = () => {}, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, ...options });
   const page = await context.newPage();
   const faults = [];
@@ -35,6 +35,7 @@ async function open(t, { fragment = "", ...options } = {}) {
     await context.close();
     assert.deepEqual(faults, []);
   });
+  await prepare(page);
   await page.goto(server.address + fragment);
   await page.waitForFunction(() => document.body.dataset.rendered);
   return page;
@@ -92,7 +93,7 @@ test("names of the values are completed", async (t) => {
   await type(page, "template", "{% for t in teas %}{{ ");
   await page.keyboard.type("t.p");
   await page.locator(".cm-tooltip-autocomplete", { hasText: "t.price" }).waitFor();
-  await page.waitForTimeout(200); // the editor ignores what is typed by mistake as the list opens
+  await page.waitForTimeout(200); // in its first 75 ms, the list does not take keys that may be meant for the text
   await page.keyboard.press("Enter");
   await page.keyboard.insertText(" }}{% endfor %}");
   await seeText(page, "4.506.00");
@@ -175,6 +176,42 @@ test("a template that would run for ever says which limit it reached", async (t)
   await page.locator("#text", { hasText: "more than 2,000,000 steps" }).waitFor();
   await type(page, "template", "alive");
   await seeText(page, "alive");
+});
+
+const broken = [
+  ["a worker that is not there", (route) => route.fulfill({ status: 404 })],
+  [
+    "an engine that the browser refuses",
+    async (route) => {
+      const response = await route.fetch();
+      const refusal = 'WebAssembly.instantiate = () => Promise.reject(new Error("refused"));';
+      return route.fulfill({ response, body: refusal + (await response.text()) });
+    },
+  ],
+];
+for (const [name, answer] of broken) {
+  test(`the page reports ${name}`, async (t) => {
+    const page = await open(t, { prepare: (page) => page.route("**/worker.js", answer) });
+    await seeMessage(page, "The engine cannot be loaded.");
+    await page.locator("#text", { hasText: "The engine cannot be loaded." }).waitFor();
+  });
+}
+
+test("an engine that fails is replaced", async (t) => {
+  const page = await open(t, {
+    prepare: (page) =>
+      page.addInitScript(() => {
+        const { postMessage } = Worker.prototype;
+        Worker.prototype.postMessage = function (message) {
+          const isBad = message.job.files[0][1] === "bad";
+          postMessage.call(this, isBad ? { ...message, job: { ...message.job, files: null } } : message);
+        };
+      }),
+  });
+  await type(page, "template", "bad");
+  await seeMessage(page, "stopped");
+  await type(page, "template", "good");
+  await seeText(page, "good");
 });
 
 test("1 MiB of output is shown", async (t) => {
