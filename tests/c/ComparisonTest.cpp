@@ -1,7 +1,7 @@
 #include "../support/Build.h"
 #include "../support/Environment.h"
 #include "../support/TemporaryFolder.h"
-#include "../support/oracles/RandomTemplate.h"
+#include "../support/oracles/RandomValue.h"
 #include "Handles.h"
 
 #include <libStencilor/Template.h>
@@ -39,53 +39,31 @@ struct Twin {
     ValueHandle handle;
 };
 
-class TwinMaker {
-  public:
-    explicit TwinMaker(Random& random) : random_(random) {}
+struct TwinMaker {
+    using Made = Twin;
 
-    Twin dictionary(int depth) {
+    static Twin dictionary() {
         Twin made{Value(), {}};
         stencilor_value_dictionary(out(made.handle));
-        for (std::size_t left = 4 + random_.below(12); left > 0; --left) {
-            const Meaning meaning = randomMeaning(random_);
-            const std::string key = randomKey(random_, meaning);
-            Twin member = ofMeaning(random_.oneIn(12) ? randomMeaning(random_) : meaning, depth);
-            made.value.set(key, std::move(member.value));
-            EXPECT_EQ(
-                stencilor_value_set(made.handle.get(), key.data(), key.size(), member.handle.get()),
-                STENCILOR_OK);
-        }
         return made;
     }
 
-  private:
-    Twin ofMeaning(Meaning meaning, int depth) {
-        if (depth > 0 && random_.oneIn(6)) {
-            return dictionary(depth - 1);
-        }
-        switch (meaning) {
-        case Meaning::text:
-            return scalar();
-        case Meaning::truth:
-            return boolean();
-        case Meaning::list:
-            break;
-        }
-        return list(depth);
-    }
-
-    Twin boolean() {
-        const bool truth = random_.oneIn(2);
-        Twin made{truth, {}};
-        stencilor_value_boolean(truth ? 1 : 0, out(made.handle));
+    static Twin list() {
+        Twin made{Value::list(), {}};
+        stencilor_value_list(out(made.handle));
         return made;
     }
 
-    Twin scalar() {
+    static Twin boolean(bool isTrue) {
+        Twin made{isTrue, {}};
+        stencilor_value_boolean(isTrue ? 1 : 0, out(made.handle));
+        return made;
+    }
+
+    static Twin scalar(Random& random, const std::string& text) {
         Twin made{nullptr, {}};
-        const std::string text = "<" + std::to_string(++texts_) + randomText(random_);
-        const auto integer = static_cast<std::int64_t>(random_.below(SIZE_MAX));
-        switch (random_.below(6)) {
+        const auto integer = static_cast<std::int64_t>(random.below(SIZE_MAX));
+        switch (random.below(6)) {
         case 0:
             stencilor_value_null(out(made.handle));
             return made;
@@ -108,20 +86,17 @@ class TwinMaker {
         }
     }
 
-    Twin list(int depth) {
-        Twin made{Value::list(), {}};
-        stencilor_value_list(out(made.handle));
-        for (std::size_t left = depth > 0 ? random_.below(4) : 0; left > 0; --left) {
-            Twin item = random_.oneIn(3) ? ofMeaning(randomMeaning(random_), depth - 1)
-                                         : dictionary(depth - 1);
-            made.value.add(std::move(item.value));
-            EXPECT_EQ(stencilor_value_add(made.handle.get(), item.handle.get()), STENCILOR_OK);
-        }
-        return made;
+    static void set(Twin& dictionary, const std::string& key, Twin member) {
+        dictionary.value.set(key, std::move(member.value));
+        EXPECT_EQ(stencilor_value_set(dictionary.handle.get(), key.data(), key.size(),
+                                      member.handle.get()),
+                  STENCILOR_OK);
     }
 
-    Random& random_;
-    int texts_ = 0;
+    static void add(Twin& list, Twin item) {
+        list.value.add(std::move(item.value));
+        EXPECT_EQ(stencilor_value_add(list.handle.get(), item.handle.get()), STENCILOR_OK);
+    }
 };
 
 /// All that there is to know of a render, but for its text.
@@ -252,7 +227,7 @@ TEST(CComparison, AgreesOnRandomTemplatesAndValues) {
     for (std::uint64_t seed = first; seed < last && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("STENCILOR_SEED=" + std::to_string(seed) + " STENCILOR_CASES=1");
         Random random(seed);
-        const Twin root = TwinMaker(random).dictionary(3);
+        const Twin root = RandomValue<TwinMaker>(random).dictionary(3);
         const bool positions = random.oneIn(2);
         const Context context(root.value, {.positions = positions});
         const ContextHandle handle =

@@ -1,7 +1,7 @@
 // Writes random templates with values, and what this build renders of them, one JSON document in
 // each line: what the npm package is compared with.
 
-#include "../../tests/support/oracles/RandomTemplate.h"
+#include "../../tests/support/oracles/RandomValue.h"
 
 #include <libStencilor/Template.h>
 #include <libStencilorJson/Json.h>
@@ -9,10 +9,10 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace kel::Stencilor;
-using support::Meaning;
 using support::Random;
 using Json = nlohmann::json;
 
@@ -27,61 +27,31 @@ std::string repaired(const std::string& bytes) {
     return text.str();
 }
 
-class ValueMaker {
-  public:
-    explicit ValueMaker(Random& random) : random_(random) {}
+struct JsonMaker {
+    using Made = Json;
 
-    Json dictionary(int depth) {
-        Json made = Json::object();
-        for (std::size_t left = 4 + random_.below(12); left > 0; --left) {
-            const Meaning meaning = randomMeaning(random_);
-            made[randomKey(random_, meaning)] =
-                ofMeaning(random_.oneIn(12) ? randomMeaning(random_) : meaning, depth);
-        }
-        return made;
-    }
+    static Json dictionary() { return Json::object(); }
+    static Json list() { return Json::array(); }
+    static Json boolean(bool isTrue) { return isTrue; }
 
-  private:
-    Json ofMeaning(Meaning meaning, int depth) {
-        if (depth > 0 && random_.oneIn(6)) {
-            return dictionary(depth - 1);
-        }
-        switch (meaning) {
-        case Meaning::text:
-            return scalar();
-        case Meaning::truth:
-            return random_.oneIn(2);
-        case Meaning::list:
-            break;
-        }
-        return list(depth);
-    }
-
-    Json scalar() {
-        const auto integer = static_cast<std::int64_t>(random_.below(1u << 30));
-        switch (random_.below(6)) {
+    static Json scalar(Random& random, const std::string& text) {
+        const auto integer = static_cast<std::int64_t>(random.below(1u << 30));
+        switch (random.below(6)) {
         case 0:
             return nullptr;
         case 1:
             return integer - (1 << 29);
         case 2:
-            return static_cast<double>(integer) / (random_.oneIn(2) ? 1e3 : 1e13);
+            return static_cast<double>(integer) / (random.oneIn(2) ? 1e3 : 1e13);
         default:
-            return "<" + std::to_string(++texts_) + repaired(support::randomText(random_));
+            return repaired(text);
         }
     }
 
-    Json list(int depth) {
-        Json made = Json::array();
-        for (std::size_t left = depth > 0 ? random_.below(4) : 0; left > 0; --left) {
-            made.push_back(random_.oneIn(3) ? ofMeaning(randomMeaning(random_), depth - 1)
-                                            : dictionary(depth - 1));
-        }
-        return made;
+    static void set(Json& dictionary, const std::string& key, Json member) {
+        dictionary[key] = std::move(member);
     }
-
-    Random& random_;
-    int texts_ = 0;
+    static void add(Json& list, Json item) { list.push_back(std::move(item)); }
 };
 
 Json describe(const RenderResult& result) {
@@ -114,7 +84,7 @@ Json makeCase(std::uint64_t seed) {
         }
     }
     const std::string text = repaired(randomTemplate(random, 30, paths));
-    const Json values = ValueMaker(random).dictionary(3);
+    const Json values = support::RandomValue<JsonMaker>(random).dictionary(3);
     const bool positions = random.oneIn(4);
     const std::size_t escape = random.below(3);
     const Escape escapes[] = {Escape::none(), Escape::html(), Escape::json()};
