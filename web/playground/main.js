@@ -44,14 +44,17 @@ function currentState() {
   };
 }
 
-/** Called after each change: renders and keeps what there is. */
+/** Called after each change. */
 function update() {
-  if (files.length === 0) {
-    return;
+  if (files.length > 0) {
+    render();
+    keep();
   }
+}
+
+function render() {
   const state = currentState();
   renderer.render({ ...state, main: state.files[0][0] });
-  scheduleSave();
 }
 
 /** The values for completion: the last ones without a fault. */
@@ -64,10 +67,22 @@ function readValues() {
   return contextValues;
 }
 
-let saving;
-function scheduleSave() {
+let saving = null;
+/** Keeps what there is locally. A link does not have it, so a reload must not go back to that. */
+function keep() {
+  if (location.hash) {
+    history.replaceState(null, "", location.pathname + location.search);
+  }
   clearTimeout(saving);
-  saving = setTimeout(() => save(currentState()), 300);
+  saving = setTimeout(saveNow, 300);
+}
+
+function saveNow() {
+  if (saving !== null) {
+    clearTimeout(saving);
+    saving = null;
+    save(currentState());
+  }
 }
 
 function apply(state) {
@@ -81,7 +96,7 @@ function apply(state) {
   chooseView(state.view ?? "text");
   showFiles();
   showLesson();
-  update();
+  render();
 }
 
 function showLesson() {
@@ -255,6 +270,7 @@ function startControls() {
     const example = examples.find((each) => each.title === target.value);
     if (example) {
       apply(example);
+      keep();
     }
   });
   makeTabs(element("files"), (tab) => openFile(Number(tab.dataset.index)));
@@ -272,5 +288,6 @@ function startControls() {
 
 startTheme();
 startControls();
+addEventListener("pagehide", saveNow);
 addEventListener("hashchange", async () => apply((await fromFragment(location.hash.slice(1))) ?? currentState()));
 apply((await fromFragment(location.hash.slice(1))) ?? restore() ?? examples[0]);

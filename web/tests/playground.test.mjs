@@ -154,6 +154,22 @@ test("a link holds everything", async (t) => {
   assert.equal(await other.inputValue("#escape"), "html");
 });
 
+test("what is typed after sharing is kept, and a link does not replace it before it is changed", async (t) => {
+  const page = await open(t);
+  await type(page, "template", "shared");
+  await page.click("#share");
+  await page.waitForFunction(() => location.hash.length > 10);
+  const fragment = await page.evaluate(() => location.hash);
+  await type(page, "template", "later");
+  await page.reload();
+  await seeText(page, "later");
+  await page.goto(server.address + fragment);
+  await page.reload();
+  await seeText(page, "shared");
+  await page.goto(`${server.address}?again`);
+  await seeText(page, "later");
+});
+
 test("a damaged link opens the page all the same", async (t) => {
   const page = await open(t, { fragment: "#eJxnonsense" });
   await seeText(page, "Hello, Ada! You have 12 new messages.\n");
