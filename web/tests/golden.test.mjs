@@ -1,7 +1,7 @@
 // What the documents show, and random templates, rendered as the native build does.
 //
 // STENCILOR_PACKAGE is the folder of the package, STENCILOR_DOCUMENTS that of the documents, and
-// STENCILOR_CASES a program that prints as many random cases as it is asked for.
+// STENCILOR_WEB_CASES a program that prints as many random cases as it is asked for.
 
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
@@ -11,7 +11,7 @@ import { createInterface } from "node:readline";
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
 
-const { STENCILOR_PACKAGE, STENCILOR_DOCUMENTS, STENCILOR_CASES } = process.env;
+const { STENCILOR_PACKAGE, STENCILOR_DOCUMENTS, STENCILOR_WEB_CASES } = process.env;
 const { load } = await import(pathToFileURL(join(STENCILOR_PACKAGE, "stencilor.js")));
 const { Template, Context, check } = await load();
 
@@ -67,6 +67,15 @@ for (const name of readdirSync(STENCILOR_DOCUMENTS).filter((each) => each.endsWi
 
 test("the documents have cases", () => assert.ok(count > 15, `${count}`));
 
+test("the report of the examples", () => {
+  const folder = join(STENCILOR_DOCUMENTS, "../examples/report");
+  const read = (path) => readFileSync(join(folder, path), "utf8");
+  const page = new Template(read("report.html"), { name: "report.html" });
+  const { text, messages } = page.render(Context.fromJson(read("context.json")), { escape: "html", templates: read });
+  assert.deepEqual(messages, []);
+  assert.equal(text, read("expected.html"));
+});
+
 function comparable({ status, text, messages, usage }) {
   return {
     isComplete: status === "complete",
@@ -85,7 +94,7 @@ function comparable({ status, text, messages, usage }) {
 
 test("20,000 random templates", async () => {
   const cases = 20_000;
-  const native = spawn(STENCILOR_CASES, [String(cases)], { stdio: ["ignore", "pipe", "inherit"] });
+  const native = spawn(STENCILOR_WEB_CASES, [String(cases)], { stdio: ["ignore", "pipe", "inherit"] });
   let [compared, complete] = [0, 0];
   for await (const line of createInterface({ input: native.stdout })) {
     const { seed, text, values, templates, positions, escape, steps, result } = JSON.parse(line);
