@@ -13,7 +13,7 @@ struct context_maker {
     ContextBase* operator()(const std::string& text) const {
         return ContextFactory::buildString(text);
     }
-    ContextBase* operator()(bool truth) const { return ContextFactory::buildBoolean(truth); }
+    ContextBase* operator()(bool isTrue) const { return ContextFactory::buildBoolean(isTrue); }
     ContextBase* operator()(const object& members) const { return toContext(members).release(); }
     ContextBase* operator()(const list& elements) const {
         auto iterable = std::make_unique<ContextIterable>();
@@ -27,7 +27,7 @@ struct context_maker {
 
 struct value_maker {
     Value operator()(const std::string& text) const { return Value(text); }
-    Value operator()(bool truth) const { return Value(truth); }
+    Value operator()(bool isTrue) const { return Value(isTrue); }
     Value operator()(const object& members) const { return toValue(members); }
     Value operator()(const list& elements) const {
         return Value::list(elements,

@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// The data of a workload as a context of this engine, made with the classic classes.
+/// The data of a workload as a context of this engine, built from the classic classes.
 std::unique_ptr<kel::Stencilor::ContextDictionary> toContext(const object& from);
 
 /// The same as a value.

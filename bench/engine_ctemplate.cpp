@@ -16,14 +16,14 @@ void fill(ctemplate::TemplateDictionary& dictionary, const object& data);
 /// second section with the prefix `not_`.
 struct member_filler {
     void operator()(const std::string& text) const { dictionary.SetValue(name, text); }
-    void operator()(bool truth) const { dictionary.ShowSection(truth ? name : "not_" + name); }
+    void operator()(bool isTrue) const { dictionary.ShowSection(isTrue ? name : "not_" + name); }
     void operator()(const list& elements) const {
         for (const value& element : elements) {
             fill(*dictionary.AddSectionDictionary(name), std::get<object>(element.held));
         }
     }
     void operator()(const object&) const { throw std::logic_error("no workload nests objects"); }
-    /// An included template only sees the dictionary that is made for it: the texts and booleans
+    /// An included template only sees the dictionary that is created for it: the texts and booleans
     /// around the include.
     void operator()(const partial& included) const {
         ctemplate::TemplateDictionary& own = *dictionary.AddIncludeDictionary(name);

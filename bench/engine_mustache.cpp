@@ -25,7 +25,7 @@ std::string readFile(const std::string& path) {
 /// renders one.
 struct converter {
     data operator()(const std::string& text) const { return data(text); }
-    data operator()(bool truth) const { return data(truth); }
+    data operator()(bool isTrue) const { return data(isTrue); }
     data operator()(const object& members) const {
         data converted(data::type::object);
         for (const auto& [name, member] : members) {

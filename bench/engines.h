@@ -35,8 +35,8 @@ renderer mustacheRenderer(const workload& work, parsing when);
 /// not cache recently changed files.
 void writeFiles(const std::string& directory, const page& from);
 
-/// Two functions for two threads, which render the same data and drop the result: by `buildOutput`,
-/// by one template, or by a template each.
+/// Two functions for two threads, which render the same data and discard the result: with
+/// `buildOutput`, with one shared template, or with a template each.
 enum class sharing { buildOutput, oneTemplate, templateEach };
 std::vector<std::function<std::size_t()>> forTwoThreads(const workload& work, sharing what);
 

@@ -11,7 +11,7 @@ std::string peerTag(const char* kind, const std::string& name) {
     return "{{" + (kind + name) + "}}";
 }
 
-/// Peers search for the member's name alone, in one scope after the other.
+/// Peers search for the member's name without a prefix, in one scope after another.
 std::string member(const std::string& name) {
     return name.substr(name.rfind('.') + 1);
 }

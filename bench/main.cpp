@@ -32,14 +32,14 @@ constexpr const char* ofClasses = "classes";
 const std::vector<std::string> peers = {"ctemplate", "mustache"};
 const std::vector<std::string> parsedPeers = {"ctemplate, parsed", "mustache, parsed"};
 
-/// One engine at one workload.
+/// One engine with one workload.
 struct contender {
     std::string engine;
     renderer call;
     std::size_t calls = 0; // in a slice
 };
 
-/// One of our calls, and the rivals, of which the faster one is compared with it.
+/// One of our calls, and its rivals; it is compared with the faster one.
 struct race {
     std::string engine;
     std::vector<std::string> rivals;
@@ -120,7 +120,7 @@ void setCalls(contender& engine) {
 
 using figures = std::map<std::string, double>;
 
-/// The fastest of those that were measured; null if there is none.
+/// The fastest one measured; null if there is none.
 const figures::value_type* bestOf(const figures& times, const std::vector<std::string>& engines) {
     const figures::value_type* best = nullptr;
     for (const std::string& engine : engines) {

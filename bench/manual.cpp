@@ -1,5 +1,5 @@
-// A page of the size of a manual: prose, a menu, chapters with sections of notes, a list of
-// sources, and twenty includes.
+// A page the size of a manual: prose, a menu, chapters with sections of notes, a list of sources,
+// and twenty includes.
 
 #include "workloads.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t includes = 20;
 
-/// @param about what distinguishes one paragraph from the next
+/// @param about the text that distinguishes one paragraph from the next
 std::string prose(const std::string& about, std::size_t sentences) {
     std::string text = "<p>" + about + ". ";
     for (std::size_t count = 0; count < sentences; ++count) {
@@ -171,7 +171,7 @@ void appendChapter(std::string& output, const chapter& from) {
     }
 }
 
-/// @param texts what is before each part, and the part, in turn
+/// @param texts the text before each part and the part, alternating
 void appendManual(std::string& output, const content& from, const std::vector<std::string>& texts) {
     append(output, {"<html><head><title>", from.title, "</title></head>\n<body><ul>"});
     appendEntries(output, from.menu);

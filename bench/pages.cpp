@@ -1,4 +1,4 @@
-// The product page: as it is, with its row in an included file, and escaped.
+// The product page: unchanged, with its row in an included file, and escaped.
 
 #include "workloads.h"
 

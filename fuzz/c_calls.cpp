@@ -7,12 +7,12 @@
 #include <array>
 #include <string_view>
 
-// Any sequence of calls through C, with handles that are null, used, used up and freed in any
-// order: each call ends with a status, and every text is valid UTF-8.
+// Any sequence of calls through C, with handles that are null, in use, moved from, and freed in any
+// order: each call returns a status, and every text is valid UTF-8.
 
 namespace {
 
-/// Reads the input: bytes that choose, and texts, each after its size.
+/// Reads the input: bytes that make choices, and texts, each preceded by its size.
 class Input {
   public:
     explicit Input(std::string_view bytes) : rest_(bytes) {}
@@ -37,7 +37,7 @@ class Input {
 
 constexpr std::size_t slots = 3;
 
-/// A few handles of one kind, which are freed in the end.
+/// A few handles of one kind, freed at the end.
 template <typename T, void (*freeHandle)(T*)>
 class Handles {
   public:
@@ -46,10 +46,10 @@ class Handles {
     Handles& operator=(const Handles&) = delete;
     ~Handles() { std::for_each(handles_.begin(), handles_.end(), freeHandle); }
 
-    /// One of them, often null.
+    /// One of the handles, often null.
     T* any(Input& input) { return at(input); }
 
-    /// Where a call may store one.
+    /// A place where a call can store a handle.
     T** place(Input& input) {
         T*& handle = at(input);
         freeHandle(handle);
@@ -74,7 +74,7 @@ void checkText(const char* text, std::size_t size) {
     fuzz::require(view == support::obviouslyRepairedUtf8(view), "a text is valid UTF-8");
 }
 
-/// What callbacks answer with; each of the bytes of the input decides once.
+/// The answers of callbacks; each byte of the input decides one.
 struct Callbacks {
     Input* input;
     stencilor_template* parsed = nullptr;
@@ -163,7 +163,7 @@ class Calls {
         }
     }
 
-    /// Doubling without end would take all memory.
+    /// Doubling without end would exhaust memory.
     void copyValue(const stencilor_value* value) {
         if (++copies_ <= 8) {
             stencilor_value* copy = nullptr;
@@ -213,7 +213,7 @@ class Calls {
         const stencilor_context* const context = contexts_.any(input_);
         const stencilor_options* const options = options_.any(input_);
         stencilor_source* const source = sources_.any(input_);
-        // The callbacks use it while the call runs, so it must not be freed meanwhile.
+        // The callbacks use it during the call, so it must not be freed meanwhile.
         callbacks_.parsed = parsed;
         switch (number) {
         case 18:

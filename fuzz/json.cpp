@@ -77,7 +77,7 @@ void checkContext(const Value& value, ContextOptions options) {
 void checkNlohmann(std::string_view text) {
     const auto json = nlohmann::json::parse(text, nullptr, false);
     if (json.is_discarded()) {
-        return; // a number too great for it
+        return; // a number too large for it
     }
     const Value value = valueFromJson(json);
     const std::string written = json.dump();

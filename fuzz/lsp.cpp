@@ -16,7 +16,7 @@ namespace {
 
 std::size_t countAnswers(const std::vector<Json>& sent) {
     return static_cast<std::size_t>(std::count_if(sent.begin(), sent.end(), [](const Json& each) {
-        each.dump(); // throws what could not be sent
+        each.dump(); // throws if something could not be sent
         return !each.contains("method");
     }));
 }

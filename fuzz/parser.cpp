@@ -8,7 +8,7 @@
 #include <string>
 
 // The parser and the second reading accept the same templates and make the same trees, even of
-// rejected templates up to the fault. The parts and faults that hosts receive agree with them.
+// rejected templates up to the fault. The parts and faults reported to hosts agree with them.
 
 using namespace kel::Stencilor::internal;
 

@@ -6,15 +6,15 @@
 
 #include <string>
 
-// The input is a path. Any file that it opens inside a root has a content which shows that it is
-// inside, and a name that means the same on every system.
+// The input is a path. Any file that it opens inside a root has content that proves it is inside,
+// and a name that means the same on every system.
 
 namespace {
 
 using support::TemporaryFolder;
 
-/// A folder that contains the root `r`, files called `f` inside and outside of it, and links of all
-/// kinds if the system supports them. The names are short, so that the fuzzer finds them soon.
+/// A folder that contains the root `r`, files called `f` inside and outside it, and links of all
+/// kinds if the system supports them. The names are short, so that the fuzzer finds them quickly.
 class Tree {
   public:
     Tree() {
@@ -26,7 +26,7 @@ class Tree {
         for (const char* const outside : {"f", "s/f", "rf"}) {
             folder_.writeFile(outside, "outside");
         }
-#ifndef _WIN32 // where such names mean something else, or cannot be made
+#ifndef _WIN32 // where such names mean something else, or cannot be created
         for (const char* const refused : {"f.", "f ", "C:f", "a\\f", "NUL", "a/COM1.f", "\x01"}) {
             folder_.writeFile("r/" + std::string(refused), "refused");
         }

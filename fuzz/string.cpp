@@ -86,7 +86,7 @@ void step(std::uint8_t what, Pair& pair, Pair& other, Held& held, std::size_t co
 
 void compare(const Pair& a, const Pair& b) {
     fuzz::require(a.ours.view() == a.standard, "the characters are the same");
-    fuzz::require(a.ours.view().data()[a.standard.size()] == '\0', "a NUL stands behind them");
+    fuzz::require(a.ours.view().data()[a.standard.size()] == '\0', "a NUL follows them");
     fuzz::require((a.ours < b.ours) == (a.standard < b.standard), "the order is the same");
     fuzz::require((a.ours == b.ours) == (a.standard == b.standard), "equality is the same");
 }
@@ -94,7 +94,7 @@ void compare(const Pair& a, const Pair& b) {
 void compare(const Held& held) {
     const std::string_view bytes(held.ours->c_str(), held.ours->size());
     fuzz::require(bytes == held.standard, "a conversion stays as it was");
-    fuzz::require(bytes.data()[bytes.size()] == '\0', "a NUL stands behind it");
+    fuzz::require(bytes.data()[bytes.size()] == '\0', "a NUL follows it");
 }
 
 } // namespace

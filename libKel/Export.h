@@ -7,7 +7,7 @@
 
 /// @file
 /// Marks what `libKel` exports. Everything else is hidden, so that a missing mark is a link error
-/// on Linux as it is on Windows.
+/// on Linux, as on Windows.
 ///
 /// `KEL_BUILDING` is defined while the library itself is compiled, and `KEL_STATIC` if it is built
 /// or used as a static library.

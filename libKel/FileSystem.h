@@ -18,19 +18,19 @@ namespace kel {
 /// Paths: UTF-8 on every system, with `/` as the separator (on Windows also `\`, unless a root is
 ///   set). A relative path is relative to the working directory, or to the root if one is set. A
 ///   path that is empty or contains a NUL byte never exists.
-/// Windows: a path does not exist either if it is not valid UTF-8, or has a part that Windows would
-///   interpret as something else: one that ends in a dot or a space, or a device name (`CON`,
-///   `NUL.txt`, ...). The other rules of Windows apply: names are case-insensitive; short names and
-///   streams (`file.txt:stream`) exist; `..` removes the part before it, even if that is a link.
+/// Windows: a path also does not exist if it is not valid UTF-8, or has a part that Windows would
+///   interpret differently: one that ends in a dot or a space, or a device name (`CON`, `NUL.txt`,
+///   ...). The other rules of Windows apply: names are case-insensitive; short names and streams
+///   (`file.txt:stream`) exist; `..` removes the part before it, even if that is a link.
 /// Root: once a root is set, only the files inside that directory exist. Paths are then relative,
-///   and are refused if they leave the root through `..` or a symbolic link. The same paths are
-///   refused on every system, so that a path means the same everywhere: absolute paths, and parts
+///   and are rejected if they leave the root through `..` or a symbolic link. The same paths are
+///   rejected on every system, so that a path means the same everywhere: absolute paths, and parts
 ///   that contain `\`, `*`, `?`, `"`, `<`, `>`, `|`, `:` or a control character, or that Windows
-///   would interpret as something else. The root guards against paths, not against somebody who
-///   replaces directories by links while a file is being opened. It stays in force until the
-///   process ends, even for destructors of static objects and for threads that run during exit.
+///   would interpret differently. The root protects against paths, not against someone who replaces
+///   directories with links while a file is being opened. It stays in force until the process ends,
+///   even for destructors of static objects and for threads that run during exit.
 /// Threads: all functions may be called from any thread. The root belongs to the whole process, and
-///   child processes made by `fork` inherit it.
+///   child processes created by `fork` inherit it.
 /// Errors: only `std::bad_alloc` is thrown.
 class KEL_EXPORT FileSystem {
   public:

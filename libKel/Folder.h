@@ -55,12 +55,12 @@ class Folder {
     /// @}
 
     /// Looks up a file without opening it for reading; it may turn out to be unreadable.
-    /// @param path below the directory
+    /// @param path relative to the directory
     /// @return nothing if no regular file inside the directory has this path
     KEL_EXPORT std::optional<FileState> find(const String& path) const;
 
     /// Reads a whole file through a single handle.
-    /// @param path below the directory
+    /// @param path relative to the directory
     /// @param maxBytes the largest size to load
     /// @param out receives the bytes and owns them; its previous content is freed. Empty unless the
     ///   answer is `Found`.

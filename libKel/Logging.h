@@ -46,7 +46,7 @@ struct LogRecord {
     std::string_view text;                    ///< a message's text; a scope's function name
     const char* file;                         ///< a scope's source file; null for a message
     int line;                                 ///< a scope's line; 0 for a message
-    unsigned int depth; ///< the number of traced scopes of this thread around this record
+    unsigned int depth; ///< the number of traced scopes of this thread around the record
 };
 
 /// Receives the records. Several threads may call it at once.
@@ -120,7 +120,7 @@ class Logger {
 ///
 /// Lifetime: loggers, sink and priority exist before the first static object is constructed and
 ///   until the process ends, so static objects and threads that outlive `main` can use them.
-/// Threads: all functions may be called from any thread. A process made by `fork` can use the
+/// Threads: all functions may be called from any thread. A process created by `fork` can use the
 ///   library, whatever the threads of its parent were doing.
 class LogFactory {
   public:
@@ -160,7 +160,7 @@ class LogFactory {
 /// Records that a scope is entered and, on destruction, that it is left.
 ///
 /// Ownership: borrows the logger and the texts, which must outlive it. With a null logger, it
-///   records nothing and only costs a test.
+///   records nothing and costs one test.
 /// Copying: not possible, because it represents one scope.
 /// Threads: construct and destroy it in the thread whose scope it represents.
 class TraceLogger {

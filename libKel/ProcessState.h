@@ -8,8 +8,8 @@ namespace kel {
 /// A variable that exists before the first static constructor runs and is never destroyed, so that
 /// static objects and threads of a host can use the library until the process ends.
 ///
-/// Declare it `constinit`, outside of functions: a static in a function would be initialized under
-/// a lock, which a fork could copy while another thread holds it.
+/// Declare it `constinit`, outside functions: a static in a function would be initialized under a
+/// lock, which a fork could copy while another thread holds it.
 template <typename T>
 union Immortal {
     constexpr Immortal() noexcept : value() {}

@@ -39,8 +39,8 @@ inline Holders& holdersOf(char* block) noexcept {
     return *std::launder(reinterpret_cast<Holders*>(block - roomForHolders));
 }
 
-/// Resizes a block with one holder, or null, and returns it. Either both capacities have a count,
-/// or neither.
+/// Resizes a block with one holder, or null, and returns it. Either both capacities require a
+/// count, or neither does.
 inline char* resizeBlock(char* block, std::size_t capacity) {
     const std::size_t before = roomBefore(capacity);
     void* const start = block == nullptr ? nullptr : block - before;
@@ -71,7 +71,7 @@ inline bool isHeldInCommon(char* block) noexcept {
     return holdersOf(block).load(std::memory_order_acquire) > 1;
 }
 
-/// Releases one hold of a block.
+/// Removes a holder, and frees the block if it was the last one.
 inline void dropBlock(char* block, std::size_t capacity) noexcept {
     if (!hasHolders(capacity) || holdersOf(block).fetch_sub(1, std::memory_order_acq_rel) == 1) {
         std::free(block - roomBefore(capacity));

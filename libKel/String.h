@@ -54,8 +54,8 @@ class CString {
     static constexpr unsigned int inlineCapacity = 111;
 
     // Representation: `data_` is `inline_`, or a block of SharedBlock.h that is treated as one for
-    // `size_` characters. A string's block may have a larger capacity; but it is held here only
-    // where `size_` alone calls for a count of holders, so there is one either way.
+    // `size_` characters. A string's block may have a larger capacity, but a conversion only holds
+    // it if `size_` alone requires a count of holders, so both agree.
     char* data_;
     unsigned int size_;
     char inline_[inlineCapacity + 1];
@@ -208,13 +208,13 @@ class String {
     void store(const char* bytes) noexcept;
     KEL_EXPORT void release() noexcept;
 
-    // Representation. The characters and a NUL are at `data_`: in `inline_`, where `capacity_` is
-    // `inlineCapacity`, or else in a block of SharedBlock.h for `capacity_` characters. This does
+    // Representation. The characters and a NUL are at `data_`: in `inline_` if `capacity_` is
+    // `inlineCapacity`, otherwise in a block of SharedBlock.h for `capacity_` characters. This does
     // not depend on the size: a block is kept when its text becomes shorter.
     //
     // The first eight bytes of `inline_` equal those of the text even if it is in a block. In both
     // places, those past the end of the text are zero. Comparing them as one number decides most
-    // comparisons. They are the first member, which in a map node is next to the links.
+    // comparisons. They are the first member, so that in a map node they are next to the links.
     //
     // A block is shared if its capacity is at least 4,096 and another string or conversion holds
     // it; it is then only read. A copy shares it only if the size is also at least 4,096, and at
@@ -226,7 +226,7 @@ class String {
     unsigned int capacity_; // without the NUL
 };
 
-// The inline bytes are copied whole, whatever the length: that takes two or three instructions.
+// All inline bytes are copied, whatever the length, which takes two or three instructions.
 inline CString::CString(const String& string) : data_(inline_), size_(string.size_) {
     static_assert(inlineCapacity >= String::inlineCapacity);
     if (string.isInline()) {
@@ -249,7 +249,7 @@ inline std::uint64_t String::leadingBytes() const noexcept {
 #endif
 }
 
-/// Where it is decided by the first eight bytes or the last eight, nothing is called.
+/// No function is called if the first or the last eight bytes decide.
 inline bool String::operator==(const String& other) const noexcept {
     constexpr unsigned int compared = sizeof(std::uint64_t);
     if (size_ != other.size_ || std::memcmp(inline_, other.inline_, compared) != 0) {

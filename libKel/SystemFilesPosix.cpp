@@ -67,7 +67,7 @@ std::optional<FileState> stateOf(const struct stat& status) noexcept {
     if (!S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    // Unsigned, because a time outside of the years 1678 to 2261 wraps around.
+    // Unsigned, because a time outside the years 1678 to 2261 wraps around.
     const auto seconds = static_cast<std::uint64_t>(status.st_mtim.tv_sec);
     const auto nanoseconds = static_cast<std::uint64_t>(status.st_mtim.tv_nsec);
     return FileState{.size = static_cast<std::uint64_t>(status.st_size),

@@ -132,7 +132,7 @@ std::uint64_t joined(DWORD high, DWORD low) {
 /// Converts a time in units of 100 ns since 1601 to nanoseconds since 1970.
 std::int64_t nanoseconds(const FILETIME& time) {
     constexpr std::uint64_t from1601To1970 = 116'444'736'000'000'000;
-    // Unsigned, because a time outside of the years 1678 to 2261 wraps around.
+    // Unsigned, because a time outside the years 1678 to 2261 wraps around.
     const std::uint64_t steps = joined(time.dwHighDateTime, time.dwLowDateTime) - from1601To1970;
     return static_cast<std::int64_t>(steps * 100);
 }

@@ -7,7 +7,7 @@
 
 /// @file
 /// Marks what `libStencilor` exports. Everything else is hidden, so that a missing mark is a link
-/// error on Linux as it is on Windows.
+/// error on Linux, as on Windows.
 ///
 /// `STENCILOR_BUILDING` is defined while the library itself is compiled, and `STENCILOR_STATIC` if
 /// it is built or used as a static library.

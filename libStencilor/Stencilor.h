@@ -2,7 +2,7 @@
 #define LIBSTENCILOR_STENCILOR_H
 
 /// @file
-/// Renders text templates against a tree of values.
+/// Renders text templates with a tree of values.
 ///
 ///     #include <libStencilor/Stencilor.h>
 ///     #include <iostream>
@@ -140,8 +140,8 @@ class STENCILOR_EXPORT ContextRawString : public ContextString {
 class STENCILOR_EXPORT ContextBoolean : public ContextBase {
   public:
     /// A boolean without children.
-    /// @param truth the value of the boolean
-    ContextBoolean(bool truth);
+    /// @param isTrue the value of the boolean
+    ContextBoolean(bool isTrue);
 
     /// A pointer is not a boolean: `ContextBoolean("false")` would be true.
     template <typename T>
@@ -193,7 +193,7 @@ class STENCILOR_EXPORT ContextDictionary : public ContextBase {
 /// Errors: only `std::bad_alloc`, which leaves the list unchanged.
 class STENCILOR_EXPORT ContextIterable : public ContextBase {
   public:
-    /// A list without elements and children.
+    /// A list without elements or children.
     ContextIterable();
 
     /// See above for copying and ownership.
@@ -229,7 +229,7 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
 /// Threads: all functions may be called from any thread.
 class STENCILOR_EXPORT ContextFactory {
   public:
-    /// A factory holds nothing, and is not needed, since all builders are static.
+    /// A factory has no state. No instance is needed, because all builders are static.
     /// @{
     ContextFactory() = default;
     ContextFactory(const ContextFactory&) = default;

@@ -2,7 +2,7 @@
 #define LIBSTENCILOR_SYNTAX_H
 
 /// @file
-/// Locates the parts of a template, and the reason why it is rejected: for hosts that provide an
+/// Locates the parts of a template, or the error that makes it malformed: for hosts that provide an
 /// editor, or check templates before using them.
 ///
 ///     #include <libStencilor/Syntax.h>
@@ -40,7 +40,7 @@ struct SyntaxRange {
 struct SyntaxElement {
     /// The kinds of elements.
     enum class Kind {
-        Text,         ///< everything outside of tags
+        Text,         ///< everything outside tags
         Substitution, ///< `{{ name }}`
         If,           ///< `{% if name %}`
         Else,         ///< `{% else %}`
@@ -59,7 +59,7 @@ struct SyntaxElement {
 /// What was expected at the position of a fault.
 enum class SyntaxExpectation {
     Nothing,             ///< the template is well formed
-    Keyword,             ///< in a tag outside of all blocks
+    Keyword,             ///< in a tag outside all blocks
     KeywordInIf,         ///< in a tag inside an `if`
     KeywordInElse,       ///< in a tag inside an `else`
     KeywordInFor,        ///< in a tag inside a loop

@@ -70,9 +70,9 @@ enum class RenderStatus {
 /// The limits of one render, including its includes. A render ends before it would exceed one of
 /// them. 0 means no limit, except for `includeDepth`.
 struct RenderLimits {
-    /// Each visited node is a step, as are each iteration of a loop and every 64 keys that are
-    /// looked up for names. Keys that are too long to be stored are built for each lookup; every 4
-    /// KiB of them is also a step.
+    /// Each visited node is a step, as are each iteration of a loop and every 64 keys looked up for
+    /// names. Keys that are too long to be stored are built for each lookup; every 4 KiB of them is
+    /// also a step.
     std::uint64_t steps = 0;
 
     /// Rendered bytes, counted before malformed ones become U+FFFD.
@@ -149,7 +149,7 @@ struct RenderOptions {
     std::function<bool()> keepGoing{};
 };
 
-/// An include that leads to the place of a message.
+/// An include that leads to the location of a message.
 struct IncludeSite {
     String templateName{};   ///< the template that contains the tag
     SyntaxRange range{};     ///< the path in the tag
@@ -157,20 +157,20 @@ struct IncludeSite {
     unsigned int column = 0; ///< of the path in code points, from 1
 };
 
-/// Something that could not be rendered, or the reason for the end of a render.
+/// Something that could not be rendered, or the reason that a render ended.
 struct RenderMessage {
     /// What went wrong.
     enum class Kind {
         ReplacementNotFound,  ///< a substitution's name is not in scope
-        ReplacementNotString, ///< it is in scope, but is not a text
+        ReplacementNotString, ///< it is in scope, but not a text
         BooleanNotFound,      ///< a condition's name is not in scope
-        NotBoolean,           ///< it is in scope, but is not a boolean
+        NotBoolean,           ///< it is in scope, but not a boolean
         ListNotFound,         ///< the name of a loop's list is not in scope
-        NotIterable,          ///< it is in scope, but is not a list
+        NotIterable,          ///< it is in scope, but not a list
         FileNotFound,         ///< no template exists at the path
         FileNotLoaded,        ///< a template exists, but cannot be read
         TemplateRejected,     ///< the template is malformed; see `fault`
-        StepLimit,            ///< the render ended, as for the kinds below
+        StepLimit,            ///< the render ended; the same applies to the kinds below
         OutputLimit,
         TemplateLimit,
         DepthLimit,
@@ -179,14 +179,14 @@ struct RenderMessage {
 
     Kind kind{};             ///< what went wrong
     String name{};           ///< the name or path in the tag; empty if there is none
-    String templateName{};   ///< the template that contains the place
+    String templateName{};   ///< the template that contains the location
     SyntaxRange range{};     ///< the name, the path, or the text where the render ended
     unsigned int line = 0;   ///< of the range, from 1; lines end at LF; 0 if there is none
     unsigned int column = 0; ///< of the range in code points, from 1; 0 if there is none
     SyntaxFault fault{};     ///< of a rejected template
     std::vector<IncludeSite> includedFrom{}; ///< the includes that lead to it, innermost first
 
-    /// Returns an English description, without the place.
+    /// Returns an English description, without the location.
     /// @return one line without a line break
     STENCILOR_EXPORT String text() const;
 };
@@ -237,7 +237,7 @@ class STENCILOR_EXPORT Template {
     /// @return true if the template can be rendered
     bool isWellFormed() const;
 
-    /// @return why it cannot be rendered; if it can, the fault is not present
+    /// @return why it cannot be rendered; an absent fault if it can
     const SyntaxFault& fault() const;
 
     /// @return the name that was passed to the constructor
@@ -345,7 +345,7 @@ class STENCILOR_EXPORT MemoryTemplates : public TemplateSource {
 ///
 /// Caches parsed files. A file is read again if its size, modification time or identity has
 /// changed, or if it was modified less than two seconds before it was last read.
-/// Paths: as with a root of `FileSystem`; nothing outside of the directory can be included.
+/// Paths: as with a root of `FileSystem`; nothing outside the directory can be included.
 /// Threads: renders that run at once may share it.
 class STENCILOR_EXPORT FileTemplates : public TemplateSource {
   public:

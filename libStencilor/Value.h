@@ -222,7 +222,7 @@ class Value {
     requires std::constructible_from < Value, const std::ranges::range_value_t<Range>
     & > static Value list(Range&& range);
 
-    /// Makes a list of the results of a function for each item of a range:
+    /// Makes a list from the results of a function for each item of a range:
     ///
     ///     Value::list(names, [](const std::string& name) { return Value{{"name", name}}; })
     ///
@@ -291,7 +291,7 @@ class Value {
     template <typename T>
     static Value convert(const T& source);
     STENCILOR_EXPORT static Value null() noexcept;
-    STENCILOR_EXPORT static Value boolean(bool truth) noexcept;
+    STENCILOR_EXPORT static Value boolean(bool value) noexcept;
     STENCILOR_EXPORT static Value plain(String text) noexcept;
     STENCILOR_EXPORT static Value number(std::int64_t number);
     STENCILOR_EXPORT static Value number(std::uint64_t number);
@@ -403,8 +403,8 @@ struct ContextOptions {
 ///
 /// Ownership: owns the tree. Lists and booleans under dotted names share their contents with the
 ///   originals, so the tree can be rendered and read, but must not be changed.
-/// Copying: not possible; moving takes constant time. A moved-from context may only be assigned to
-///   or destroyed.
+/// Copying: not possible; moving takes constant time. A moved-from context may only be assigned or
+///   destroyed.
 /// Threads: may be read by many threads.
 /// Errors: `std::invalid_argument` if the value is not a dictionary, or a `$boolean` is not a
 ///   boolean; `std::length_error` if dotted names would take more than 512 MiB (a member has a name
@@ -417,11 +417,11 @@ class Context {
     STENCILOR_EXPORT explicit Context(const Value& value, ContextOptions options = {});
 
     /// Moves a context.
-    /// @param other afterwards it may only be assigned to or destroyed
+    /// @param other afterwards it may only be assigned or destroyed
     STENCILOR_EXPORT Context(Context&& other) noexcept;
 
     /// Moves a context.
-    /// @param other afterwards it may only be assigned to or destroyed
+    /// @param other afterwards it may only be assigned or destroyed
     /// @return this context
     STENCILOR_EXPORT Context& operator=(Context&& other) noexcept;
 

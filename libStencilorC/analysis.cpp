@@ -14,10 +14,10 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// Templates of a source, known by their paths.
+/// The templates of a source, by path.
 class SourceReader final : public TemplateReader {
   public:
-    /// Without a source there are none.
+    /// A null source has no templates.
     explicit SourceReader(const stencilor_source* source)
         : source_(source == nullptr ? none_ : *source->source) {}
 
@@ -40,7 +40,7 @@ class SourceReader final : public TemplateReader {
     TemplateSource& source_;
 };
 
-/// One template with what it includes. Included from there, it is the one that was passed.
+/// A template and what it includes. An include of its own path finds the template that was passed.
 class AnalysedTemplate {
   public:
     AnalysedTemplate(const stencilor_template& root, const stencilor_source* source)

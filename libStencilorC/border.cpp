@@ -21,7 +21,7 @@ int describe(stencilor_error** error, int status, const std::exception& exceptio
     return describe(error, {.status = status, .text = exception.what()});
 }
 
-/// Throws only where memory is exhausted.
+/// Throws only if memory is exhausted.
 int translateException(stencilor_error** error) {
     try {
         throw;
@@ -41,7 +41,7 @@ int translateException(stencilor_error** error) {
         return describe(error, STENCILOR_TOO_LARGE, exception);
     } catch (const std::invalid_argument& exception) {
         return describe(error, STENCILOR_INVALID_ARGUMENT, exception);
-    } catch (const std::logic_error& exception) { // a value is changed in a way that it cannot be
+    } catch (const std::logic_error& exception) { // a value cannot be changed like this
         return describe(error, STENCILOR_WRONG_KIND, exception);
     } catch (...) {
         return STENCILOR_INTERNAL_ERROR;

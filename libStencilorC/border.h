@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-// Where C calls C++: exceptions become statuses, pointers that are null become exceptions.
+// The boundary between C and C++: exceptions become statuses, and null pointers become exceptions.
 
 namespace kel::Stencilor::internal {
 
@@ -17,7 +17,7 @@ struct call_failure {
     int status;
 };
 
-/// Ends a call since a callback returned a number other than 0.
+/// Ends a call because a callback returned a number other than 0.
 struct call_stop {
     int code;
 };
@@ -34,12 +34,12 @@ inline void failUnlessOk(int status) {
     }
 }
 
-/// The status of the exception that is being handled. Describes it, where it says more than its
-/// status; `error` may be null.
+/// Returns the status of the exception that is being handled, and describes the exception if it
+/// says more than its status; `error` may be null.
 int statusOfException(stencilor_error** error) noexcept;
 
-/// Calls a function whose exceptions become a status. It returns a status, or nothing for
-/// `STENCILOR_OK`.
+/// Calls a function and turns its exceptions into a status. The function returns a status, or
+/// nothing for `STENCILOR_OK`.
 template <typename Function>
 int guarded(Function function, stencilor_error** error = nullptr) noexcept {
     if (error != nullptr) {
@@ -57,17 +57,17 @@ int guarded(Function function, stencilor_error** error = nullptr) noexcept {
     }
 }
 
-/// What a pointer points to, which may not be null.
+/// Returns what a pointer points to; throws if it is null.
 template <typename T>
 T& given(T* pointer) {
     failUnlessOk(pointer == nullptr ? STENCILOR_INVALID_ARGUMENT : STENCILOR_OK);
     return *pointer;
 }
 
-/// A text that was passed.
+/// Converts a text that was passed in.
 std::string_view given(const char* text, std::size_t size);
 
-/// Where a call stores what it makes; null until then.
+/// Where a call stores what it creates; null until then.
 template <typename T>
 T*& placeOf(T** made) {
     T*& place = given(made);
@@ -75,13 +75,13 @@ T*& placeOf(T** made) {
     return place;
 }
 
-/// Makes a context of a value, which must be a dictionary.
+/// Creates a context from a value, which must be a dictionary.
 inline Context makeContext(const Value& root, bool positions) {
     failUnlessOk(root.kind() == Value::Kind::Dictionary ? STENCILOR_OK : STENCILOR_WRONG_KIND);
     return Context(root, {.positions = positions});
 }
 
-/// Returns a text, which a NUL must follow.
+/// Returns a text to the host; a NUL must follow it.
 inline const char* returned(std::string_view text, std::size_t* size) noexcept {
     if (size != nullptr) {
         *size = text.size();

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-// What the handles of the interface are.
+// The types behind the handles of the interface.
 
 struct stencilor_error {
     int status;
@@ -37,8 +37,8 @@ struct stencilor_context {
     kel::Stencilor::Context context;
 };
 
-/// A message of a result or a template, which holds it. Its text is made when it is asked for
-/// first, by whichever thread that is: few hosts read all texts.
+/// A message, held by a result or a template. Its text is created on first use, on whichever thread
+/// that is: few hosts read every text.
 struct stencilor_message {
     explicit stencilor_message(const kel::Stencilor::RenderMessage& source) : message(&source) {}
     stencilor_message(stencilor_message&& other) noexcept
@@ -53,12 +53,12 @@ struct stencilor_message {
 struct stencilor_template {
     kel::Stencilor::Template parsed;
     std::optional<kel::Stencilor::RenderMessage> rejection{};
-    std::optional<stencilor_message> fault{}; // of the above
+    std::optional<stencilor_message> fault{}; // of the member above
 };
 
 struct stencilor_source {
     std::shared_ptr<kel::Stencilor::TemplateSource> source;
-    kel::Stencilor::MemoryTemplates* memory = nullptr; // the same one, where it is in memory
+    kel::Stencilor::MemoryTemplates* memory = nullptr; // the same source, if it is in memory
 };
 
 struct stencilor_request {
@@ -93,7 +93,7 @@ struct stencilor_options {
 
     kel::Stencilor::RenderOptions options{};
     kel::Stencilor::internal::no_templates none{};
-    std::shared_ptr<kel::Stencilor::TemplateSource> source{}; // null where it is `none`
+    std::shared_ptr<kel::Stencilor::TemplateSource> source{}; // null if it is `none`
     stencilor_poll_function poll = nullptr;
     void* pollPayload = nullptr;
 };
@@ -101,7 +101,7 @@ struct stencilor_options {
 struct stencilor_result {
     kel::Stencilor::RenderResult rendered;
     int stopCode = 0;
-    std::vector<stencilor_message> messages{}; // of the above
+    std::vector<stencilor_message> messages{}; // of the member above
 };
 
 #endif

@@ -14,12 +14,12 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// A number that JSON writes with a fraction or an exponent, laid out as that of a double. What is
-/// far out of range of one stays as it is.
+/// Lays out a JSON number with a fraction or an exponent like a double. Numbers far outside the
+/// range of a double stay as they are.
 std::string layOutNumber(std::string_view written) {
     const std::size_t mark = std::min(written.find_first_of("eE"), written.size());
     std::string_view exponent = written.substr(std::min(mark + 1, written.size()));
-    exponent.remove_prefix(exponent.starts_with('+') ? 1 : 0); // `from_chars` takes no plus
+    exponent.remove_prefix(exponent.starts_with('+') ? 1 : 0); // `from_chars` rejects a plus sign
     int shift = 0;
     std::from_chars(exponent.data(), exponent.data() + exponent.size(), shift);
     if (exponent.size() > 5) {
@@ -40,7 +40,7 @@ std::string layOutNumber(std::string_view written) {
     return isNegative ? "-" + text : text;
 }
 
-/// Makes the value of a JSON text that a program wrote for this library.
+/// Creates a value from a JSON text that a program wrote for this library.
 class MarkedValueMaker final : public ValueMaker {
   public:
     MarkedValueMaker(std::string_view text, bool hasShortNumbers, std::string_view rawMark)

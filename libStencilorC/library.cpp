@@ -21,29 +21,29 @@ const char* stencilor_status_text(int status) {
     case STENCILOR_REJECTED:
         return "the template is not well formed";
     case STENCILOR_NOT_FOUND:
-        return "there is no such template or folder";
+        return "no such template or folder";
     case STENCILOR_UNREADABLE:
         return "the template cannot be read";
     case STENCILOR_STEP_LIMIT:
-        return "the limit of steps is reached";
+        return "the step limit was reached";
     case STENCILOR_OUTPUT_LIMIT:
-        return "the limit of output bytes is reached";
+        return "the output size limit was reached";
     case STENCILOR_TEMPLATE_LIMIT:
-        return "the limit of template bytes is reached";
+        return "the template size limit was reached";
     case STENCILOR_DEPTH_LIMIT:
-        return "the limit of the include depth is reached";
+        return "the include depth limit was reached";
     case STENCILOR_INVALID_ARGUMENT:
-        return "an argument is not valid";
+        return "invalid argument";
     case STENCILOR_OUT_OF_MEMORY:
         return "out of memory";
     case STENCILOR_TOO_LARGE:
-        return "a text is too long, or values are nested too deeply or too many";
+        return "a text is too long, values are nested too deeply, or there are too many";
     case STENCILOR_BAD_JSON:
-        return "the JSON text is not valid";
+        return "invalid JSON";
     case STENCILOR_WRONG_KIND:
-        return "the value or source is of another kind";
+        return "the value or source is of the wrong kind";
     case STENCILOR_UNSUPPORTED:
-        return "the library was built without this function";
+        return "this build of the library does not include the function";
     case STENCILOR_INTERNAL_ERROR:
         return "internal error";
     default:

@@ -44,7 +44,7 @@ int kindOf(RenderMessage::Kind kind) {
     return STENCILOR_MESSAGE_NONE;
 }
 
-// Made when the library is loaded, not on first use, so that a child of a fork never waits for it.
+// Created when the library is loaded, not on first use, so that a forked child never waits for it.
 const RenderMessage noMessage;
 const IncludeSite noSite;
 
@@ -53,14 +53,14 @@ const RenderMessage& of(const stencilor_message* message) {
     return message == nullptr ? noMessage : *message->message;
 }
 
-/// Empty where memory is exhausted.
+/// Empty if memory is exhausted.
 std::string_view textOf(const stencilor_message& message) noexcept {
     const kel::String* made = message.text.load();
     if (made == nullptr) {
         const int status = guarded([&] {
             auto text = std::make_unique<const kel::String>(message.message->text());
             if (message.text.compare_exchange_strong(made, text.get())) {
-                made = text.release(); // no other thread was faster
+                made = text.release(); // this thread was first
             }
         });
         if (status != STENCILOR_OK) {

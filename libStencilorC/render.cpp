@@ -11,7 +11,7 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// Makes a handle, also of a template that is not well formed.
+/// Creates a handle, even for a template that is not well formed.
 int makeTemplate(Template parsed, stencilor_template*& made) {
     auto handle = std::make_unique<stencilor_template>(stencilor_template{std::move(parsed)});
     const bool isWellFormed = handle->parsed.isWellFormed();

@@ -9,10 +9,11 @@
 
 namespace kel::Stencilor::internal {
 
-/// Makes the messages of a result that was rendered.
+/// Creates the messages of a render's result.
 void describeMessages(stencilor_result& result);
 
-/// The options of one call, which may be null. `stopCode` receives what the poll function returns.
+/// The options of one call; null means the defaults. `stopCode` receives what the poll function
+/// returns.
 class call_options {
   public:
     call_options(const stencilor_options* options, int& stopCode);
@@ -24,7 +25,7 @@ class call_options {
     const RenderOptions* options_;
 };
 
-/// Renders by a function of the options, and stores the result.
+/// Renders with a function of the options, and stores the result.
 template <typename Render>
 int renderToResult(const stencilor_options* options, stencilor_result** result,
                    Render render) noexcept {
@@ -35,7 +36,7 @@ int renderToResult(const stencilor_options* options, stencilor_result** result,
         std::unique_ptr<stencilor_result> made;
         try {
             int stopCode = 0;
-            // In place: moving a result would take a good part of rendering a small page.
+            // In place: moving a result would cost a good part of rendering a small page.
             made.reset(new stencilor_result{render(call_options(options, stopCode).get())});
             made->stopCode = stopCode;
             if (!made->rendered.messages.empty()) {

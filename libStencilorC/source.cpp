@@ -12,7 +12,7 @@ namespace {
 
 using Answer = TemplateSource::Answer;
 
-/// Templates that a callback finds.
+/// The templates that a callback finds.
 class CallbackTemplates final : public TemplateSource {
   public:
     CallbackTemplates(stencilor_find_function callback, void* payload)
@@ -32,7 +32,7 @@ class CallbackTemplates final : public TemplateSource {
     void* payload_;
 };
 
-/// Answers with a template that is made of a text of that size. A failure fails the render, too.
+/// Answers with a template parsed from a text of `size` bytes. If that fails, so does the render.
 template <typename Make>
 int answer(stencilor_request* request, Make make) noexcept {
     const int status = guarded([&] {

@@ -21,10 +21,10 @@
 ///         }
 ///     }
 ///
-/// What `stencilor.h` says of threads holds here, too. Texts are views of what the object holds.
-/// What a callback throws reaches the caller of the call around it. `Error` is thrown for each
-/// status that is not described as a result. Everything can be moved, and then only be assigned to
-/// or destroyed; values and messages can be copied.
+/// The thread rules of `stencilor.h` apply here, too. Texts are views into the object that returns
+/// them. Exceptions of a callback reach the caller of the enclosing call. `Error` is thrown for
+/// every status that does not come with a result. All objects can be moved; a moved-from object may
+/// only be assigned or destroyed. Values and messages can be copied.
 
 #include <libStencilorC/stencilor.h>
 
@@ -43,7 +43,7 @@
 /// The C interface for C++17.
 namespace stencilor {
 
-/// A status other than `STENCILOR_OK`, and for JSON where it is wrong.
+/// A status other than `STENCILOR_OK`; for JSON, also where the text is wrong.
 class Error : public std::runtime_error {
   public:
     /// Describes a status.
@@ -85,13 +85,13 @@ struct Free {
 template <typename T>
 using Handle = std::unique_ptr<T, Free>;
 
-/// What a callback of this thread threw, until the call around it returns.
+/// The exception that a callback of this thread threw, until the enclosing call returns.
 inline std::exception_ptr& thrown() {
     thread_local std::exception_ptr exception;
     return exception;
 }
 
-/// Calls what a callback is for; returns what the callback returns.
+/// Calls the function of a callback, and returns what the callback must return.
 template <typename Function>
 int guard(Function function) noexcept {
     try {
@@ -120,7 +120,7 @@ inline void check(int status, stencilor_error* error = nullptr) {
     }
 }
 
-/// The handle that a function stores in its last argument.
+/// Returns the handle that a function stores through its last argument.
 template <typename T, typename... Parameters, typename... Arguments>
 Handle<T> make(int (*function)(Parameters...), Arguments... arguments) {
     T* made = nullptr;
@@ -142,7 +142,7 @@ std::string_view text(const char* (*function)(const T*, Arguments..., std::size_
 /// @endcond
 
 /// Plain data: null, a boolean, a text, a list or a dictionary. Numbers are texts.
-/// Copying: a copy is a value of its own, whole.
+/// Copying: copies are deep and independent.
 class Value {
   public:
     /// An empty dictionary.
@@ -166,13 +166,13 @@ class Value {
     /// An empty list.
     static Value list() { return Value(internal::make<stencilor_value>(stencilor_value_list)); }
 
-    /// A text that no render escapes.
+    /// A text that renders never escape.
     static Value raw(std::string_view text) {
         return Value(
             internal::make<stencilor_value>(stencilor_value_raw_text, text.data(), text.size()));
     }
 
-    /// The value of a JSON text.
+    /// Parses a JSON text.
     static Value fromJson(std::string_view json) {
         stencilor_value* made = nullptr;
         stencilor_error* error = nullptr;
@@ -182,7 +182,7 @@ class Value {
         return value;
     }
 
-    /// Copies a value with all that it holds.
+    /// Copies a value and everything that it holds.
     /// @{
     Value(const Value& other)
         : Value(internal::make<stencilor_value>(stencilor_value_copy, other.get())) {}
@@ -197,7 +197,7 @@ class Value {
 
     ~Value() = default;
 
-    /// What the value is, a `stencilor_kind`.
+    /// The kind of the value, a `stencilor_kind`.
     int kind() const { return stencilor_value_kind(get()); }
 
     /// Appends an item to a list.
@@ -212,7 +212,7 @@ class Value {
         return *this;
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     stencilor_value* get() const { return handle_.get(); }
 
   private:
@@ -240,11 +240,11 @@ class Value {
     internal::Handle<stencilor_value> handle_;
 };
 
-/// What templates are rendered with. It never changes.
+/// The values that templates are rendered with. It never changes.
 class Context {
   public:
     /// @param value a dictionary, which is copied
-    /// @param flags of `stencilor_context_flag`, added up
+    /// @param flags a sum of `stencilor_context_flag`
     explicit Context(const Value& value, int flags = 0) {
         stencilor_context* made = nullptr;
         stencilor_error* error = nullptr;
@@ -253,26 +253,26 @@ class Context {
         internal::check(status, error);
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     stencilor_context* get() const { return handle_.get(); }
 
   private:
     internal::Handle<stencilor_context> handle_;
 };
 
-/// A message of a result or a template, valid as long as that.
+/// A message of a result or a template, and valid as long as its owner.
 class Message {
   public:
-    /// @param message what is read
+    /// @param message the message to read
     explicit Message(const stencilor_message* message) : message_(message) {}
 
     /// A `stencilor_message_kind`.
     int kind() const { return stencilor_message_kind(message_); }
-    /// The message in English, without its place.
+    /// The message in English, without its location.
     std::string_view text() const { return internal::text(stencilor_message_text, message_); }
     /// The name or path in the tag.
     std::string_view name() const { return internal::text(stencilor_message_name, message_); }
-    /// The template that the place is in.
+    /// The name of the template at the location.
     std::string_view templateName() const {
         return internal::text(stencilor_message_template_name, message_);
     }
@@ -280,7 +280,7 @@ class Message {
     std::size_t line() const { return stencilor_message_line(message_); }
     /// The column in code points, from 1.
     std::size_t column() const { return stencilor_message_column(message_); }
-    /// For what is not here, such as the includes around the place.
+    /// The message, for functions without a wrapper, such as those for include tags.
     const stencilor_message* get() const { return message_; }
 
   private:
@@ -290,14 +290,14 @@ class Message {
 /// What a render produced. It never changes.
 class Result {
   public:
-    /// @param handle is this object's from now on
+    /// @param handle the handle, which this object takes over
     explicit Result(stencilor_result* handle) : handle_(handle) {}
 
     /// How the render ended: a `stencilor_status` up to `STENCILOR_DEPTH_LIMIT`.
     int status() const { return stencilor_result_status(get()); }
     /// The text; empty unless the status is `STENCILOR_OK`.
     std::string_view text() const { return internal::text(stencilor_result_text, get()); }
-    /// What the render took of a `stencilor_limit`.
+    /// How much of a `stencilor_limit` the render used.
     std::uint64_t usage(int limit) const { return stencilor_result_usage(handle_.get(), limit); }
 
     /// The messages, in the order of the text.
@@ -309,7 +309,7 @@ class Result {
         return all;
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     const stencilor_result* get() const { return handle_.get(); }
 
   private:
@@ -321,18 +321,18 @@ class Template;
 /// A request for an included template.
 class Request {
   public:
-    /// @param request what is answered
+    /// @param request the request to answer
     explicit Request(stencilor_request* request) : request_(request) {}
 
-    /// How many bytes the template may have.
+    /// The maximum size of the template in bytes.
     std::uint64_t maxSize() const { return stencilor_request_max_size(request_); }
-    /// Answers with a text.
+    /// Answers with the text of a template.
     void setText(std::string_view text) const {
         internal::check(stencilor_request_set_text(request_, text.data(), text.size()));
     }
-    /// Answers with a template that was parsed before.
+    /// Answers with a parsed template.
     void setTemplate(const Template& parsed) const;
-    /// Answers that there is a template, and that it cannot be read.
+    /// Answers that the template exists but cannot be read.
     void setUnreadable() const { internal::check(stencilor_request_set_unreadable(request_)); }
 
   private:
@@ -343,14 +343,14 @@ class Request {
 /// Copying: copies share the source.
 class Source {
   public:
-    /// Finds the template at a path, or does not answer the request.
+    /// Finds the template at a path; does not answer the request if there is none.
     using Find = std::function<void(std::string_view path, const Request& request)>;
 
     /// Templates in memory, for `add`.
     static Source memory() {
         return Source(internal::make<stencilor_source>(stencilor_source_memory), nullptr);
     }
-    /// The files below a folder.
+    /// The files in a folder and its subfolders.
     static Source folder(std::string_view path) {
         return Source(
             internal::make<stencilor_source>(stencilor_source_folder, path.data(), path.size()),
@@ -370,7 +370,7 @@ class Source {
             stencilor_source_add(get(), path.data(), path.size(), text.data(), text.size()));
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     stencilor_source* get() const { return handle_.get(); }
 
   private:
@@ -390,14 +390,14 @@ class Source {
 /// How to render.
 class Options {
   public:
-    /// Returns what is rendered in place of a value.
+    /// Returns what to render in place of a value.
     using Escape = std::function<std::string(std::string_view value)>;
 
     Options() : handle_(internal::make<stencilor_options>(stencilor_options_create)) {}
 
-    /// Escapes in the way of a `stencilor_escape_kind`.
+    /// Escapes values as a `stencilor_escape_kind` says.
     void setEscape(int kind) { internal::check(stencilor_options_set_escape(handle_.get(), kind)); }
-    /// Escapes by a function.
+    /// Escapes values with a function.
     void setEscape(Escape escape) {
         auto kept = std::make_unique<Escape>(std::move(escape));
         internal::check(
@@ -408,19 +408,19 @@ class Options {
     void setLimit(int limit, std::uint64_t value) {
         internal::check(stencilor_options_set_limit(handle_.get(), limit, value));
     }
-    /// Asks a function whether to go on.
+    /// Sets a function that decides whether to continue.
     void setPoll(std::function<bool()> poll) {
         auto kept = std::make_unique<std::function<bool()>>(std::move(poll));
         internal::check(stencilor_options_set_poll(handle_.get(), callPoll, kept.get()));
         poll_ = std::move(kept);
     }
-    /// Includes templates of a source, which these options keep.
+    /// Sets where included templates come from; the options keep the source alive.
     void setSource(const Source& source) {
         internal::check(stencilor_options_set_source(handle_.get(), source.get()));
         source_ = std::make_unique<Source>(source);
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     const stencilor_options* get() const { return handle_.get(); }
 
   private:
@@ -450,7 +450,7 @@ class Options {
 class Template {
   public:
     /// @param text the template, well formed or not
-    /// @param name what messages call it
+    /// @param name the name for messages
     explicit Template(std::string_view text, std::string_view name = {}) {
         stencilor_template* made = nullptr;
         const int status =
@@ -461,10 +461,10 @@ class Template {
 
     /// True if the template can be rendered.
     bool isWellFormed() const { return stencilor_template_fault(get()) == nullptr; }
-    /// Why it cannot: a message of the kind `STENCILOR_MESSAGE_NONE` if it can.
+    /// Why the template cannot be rendered; if it can, a message of kind `STENCILOR_MESSAGE_NONE`.
     Message fault() const { return Message(stencilor_template_fault(get())); }
 
-    /// Renders.
+    /// Renders the template.
     Result render(const Context& context, const Options& options = {}) const {
         stencilor_result* made = nullptr;
         const int status = stencilor_template_render(get(), context.get(), options.get(), &made);
@@ -481,7 +481,7 @@ class Template {
         return resultOf(status, made);
     }
 
-    /// The handle, which stays this object's.
+    /// The handle; this object keeps owning it.
     const stencilor_template* get() const { return handle_.get(); }
 
     /// @cond
@@ -515,17 +515,17 @@ inline Result renderPath(std::string_view path, const Context& context, const Op
     return Template::resultOf(status, made);
 }
 
-/// Escapes a text in the way of a `stencilor_escape_kind`.
+/// Escapes a text as a `stencilor_escape_kind` says.
 inline std::string escape(int kind, std::string_view text) {
     const auto escaped =
         internal::make<stencilor_text>(stencilor_escape, kind, text.data(), text.size());
     return std::string(internal::text(stencilor_text_data, escaped.get()));
 }
 
-/// What is wrong with a template, as JSON.
+/// Finds what is wrong with a template; returns JSON.
 /// @param parsed the template, well formed or not
 /// @param source where included templates come from; null for none
-/// @param context the values that names are looked up in; null for none
+/// @param context the values to look names up in; null to look up none
 inline std::string check(const Template& parsed, const Source* source = nullptr,
                          const Context* context = nullptr) {
     const auto json = internal::make<stencilor_text>(stencilor_check, parsed.get(),
@@ -534,7 +534,7 @@ inline std::string check(const Template& parsed, const Source* source = nullptr,
     return std::string(internal::text(stencilor_text_data, json.get()));
 }
 
-/// The names that a template asks a context for, as JSON.
+/// Lists the names that a template looks up in a context; returns JSON.
 /// @param parsed the template
 /// @param source where included templates come from; null for none
 inline std::string names(const Template& parsed, const Source* source = nullptr) {
@@ -543,7 +543,7 @@ inline std::string names(const Template& parsed, const Source* source = nullptr)
     return std::string(internal::text(stencilor_text_data, json.get()));
 }
 
-/// The nodes of a template's syntax tree, as JSON.
+/// Lists the nodes of a template's syntax tree; returns JSON.
 /// @param parsed the template
 inline std::string tree(const Template& parsed) {
     const auto json = internal::make<stencilor_text>(stencilor_tree, parsed.get());

@@ -33,7 +33,7 @@ int set(stencilor_value* dictionary, const char* key, size_t keySize, Source sou
     });
 }
 
-// Each returns a function that makes a value.
+// Each returns a function that creates a value.
 
 auto null() {
     return [] { return Value(nullptr); };
@@ -56,7 +56,7 @@ auto number(Number source) {
     return [source] { return Value(source); };
 }
 
-/// Takes a value out of its handle.
+/// Moves a value out of its handle.
 auto taken(const stencilor_value* into, stencilor_value* source) {
     return [into, source] {
         failUnlessOk(into == source ? STENCILOR_INVALID_ARGUMENT : STENCILOR_OK);

@@ -37,7 +37,7 @@
 
 namespace kel::Stencilor {
 
-/// The reason why JSON was rejected, and the place. `what()` is `LINE:COLUMN: REASON` for a text,
+/// Why JSON was rejected, and where. `what()` is `LINE:COLUMN: REASON` for a text,
 /// `POINTER: REASON` for a value inside another one, and otherwise just the reason.
 class JsonError : public std::runtime_error {
   public:
@@ -53,19 +53,19 @@ class JsonError : public std::runtime_error {
     /// @param reason the error
     explicit JsonError(const std::string& reason);
 
-    /// Returns the place of the error.
+    /// Returns the location of the error.
     /// @return the line, counted from 1; 0 if the error is not in a text
     std::size_t line() const { return line_; }
 
-    /// Returns the place of the error.
+    /// Returns the location of the error.
     /// @return the column, counted from 1, in code points; 0 if the error is not in a text
     std::size_t column() const { return column_; }
 
-    /// Returns the place of the error.
+    /// Returns the location of the error.
     /// @return the byte offset; 0 if the error is not in a text
     std::size_t offset() const { return offset_; }
 
-    /// Says the error.
+    /// Returns the reason.
     /// @return `what()` without the line and the column, valid as long as this error
     std::string_view reason() const { return std::string_view(what()).substr(reasonBegin_); }
 

@@ -194,8 +194,8 @@ void JsonGrammar::escapeRule() {
     }
 }
 
-// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ]
-// A leading and a trailing surrogate make one character.
+// unit = 4 hexadecimal digits [ "\u" 4 hexadecimal digits ] A leading and a trailing surrogate form
+// one character.
 void JsonGrammar::unitRule(std::size_t begin) {
     std::uint32_t unit = hexadecimalRule();
     if (isTrailingSurrogate(unit)) {

@@ -34,7 +34,7 @@ struct JsonPosition {
 /// time.
 JsonPosition positionAt(std::string_view text, std::size_t offset);
 
-/// An error at a byte offset of `text`, as above.
+/// An error at a byte offset of `text`.
 JsonError errorAt(std::string_view text, std::size_t offset, const std::string& reason);
 
 } // namespace kel::Stencilor::internal

@@ -29,7 +29,7 @@ void ValueMaker::add(Value value) {
     }
 }
 
-/// `Context` also rejects such a value, but does not know its place in the text.
+/// `Context` also rejects such a value, but does not know its position in the text.
 void ValueMaker::refuseAsBoolean(std::size_t offset) const {
     if (!open_.empty() && open_.back().name == "$boolean") {
         throw errorAt(text_, offset, "expected true or false as the value of \"$boolean\"");

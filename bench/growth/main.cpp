@@ -59,8 +59,8 @@ void measure(const series& each, std::size_t size) {
 } // namespace
 
 int main() {
-    // The allocator keeps its memory here. Otherwise, what it returns to the system between calls,
-    // and gets again page by page, would depend on the rest of the process.
+    // Makes the allocator keep its memory. Otherwise, the memory that it returns to the system
+    // between calls, and requests again page by page, would depend on the rest of the process.
     mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
 

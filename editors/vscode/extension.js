@@ -11,7 +11,7 @@ function settings() {
     return { root, context, positions, emptyLines };
 }
 
-/** The templates, and the files whose buffers count when they are checked. */
+/** The templates, and other files whose unsaved contents matter when templates are checked. */
 function documents() {
     const { context } = settings();
     const patterns = ["**/stencilor.json", "**/*.context.json", ...(context ? ["**/" + context.split(/[\\/]/).pop()] : [])];
@@ -37,7 +37,7 @@ async function start() {
         await client.start();
     } catch (error) {
         const answer = await vscode.window.showErrorMessage(
-            `The program "${command}" cannot be started as a language server: ${error.message}`,
+            `Cannot start "${command}" as a language server: ${error.message}`,
             "Open Settings"
         );
         if (answer) {

@@ -19,7 +19,7 @@ const char* stencilor_status_text(int);
 ]]
 local C = ffi.load(arg[1] or "stencilor_c")
 
--- Calls a function that makes a handle, which then frees itself.
+-- Calls a function that creates a handle; the handle frees itself.
 local function make(kind, call)
   local place = ffi.new "void*[1]"
   local status = call(place)

@@ -5,7 +5,7 @@
 
 // A host that shows its own data to templates. The records store their texts as values of the
 // engine, which contexts borrow: each text is in memory once, regardless of the number of contexts,
-// and making a context copies no text.
+// and creating a context copies no text.
 
 using namespace kel::Stencilor;
 
@@ -42,8 +42,7 @@ class Book {
     ContextString title_;
     ContextString author_;
     ContextBoolean lent_{false};
-    Borrowing<ContextDictionary>
-        value_; // the last, so that it lets go of the others before they die
+    Borrowing<ContextDictionary> value_; // last, so that it is destroyed before the others
 };
 
 void print(const char* text, const ContextBase& context) {
@@ -53,7 +52,7 @@ void print(const char* text, const ContextBase& context) {
 } // namespace
 
 int main() {
-    std::deque<Book> shelf; // which never moves what stands in it
+    std::deque<Book> shelf; // never moves its elements
     shelf.emplace_back("Die Verwandlung", "Franz Kafka");
     shelf.emplace_back("Wuthering Heights", "Emily Bront\u00EB");
     shelf.emplace_back("Sonnenfinsternis", "Arthur Koestler");
@@ -63,7 +62,7 @@ int main() {
         books.add(book.value());
     }
     Borrowing<ContextIterable> favourites;
-    favourites.add(shelf[1].value()); // a second place for the same book
+    favourites.add(shelf[1].value()); // the same book in a second list
     Borrowing<ContextDictionary> context;
     context.insert("books", &books);
     context.insert("favourites", &favourites);
@@ -73,7 +72,7 @@ int main() {
     print(list, context);
     print("{% for book in favourites %}Read {{ book.title }}!\n{% endfor %}", context);
 
-    shelf[1].lend(); // what contexts see at once
+    shelf[1].lend(); // contexts see the change at once
     std::cout << "--\n";
     print(list, context);
 }

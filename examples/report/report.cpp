@@ -8,7 +8,7 @@
 #include <string>
 
 // Renders the report in this folder: a page with loops, conditions and includes, and values from a
-// JSON file. The program `stencilor` makes the same page from the same files.
+// JSON file. The program `stencilor` renders the same page from the same files.
 //
 //     report FOLDER >report.html
 
@@ -33,7 +33,7 @@ Value readValues(const std::string& path) {
 }
 
 void render(const std::string& folder) {
-    FileTemplates templates(folder); // only what is in the folder can be included
+    FileTemplates templates(folder); // only files in the folder can be included
     const RenderResult result = renderFile("report.html", readValues(folder + "/context.json"),
                                            {.escape = Escape::html(), .source = &templates});
     for (const RenderMessage& message : result.messages) {

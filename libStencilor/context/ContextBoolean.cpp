@@ -4,7 +4,7 @@
 
 namespace kel::Stencilor {
 
-ContextBoolean::ContextBoolean(bool truth) : value(truth) {}
+ContextBoolean::ContextBoolean(bool isTrue) : value(isTrue) {}
 
 ContextBoolean::ContextBoolean(const ContextBoolean& other) = default;
 

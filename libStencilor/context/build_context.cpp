@@ -36,7 +36,7 @@ std::uint64_t measureAlias(const ContextBase* original) {
     return size;
 }
 
-/// Makes the value for a dotted name of `original`. A dictionary stays empty, because no template
+/// Creates the value for a dotted name of `original`. A dictionary stays empty, because no template
 /// can look into it.
 std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
     if (original == nullptr) {
@@ -56,7 +56,7 @@ std::unique_ptr<ContextBase> buildAlias(const ContextBase* original) {
     return std::make_unique<ContextDictionary>();
 }
 
-/// Makes context values from values.
+/// Builds context values from values.
 class value_reader {
   public:
     explicit value_reader(context_builder& builder) : builder_(builder) {}
@@ -89,21 +89,21 @@ std::unique_ptr<ContextBase> value_reader::build(const Value& value) {
     return nullptr;
 }
 
-/// Makes the context value of a dictionary, without its members.
-std::unique_ptr<ContextBase> buildEmptyDictionary(const Value* truth) {
-    if (truth == nullptr) {
+/// Creates the context value of a dictionary, without its members.
+std::unique_ptr<ContextBase> buildEmptyDictionary(const Value* boolean) {
+    if (boolean == nullptr) {
         return std::make_unique<ContextDictionary>();
     }
-    context_builder::checkBoolean(truth->kind() == Kind::Boolean);
-    return std::make_unique<ContextBoolean>(truth->isTrue());
+    context_builder::checkBoolean(boolean->kind() == Kind::Boolean);
+    return std::make_unique<ContextBoolean>(boolean->isTrue());
 }
 
 std::unique_ptr<ContextBase> value_reader::buildDictionary(const Members& members) {
-    const auto truth = members.find(booleanKey_);
+    const auto boolean = members.find(booleanKey_);
     std::unique_ptr<ContextBase> result =
-        buildEmptyDictionary(truth == members.end() ? nullptr : &truth->second);
+        buildEmptyDictionary(boolean == members.end() ? nullptr : &boolean->second);
     for (auto member = members.begin(); member != members.end(); ++member) {
-        if (member != truth) {
+        if (member != boolean) {
             ContextBase*& entry = (*result)[member->first];
             entry = build(member->second).release();
         }
@@ -145,7 +145,7 @@ void context_builder::checkBoolean(bool isBoolean) {
 }
 
 void context_builder::addDottedNames(ContextBase& dictionary) {
-    std::vector<const child_map::value_type*> nested; // they do not move as others are added
+    std::vector<const child_map::value_type*> nested; // adding others does not move them
     for (const auto& child : context_access::children(dictionary)) {
         if (child.second != nullptr && !context_access::children(*child.second).empty()) {
             nested.push_back(&child);

@@ -12,13 +12,13 @@ namespace kel::Stencilor::internal {
 /// The memory limit for the dotted names of a context, in bytes.
 inline constexpr std::uint64_t dotted_names_limit = std::uint64_t{512} << 20;
 
-/// Makes the tree of context classes from a value; `Context` documents the rules and errors.
+/// Builds the tree of context classes from a value; `Context` documents the rules and errors.
 std::unique_ptr<ContextBase> buildContext(const Value& root, const ContextOptions& options,
                                           std::uint64_t limit = dotted_names_limit);
 
-/// The rules for making context values, whatever they are made from. Values are made from the
+/// The rules for building context values, whatever they are built from. Values are built from the
 /// inside out, so that the names of nested dictionaries are complete when those of the outer one
-/// are made.
+/// are added.
 class context_builder {
   public:
     explicit context_builder(const ContextOptions& options,
@@ -30,13 +30,13 @@ class context_builder {
     /// Throws unless the member `booleanKey` of a dictionary is a boolean.
     static void checkBoolean(bool isBoolean);
 
-    /// Makes names for what is nested in `dictionary`, whose members are complete.
+    /// Adds names for everything nested in `dictionary`, whose members are complete.
     void addDottedNames(ContextBase& dictionary);
 
-    /// Makes the element of a list from an item other than a dictionary; null where there is none.
+    /// Creates the element of a list from an item other than a dictionary; null if there is none.
     std::unique_ptr<ContextBase> wrapItem(std::unique_ptr<ContextBase> item) const;
 
-    /// Adds the positions of the elements of `list`, which is complete, if the options ask for
+    /// Adds the positions of the elements of `list`, which is complete, if the options request
     /// them.
     void addPositions(ContextIterable& list) const;
 

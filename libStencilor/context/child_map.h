@@ -30,8 +30,8 @@ using child_guess = std::uint8_t;
 /// order, so a key is nearly always at the same position in the next value.
 ///
 /// How it works: entries do not move. The first ones are in the table and the others in blocks, and
-/// all are linked in the order of their keys. Few entries are searched linearly, more of them
-/// through a tree. Entries are never removed.
+/// all are linked in the order of their keys. A few entries are searched linearly, more through a
+/// tree. Entries are never removed.
 /// Ownership: owns keys, not values.
 template <typename Key>
 class child_table {
@@ -222,7 +222,7 @@ class child_table {
         return added;
     }
 
-    /// The place of the next node.
+    /// The location of the next node.
     void* room() {
         if (size_ == 0) {
             return firstNode_;

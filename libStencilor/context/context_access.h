@@ -31,19 +31,19 @@ struct context_access {
         return child_range(value.children);
     }
 
-    /// For a value that has none yet.
+    /// For a value that does not have any yet.
     static void setChildren(ContextBase& value, std::unique_ptr<child_map> children) noexcept {
         assert(value.children == nullptr);
         value.children = children.release();
     }
 
-    /// Moves all children to a value that has none yet.
+    /// Moves all children to a value that does not have any yet.
     static void moveChildren(ContextBase& from, ContextBase& to) noexcept {
         assert(to.children == nullptr);
         to.children = std::exchange(from.children, nullptr);
     }
 
-    /// The child under `key`, or null. `guess` is set to where it is among the children.
+    /// The child under `key`, or null. `guess` is set to its position among the children.
     static const ContextBase* findChild(const ContextBase& value, const String& key,
                                         child_guess& guess) {
         if (value.children == nullptr) {
@@ -54,7 +54,7 @@ struct context_access {
         return found == children.end() ? nullptr : found->second;
     }
 
-    /// The child under `key`, if `guess` is where it is; otherwise null.
+    /// The child under `key`, if it is at the position `guess`; otherwise null.
     static const ContextBase* guessChild(const ContextBase& value, const String& key,
                                          child_guess guess) {
         return value.children == nullptr ? nullptr : value.children->guess(key, guess);

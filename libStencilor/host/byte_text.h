@@ -10,7 +10,7 @@ namespace kel::Stencilor::internal {
 
 /// A string of UTF-8 bytes that can be read without a copy, like that of `libKel`. The engine skips
 /// its conversions, which would not change well-formed text. Strings of another base library are
-/// converted at each border.
+/// converted at each boundary.
 template <typename Text>
 concept byte_text = requires(const Text& text, std::string_view bytes) {
     { text.view() } -> std::same_as<std::string_view>;
@@ -19,7 +19,7 @@ concept byte_text = requires(const Text& text, std::string_view bytes) {
     Text(bytes);
 };
 
-/// A name of a template as a key of the context. It holds no NUL.
+/// A name of a template as a key of the context. It contains no NUL.
 template <typename Text>
 Text keyOf(std::string_view name) {
     return Text(name.data());

@@ -11,8 +11,8 @@ const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback = nullptr;
 }
 #endif
 
-/// Called by Windows when a process loads or unloads the library, and, unless that is turned off,
-/// at the start and end of each thread.
+/// Called by Windows when a process loads or unloads the library, and, unless notifications are
+/// off, at the start and end of each thread.
 extern "C" BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
         ::DisableThreadLibraryCalls(library);

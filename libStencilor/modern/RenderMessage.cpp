@@ -6,7 +6,7 @@ namespace kel::Stencilor {
 
 namespace {
 
-/// A name in quotation marks, without line breaks and other characters that control a terminal.
+/// A name in quotation marks, without line breaks or other characters that control a terminal.
 std::string quoted(const String& name) {
     constexpr const char* digits = "0123456789abcdef";
     std::string text = "\"";
@@ -44,13 +44,13 @@ std::string describe(const RenderMessage& message) {
         return std::string("the template is not well formed: expected ") +
                describe(message.fault.expected);
     case Kind::StepLimit:
-        return "the limit of steps is reached";
+        return "the step limit was reached";
     case Kind::OutputLimit:
-        return "the limit of output bytes is reached";
+        return "the output size limit was reached";
     case Kind::TemplateLimit:
-        return "the limit of template bytes is reached";
+        return "the template size limit was reached";
     case Kind::DepthLimit:
-        return "the limit of the include depth is reached";
+        return "the include depth limit was reached";
     case Kind::Stopped:
         return "the host stopped the render";
     }

@@ -22,7 +22,7 @@ RenderResult renderParsed(const parsed_template& parsed, const ContextBase& cont
     return renderTemplate(parsed, context, write, options, state);
 }
 
-/// A render without a template.
+/// The result of a render without a template.
 RenderResult failToFind(const String& path, RenderStatus status, render_state& state) {
     state.addFileMessage(status, path);
     return state.takeResult(status);

@@ -31,7 +31,7 @@ constexpr bool mayEscapeHtml(std::uint64_t word) {
     return (found & highBits) != 0;
 }
 
-/// What a byte becomes in HTML, with room for a whole word to be copied.
+/// The HTML form of a byte, with room for copying a whole word.
 struct html_escape {
     char text[8] = {};
     std::uint8_t size = 0; // 0: the byte stays as it is

@@ -18,8 +18,8 @@ class escaper {
     bool isNone() const noexcept { return escape_.kind_ == Escape::Kind::None; }
     bool isHtml() const noexcept { return escape_.kind_ == Escape::Kind::Html; }
 
-    /// Writes `value` escaped for HTML, into room for `mostHtml` bytes. Returns the end, or null
-    /// where the value is not all ASCII or holds a NUL.
+    /// Writes `value` escaped for HTML, into room for `mostHtml` bytes. Returns the end, or null if
+    /// the value is not all ASCII or contains a NUL.
     static char* writePlainHtml(std::string_view value, char* out) noexcept;
     static constexpr std::size_t mostHtml(std::size_t size) noexcept { return 6 * size + 8; }
 

@@ -22,8 +22,8 @@ struct included_template {
 /// Ownership: borrows the source, and owns the templates.
 class included_templates {
   public:
-    /// If `source` is null, files are found like by `buildOutput`. `limit` is the maximum size of
-    /// all templates together.
+    /// If `source` is null, files are found as by `buildOutput`. `limit` is the maximum total size
+    /// of all templates.
     included_templates(TemplateSource* source, std::uint64_t limit)
         : source_(source), limit_(limit), left_(limit) {}
 
@@ -42,7 +42,7 @@ class included_templates {
         return *known;
     }
 
-    /// The size of all templates together.
+    /// The total size of all templates.
     std::uint64_t bytes() const noexcept { return limit_ - left_; }
 
   private:

@@ -9,11 +9,11 @@
 
 namespace kel::Stencilor::internal {
 
-/// The variables of the loops around the current place of a template walk.
+/// The variables of the loops around the current position of a template walk.
 ///
-/// Entering and leaving a variable take time linear in its length, and finding the prefixes of a
-/// name in that of the name, regardless of the number of variables. They are stored in a trie, and
-/// linked from the newest to the oldest.
+/// Entering and leaving a variable takes time linear in its length, and finding the prefixes of a
+/// name takes time linear in the length of the name, regardless of the number of variables. They
+/// are stored in a trie, and linked from the newest to the oldest.
 /// Copying: not possible, because it is not needed.
 class loop_variables {
   public:

@@ -46,7 +46,7 @@ void metered_call::addMessage(fault reason, const name_use& use) {
                       names_.nameOf(use));
 }
 
-/// `find` where a name is not where it was found last.
+/// `find` for a name that is no longer where it was last found.
 const ContextBase* metered_call::search(const scope_stack& scopes, const name_use& use) {
     const name_keys& keys = names_.keysOf(use);
     if (!keys.areAllKept()) {
@@ -65,7 +65,7 @@ const ContextBase* metered_call::search(const scope_stack& scopes, const name_us
     });
 }
 
-/// The same where some keys are not kept.
+/// The same if some keys are not stored.
 const ContextBase* metered_call::findByAllKeys(const scope_stack& scopes, const name_use& use) {
     const name_keys& keys = names_.keysOf(use);
     const auto kept = names_.keptKeys(keys);

@@ -26,7 +26,7 @@ struct render_tools {
 /// escaped, messages have locations, names are looked up by the keys of a table, and includes come
 /// from a source.
 /// Ownership: borrows everything.
-/// Copying: not possible, it represents one place in one template.
+/// Copying: not possible, because it represents one position in one template.
 class metered_call {
   public:
     metered_call(const render_tools& tools, const parsed_template& in)

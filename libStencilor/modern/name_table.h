@@ -56,7 +56,7 @@ class name_table {
 
     const name_keys& keysOf(const name_use& use) const noexcept { return lists_[use.keys]; }
 
-    /// The key that is tried first; null where it is not kept.
+    /// The key that is tried first; null if it is not stored.
     const String* firstKey(const name_use& use) const noexcept {
         return use.firstKey == name_use::notKept ? nullptr : keys_.data() + use.firstKey;
     }

@@ -38,12 +38,12 @@ struct template_access {
     static const parsed_template& parsed(const Template& made) noexcept { return *made.parsed_; }
 };
 
-/// The place of the name or path of a record.
+/// The position of the name or path of a record.
 inline node_place placeOf(const name_use& use) noexcept {
     return {use.range(), use.line, use.column};
 }
 
-/// The place of a text. Takes time linear in the size of the template.
+/// The position of a text. Takes time linear in the size of the template.
 node_place placeOfText(const parsed_template& in, const content& text);
 
 } // namespace kel::Stencilor::internal

@@ -35,7 +35,7 @@ class piecewise_output {
     /// appended, if that would exceed the limit.
     bool value(std::string_view bytes) { return text_.plainIfRoom(bytes) || valueWithCare(bytes); }
 
-    /// Appends what `write` puts, which is well formed, as `text_sink::writeIfRoom`.
+    /// Appends what `write` writes, which is well formed, like `text_sink::writeIfRoom`.
     template <typename Write>
     bool writeIfRoom(std::size_t most, Write write) {
         return text_.writeIfRoom(most, write);
@@ -61,7 +61,7 @@ class piecewise_output {
     }
 
   private:
-    // With the room for one more slice of half as much, what is held stays below what the sink
+    // With room for one more slice of half this size, the text stays below the size that the sink
     // keeps between pieces.
     static constexpr std::size_t pieceSize = 32768;
 

@@ -16,7 +16,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// Ends a render at any place. Its message has already been added.
+/// Ends a render from anywhere. Its message has already been added.
 struct render_end {
     RenderStatus status;
 };
@@ -24,14 +24,14 @@ struct render_end {
 /// The state that the templates of one render share: the remaining resources, the messages, and the
 /// open includes.
 /// Ownership: borrows the options.
-/// Copying: not possible, it represents one render.
+/// Copying: not possible, because it represents one render.
 class render_state {
   public:
     explicit render_state(const RenderOptions& options);
     render_state(const render_state&) = delete;
     render_state& operator=(const render_state&) = delete;
 
-    /// Takes a step, if one is left. `place` determines the current place.
+    /// Takes a step, if one is left. `place` returns the current position.
     template <typename Place>
     void step(const parsed_template& in, Place place) {
         if (steps_ == pause_) {
@@ -40,7 +40,7 @@ class render_state {
         ++steps_;
     }
 
-    /// Whether the next key that is counted takes a step.
+    /// Whether counting the next key takes a step.
     bool nextKeyTakesStep() const noexcept { return keys_ + 1 == keysPerStep; }
 
     /// Counts a key that takes no step.
@@ -70,7 +70,7 @@ class render_state {
     /// The maximum number of rendered bytes.
     std::uint64_t outputBytes() const noexcept { return outputBytes_; }
 
-    /// Where the keys of a name were found last. Names may share it: it is no more than a guess.
+    /// Where the keys of a name were last found. Names may share it, because it is only a guess.
     child_guess& guessOf(const name_use& use) noexcept {
         return guesses_[use.keys % guesses_.size()];
     }
@@ -95,7 +95,7 @@ class render_state {
     void addMessage(RenderMessage::Kind kind, const parsed_template& in, const node_place& place,
                     String name = {});
 
-    /// Adds the message about the root template that was not found.
+    /// Adds the message that the root template was not found.
     void addFileMessage(RenderStatus status, const String& path);
 
     /// Ends the render with a message.
@@ -154,7 +154,7 @@ class render_state {
     included_templates templates_;
     std::vector<open_include> includes_;
     std::vector<RenderMessage> messages_;
-    std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // null outside of loops
+    std::unique_ptr<std::array<remembered_search, searchCount>> searches_; // null outside loops
     std::array<child_guess, 64> guesses_{};
 };
 

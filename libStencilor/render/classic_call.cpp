@@ -58,7 +58,7 @@ Text convertIncluded(const Text& source, scope_stack& scopes, Text& errors) {
 template <typename Text>
 void renderIncluded(Buffer<unsigned char>& file, scope_stack& scopes,
                     converted_output<Text>& text) {
-    // The low 32 bits of the size, because no base library loads more.
+    // The low 32 bits of the size; no base library loads more.
     const Text source(reinterpret_cast<const char*>(file.data),
                       static_cast<unsigned int>(file.size));
     Text dropped;

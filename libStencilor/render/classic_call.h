@@ -16,7 +16,7 @@ namespace kel::Stencilor::internal {
 /// The way `buildOutput` renders one template: messages are texts, names are looked up with the
 /// prefixes in force, files are read each time, and nothing is counted.
 /// Ownership: borrows the nodes, and the output and messages that it appends to.
-/// Copying: not possible, it represents one place in one template.
+/// Copying: not possible, because it represents one position in one template.
 class classic_call {
   public:
     /// `errors` receives the messages; null drops them.

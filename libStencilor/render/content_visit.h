@@ -37,13 +37,13 @@ const Kind* as(const ContextBase* value) {
 /// How it works: the operations of the two blocks only push the block onto a stack in this object,
 /// from which its body is rendered, so nesting does not use the call stack. Loop variables are only
 /// in force within one template; an included one is rendered by another object, with the same
-/// scopes. `Call`, which is also created for one template, defines what differs between the two
+/// scopes. `Call`, of which each template has its own, defines what differs between the two
 /// interfaces: the destination of text and messages, the lookup of names, the effect of an include,
 /// and what is counted.
 /// Ownership: borrows the call, the scopes, and the nodes while it renders them.
 /// Errors: what cannot be rendered produces one message and no text. After an exception, neither
 ///   this object nor the scopes can be used.
-/// Copying: not possible, it represents one place in one template.
+/// Copying: not possible, because it represents one position in one template.
 template <typename Call>
 class content_visit : public boost::static_visitor<> {
   public:
@@ -109,8 +109,8 @@ inline void content_visit<Call>::dispatch(const content& node) {
 }
 
 /// Renders a text or a substitution. Nearly all nodes are one of these, and testing for them is
-/// faster than dispatching on five kinds. Returns false for the others. (With get, which checks
-/// more at compile time, the compiler inlines worse.)
+/// faster than dispatching on five kinds. Returns false for the others. (With `get`, which checks
+/// more at compile time, the compiler inlines less well.)
 template <typename Call>
 inline bool content_visit<Call>::renderLeaf(const content& node) {
     if (const auto* text = boost::relaxed_get<std::string>(&node)) {

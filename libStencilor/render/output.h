@@ -34,7 +34,7 @@ inline std::string_view upToNul(std::string_view bytes) {
 /// Each top-level node is decoded separately, so that malformed bytes at the end of one never
 /// combine with those at the start of the next. Parts that are known to be well formed need no
 /// decoding: the texts of a well-formed template, because tags separate them at ASCII bytes, and
-/// most values. A node is only decoded if something else was appended.
+/// most values. A node is only decoded if other bytes were appended.
 template <typename Text>
 class joined_output {
   public:
@@ -72,8 +72,8 @@ class joined_output {
     }
     /// @}
 
-    /// Sets how many bytes may be appended in total before these return false, and how many may be
-    /// stored.
+    /// Sets how many bytes may be appended in total before these functions return false, and how
+    /// many may be stored.
     void setBounds(std::uint64_t appended, std::uint64_t held) {
         sink_.setBound(std::min(appended - changed_, held));
     }
@@ -84,7 +84,7 @@ class joined_output {
     /// Begins an included template; `wellFormed` is true if its texts are.
     void beginIncluded(bool wellFormed) { doubtful_ = doubtful_ || !wellFormed; }
 
-    /// Ends a top-level node. True if that may have changed how long the text is.
+    /// Ends a top-level node. Returns true if that may have changed the length of the text.
     bool endNode() {
         const bool decodes = doubtful_;
         if (decodes) {
@@ -173,7 +173,7 @@ class converted_output {
 
     Text take() { return std::move(rendered_); }
 
-    /// The text appended since the last node, as an included template returns it.
+    /// The text appended since the last node, in the form that an included template returns.
     Text takeIncluded() { return Text(sink_.c_str()); }
 
   private:

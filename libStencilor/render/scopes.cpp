@@ -56,8 +56,8 @@ void scope_stack::moveFromTop(position to) {
     renewStamps();
 }
 
-/// After a move, only the stamps of the two newest scopes are compared until it is undone. The
-/// others are unchanged afterwards.
+/// After a move, only the stamps of the two newest scopes are compared until the move is undone.
+/// The others are then unchanged.
 void scope_stack::renewStamps() {
     const std::size_t size = scopes_.size();
     for (std::size_t at = size - std::min<std::size_t>(size, 2); at < size; ++at) {
@@ -108,7 +108,7 @@ name_lookup::kept_name& name_lookup::keep(const std::string& name, const prefix_
     return *kept;
 }
 
-/// The slot of `name`, or else a free one nearby, or else one that is taken from another name.
+/// The slot of `name`, otherwise a free one nearby, otherwise one taken from another name.
 name_lookup::slot& name_lookup::slotOf(const std::string& name) const {
     constexpr std::size_t neighbours = 4;
     const std::size_t home = homeOf(name);

@@ -20,8 +20,8 @@
 
 namespace kel::Stencilor::internal {
 
-/// The result of a search outside of the innermost scope. In a loop, only the innermost scope
-/// changes, so the result is valid until the loop ends.
+/// The result of a search outside the innermost scope. In a loop, only the innermost scope changes,
+/// so the result is valid until the loop ends.
 struct outer_search {
     std::uint64_t stamp = 0; // of the searched scopes; 0 if there were none
     const ContextBase* found = nullptr;
@@ -75,7 +75,8 @@ class scope_stack {
         return enter(scope);
     }
 
-    /// The child under `key` of the innermost scope, if `guess` is where it is; otherwise null.
+    /// The child under `key` of the innermost scope, if it is at the position `guess`; otherwise
+    /// null.
     const ContextBase* guessInnermost(const String& key, child_guess guess) const {
         return scopes_.empty() ? nullptr
                                : context_access::guessChild(*scopes_.back().scope, key, guess);
@@ -205,7 +206,7 @@ inline std::size_t name_lookup::homeOf(const std::string& name) noexcept {
 inline const ContextBase* name_lookup::findInScopes(const scope_stack& scopes,
                                                     const std::string& name,
                                                     const prefix_stack& prefixes) {
-    // A name is nearly always in its preferred slot, and found where it was found last.
+    // A name is nearly always in its preferred slot, and found where it was last found.
     if (slots_ != nullptr && !prefixes.empty()) {
         const kept_name* const kept = (*slots_)[homeOf(name)].get();
         if (kept != nullptr && kept->name == &name) {

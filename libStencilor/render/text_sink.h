@@ -72,8 +72,9 @@ class text_sink {
         return plain;
     }
 
-    /// Appends what `write` puts from a place on where there is room for `most` bytes. It returns
-    /// the end, or null for nothing. False, with nothing appended, where there is none, or no room.
+    /// Appends what `write` writes at a position with room for `most` bytes; it returns the end, or
+    /// null to append nothing. Returns false, with nothing appended, if it returns null or there is
+    /// no room.
     template <typename Write>
     bool writeIfRoom(std::size_t most, Write write) {
         if (!hasRoomFor(most)) {
@@ -160,7 +161,7 @@ class text_sink {
     // Two masks for a text of `n` bytes: from `shortSize - n`, its bytes are set and those past it
     // are not; from `2 * shortSize - n`, the opposite. Both are read from memory: if one were
     // computed from the other, the compiler would merge their uses into exclusive ors, whose
-    // results valgrind takes for undefined.
+    // results valgrind considers undefined.
     static constexpr std::array<unsigned char, 3 * shortSize> masks = [] {
         std::array<unsigned char, 3 * shortSize> bytes{};
         std::fill(bytes.begin(), bytes.begin() + shortSize, static_cast<unsigned char>(0xFF));

@@ -29,8 +29,8 @@ using content =
 
 } // namespace kel::Stencilor::internal
 
-/// Nodes have the memory of records: without it a quarter of the time that a template of many short
-/// blocks takes would go into allocating lists. (The type of a list stays what it is.)
+/// Nodes are allocated like records: otherwise, allocating lists would take a quarter of the time
+/// for a template of many short blocks. (The type of a list does not change.)
 template <>
 struct std::allocator<kel::Stencilor::internal::content> {
     using value_type = kel::Stencilor::internal::content;
@@ -109,7 +109,7 @@ struct syntax_tree {
 
 } // namespace kel::Stencilor::internal
 
-// Nobody asks for more nodes than a template has bytes.
+// No caller requests more nodes than a template has bytes.
 inline kel::Stencilor::internal::content*
 std::allocator<kel::Stencilor::internal::content>::allocate(std::size_t count) {
     using kel::Stencilor::internal::record_memory;

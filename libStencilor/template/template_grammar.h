@@ -118,7 +118,7 @@ class template_grammar {
     piecewise_queue<block, 4> blocks_;
     boost::container::small_vector<open_block, 4> open_;
     std::uint32_t top_level_count_ = 0;
-    std::size_t record_bytes_ = 0; // what the records and lists of all steps take
+    std::size_t record_bytes_ = 0; // the memory for the records and lists of all steps
     missing_part missing_;
 };
 

@@ -65,7 +65,7 @@ Value::Value(const Value& other) : data_(copyOf(other.data_)) {}
 Value::Value(Value&& other) noexcept : data_(std::exchange(other.data_, nullptr)) {}
 
 Value& Value::operator=(const Value& other) {
-    return *this = Value(other); // complete before this value changes: `other` may be a part of it
+    return *this = Value(other); // complete before this value changes: `other` may be part of it
 }
 
 Value& Value::operator=(Value&& other) noexcept {
@@ -98,8 +98,8 @@ Value Value::null() noexcept {
     return Value(Data(nullptr));
 }
 
-Value Value::boolean(bool truth) noexcept {
-    return Value(Data(truth));
+Value Value::boolean(bool value) noexcept {
+    return Value(Data(value));
 }
 
 Value Value::plain(String text) noexcept {
@@ -151,8 +151,8 @@ unsigned int Value::Dictionary::findDepth() const noexcept {
 }
 
 bool Value::isTrue() const noexcept {
-    const bool* const truth = getIf<Kind::Boolean>(data_);
-    return truth != nullptr && *truth;
+    const bool* const value = getIf<Kind::Boolean>(data_);
+    return value != nullptr && *value;
 }
 
 const String& Value::text() const noexcept {
@@ -200,7 +200,7 @@ std::vector<String> Value::keys() const {
 void Value::set(String key, Value value) {
     const auto* const held = getIf<Kind::Dictionary>(data_);
     if (held == nullptr) {
-        throw std::logic_error("a value that is no dictionary has no members");
+        throw std::logic_error("a value that is not a dictionary has no members");
     }
     Dictionary& dictionary = **held;
     const unsigned int depth = value.depth() + 1;
@@ -208,7 +208,7 @@ void Value::set(String key, Value value) {
     const auto [place, isNew] = dictionary.members.try_emplace(std::move(key), std::move(value));
     const bool wasDeepest = !isNew && place->second.depth() + 1 == dictionary.depth;
     if (!isNew) {
-        place->second = std::move(value); // still here, not moved from
+        place->second = std::move(value); // still valid, not moved from
     }
     const bool shrinks = wasDeepest && depth < dictionary.depth;
     dictionary.depth = shrinks ? dictionary.findDepth() : std::max(dictionary.depth, depth);
@@ -217,7 +217,7 @@ void Value::set(String key, Value value) {
 void Value::add(Value item) {
     const auto* const list = getIf<Kind::List>(data_);
     if (list == nullptr) {
-        throw std::logic_error("a value that is no list has no items");
+        throw std::logic_error("a value that is not a list has no items");
     }
     const unsigned int depth = item.depth() + 1;
     checkDepth(depth);

@@ -41,7 +41,7 @@ decimal findShortestDigits(Number number) {
         result.digits += text.substr(2, exponentMark - 2);
     }
     const std::size_t sign =
-        text[exponentMark + 1] == '+' ? 1 : 0; // `from_chars` does not accept a plus
+        text[exponentMark + 1] == '+' ? 1 : 0; // `from_chars` does not accept a plus sign
     std::from_chars(begin + exponentMark + 1 + sign, end, result.point);
     ++result.point;
     return result;

@@ -24,11 +24,11 @@ char* writeScientificByTrial(char* begin, char* end, Number number) {
     return begin;
 }
 
-/// Writes a number that is not negative as `1.5e-07`, with the fewest digits that read back as the
-/// same number. Returns the end.
+/// Writes a non-negative number as `1.5e-07`, with the fewest digits that read back as the same
+/// number. Returns the end.
 template <typename Number>
 char* writeScientific(char* begin, char* end, Number number) {
-#if defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 14000 // has std::to_chars for integers only
+#if defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 14000 // std::to_chars only for integers
     return writeScientificByTrial(begin, end, number);
 #else
     return std::to_chars(begin, end, number, std::chars_format::scientific).ptr;

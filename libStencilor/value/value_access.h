@@ -19,7 +19,7 @@ struct Value::List {
 };
 
 struct Value::Dictionary {
-    /// Computes the depth again after a member was replaced that may have been the deepest.
+    /// Recomputes the depth after replacing a member that may have been the deepest.
     unsigned int findDepth() const noexcept;
 
     std::map<String, Value> members;

@@ -45,7 +45,7 @@ Finding describeOtherLoop(const Occurrence& found, SyntaxRange name) {
             .message = quote(text) + " is found in element " + std::to_string(other.element + 1) +
                        " of " + quote(other.file->slice(other.tag->list)) +
                        (other.isInside
-                            ? ", an inner loop; in the context, give the elements keys of their own"
+                            ? ", an inner loop; in the context, give the elements their own keys"
                             : ", an outer loop"),
             .notes = {{{other.file, other.tag->whole}, "found in this loop"}}};
 }

@@ -426,7 +426,7 @@ ContextWalk::Suggestion ContextWalk::suggestForVariable(const Occurrence& found,
     return {element->find("value") == nullptr
                 ? text
                 : text + ", and an inner loop hides " + quote(name + ".value") +
-                      ": in the context, give the elements keys of their own"};
+                      ": in the context, give the elements their own keys"};
 }
 
 /// A prefix of the name may be a list.

@@ -49,20 +49,20 @@ struct Occurrence {
     const ContextBase* value = nullptr;                 ///< the value of the wrong kind
     const TemplateFiles::Included* inclusion = nullptr; ///< the target of an include
     OtherLoop otherLoop{};
-    std::string where{}; ///< ` in element 2 of "items"`; empty outside of loops
+    std::string where{}; ///< ` in element 2 of "items"`; empty outside loops
 };
 
 /// Walks a template the way the engine renders it, with the engine's rules of name lookup, and
 /// reports problems, including those in included files.
 ///
 /// Ownership: borrows the files and the context, which is only read.
-/// Nesting: does not use the call stack. The walk ends where includes are nested too deeply.
-/// Cost: that of a render. A walk with `Extent::Whole` ends after 100,000,000 steps, which are
+/// Nesting: does not use the call stack. The walk ends if includes are nested too deeply.
+/// Cost: the same as a render. A walk with `Extent::Whole` ends after 100,000,000 steps, which are
 ///   tags, scopes that are searched and loop variables that are tried.
 class ContextWalk final : private TemplateWalk {
   public:
     enum class Extent {
-        Rendered, ///< what is rendered, as often as it is rendered
+        Rendered, ///< rendered parts, as often as they are rendered
         Whole,    ///< both parts of each condition; an included file once per set of scopes
     };
 
@@ -77,7 +77,7 @@ class ContextWalk final : private TemplateWalk {
     };
 
     /// A suggestion for a name that was not found or has the wrong kind. Suggested names can be
-    /// found at that place. Only call this from within the report.
+    /// found at that position. Only call this from within the report.
     Suggestion suggest(const Occurrence& found);
 
     /// Sets a function that is called every 1,024 tags; the walk ends if it returns false.

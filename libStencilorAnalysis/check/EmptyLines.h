@@ -7,7 +7,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Adds a note for each line that only has tags of blocks, because it leaves an empty line in the
+/// Adds a note for each line that only contains block tags, because it leaves an empty line in the
 /// output.
 void findEmptyLines(const TemplateFile& file, std::vector<Finding>& findings);
 

@@ -37,7 +37,7 @@ std::string joinCycle(std::size_t count, const NameAt& nameAt) {
 /// Finds includes that never end, because no condition or loop can prevent them.
 class EndlessIncludes {
   public:
-    /// Adds an include outside of all blocks.
+    /// Adds an include outside all blocks.
     void add(const TemplateFile& from, SyntaxRange name, const TemplateFile& to) {
         files_[&from].edges.push_back({name, &to});
     }
@@ -58,7 +58,7 @@ class EndlessIncludes {
         std::vector<Edge> edges{};
         std::size_t walked = 0; // of the edges
         bool isOpen = false;
-        std::size_t depth = 0; // in the path, where it is open
+        std::size_t depth = 0; // in the path, if it is open
     };
     struct Step {
         const TemplateFile* file;

@@ -62,7 +62,7 @@ std::vector<std::string> UnusedNames::find(const ContextBase& context) const {
             const std::string name = key.str();
             const std::size_t dot = name.rfind('.');
             if (!used_.contains(name) && !isUsedInBoolean(*level.value, name)) {
-                // If its parent is not used either, the parent is reported instead.
+                // If its parent is unused, too, the parent is reported instead.
                 if (dot == name.npos || used_.contains(name.substr(0, dot))) {
                     unused.insert(level.prefix + name);
                 }

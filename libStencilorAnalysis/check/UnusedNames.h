@@ -13,8 +13,8 @@ namespace kel::Stencilor::Analysis {
 /// Finds the names in a context that no template uses, regardless of the values.
 ///
 /// A value is used if any tag has its name, or a name that begins with it and a dot, with or
-/// without a loop variable as a prefix. Members of a boolean are also used if its block has their
-/// names alone. A name that is used anywhere counts as used everywhere.
+/// without a loop variable as a prefix. Members of a boolean are also used if its block contains
+/// their names without a prefix. A name that is used anywhere counts as used everywhere.
 class UnusedNames final : public Surveyor {
   public:
     void visitName(const NameUse& use) override;

@@ -129,12 +129,12 @@ std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string
             for (std::size_t inner = file.loopAround(i); inner != loop;
                  inner = file.loopAround(inner)) {
                 if (hasPrefix(renamed, variableOf(file, inner))) {
-                    return quote(renamed) + " would belong to a loop inside, whose variable is " +
+                    return quote(renamed) + " would belong to an inner loop, whose variable is " +
                            quote(variableOf(file, inner));
                 }
             }
         } else if (hasPrefix(used, name) && (owner == TemplateFile::none || owner < loop)) {
-            return quote(used) + " is used inside of the loop already, and would belong to it";
+            return quote(used) + " is already used inside the loop, and would belong to it";
         }
     }
     return "";

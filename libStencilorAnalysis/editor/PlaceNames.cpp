@@ -12,13 +12,13 @@ using Kind = SyntaxElement::Kind;
 
 constexpr std::size_t deepest = 200;
 
-/// A block around the place.
+/// A block around the position.
 struct Around {
     const TemplateFile* file;
     std::size_t tag;
     std::size_t site;
     std::size_t element = 0;
-    std::size_t count = 0; ///< as found at the last moment
+    std::size_t count = 0; ///< as most recently found
 };
 
 std::vector<Around> findAround(const std::vector<Site>& sites) {

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
-// The names that a context has at one place of a template.
+// The names that a context provides at one position in a template.
 
 namespace kel::Stencilor::Analysis {
 
-/// A place in a template: an include that leads to the next place or, as the last one, the place
-/// itself.
+/// A position in a template: an include that leads to the next position or, as the last one, the
+/// position itself.
 struct Site {
     const TemplateFile* file;
     std::size_t offset;
@@ -38,7 +38,7 @@ struct FoundName {
     std::string path;          ///< its name in a context: `items.title`
 };
 
-/// A moment of a render at which the place is reached.
+/// A moment in a render when the position is reached.
 struct Moment {
     std::vector<PlaceScope> scopes;          ///< outermost first
     std::vector<std::string_view> variables; ///< of the loops in the last file, outermost first

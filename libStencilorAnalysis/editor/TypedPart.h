@@ -18,7 +18,7 @@ struct TypedPart {
     bool isQuoted = false; ///< of a path: a quotation mark follows
 };
 
-/// Finds it from the line of the offset.
+/// Finds the part from the line of the offset.
 TypedPart findTypedPart(std::string_view text, std::size_t offset);
 
 } // namespace kel::Stencilor::Analysis

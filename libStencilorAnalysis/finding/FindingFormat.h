@@ -18,7 +18,7 @@ std::string formatText(const std::vector<Finding>& findings, bool colored = fals
 /// One JSON document.
 std::string formatJson(const std::vector<Finding>& findings);
 
-/// One document of SARIF 2.1.0. `uriOf` makes a URI of the name of a template.
+/// One document of SARIF 2.1.0. `uriOf` converts the name of a template to a URI.
 std::string formatSarif(const std::vector<Finding>& findings,
                         const std::function<std::string(const std::string&)>& uriOf);
 

@@ -50,7 +50,7 @@ struct Fault {
     std::size_t offset;
 };
 
-/// The fault of a tag apart from its trim signs.
+/// The fault of a tag, ignoring its trim signs.
 /// @param found the fault with the signs
 /// @param plain the tag without them
 std::optional<Fault> findOther(const TagFault& found, const std::string& plain) {
@@ -58,7 +58,7 @@ std::optional<Fault> findOther(const TagFault& found, const std::string& plain) 
     if (!fault.isPresent() || fault.offset >= plain.size()) {
         return std::nullopt;
     }
-    // On its own, the tag is outside of all blocks.
+    // On its own, the tag is outside all blocks.
     const bool isKeyword =
         fault.expected == Expected::Keyword && expectsKeyword(found.fault.expected);
     return Fault{isKeyword ? found.fault.expected : fault.expected, fault.offset};
@@ -175,7 +175,7 @@ std::string explainFault(const TemplateFile& file, const TagFault& found) {
 
 std::vector<std::string> findHabits(const TemplateFile& file, const TagFault& found) {
     if (found.tag.isEmpty()) {
-        return {}; // a block that is not closed
+        return {}; // an unclosed block
     }
     std::vector<std::string> notes;
     const std::string_view written = file.slice(found.tag);

@@ -109,18 +109,18 @@ constexpr const char* inheritanceNote =
 constexpr const char* macroNote =
     "there are no macros: put the text in a file of its own, and write {% include \"file\" %}";
 constexpr const char* translationNote =
-    "nothing is translated: have the context provide the text, or write a template for each "
+    "there is no translation: have the context provide the text, or write a template for each "
     "language";
 constexpr const char* loopNote =
     "a loop has one variable and the name of a list: {% for x in list %}";
 constexpr const char* bracesNote =
-    "to output these two characters, have the context provide a value that holds them";
+    "to output these two characters, have the context provide a value that contains them";
 
-// In each group the first row that matches provides the note.
+// In each group, the first row that matches provides the note.
 const Habit habits[] = {
     // Characters that look like others.
     {0, [](const Tag& t) { return startsWithAny(t.rest, spaces); },
-     "this character looks like a space, but is another one; only spaces and tabs may be between "
+     "this character looks like a space, but is not one; only spaces and tabs may be between "
      "the parts of a tag"},
     {0, [](const Tag& t) { return startsWithAny(t.rest, quotes); },
      "write straight quotation marks"},
@@ -165,7 +165,7 @@ const Habit habits[] = {
      [](const Tag& t) {
          return isAny(t, {"raw", "verbatim", "noparse", "literal"});
      },
-     "there are no raw blocks: have the context provide a value that holds the braces"},
+     "there are no raw blocks: have the context provide a value that contains the braces"},
     {0,
      [](const Tag& t) {
          return isAny(t, {"set", "assign", "let", "capture", "var", "increment", "do"});
@@ -239,7 +239,7 @@ const Habit habits[] = {
     {0, [](const Tag& t) { return t.expected == Expected::IncludeOpeningQuote; },
      "write the path itself, in double quotes: {% include \"file\" %}"},
     {0, [](const Tag& t) { return t.expected == Expected::IncludeEnd; },
-     "an include takes a path and nothing else; the file sees the same values as this place"},
+     "an include takes only a path; the file sees the same values as this place"},
 
     // Expressions.
     {0, [](const Tag& t) { return t.expected == Expected::ForIn && t.rest.starts_with(","); },
@@ -293,12 +293,12 @@ const Habit habits[] = {
      [](const Tag& t) {
          return t.isSubstitution() && isQuoted(t.rest) && t.rest.size() == t.inside.size();
      },
-     "a tag holds the name of a value; write text as it is, without a tag"},
+     "a tag contains the name of a value; write text as it is, without a tag"},
     {0, [](const Tag& t) { return t.isClosed && contains(t.text, "\n"); },
      "a tag cannot span lines"},
     {0, [](const Tag& t) { return t.endsLine && t.inside.empty() && t.rest.empty(); },
      "a tag cannot span lines; to output these two characters, have the context provide a value "
-     "that holds them"},
+     "that contains them"},
     {0,
      [](const Tag& t) {
          return !t.isClosed && !t.rest.empty() && !t.rest.starts_with("}") &&

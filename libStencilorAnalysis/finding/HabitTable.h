@@ -13,9 +13,9 @@ namespace kel::Stencilor::Analysis {
 struct HabitTag {
     SyntaxExpectation expected;
     std::string_view text;    ///< the whole tag
-    std::string_view inside;  ///< what is between its delimiters, trimmed
+    std::string_view inside;  ///< the text between its delimiters, trimmed
     std::string_view rest;    ///< the end of `inside` that could not be read
-    std::string code;         ///< `inside` with spaces in place of what is between quotation marks
+    std::string code;         ///< `inside` with spaces in place of quoted text
     std::string keyword;      ///< its first word in lower case
     std::string_view written; ///< that word as written
     bool isClosed;            ///< true if its closing delimiter was found
@@ -24,7 +24,7 @@ struct HabitTag {
     bool isSubstitution() const { return text.starts_with("{{"); }
 };
 
-/// True for the places where the first word of a tag is expected.
+/// True where the first word of a tag is expected.
 bool expectsKeyword(SyntaxExpectation expected);
 
 /// The notes of the rows that match a tag, at most one from each group of the table.

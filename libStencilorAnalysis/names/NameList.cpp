@@ -110,7 +110,7 @@ NameList::LoopsId NameList::loopsAround(const NameUse& use) const {
     return 0;
 }
 
-/// `use` is the list of a loop. Equal loops count as one.
+/// `use` is the list of a loop. Identical loops count as one.
 void NameList::openLoop(const NameUse& use, LoopsId outer) {
     const std::string_view variable = use.file.slice(use.file.parts()[use.part].name);
     const auto [known, added] =

@@ -200,7 +200,7 @@ class Skeleton::Values {
     std::deque<Value> values_{Value()}; // the outermost object first
 };
 
-/// Walks a template and what it includes: each file once for each element around its includes.
+/// Walks a template and its includes: each file once for each element around its includes.
 class Skeleton::Builder {
   public:
     Builder(TemplateFiles& files, Values& values, std::vector<std::string>& conflicts)
@@ -228,7 +228,7 @@ class Skeleton::Builder {
     /// A file with one element around it.
     struct Visit {
         const TemplateFile* file;
-        Value* object; // the parent of its names outside of its own loops
+        Value* object; // the parent of its names outside its own loops
         std::size_t next = 0;
         std::vector<Loop> loops{};
         std::unordered_map<std::string_view, std::vector<std::size_t>> byVariable{};

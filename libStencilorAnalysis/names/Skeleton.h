@@ -9,14 +9,13 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Makes a context with the names that a template uses, as JSON text to be filled in. It has empty
+/// Writes a context with the names that a template uses, as JSON text to be filled in, with empty
 /// strings, `true`, and lists with one element.
 ///
 /// Where a value belongs: a name with the variable of a loop in the same file is a member of that
-/// loop's elements. In a file that is included in a loop, a name outside of the file's own loops is
-/// a member of the elements of the innermost loop around the include. All other names are members
-/// of the root. A dotted name becomes up to 32 nested objects, unless a prefix of it is a name
-/// itself.
+/// loop's elements. In a file that is included in a loop, a name outside the file's own loops is a
+/// member of the elements of the innermost loop around the include. All other names are members of
+/// the root. A dotted name becomes up to 32 nested objects, unless a prefix of it is a name itself.
 ///
 /// Limits: the names of one file become members of at most 100 elements, so that files that include
 ///   each other in several loops do not multiply. Nothing is nested deeper than a context can be.
@@ -29,8 +28,7 @@ class Skeleton final : public Surveyor {
 
     std::string formatJson() const;
 
-    /// Names that are used as two kinds, of which the first one counts, and omissions because of a
-    /// limit.
+    /// Names that are used as two kinds (the first one counts), and omissions because of a limit.
     const std::vector<std::string>& conflicts() const { return conflicts_; }
 
   private:

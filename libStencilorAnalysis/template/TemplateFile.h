@@ -59,7 +59,7 @@ class TemplateFile {
     /// No part.
     static constexpr std::size_t none = 0xFFFFFFFF;
 
-    /// The index of the innermost `for` around a part; `none` outside of loops.
+    /// The index of the innermost `for` around a part; `none` outside loops.
     std::size_t loopAround(std::size_t part) const { return loops_[part]; }
 
     std::string_view slice(SyntaxRange range) const;

@@ -31,7 +31,7 @@ std::string describeNode(const TemplateFile& file, const SyntaxElement& part) {
 
 constexpr std::size_t deepestIndentation = 40;
 
-/// The maximum indentation, so that lines do not become ever longer.
+/// The maximum indentation, so that lines do not keep growing.
 std::string indentation(std::size_t depth) {
     if (depth < deepestIndentation) {
         return std::string(depth * 2, ' ');

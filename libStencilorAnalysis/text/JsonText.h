@@ -14,7 +14,7 @@ namespace kel::Stencilor::Analysis {
 std::string jsonDocument(const nlohmann::ordered_json& document);
 
 /// The same for a document whose last member, at any depth, is the empty array `member`. Inserts
-/// the elements one by one, because a document with many would take much memory.
+/// the elements one by one, because a document with many of them would take a lot of memory.
 std::string jsonDocument(const nlohmann::ordered_json& document, std::string_view member,
                          std::size_t count,
                          const std::function<nlohmann::ordered_json(std::size_t)>& elementAt);

@@ -10,7 +10,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// Known words, in which to find the correction of a misspelled word. It may differ in case, in
+/// Known words, among which to find the correction of a misspelled word. It may differ in case, in
 /// separators, by two swapped letters, or by one missing, doubled or wrong letter, or be the plural
 /// or singular.
 ///

@@ -24,27 +24,29 @@ TEST(ContextCheck, MakesSuggestions) {
         std::string text;
         std::string end; ///< of the only message
     } cases[] = {
-        {"a misspelt name", "{{ tilte }}", R"(no string is named "tilte"; did you mean "title"?)"},
-        {"another case", "{{ firstName }}", R"(; did you mean "first_name"?)"},
+        {"a misspelled name", "{{ tilte }}",
+         R"(no string is named "tilte"; did you mean "title"?)"},
+        {"different case", "{{ firstName }}", R"(; did you mean "first_name"?)"},
         {"the singular of a list", "{% for x in item %}{% endfor %}", R"(; did you mean "items"?)"},
-        {"a misspelt name with dots", "{{ user.nmae }}", R"(; did you mean "user.name"?)"},
-        {"a name that others belong in front of", "{{ name }}", R"(; did you mean "user.name"?)"},
-        {"a misspelt member of an element", "{% for x in items %}{{ x.titel }}{% endfor %}",
+        {"a misspelled name with dots", "{{ user.nmae }}", R"(; did you mean "user.name"?)"},
+        {"a name that needs a prefix", "{{ name }}", R"(; did you mean "user.name"?)"},
+        {"a misspelled member of an element", "{% for x in items %}{{ x.titel }}{% endfor %}",
          R"(in element 1 of "items"; did you mean "x.title"?)"},
         {"a condition", "{% for x in items %}{% if x.slod %}{% endif %}{% endfor %}",
          R"(; did you mean "x.sold"?)"},
-        {"nothing of another kind", "{% if tilte %}{% endif %}", R"(no boolean is named "tilte")"},
-        {"nothing that is near", "{{ price }}", R"(no string is named "price")"},
+        {"no suggestion of another kind", "{% if tilte %}{% endif %}",
+         R"(no boolean is named "tilte")"},
+        {"no similar name", "{{ price }}", R"(no string is named "price")"},
         {"the variable of a loop over texts", "{% for x in tags %}{{ x }}{% endfor %}",
          R"(; "x" is a loop variable, which is only a prefix: write "x.value")"},
         {"the variable of a loop over objects", "{% for x in items %}{{ x }}{% endfor %}",
          R"(; "x" is a loop variable, which is only a prefix: write a member, such as )"
          R"("x.maker.name")"},
-        {"a variable where a loop inside answers",
+        {"a variable that an inner loop provides",
          "{% for x in tags %}{% for y in tags %}{{ x }}{% endfor %}{% endfor %}",
          R"(; "x" is a loop variable, which is only a prefix, and an inner loop hides )"
-         R"("x.value": in the context, give the elements keys of their own)"},
-        {"a variable in a loop inside over what has no value",
+         R"("x.value": in the context, give the elements their own keys)"},
+        {"a variable in an inner loop over a missing list",
          "{% for x in tags %}{% for y in items %}{{ x }}{% endfor %}{% endfor %}",
          R"(: write "x.value")"},
         {"a member of a list", "{{ items.title }}",
@@ -68,13 +70,13 @@ TEST(ContextCheck, MakesSuggestions) {
 }
 
 TEST(ContextCheck, WarnsIfANameIsFoundInAnotherLoop) {
-    const std::string hint = ", an inner loop; in the context, give the elements keys of their own";
+    const std::string hint = ", an inner loop; in the context, give the elements their own keys";
     const struct {
         const char* name;
         std::string text;
         std::vector<std::string> expected;
     } cases[] = {
-        {"a value of the loop inside",
+        {"a value of the inner loop",
          "{% for x in tags %}{% for y in words %}{{ x.value }}{% endfor %}{% endfor %}",
          {R"("x.value" is found in element 1 of "words")" + hint + " @19"}},
         {"the same list in both loops",
@@ -91,16 +93,16 @@ TEST(ContextCheck, WarnsIfANameIsFoundInAnotherLoop) {
          "{% for x in rows %}{% for y in rows %}{% for z in x.cells %}{% endfor %}{% endfor %}"
          "{% endfor %}",
          {R"("x.cells" is found in element 2 of "rows")" + hint + " @19"}},
-        {"a loop around",
+        {"an enclosing loop",
          "{% for x in rows %}{% for y in words %}{{ y.title }}{% endfor %}{% endfor %}",
          {R"("y.title" is found in element 1 of "rows", an outer loop @0)"}},
-        {"a loop around the include",
+        {"a loop that encloses the include",
          R"({% for x in rows %}{% include "words" %}{% endfor %})",
          {R"("y.title" is found in element 1 of "rows", an outer loop @0)"}},
-        {"a name of several loops",
+        {"a name found in several loops",
          "{% for x in tags %}{% for x in words %}{{ x.value }}{% endfor %}{% endfor %}",
          {}},
-        {"a loop over what the one around has",
+        {"a loop over a list of the outer element",
          "{% for x in rows %}{% for y in x.cells %}{{ y.value }}{{ x.title }}{% endfor %}"
          "{% endfor %}",
          {}},
@@ -110,7 +112,7 @@ TEST(ContextCheck, WarnsIfANameIsFoundInAnotherLoop) {
         {"a name without a prefix",
          "{% for x in tags %}{% for y in words %}{{ value }}{% endfor %}{% endfor %}",
          {}},
-        {"a name outside of loops", "{% for x in tags %}{{ x.shop }}{% endfor %}", {}},
+        {"a name outside loops", "{% for x in tags %}{{ x.shop }}{% endfor %}", {}},
     };
     const Value row{{"title", "1"}, {"cells", Value::list({"a", "b"})}};
     const Context context(Value{{"tags", Value::list({"new", "cheap"})},

@@ -138,10 +138,9 @@ const std::vector<Case> cases = {
          return page(repeatNumbered(n, "{% for a$ in a#.b %}") + "{{ x }}" +
                      repeat(n, "{% endfor %}"));
      }},
-    {"blocks that are not closed", 1'000'000,
-     [](std::size_t n) { return page(repeat(n, "{% if a %}")); }},
+    {"unclosed blocks", 1'000'000, [](std::size_t n) { return page(repeat(n, "{% if a %}")); }},
     {"different names", 100'000, [](std::size_t n) { return page(repeatNumbered(n, "{{ a# }}")); }},
-    {"a name of many dots", 1'000'000,
+    {"a name with many dots", 1'000'000,
      [](std::size_t n) {
          return page("{% for a in b %}{{ a" + repeat(n, ".a") + " }}{% endfor %}");
      }},
@@ -153,10 +152,10 @@ const std::vector<Case> cases = {
      [](std::size_t n) { return chain(n, R"({{ n }}{% include "f$" %})"); }},
     {"files that each end the cycle", 10'000,
      [](std::size_t n) { return chain(n, R"({% include "f$" %}{% include "f0" %})"); }},
-    {"diamonds of inclusions", 20,
+    {"diamonds of includes", 20,
      [](std::size_t n) { return chain(n, R"({% include "f$" %}{% include "f$" %}{{ n }})"); },
      "render"},
-    {"diamonds of inclusions in loops", 20,
+    {"diamonds of includes in loops", 20,
      [](std::size_t n) {
          return chain(n, R"({% for a in as$ %}{% include "f$" %}{% endfor %})"
                          R"({% for b in bs$ %}{% include "f$" %}{% endfor %}{{ n }})");

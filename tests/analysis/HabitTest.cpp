@@ -28,10 +28,10 @@ const std::string macro = "there are no macros";
 const std::string inherit = "there is no inheritance";
 const std::string comment = "there are no comments";
 const std::string letters = "keywords are in lower case";
-const std::string translation = "nothing is translated";
+const std::string translation = "there is no translation";
 const std::string choice = "write {% if x %}...{% else %}";
 const std::string loop = "there is no loop object";
-const std::string literal = "a tag holds the name of a value";
+const std::string literal = "a tag contains the name of a value";
 const std::string operators = "there are no operators";
 const std::string wholeList = "a loop visits the whole list";
 const std::string space = "this character looks like a space";
@@ -162,7 +162,7 @@ const std::vector<Case> cases = {
      "a path cannot begin with '.'"},
     {R"({% include "/x.html" %})", "a path is relative", "a path cannot begin with '/'"},
     {R"({% include "2026.txt" %})", path, "a path cannot begin with '2'"},
-    {R"({% include "x.html" with context %})", "an include takes a path and nothing else"},
+    {R"({% include "x.html" with context %})", "an include takes only a path"},
     {"{% include x %}", "write the path itself, in double quotes"},
     {"{{{ raw }}}", "write {{ x }}"},
     {"{{&raw}}", "write {{ x }}"},

@@ -11,7 +11,7 @@ namespace {
 const char* const page = R"({% include "a" %}{% include "a" %}{% include "b" %}{% include "none" %}
 {% include "none" %}{% include "closed" %})";
 
-TEST(TemplateFiles, AreFoundByAReaderThatIsAskedOnceForEach) {
+TEST(TemplateFiles, AreRequestedOnceEach) {
     MemoryReader reader({{"a", R"(x{% include "b" %})"}, {"b", "{{"}, {"closed", "?"}});
     TemplateFiles files(reader);
     const TemplateFile& file = files.add({"page", "page", page});

@@ -47,7 +47,7 @@ TEST(CAnalysis, ListsNodes) {
     EXPECT_EQ(found, nullptr);
 }
 
-TEST(CAnalysis, HasOneTemplateOfEachName) {
+TEST(CAnalysis, HasOneTemplatePerName) {
     const SourceHandle source = makeMemory();
     add(source, "page", "{{");
     EXPECT_EQ(
@@ -59,7 +59,7 @@ int stop(void*, const char*, std::size_t, stencilor_request*) {
     return 1;
 }
 
-TEST(CAnalysis, IsEndedByItsSource) {
+TEST(CAnalysis, CanBeEndedByItsSource) {
     SourceHandle source;
     EXPECT_EQ(stencilor_source_callback(stop, nullptr, out(source)), STENCILOR_OK);
     TextHandle found;

@@ -5,11 +5,11 @@
 namespace support {
 namespace {
 
-/// A source that counts how often it is asked.
+/// A source that counts its calls.
 struct Finder {
     std::map<std::string, std::string> texts{};
     std::string unreadable{};
-    const stencilor_template* parsed = nullptr; // for every path
+    const stencilor_template* parsed = nullptr; // for each path
     int asked = 0;
     int code = 0;
     std::uint64_t maxSize = 0;
@@ -37,14 +37,14 @@ SourceHandle makeSource(Finder& finder) {
     return made;
 }
 
-/// Options keep their source.
+/// Options keep their source alive.
 OptionsHandle optionsWith(const SourceHandle& source) {
     OptionsHandle options = makeOptions();
     EXPECT_EQ(stencilor_options_set_source(options.get(), source.get()), STENCILOR_OK);
     return options;
 }
 
-TEST(CSource, AsksOnceForEachPathAndRender) {
+TEST(CSource, IsCalledOncePerPathAndRender) {
     Finder finder{.texts = {{"p", "[{{ a }}]"}}};
     const OptionsHandle options = optionsWith(makeSource(finder));
     const TemplateHandle page = parse("{% include \"p\" %}{% include \"p\" %}");
@@ -165,7 +165,7 @@ TEST(CSource, ReadsAFolderAndNothingOutsideIt) {
     EXPECT_EQ(source, nullptr);
 }
 
-TEST(CSource, IsReplacedByNone) {
+TEST(CSource, CanBeReset) {
     const SourceHandle source = makeMemory();
     add(source, "p", "text");
     const OptionsHandle options = optionsWith(source);
@@ -202,7 +202,7 @@ TEST(CRender, WritesPieces) {
         << "without a result";
 }
 
-TEST(CRender, IsEndedByItsWriter) {
+TEST(CRender, CanBeEndedByItsWriter) {
     const TemplateHandle page = parse(std::string(100'000, 'x'));
     Writer writer{.most = 1};
     ResultHandle result;
@@ -220,7 +220,7 @@ int doubleText(void* payload, const char* text, std::size_t size, stencilor_outp
     return *static_cast<int*>(payload);
 }
 
-TEST(COptions, EscapeByAFunction) {
+TEST(COptions, EscapeWithAFunction) {
     const OptionsHandle options = makeOptions();
     int code = 0;
     EXPECT_EQ(stencilor_options_set_escape_function(options.get(), doubleText, &code),
@@ -239,7 +239,7 @@ int appendNothing(void*, const char*, std::size_t, stencilor_output* output) {
     return 5;
 }
 
-TEST(COptions, FailWhereAnEscapeFunctionCannotAppend) {
+TEST(COptions, FailIfAnEscapeFunctionCannotAppend) {
     const OptionsHandle options = makeOptions();
     stencilor_options_set_escape_function(options.get(), appendNothing, nullptr);
     ResultHandle result;
@@ -253,7 +253,7 @@ int countDown(void* payload) {
     return --*static_cast<int*>(payload) == 0 ? 9 : 0;
 }
 
-TEST(COptions, PollWhetherToGoOn) {
+TEST(COptions, PollWhetherToContinue) {
     const TemplateHandle page = parse("{{ gone }}{% for x in l %}{% for y in l %}{% for z in l %}"
                                       "{% endfor %}{% endfor %}{% endfor %}");
     const ContextHandle context = contextOf("{\"l\": [1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16]}");

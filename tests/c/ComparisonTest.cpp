@@ -17,7 +17,7 @@
 #include <string_view>
 #include <utility>
 
-// A render through C and one through C++ are the same: text, pieces, messages, status and usage.
+// A render through C equals one through C++ in text, pieces, messages, status and usage.
 
 namespace support {
 namespace {
@@ -33,7 +33,7 @@ using kel::Stencilor::RenderStatus;
 using kel::Stencilor::Template;
 using kel::Stencilor::Value;
 
-/// The same value on both sides.
+/// The same value for both interfaces.
 struct Twin {
     Value value;
     ValueHandle handle;
@@ -99,7 +99,7 @@ struct TwinMaker {
     }
 };
 
-/// All that there is to know of a render, but for its text.
+/// Everything about a render except its text.
 std::string describe(const RenderResult& result) {
     std::ostringstream lines;
     const bool stopped = result.status == RenderStatus::Stopped;
@@ -154,7 +154,7 @@ int append(void* payload, const char* text, std::size_t size) {
     return 0;
 }
 
-/// Renders on both sides, whole and in pieces.
+/// Renders through both interfaces, whole and in pieces.
 void compare(const std::string& text, const Context& context, const ContextHandle& contextHandle,
              const RenderOptions& options, const OptionsHandle& optionsHandle) {
     const Template page(text, "page");
@@ -176,7 +176,7 @@ void compare(const std::string& text, const Context& context, const ContextHandl
     EXPECT_EQ(describe(rest), describe(expectedRest)) << text;
 }
 
-/// The same options on both sides, and the same templates to include.
+/// The same options for both interfaces, and the same templates to include.
 class TwinOptions {
   public:
     TwinOptions() {

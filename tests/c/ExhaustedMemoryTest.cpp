@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-// Every function that allocates, with each of its allocations failing in turn.
+// Calls every function that allocates, with each of its allocations failing in turn.
 
 namespace support {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::size_t whole = STENCILOR_NUL_TERMINATED;
 const std::string longText(100, 'x');
 
 /// Calls `run`, which returns the status of one call, with each allocation failing. It must report
-/// that memory is exhausted, or do without, and afterwards succeed.
+/// that memory is exhausted, or do without the memory, and then succeed.
 void failEachAllocationOf(const char* name, const std::function<int()>& run,
                           int expected = STENCILOR_OK) {
     SCOPED_TRACE(name);
@@ -36,7 +36,7 @@ void failEachAllocationOf(const char* name, const std::function<int()>& run,
     EXPECT_EQ(run(), expected);
 }
 
-/// The same for a function that stores a handle, which must be null where it fails.
+/// The same for a function that stores a handle, which must be null if it fails.
 template <typename Handle>
 void failEachAllocationOf(const char* name,
                           const std::function<int(typename Handle::element_type**)>& make,
@@ -106,7 +106,7 @@ TEST_F(CExhaustedMemory, IsAStatusOfErrors) {
         STENCILOR_BAD_JSON);
 }
 
-/// Adds to a list, or sets a member of a dictionary, that holds one thing already.
+/// Adds to a list, or sets a member of a dictionary, that already has one element.
 TEST_F(CExhaustedMemory, ChangesNoValue) {
     const auto sweep = [](const char* name, const char* json,
                           const std::function<int(stencilor_value*)>& change) {
@@ -161,7 +161,7 @@ TEST_F(CExhaustedMemory, IsAStatusOfContextsAndTemplates) {
         STENCILOR_OK);
     const std::string json = R"({"a": {"b": [1.5, "!raw"]}})";
     failEachAllocationOf<ContextHandle>(
-        "context of JSON",
+        "JSON context",
         [&](stencilor_context** made) {
             return stencilor_context_parse_json(
                 json.data(), json.size(), STENCILOR_CONTEXT_SHORT_NUMBERS, "!", 1, made, nullptr);
@@ -184,7 +184,7 @@ TEST_F(CExhaustedMemory, IsAStatusOfContextsAndTemplates) {
 
 int answerWithText(void*, const char*, std::size_t, stencilor_request* request) {
     stencilor_request_set_text(request, "{{ gone }}{{ a }}", whole);
-    return 0; // what failed is remembered
+    return 0; // a failure is remembered
 }
 
 int escapeTwice(void*, const char* text, std::size_t size, stencilor_output* output) {
@@ -197,7 +197,7 @@ int goOn(void*) {
     return 0;
 }
 
-/// Options with everything.
+/// Options that use every setting.
 OptionsHandle everyOption(const SourceHandle& source) {
     OptionsHandle options = makeOptions();
     stencilor_options_set_source(options.get(), source.get());
@@ -228,7 +228,7 @@ TEST_F(CExhaustedMemory, IsAStatusOfRenders) {
         },
         STENCILOR_OK);
     failEachAllocationOf<ResultHandle>(
-        "render by default",
+        "render with default options",
         [&](stencilor_result** made) {
             return stencilor_template_render(page.get(), context.get(), nullptr, made);
         },
@@ -305,7 +305,7 @@ TEST_F(CExhaustedMemory, IsAStatusOfTheAnalysis) {
         STENCILOR_OK);
 }
 
-// On Windows the paths of the test allocate, too.
+// On Windows, the paths of the test allocate memory, too.
 #ifndef _WIN32
 
 TEST_F(CExhaustedMemory, IsAStatusOfFolders) {

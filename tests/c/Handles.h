@@ -26,7 +26,7 @@ using SourceHandle = std::unique_ptr<stencilor_source, Free<stencilor_source_fre
 using OptionsHandle = std::unique_ptr<stencilor_options, Free<stencilor_options_free>>;
 using ResultHandle = std::unique_ptr<stencilor_result, Free<stencilor_result_free>>;
 
-/// Lets a function store what it makes: `f(..., out(handle))`.
+/// Lets a function store the handle that it creates: `f(..., out(handle))`.
 template <typename Handle>
 class Out {
   public:

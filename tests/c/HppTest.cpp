@@ -37,7 +37,7 @@ int statusOf(Function function) {
 static_assert(std::is_nothrow_move_constructible_v<Value>);
 static_assert(!std::is_copy_constructible_v<Template> && !std::is_copy_constructible_v<Result>);
 
-TEST(Hpp, MakesValuesOfWhatCPlusPlusHas) {
+TEST(Hpp, ConvertsStandardTypesToValues) {
     Value values;
     values.set("text", "t").set("string", std::string("s")).set("view", std::string_view("v"));
     values.set("int", -1).set("unsigned", 18446744073709551615ull).set("double", 0.5f);
@@ -123,7 +123,7 @@ TEST(Hpp, IncludesFromEverySource) {
     EXPECT_EQ(stencilor::renderPath("kept", Context(Value()), options).text(), "kept");
 }
 
-TEST(Hpp, LetsWhatCallbacksThrowPass) {
+TEST(Hpp, PassesOnExceptionsOfCallbacks) {
     struct Thrown {};
     const Template page("{{ a }}{% include \"p\" %}");
     const Context context(Value().set("a", "b"));
@@ -134,7 +134,7 @@ TEST(Hpp, LetsWhatCallbacksThrowPass) {
     Options finding;
     finding.setSource(Source::callback([](std::string_view, const Request&) { throw Thrown(); }));
     EXPECT_THROW(page.render(context, finding), Thrown);
-    EXPECT_EQ(page.render(context).text(), "b") << "nothing is left of it";
+    EXPECT_EQ(page.render(context).text(), "b") << "the exception is not kept";
 }
 
 TEST(Hpp, CallsFunctionsOfTheHost) {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-// The library prints what the program prints.
+// The library produces the same output as the program.
 
 namespace support {
 namespace {

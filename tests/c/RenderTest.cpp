@@ -13,7 +13,7 @@ TEST(CTemplate, IsRenderedManyTimes) {
     EXPECT_EQ(stencilor_template_fault(page.get()), nullptr);
 }
 
-TEST(CTemplate, IsMadeWhereItIsNotWellFormed) {
+TEST(CTemplate, IsCreatedEvenIfItIsNotWellFormed) {
     TemplateHandle made;
     EXPECT_EQ(
         stencilor_template_parse("a\n\u20AC {{ b", STENCILOR_NUL_TERMINATED, "page", 4, out(made)),
@@ -31,7 +31,7 @@ TEST(CTemplate, IsMadeWhereItIsNotWellFormed) {
     EXPECT_EQ(textOf(stencilor_result_message(result.get(), 0)), textOf(fault));
 }
 
-TEST(COptions, EscapeInTheirWay) {
+TEST(COptions, EscapeAsRequested) {
     const TemplateHandle page = parse("{{ a }}");
     const ContextHandle context = contextOf(R"({"a": "<\""})");
     const OptionsHandle options = makeOptions();
@@ -85,7 +85,7 @@ TEST(COptions, LimitRenders) {
     EXPECT_EQ(stencilor_options_set_limit(makeOptions().get(), 5, 1), STENCILOR_INVALID_ARGUMENT);
 }
 
-TEST(CResult, SaysWhatARenderTook) {
+TEST(CResult, ReportsWhatARenderUsed) {
     const OptionsHandle options = makeOptions();
     const SourceHandle source = makeMemory();
     add(source, "p", "123");
@@ -98,7 +98,7 @@ TEST(CResult, SaysWhatARenderTook) {
     }
 }
 
-TEST(CMessage, HasAPlaceAndTheIncludesAroundIt) {
+TEST(CMessage, HasALocationAndItsIncludes) {
     const SourceHandle source = makeMemory();
     add(source, "p", "\n\u20AC{{ gone }}");
     const OptionsHandle options = makeOptions();
@@ -130,7 +130,7 @@ TEST(CMessage, HasAPlaceAndTheIncludesAroundIt) {
     EXPECT_EQ(stencilor_result_message(result.get(), 2), nullptr);
 }
 
-TEST(CMessage, IsOneOfEachKind) {
+TEST(CMessage, HasEachKind) {
     const SourceHandle source = makeMemory();
     add(source, "bad", "{{");
     const OptionsHandle options = makeOptions();

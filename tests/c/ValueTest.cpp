@@ -55,7 +55,7 @@ TEST(CValue, IsBuiltItemByItem) {
               "text,raw,-1,1e+300,,,");
 }
 
-TEST(CValue, IsTakenFromItsHandle) {
+TEST(CValue, IsMovedOutOfItsHandle) {
     const ValueHandle root = dictionary();
     const ValueHandle member = valueOf("{\"a\": 1}");
     EXPECT_EQ(stencilor_value_set(root.get(), "m", 1, member.get()), STENCILOR_OK);
@@ -64,7 +64,7 @@ TEST(CValue, IsTakenFromItsHandle) {
 
     const ValueHandle text = valueOf("\"t\"");
     EXPECT_EQ(stencilor_value_add(text.get(), root.get()), STENCILOR_WRONG_KIND);
-    EXPECT_EQ(stencilor_value_kind(root.get()), STENCILOR_KIND_NULL) << "even where it fails";
+    EXPECT_EQ(stencilor_value_kind(root.get()), STENCILOR_KIND_NULL) << "even if the call fails";
 }
 
 TEST(CValue, IsNotAddedToItself) {
@@ -91,7 +91,7 @@ TEST(CValue, HasAKind) {
     EXPECT_EQ(stencilor_value_kind(made.get()), STENCILOR_KIND_RAW_TEXT);
 }
 
-TEST(CValue, IsCopiedWhole) {
+TEST(CValue, IsCopiedDeeply) {
     const ValueHandle original = valueOf("{\"l\": [1, {\"a\": \"b\"}]}");
     ValueHandle copy;
     EXPECT_EQ(stencilor_value_copy(original.get(), out(copy)), STENCILOR_OK);
@@ -99,7 +99,7 @@ TEST(CValue, IsCopiedWhole) {
     EXPECT_EQ(renderValue("{% for i in l %}{{ i.value }}{{ i.a }}{% endfor %}", copy.get()), "1b");
 }
 
-TEST(CValue, RefusesNumbersThatAreNotFinite) {
+TEST(CValue, RejectsNumbersThatAreNotFinite) {
     for (const double number :
          {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
         ValueHandle made;
@@ -120,7 +120,7 @@ TEST(CValue, NestsAtMost512Levels) {
     EXPECT_EQ(stencilor_value_add(list().get(), inner.get()), STENCILOR_TOO_LARGE);
 }
 
-TEST(CValue, SaysWhereJsonIsWrong) {
+TEST(CValue, ReportsTheLocationOfJsonErrors) {
     const std::string json = "{\n \"\u20AC\": 1,}";
     ValueHandle made;
     ErrorHandle error;
@@ -139,7 +139,7 @@ TEST(CValue, KeepsTheDigitsOfJson) {
     EXPECT_EQ(renderValue("{{ n }}", valueOf("{\"n\": 1.50}").get()), "1.50");
 }
 
-/// What a member `n` of a JSON text renders, escaped.
+/// What a member `n` of a JSON text renders as, escaped.
 std::string renderJson(const std::string& json, int flags, std::string_view rawMark) {
     ContextHandle context;
     EXPECT_EQ(stencilor_context_parse_json(json.data(), json.size(), flags, rawMark.data(),
@@ -182,14 +182,14 @@ TEST(CContext, LaysOutTheNumbersOfJsonOnRequest) {
     }
 }
 
-TEST(CContext, TakesMarkedStringsOfJsonForRawTexts) {
+TEST(CContext, TurnsMarkedJsonStringsIntoRawTexts) {
     EXPECT_EQ(renderJson(R"({"n": "\u0001<b>"})", 0, "\x01"), "<b>");
     EXPECT_EQ(renderJson(R"({"n": "\u0001"})", 0, "\x01"), "");
     EXPECT_EQ(renderJson(R"({"n": "<\u0001>"})", 0, "\x01"), "&lt;\x01&gt;");
     EXPECT_EQ(renderJson(R"({"n": "<b>"})", 0, ""), "&lt;b&gt;");
 }
 
-TEST(CContext, SaysWhyJsonIsRefused) {
+TEST(CContext, ReportsWhyJsonIsRejected) {
     const struct {
         const char* json;
         int flags;
@@ -212,14 +212,14 @@ TEST(CContext, SaysWhyJsonIsRefused) {
     }
 }
 
-TEST(CContext, GivesElementsPositionsOnRequest) {
+TEST(CContext, AddsPositionsToElementsOnRequest) {
     const ValueHandle root = valueOf("{\"l\": [\"a\", \"b\"]}");
     const char* const text = "{% for i in l %}{{ i.index }}{{ i.value }}{% endfor %}";
     EXPECT_EQ(renderValue(text, root.get()), "ab");
     EXPECT_EQ(renderValue(text, root.get(), STENCILOR_CONTEXT_POSITIONS), "1a2b");
 }
 
-TEST(CContext, IsMadeOfDictionariesAlone) {
+TEST(CContext, IsOnlyCreatedFromDictionaries) {
     ContextHandle made;
     ErrorHandle error;
     EXPECT_EQ(stencilor_context_create(valueOf("[]").get(), 0, out(made), out(error)),
@@ -231,7 +231,7 @@ TEST(CContext, IsMadeOfDictionariesAlone) {
     EXPECT_EQ(error, nullptr);
 }
 
-TEST(CContext, SaysWhyAValueIsRefused) {
+TEST(CContext, ReportsWhyAValueIsRejected) {
     const ValueHandle root = dictionary();
     stencilor_value_set_text(root.get(), "$boolean", whole, "yes", whole);
     ContextHandle made;

@@ -18,8 +18,8 @@ static_assert(
     std::is_same_v<decltype(std::declval<const ContextDictionary&>().size()), std::size_t>);
 static_assert(std::is_same_v<decltype(std::declval<const ContextIterable&>().size()), std::size_t>);
 
-// Children behave alike in all kinds when a value is copied, moved and assigned. Each kind is made
-// with this child, which has several parents until they are emptied by hand.
+// Children behave the same in all kinds of values that are copied, moved and assigned. Each value
+// has this child, which therefore has several parents until the test removes it from them.
 template <typename Value>
 class SharedChild {
   public:

@@ -1,5 +1,5 @@
 "use strict";
-// An editor without a window: the client of vscode-languageserver-protocol, connected to the program.
+// A headless editor: the client of vscode-languageserver-protocol, connected to the program.
 
 const { spawn } = require("node:child_process");
 const fs = require("node:fs");
@@ -10,7 +10,7 @@ const protocol = require("vscode-languageserver-protocol/node");
 
 const PROGRAM = process.env.STENCILOR;
 
-/** A server in a folder of its own, which holds the files that are given. */
+/** A server with its own folder, which contains the given files. */
 class Client {
     constructor(files = {}) {
         this.folder = fs.realpathSync(fs.mkdtempSync(path.join(os.tmpdir(), "stencilor-")));
@@ -59,7 +59,8 @@ class Client {
         return result;
     }
 
-    /** Opens a text in which a bar, if there is one, is the place of the cursor. Resolves when it is checked. */
+    /** Opens a text, in which a bar, if any, marks the cursor. Resolves when the text has been
+     * checked. */
     async open(name, marked, languageId = "stencilor") {
         const text = marked.replace("|", "");
         this.cursor = positionOf(text, Math.max(marked.indexOf("|"), 0));
@@ -82,7 +83,7 @@ class Client {
         return checked;
     }
 
-    /** The diagnostics that are published next for a version of a document. */
+    /** The next diagnostics published for a version of a document. */
     diagnostics(name, version) {
         const uri = this.uri(name);
         const before = this.published.get(uri);
@@ -98,7 +99,7 @@ class Client {
         });
     }
 
-    /** Sends a request about a document, at the cursor of the one that was opened last. */
+    /** Sends a request about a document, at the cursor of the last opened one. */
     ask(type, name, more = {}) {
         return this.connection.sendRequest(type, {
             textDocument: { uri: this.uri(name) },
@@ -133,7 +134,7 @@ function show({ start, end }) {
     return `${start.line}:${start.character}-${last}${end.character}`;
 }
 
-/** A text after edits of one document. */
+/** A text after the edits of one document. */
 function apply(text, edits) {
     const lines = text.split("\n");
     const offsetOf = ({ line, character }) =>

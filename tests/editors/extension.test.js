@@ -1,5 +1,5 @@
 "use strict";
-// The extension for Visual Studio Code, unpacked from its package.
+// Tests the extension for Visual Studio Code, unpacked from its package.
 
 const assert = require("node:assert/strict");
 const { execFileSync, spawnSync } = require("node:child_process");
@@ -26,7 +26,7 @@ function read(name) {
     return JSON.parse(fs.readFileSync(path.join(extension, name), "utf8"));
 }
 
-test("every file that it names is in the package", () => {
+test("every file that it refers to is in the package", () => {
     const { languages, grammars, snippets } = manifest.contributes;
     const named = [
         manifest.icon, manifest.main, ...languages.map((each) => each.configuration),
@@ -37,11 +37,11 @@ test("every file that it names is in the package", () => {
     }
 });
 
-test("it has the version of the engine", () => {
+test("its version is that of the engine", () => {
     assert.equal(manifest.version, process.env.STENCILOR_VERSION);
 });
 
-test("grammars and snippets belong to its languages, with the scopes that they have", () => {
+test("grammars and snippets belong to its languages, with matching scopes", () => {
     const { languages, grammars, snippets } = manifest.contributes;
     const ids = languages.map((language) => language.id);
     assert.deepEqual(grammars.map((grammar) => grammar.language), ids);
@@ -51,7 +51,7 @@ test("grammars and snippets belong to its languages, with the scopes that they h
     }
 });
 
-test("what its snippets insert is accepted by the engine", () => {
+test("the engine accepts the text of its snippets", () => {
     for (const [name, { body }] of Object.entries(read("snippets.json"))) {
         const text = body.replace(/\$\{\d:(\w+)\}/g, "$1").replace(/\$\d/g, "");
         const { status } = spawnSync(PROGRAM, ["tree", "-"], { input: text });
@@ -65,7 +65,7 @@ for (const name of ["language-configuration.json", "language-configuration-html.
         assert.deepEqual(words, ["user.name", "if", "_1", "a", "b/c", "x"]);
     });
 
-    test(`${name}: folding begins and ends where a block stays open over the line`, () => {
+    test(`${name}: folding begins and ends at tags whose block spans lines`, () => {
         const { markers } = read(name).folding;
         for (const [line, expected] of [
             ["{% if x %}", "start"],
@@ -82,7 +82,7 @@ for (const name of ["language-configuration.json", "language-configuration-html.
     });
 }
 
-test("the problem matcher finds the places of a fault and of its note", () => {
+test("the problem matcher finds the locations of a fault and its note", () => {
     const [{ pattern }] = manifest.contributes.problemMatchers;
     const { stdout } = spawnSync(PROGRAM, ["check", "--stdin-name", "page", "-"], { input: "text\n  {{ a-b }}\n" });
     const found = stdout.toString().split("\n").map((line) => line.match(pattern.regexp)).filter(Boolean);
@@ -90,7 +90,7 @@ test("the problem matcher finds the places of a fault and of its note", () => {
     assert.deepEqual(places, [["page", "2", "7", "error"], ["page", "2", "3", "note"]]);
 });
 
-test("the settings and the task of its page name what there is", () => {
+test("the settings and the task on its page exist", () => {
     const text = fs.readFileSync(path.join(extension, "README.md"), "utf8");
     const blocks = [...text.matchAll(/<!-- file: (\S+) -->\n```json\n(.*?)```\n/gs)];
     const files = Object.fromEntries(blocks.map(([, name, block]) => [name, JSON.parse(block)]));
@@ -115,9 +115,9 @@ test("it starts the program in the setting, and sends it the other settings", as
     await started.stop();
 });
 
-test("it says so where there is no such program", async () => {
+test("it reports a program that does not exist", async () => {
     const started = await startExtension(extension, { path: "/no/such/program" });
     assert.equal(started.errors.length, 1);
-    assert.match(started.errors[0], /"\/no\/such\/program" cannot be started/);
+    assert.match(started.errors[0], /Cannot start "\/no\/such\/program"/);
     await started.stop();
 });

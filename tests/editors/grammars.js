@@ -1,5 +1,5 @@
 "use strict";
-// The grammars, read by the engine that Visual Studio Code reads them with.
+// The grammars, loaded with the engine that Visual Studio Code uses.
 
 const fs = require("node:fs");
 const path = require("node:path");
@@ -11,7 +11,7 @@ const HTML = "text.html.stencilor";
 const FOLDER = path.join(__dirname, "../../editors/vscode/syntaxes");
 const TEMPLATES = path.join(__dirname, "templates");
 
-/** Ours, and the stand-in for the one of HTML, by scope. */
+/** Our grammars, and a stand-in for the HTML grammar, by scope. */
 async function load() {
     const wasm = fs.readFileSync(require.resolve("vscode-oniguruma/release/onig.wasm"));
     await oniguruma.loadWASM(wasm.buffer);

@@ -1,5 +1,5 @@
 "use strict";
-// The grammars beside snapshots, and beside what the engine rejects.
+// Compares the grammars with snapshots, and with what the engine rejects.
 
 const assert = require("node:assert/strict");
 const { spawnSync } = require("node:child_process");
@@ -12,9 +12,9 @@ before(async () => {
     grammars = await load();
 });
 
-/**
- * Each line after ">", and below it, after "#", which characters have which scopes besides that of the whole text.
- * "[" and "]" mark a scope that has ".begin" or ".end" in its name, a digit says how many times a character has one.
+/** Each line after ">", and below it, after "#", the scopes of its characters except that of the
+ * whole text. "[" and "]" mark a scope that has ".begin" or ".end" in its name, a digit says how
+ * many times a character has one.
  */
 function snapshot(lines) {
     const result = [];
@@ -51,18 +51,18 @@ for (const template of templates()) {
 }
 
 const TAGS = ["{{ x }}", "{% if x %}", "{% else %}", "{% endif %}", "{% for x in y %}", "{% endfor %}", '{% include "x" %}'];
-// What tags are made of, and what must not be in them.
+// The elements of tags, and things that tags must not contain.
 const PARTS = [
     "if", "else", "endif", "for", "in", "endfor", "include", "x", "Y_1", "1", ".", "/", '"', "-", "é", "{", "%", "}", " ",
     "\t", "\n", "\f",
 ];
-// What makes the tag complete that is tried.
+// Completions for the tag under test.
 const PLACES = [
     ["", ""], ["", "{% endif %}"], ["", "{% endfor %}"], ["{% if x %}", "{% endif %}"], ["{% if x %}", ""],
     ["{% for x in y %}", ""],
 ];
 
-/** All sequences of parts, up to the longest. */
+/** All sequences of parts, up to a maximum length. */
 function sequences(parts, longest) {
     let last = [""];
     const all = [...last];
@@ -93,7 +93,7 @@ function wholeTemplates() {
     ]);
 }
 
-/** Whether the engine accepts each of some texts. */
+/** Whether the engine accepts each of the texts. */
 function askEngine(texts) {
     const input = [...texts].map((text) => text + "\0").join("");
     const { stdout, status } = spawnSync(process.env.STENCILOR_ACCEPTS, { input, maxBuffer: 1 << 28 });
@@ -114,24 +114,24 @@ function isLegal(text) {
     return !isOpen && !hasIllegal(lines);
 }
 
-test("templates are free of illegal tags and open blocks where the engine accepts them", () => {
+test("templates have no illegal tags or open blocks if the engine accepts them", () => {
     const texts = [...wholeTemplates()];
     expectAgreement(texts, askEngine(texts), isLegal);
 });
 
-test("tags in text are legal where the engine accepts them", () => {
+test("tags in text are legal if the engine accepts them", () => {
     const texts = [...tags()];
     expectAgreement(texts, askEngine(texts), isLegal);
 });
 
-test("tags in HTML are legal where the engine accepts them in some block", () => {
+test("tags in HTML are legal if the engine accepts them in some block", () => {
     const texts = [...tags()];
     const places = PLACES.map(([front, back]) => askEngine(texts.map((text) => front + text + back)));
     const accepted = texts.map((_, i) => places.some((place) => place[i]));
     expectAgreement(texts, accepted, (text) => !hasIllegal(tokenize(grammars.html, text).lines));
 });
 
-test("templates are what their names say", () => {
+test("templates are valid or invalid as their names say", () => {
     const all = templates();
     const accepted = askEngine(all.map((template) => template.text));
     for (const [i, { name }] of all.entries()) {

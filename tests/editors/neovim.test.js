@@ -1,5 +1,6 @@
 "use strict";
-// editors/README.md, followed in Neovim: its lines for the configuration, its files, and what it says of them.
+// Follows editors/README.md in Neovim: its configuration lines, its files, and the results it
+// describes.
 
 const assert = require("node:assert/strict");
 const { spawnSync } = require("node:child_process");
@@ -19,7 +20,8 @@ for (const name of ["init.lua", "letter.stencilor", "letter.stencilor.context.js
     fs.writeFileSync(path.join(folder, name), files[name]);
 }
 
-/** Opens the letter of the page, waits for its diagnostics, runs some Lua, and returns the table that it returns. */
+/** Opens the letter of the page, waits for its diagnostics, runs some Lua, and returns its result,
+ * a table. */
 function run(lua) {
     const script = path.join(folder, "script.lua");
     fs.writeFileSync(
@@ -65,7 +67,7 @@ test("a fault is underlined", () => {
     assert.deepEqual(found.underlined, [[1, 28, 37]]);
 });
 
-test("a fault that is typed is underlined, and no longer when it is corrected", () => {
+test("a typed fault is underlined until it is corrected", () => {
     const found = run(`
         local function messages(count)
             vim.wait(10000, function() return #vim.diagnostic.get(0) == count end)
@@ -127,7 +129,7 @@ test("a variable is renamed", () => {
     assert.equal(found.line, "{% for tea in items %}- {{ tea.nmae }}");
 });
 
-test("a misspelt name is corrected", () => {
+test("a misspelled name is corrected", () => {
     const found = run(`
         go(2, 30)
         local actions

@@ -1,5 +1,5 @@
 "use strict";
-// Every request and notification of the language server, sent by a client that is not ours.
+// Every request and notification of the language server, sent by a third-party client.
 
 const assert = require("node:assert/strict");
 const { spawn, spawnSync } = require("node:child_process");
@@ -27,7 +27,7 @@ after(() => {
     }
 });
 
-test("every capability of the server is one that is tested here", async () => {
+test("every capability of the server is tested here", async () => {
     const client = await start();
     assert.deepEqual(Object.keys(client.capabilities).sort(), [
         "codeActionProvider", "completionProvider", "definitionProvider", "documentHighlightProvider",
@@ -60,14 +60,14 @@ test("related places are sent to clients that show them", async () => {
     assert.equal(show(fault.relatedInformation[0].location.range), "0:0-13");
 });
 
-test("characters are bytes where the client offers that", async () => {
+test("characters are bytes if the client offers that", async () => {
     const client = await start({}, { context: "context.json" }, { general: { positionEncodings: ["utf-8"] } });
     assert.equal(client.capabilities.positionEncoding, "utf-8");
     const [name] = await client.open("a.txt", "\u{1F375} {{ titel }}");
     assert.equal(show(name.range), "0:8-13");
 });
 
-test("a file that changes outside of the editor is read again", async () => {
+test("a file that changes outside the editor is read again", async () => {
     const watching = { workspace: { didChangeWatchedFiles: { dynamicRegistration: true } } };
     const client = await start({}, { context: "context.json" }, watching);
     const [missing] = await client.open("a.txt", '{% include "part.txt" %}');
@@ -81,7 +81,7 @@ test("a file that changes outside of the editor is read again", async () => {
     assert.deepEqual(await checked, []);
 });
 
-test("an include is taken from its buffer", async () => {
+test("an include is read from its buffer", async () => {
     const client = await start({ "part.txt": "{{ nowhere }}" });
     const inPart = client.diagnostics("part.txt");
     await client.open("a.txt", '{% include "part.txt" %}');
@@ -128,8 +128,8 @@ const completions = [
     ["the end after an else", "{% if open %}{% else %}{% |", ["endif", "if", "for", "include"]],
     ["the end of a loop", "{% for x in items %}{% end| %}", ["endfor", "if", "for", "include"]],
     ["files and folders", '{% include "|" %}', ["a.txt", "context.json", "parts/"]],
-    ["what is in a folder", '{% include "parts/|" %}', ["parts/b.txt"]],
-    ["nothing outside of the root", '{% include "parts/../../|" %}', []],
+    ["the contents of a folder", '{% include "parts/|" %}', ["parts/b.txt"]],
+    ["nothing outside the root", '{% include "parts/../../|" %}', []],
     ["nothing in text", "text |", []],
     ["nothing after a tag", "{{ title }} |", []],
     ["nothing for a variable", "{% for | %}", []],
@@ -144,7 +144,7 @@ for (const [name, text, expected] of completions) {
     });
 }
 
-test("completion: what is inserted makes the tag whole", async () => {
+test("completion: the inserted text completes the tag", async () => {
     const client = await start();
     const complete = async (marked, label) => {
         await client.open("a.txt", marked);
@@ -159,7 +159,7 @@ test("completion: what is inserted makes the tag whole", async () => {
     assert.equal(await complete('{% include "con|" %}', "context.json"), '{% include "context.json" %}');
 });
 
-test("completion: whole blocks for clients that know snippets", async () => {
+test("completion: whole blocks for clients that support snippets", async () => {
     const capabilities = { textDocument: { completion: { completionItem: { snippetSupport: true } } } };
     const client = await start({}, {}, capabilities);
     await client.open("a.txt", "{% |");
@@ -168,7 +168,7 @@ test("completion: whole blocks for clients that know snippets", async () => {
     assert.equal(items[0].insertTextFormat, protocol.InsertTextFormat.Snippet);
 });
 
-test("completion: without a context what other tags name", async () => {
+test("completion: without a context, the names in other tags", async () => {
     const client = await start({}, {});
     await client.open("a.txt", "{% for i in list %}{{ i.one }}{{ | }}{% endfor %}{{ two }}{% if three %}{% endif %}");
     const { items } = await client.ask(protocol.CompletionRequest.type, "a.txt");
@@ -182,7 +182,7 @@ const hovers = [
     ["a boolean", "{% if op|en %}{% endif %}", /boolean `true`/],
     ["a list", "{% for i in it|ems %}{% endfor %}", /list of 1 element/],
     ["a variable", "{% for |i in items %}{% endfor %}", /variable of the loop over `items`/],
-    ["a name that is not known", "{{ nowhe|re }}", /The context has no value of this name here/],
+    ["an unknown name", "{{ nowhe|re }}", /The context has no value with this name here/],
     ["a path", '{% include "cont|ext.json" %}', /Includes `.*context.json`/],
 ];
 
@@ -209,7 +209,7 @@ const definitions = [
     ["a member of an element", "{% for i in items %}{{ i.na|me }}{% endfor %}", "context.json", "5:3-9"],
     ["a variable", "{% for item in items %}{{ it|em.name }}{% endfor %}", "a.txt", "0:7-11"],
     ["a member that the context does not have", "{% for i in items %}{{ i.nowhe|re }}{% endfor %}", "a.txt", "0:7-8"],
-    ["a name that is not known", "{{ nowhe|re }}", null],
+    ["an unknown name", "{{ nowhe|re }}", null],
 ];
 
 for (const [name, text, file, range] of definitions) {
@@ -255,23 +255,23 @@ test("rename: a loop's variable", async () => {
     );
 });
 
-test("rename: refused where names would mean something else", async () => {
+test("rename: rejected if names would mean something else", async () => {
     const client = await start();
     await client.open("a.txt", "{% for |i in items %}{{ x.a }}{% for t in i.tags %}{{ i.new }}{% endfor %}{% endfor %}");
     for (const [newName, message] of [
         ["a-b", /is not a name/],
-        ["t", /would belong to a loop inside/],
-        ["x", /is used inside of the loop already/],
+        ["t", /would belong to an inner loop/],
+        ["x", /is already used inside the loop/],
     ]) {
         await assert.rejects(client.ask(protocol.RenameRequest.type, "a.txt", { newName }), { message });
     }
     await client.open("a.txt", "{{ tit|le }}");
-    await assert.rejects(client.ask(protocol.PrepareRenameRequest.type, "a.txt"), { message: /only the variable of a loop/ });
+    await assert.rejects(client.ask(protocol.PrepareRenameRequest.type, "a.txt"), { message: /only loop variables/ });
 });
 
 const highlights = [
     ["the tags of a block", "{% if| open %}a{% else %}b{% endif %}", ["0:0-13", "0:14-24", "0:25-36"]],
-    ["from the end of it", "{% for i in items %}{% end|for %}", ["0:0-20", "0:20-32"]],
+    ["from its closing tag", "{% for i in items %}{% end|for %}", ["0:0-20", "0:20-32"]],
     ["a variable", "{% for i in items %}{{ |i.name }}{% endfor %}", ["0:7-8", "0:23-24"]],
     ["the same name", "{{ tit|le }}{{ title }}", ["0:3-8", "0:14-19"]],
 ];
@@ -285,7 +285,7 @@ for (const [name, text, expected] of highlights) {
     });
 }
 
-test("symbols: blocks and includes, inside each other where the client shows that", async () => {
+test("symbols: blocks and includes, nested if the client supports it", async () => {
     const text = '{% for i in items %}\n{% if i.new %}{% include "a" %}{% endif %}\n{% endfor %}{% include "b" %}';
     const tree = await start({}, {}, { textDocument: { documentSymbol: { hierarchicalDocumentSymbolSupport: true } } });
     await tree.open("a.txt", text);
@@ -352,21 +352,21 @@ test("links: to the included files that exist", async () => {
 });
 
 const fixes = [
-    ["a misspelt name", "{{ titel }}", "{{ title }}"],
+    ["a misspelled name", "{{ titel }}", "{{ title }}"],
     ["an element that is a text", "{% for i in items %}{% for t in i.tags %}{{ t }}{% endfor %}{% endfor %}",
         "{% for i in items %}{% for t in i.tags %}{{ t.value }}{% endfor %}{% endfor %}"],
-    ["signs that trim", "{{- title -}}", "{{ title }}"],
+    ["trim signs", "{{- title -}}", "{{ title }}"],
     ["three braces", "{{{ title }}}", "{{ title }}"],
     ["an ampersand", "{{& title }}", "{{ title }}"],
     ["a partial", "{{> context.json }}", '{% include "context.json" %}'],
     ["single quotation marks", "{% include 'context.json' %}", '{% include "context.json" %}'],
     ["a path that begins with ./", '{% include "./context.json" %}', '{% include "context.json" %}'],
     ["capital letters", "{% IF open %}{% endif %}", "{% if open %}{% endif %}"],
-    ["a misspelt keyword", "{% if open %}{% endfi %}", "{% if open %}{% endif %}"],
+    ["a misspelled keyword", "{% if open %}{% endfi %}", "{% if open %}{% endif %}"],
     ["a foreign keyword", "{% foreach i in items %}{% endfor %}", "{% for i in items %}{% endfor %}"],
-    ["an end of no kind", "{% if open %}{% end %}", "{% if open %}{% endif %}"],
+    ["an end tag without a kind", "{% if open %}{% end %}", "{% if open %}{% endif %}"],
     ["a keyword that runs together with a name", "{% ifopen %}{% endif %}", "{% if open %}{% endif %}"],
-    ["nothing for what has no single meaning", "{% if a == b %}{% endif %}", null],
+    ["nothing for an ambiguous tag", "{% if a == b %}{% endif %}", null],
     ["nothing for a filter", "{{ title | upper }}", null],
 ];
 
@@ -406,7 +406,7 @@ for (const [name, project, text, expected] of projects) {
         }
         const given = spawnSync(PROGRAM, ["check", "mails/a.txt", "--root", "mails"], { cwd: client.folder });
         const isOutside = name === "its root";
-        assert.equal(/is outside of "mails"/.test(given.stderr), isOutside);
+        assert.equal(/is outside "mails"/.test(given.stderr), isOutside);
     });
 }
 

@@ -1,5 +1,6 @@
 "use strict";
-// A stand-in for the module `vscode`, which only the editor has: enough for the extension and its client to start.
+// A stand-in for the module `vscode`, which only exists inside the editor: enough for the extension
+// and its client to start.
 
 const Module = require("node:module");
 const path = require("node:path");
@@ -24,7 +25,7 @@ function anything() {
     });
 }
 
-/** An object with some members, and anything in place of others. */
+/** An object with the given members, and a placeholder for all others. */
 function withRest(members) {
     const rest = anything();
     return new Proxy(members, { get: (target, key) => (key in target ? target[key] : rest[key]) });

@@ -39,7 +39,7 @@ TEST_F(WideText, OfATemplateIsReducedToItsLowBytesAndDecodedAsUtf8) {
         {"a zero byte by its low bits", U"ab\u0100cd{{", U"ab"},
         {"bytes that are UTF-8", U"\u00C3\u00A9", U"\u00E9"},
         {"bytes that are not", U"\u00E9!", U"\uFFFD!"},
-        {"a value, which comes through whole", U"{{ x }}", U"\u00E9\u0141\U0001F600"},
+        {"a value, which is kept whole", U"{{ x }}", U"\u00E9\u0141\U0001F600"},
     };
     for (const auto& [name, input, expected] : cases) {
         SCOPED_TRACE(name);

@@ -6,7 +6,7 @@
 namespace support {
 namespace {
 
-TEST(JsonReader, AgreesWithAnotherOneOnRandomTexts) {
+TEST(JsonReader, AgreesWithAnotherReaderOnRandomTexts) {
     const std::uint64_t texts = numberFromEnvironment("STENCILOR_CASES", 10'000);
     Random random(11);
     std::uint64_t accepted = 0;
@@ -23,7 +23,7 @@ TEST(JsonReader, AgreesWithAnotherOneOnRandomTexts) {
     EXPECT_LT(accepted, texts * 2 / 3);
 }
 
-TEST(JsonReader, AgreesWithAnotherOneOnAllTextsOfFewCharacters) {
+TEST(JsonReader, AgreesWithAnotherReaderOnAllShortTexts) {
     constexpr std::string_view characters = "[]{}\",:\\u-0e.1 n\xC3\xA9";
     std::string text;
     const auto tryAll = [&](const auto& self, int left) -> void {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint64_t fourGiB = std::uint64_t{1} << 32;
 
-// Takes long; the preset "exhaustive" sets STENCILOR_SIZE to 100.
+// Slow; the preset "exhaustive" sets STENCILOR_SIZE to 100.
 TEST(JsonLimits, AreThoseOfValuesOnly) {
     if (support::numberFromEnvironment("STENCILOR_SIZE", 10) < 100 || !support::hasMemory(10)) {
         GTEST_SKIP() << "takes ten gigabytes of memory, and time to fill them";

@@ -14,8 +14,8 @@ TEST(JsonText, ConvertsToValues) {
         {"an empty object", "{}", Value{}},
         {"an empty array", "[]", Value::list()},
         {"literals", "[true,false,null]", Value::list({true, false, nullptr})},
-        {"a string alone", R"("a")", "a"},
-        {"a literal alone", "null", nullptr},
+        {"only a string", R"("a")", "a"},
+        {"only a literal", "null", nullptr},
         {"members", R"({"b":1,"a":["2"]})", {{"a", Value::list({"2"})}, {"b", "1"}}},
         {"whitespace of every kind",
          "\t{ \r\n \"a\" : [ 1 , 2 ] } \n",
@@ -39,7 +39,7 @@ TEST(JsonText, ConvertsToValues) {
          R"({"a":[{"b":{}},{}],"c":1})",
          {{"a", Value::list({{{"b", Value{}}}, Value{}})}, {"c", 1}}},
         {"a boolean with members", R"({"$boolean":true,"a":1})", {{"$boolean", true}, {"a", 1}}},
-        {"a string called like the boolean's member", R"(["$boolean",1])",
+        {"a string with the name of the boolean's member", R"(["$boolean",1])",
          Value::list({"$boolean", 1})},
     };
     for (const auto& [name, text, expected] : cases) {

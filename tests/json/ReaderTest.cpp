@@ -53,12 +53,12 @@ TEST(JsonReceiver, ReceivesEachValueAndNameWithItsRange) {
         {"a number to its last digit", "[-1.50e+07]", "[ 0; -1.50e+07 1-10; ] 0-11; "},
         {"a string with its quotation marks", R"("ab")", "ab 0-4; "},
         {"a string with escapes", R"("\u0041\n")", "A\n 0-10; "},
-        {"characters of several bytes", "[\"\u20AC\",1]", "[ 0; \u20AC 1-6; 1 7-8; ] 0-9; "},
+        {"multi-byte characters", "[\"\u20AC\",1]", "[ 0; \u20AC 1-6; 1 7-8; ] 0-9; "},
         {"an empty array", "[ ]", "[ 0; ] 0-3; "},
         {"names before their values", R"({"a" : false, "b":[]})",
          "{ 0; a: 1-4; false 7-12; b: 14-17; [ 18; ] 18-20; } 0-21; "},
         {"a name with escapes", R"({"\t":1})", "{ 0; \t: 1-5; 1 6-7; } 0-8; "},
-        {"arrays and objects within each other", R"([{"a":[]}])",
+        {"nested arrays and objects", R"([{"a":[]}])",
          "[ 0; { 1; a: 2-5; [ 6; ] 6-8; } 1-9; ] 0-10; "},
     };
     for (const auto& [name, text, expected] : cases) {
@@ -95,7 +95,7 @@ TEST(JsonPositions, CountLinesAndCodePoints) {
         {"after the byte-order mark", 3, 1, 1},
         {"the end of a line", 4, 1, 2},
         {"the start of a line", 5, 2, 1},
-        {"after characters of several bytes", 14, 2, 5},
+        {"after multi-byte characters", 14, 2, 5},
         {"the end of the text", text.size(), 2, 10},
     };
     for (const auto& [name, offset, line, column] : cases) {

@@ -7,7 +7,7 @@ namespace {
 
 using Bytes = Buffer<unsigned char>;
 
-// One module fills a buffer and another one frees it: both must find the same fields.
+// One module fills a buffer and another one frees it, so both must agree on the layout.
 static_assert(std::is_standard_layout_v<Bytes>);
 static_assert(offsetof(Bytes, data) == 0);
 static_assert(offsetof(Bytes, size) == sizeof(void*));
@@ -33,7 +33,7 @@ TEST(Buffer, IsInitiallyZero) {
     expectAllZero(buffer);
 }
 
-// Whether the block was freed, and freed once, is for the address sanitizer to say.
+// The address sanitizer detects a block that is not freed, or freed twice.
 TEST(Buffer, FreesItsBlockAndBecomesZero) {
     Bytes buffer;
     buffer.data = newBytes(10);

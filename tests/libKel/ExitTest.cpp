@@ -6,12 +6,13 @@
 
 #include <cstdio>
 
-// What a process shares is in force until it ends. Each case ends a process of its own.
+// Process-wide state stays in force until the process ends. Each case ends a process of its own.
 
 namespace kel {
 namespace {
 
-/// Made before anything of the library is used, so destroyed after whatever that leaves to exit().
+/// Created before the library is used, and therefore destroyed after everything that the library
+/// registers for exit().
 class LastObject {
   public:
     ~LastObject() {

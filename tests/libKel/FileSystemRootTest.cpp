@@ -9,7 +9,7 @@ namespace {
 using support::TemporaryFolder;
 using support::WorkingFolder;
 
-/// A folder that holds `root`, which is the root, next to things outside it:
+/// A folder that contains the root, `root`, next to files outside it:
 ///
 ///     outside.txt   rootless/file.txt   root/file.txt   root/a/b.txt
 class FileSystemRootTest : public testing::Test {
@@ -76,8 +76,8 @@ TEST_F(FileSystemRootTest, FindsNothingByAnAbsolutePath) {
     expectMissing("/file.txt");
 }
 
-// Such names are files on some systems; there they are made, so that it is the root that refuses
-// them. RootedPathTest has all kinds.
+// Such names are files on some systems; there, the files are created, so that only the root rejects
+// them. RootedPathTest tests all kinds.
 TEST_F(FileSystemRootTest, FindsNoNameThatAnySystemInterpretsDifferently) {
     for (const char* const name : {"a\\b.txt", "C:file.txt", "file.txt:stream", "NUL", "a/com1",
                                    "file.", "a/file ", "a?b", "line\nbreak"}) {
@@ -94,7 +94,7 @@ TEST_F(FileSystemRootTest, FindsNoNameThatAnySystemInterpretsDifferently) {
 
 TEST_F(FileSystemRootTest, FollowsLinksThatStayInside) {
     if (!folder_.makeLink("root/link.txt", "a/b.txt")) {
-        GTEST_SKIP() << "this system makes no symbolic links";
+        GTEST_SKIP() << "symbolic links are not supported";
     }
     ASSERT_TRUE(folder_.makeLink("root/round", "../root/a"));
     ASSERT_TRUE(folder_.makeLink("root/whole.txt", folder_.path("root/file.txt")));
@@ -105,7 +105,7 @@ TEST_F(FileSystemRootTest, FollowsLinksThatStayInside) {
 
 TEST_F(FileSystemRootTest, FollowsNoLinkThatLeavesTheRoot) {
     if (!folder_.makeLink("root/out.txt", "../outside.txt")) {
-        GTEST_SKIP() << "this system makes no symbolic links";
+        GTEST_SKIP() << "symbolic links are not supported";
     }
     ASSERT_TRUE(folder_.makeLink("root/absolute.txt", folder_.path("outside.txt")));
     ASSERT_TRUE(folder_.makeLink("root/up", ".."));
@@ -118,13 +118,13 @@ TEST_F(FileSystemRootTest, FollowsNoLinkThatLeavesTheRoot) {
                                    "chain.txt", "loop.txt", "there", "there/x", "back"}) {
         expectMissing(path);
     }
-    // Through a link and in again: the file that is reached counts.
+    // Out through a link and in again: what counts is the file that is reached.
     expectLoaded("up/root/file.txt", "file");
 }
 
 TEST_F(FileSystemRootTest, MayItselfBeALink) {
     if (!folder_.makeLink("alias", "root")) {
-        GTEST_SKIP() << "this system makes no symbolic links";
+        GTEST_SKIP() << "symbolic links are not supported";
     }
     ASSERT_TRUE(FileSystem::setRoot(folder_.path("alias")));
     expectLoaded("file.txt", "file");
@@ -167,7 +167,7 @@ TEST_F(FileSystemRootTest, CanBeTheRootOfTheSystem) {
 #endif
 }
 
-TEST_F(FileSystemRootTest, IsGoneWhenItIsCleared) {
+TEST_F(FileSystemRootTest, IsRemovedWhenItIsCleared) {
     FileSystem::clearRoot();
     expectLoaded(folder_.path("outside.txt"), "outside");
     const WorkingFolder working(folder_.path("root/a"));

@@ -11,7 +11,7 @@ using support::WorkingFolder;
 
 class FileSystemTest : public testing::Test {
   protected:
-    /// The bytes of a file that can be loaded.
+    /// The bytes of a file, which must be loadable.
     static std::string loaded(const String& path) {
         Buffer<unsigned char> buffer;
         fill(buffer);
@@ -23,7 +23,7 @@ class FileSystemTest : public testing::Test {
         return std::string(reinterpret_cast<const char*>(buffer.data), buffer.size);
     }
 
-    /// Expects that loading fails, and leaves nothing of what the buffer held.
+    /// Expects that loading fails and empties the buffer.
     static void expectNotLoaded(const String& path) {
         Buffer<unsigned char> buffer;
         fill(buffer);
@@ -43,7 +43,7 @@ class FileSystemTest : public testing::Test {
     TemporaryFolder folder_;
 
   private:
-    /// Gives the buffer what loading must free; the address sanitizer sees what stays.
+    /// Fills the buffer with a block that loading must free; the address sanitizer detects leaks.
     static void fill(Buffer<unsigned char>& buffer) {
         buffer.data = static_cast<unsigned char*>(::operator new(4));
         buffer.size = 4;
@@ -67,8 +67,8 @@ TEST_F(FileSystemTest, LoadsEveryByteOfAFile) {
         {"nothing", ""},
         {"one byte", "x"},
         {"all bytes", allBytes},
-        {"line ends of all kinds", "a\r\nb\nc\rd\x1A"
-                                   "e"},
+        {"line endings of all kinds", "a\r\nb\nc\rd\x1A"
+                                      "e"},
         {"more than a megabyte", large},
     };
     for (const auto& [name, bytes] : cases) {
@@ -95,7 +95,7 @@ TEST_F(FileSystemTest, TakesPathsInUtf8) {
     EXPECT_EQ(loaded(folder_.path("Gr\u00FC\u00DFe/\u65E5\u672C \U0001F600")), "text");
 }
 
-TEST_F(FileSystemTest, FindsNothingWhereNoRegularFileIs) {
+TEST_F(FileSystemTest, FindsOnlyRegularFiles) {
     folder_.makeFolder("directory");
     folder_.writeFile("file", "text");
     expectMissing("");
@@ -132,7 +132,7 @@ TEST_F(FileSystemTest, FindsNoDevice) {
 
 TEST_F(FileSystemTest, FindsNoPipeAndDoesNotWaitForItsWriter) {
     if (!folder_.makePipe("pipe")) {
-        GTEST_SKIP() << "this system has no pipes among its files";
+        GTEST_SKIP() << "named pipes are not supported";
     }
     expectMissing(folder_.path("pipe"));
 }
@@ -141,7 +141,7 @@ TEST_F(FileSystemTest, FollowsSymbolicLinks) {
     folder_.makeFolder("directory");
     folder_.writeFile("directory/file", "text");
     if (!folder_.makeLink("link", "directory/file")) {
-        GTEST_SKIP() << "this system makes no symbolic links";
+        GTEST_SKIP() << "symbolic links are not supported";
     }
     ASSERT_TRUE(folder_.makeLink("chain", "link"));
     ASSERT_TRUE(folder_.makeLink("other", "directory"));

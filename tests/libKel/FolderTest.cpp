@@ -24,8 +24,8 @@ std::filesystem::path native(const std::string& path) {
     return std::u8string(path.begin(), path.end());
 }
 
-/// Sets when a file was last modified, in nanoseconds since 1970. The standard library of some
-/// systems does so by the second.
+/// Sets the modification time of a file, in nanoseconds since 1970. Some standard libraries only
+/// support seconds.
 void setModified(const std::filesystem::path& path, std::int64_t modified) {
 #ifdef _WIN32
     const HANDLE file = ::CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr,
@@ -42,7 +42,7 @@ void setModified(const std::filesystem::path& path, std::int64_t modified) {
 }
 
 #ifndef _WIN32
-/// Keeps this process from opening files for a while, whoever's process it is.
+/// Keeps this process, even as root, from opening files during its lifetime.
 class NoFilesLeft {
   public:
     NoFilesLeft() {
@@ -59,7 +59,7 @@ class NoFilesLeft {
 };
 #endif
 
-/// A folder `in` with files, next to a file outside of it.
+/// A folder `in` with files, next to a file outside it.
 class FolderTest : public testing::Test {
   protected:
     FolderTest() {
@@ -71,7 +71,7 @@ class FolderTest : public testing::Test {
 
     Folder opened() const { return Folder::open(folder_.path("in")).value(); }
 
-    /// The answer, and the bytes that were read.
+    /// The answer and the bytes read.
     static std::string loaded(const Folder& folder, const String& path,
                               std::uint64_t maxBytes = anySize) {
         Buffer<unsigned char> buffer;
@@ -156,7 +156,7 @@ TEST_F(FolderTest, LoadsFilesOfTheSizeAllowedAndNoLargerOnes) {
 TEST_F(FolderTest, BoundsFilesWhoseSizeIsNotKnownBeforehand) {
     const std::optional<Folder> folder = Folder::open("/proc/self");
     if (!folder) {
-        GTEST_SKIP() << "this system has no such files";
+        GTEST_SKIP() << "there are no such files on this system";
     }
     EXPECT_EQ(folder->find("maps")->size, 0u);
     EXPECT_EQ(loaded(*folder, "maps", 100), "too large");
@@ -203,7 +203,7 @@ TEST_F(FolderTest, SeesEachWayInWhichAFileChanges) {
     const FileState before = folder.find("file").value();
     EXPECT_EQ(before.modified, time);
 
-    // Another time, by one step of what Windows records.
+    // Another time, one unit of Windows file times later.
     setModified(path, time + 100);
     EXPECT_EQ(folder.find("file")->modified, time + 100);
     setModified(path, time);

@@ -158,7 +158,7 @@ TEST(LogFactory, CanChangeSinkAndPriorityWhileOthersLog) {
     LogRecorder recorder(PRIORITY_ALL);
     Logger& logger = loggerOf("busy");
     std::atomic<int> received = 0;
-    // Once before the others start, who may be done before this thread has its turn again.
+    // Once before the other threads start, because they may finish before this thread runs again.
     LogFactory::setSink([&received](const LogRecord&) { ++received; });
     std::vector<std::thread> threads;
     for (int number = 0; number < 4; ++number) {
@@ -180,8 +180,8 @@ TEST(LogFactory, CanChangeSinkAndPriorityWhileOthersLog) {
     EXPECT_GT(received, 0);
 }
 
-// In a process of its own, whose error stream is read here.
-TEST(StandardErrorDeathTest, ReceivesTheRecordsWhereNoSinkIsSet) {
+// In a separate process, whose error stream is read here.
+TEST(StandardErrorDeathTest, ReceivesTheRecordsIfNoSinkIsSet) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {

@@ -48,17 +48,17 @@ TEST(PortableRelativePath, IsRejectedIfAnySystemInterpretsItDifferently) {
         {"a dot at the end", "a."},
         {"dots at the end", "a/b..."},
         {"three dots", ".../a"},
-        {"a blank at the end", "a "},
-        {"a blank at the end of a folder", "a /b"},
-        {"a dot and a blank", ". "},
-        {"two dots and a blank", ".. /a"},
+        {"a space at the end", "a "},
+        {"a space at the end of a folder", "a /b"},
+        {"a dot and a space", ". "},
+        {"two dots and a space", ".. /a"},
     };
     for (const auto& [name, path] : cases) {
         EXPECT_FALSE(isPortableRelativePath(path)) << name;
     }
 }
 
-TEST(PortableRelativePath, IsNoDeviceInAnySpelling) {
+TEST(PortableRelativePath, IsNeverADevice) {
     const char* const devices[] = {
         "CON",          "PRN",         "AUX",        "NUL",       "CONIN$",        "CONOUT$",
         "COM0",         "COM1",        "COM9",       "LPT0",      "LPT1",          "LPT9",
@@ -75,7 +75,7 @@ TEST(PortableRelativePath, IsNoDeviceInAnySpelling) {
     }
 }
 
-TEST(PathOnWindows, IsAsWrittenWhereNoNameIsTakenForAnother) {
+TEST(PathOnWindows, IsAsWrittenIfNoNameIsChanged) {
     for (const char* const path :
          {"",         "/",         "a",       "a.txt",     ".",           "..",
           "./a",      "../a/../b", ".hidden", "a b/c.d/e", "..a",         "/a/",

@@ -18,7 +18,7 @@ LogRecord message(std::string_view text) {
             .depth = 0};
 }
 
-/// The line without the time.
+/// The line without its time.
 std::string lineFor(const LogRecord& record) {
     const std::string line = lineOf(record, system_clock::now());
     return line.substr(line.find(' ') + 1);
@@ -73,14 +73,14 @@ TEST(LineOfARecord, IsASingleLineOfValidUtf8WithoutControlCharacters) {
         {"nothing", "", ""},
         {"text in any language", "Gr\u00FC\u00DFe \u65E5 \U0001F600 \u00A0",
          "Gr\u00FC\u00DFe \u65E5 \U0001F600 \u00A0"},
-        {"a line end at the end", "a\n", "a"},
-        {"two of them", "a\n\n", "a\\n"},
+        {"a line break at the end", "a\n", "a"},
+        {"two line breaks at the end", "a\n\n", "a\\n"},
         {"lines inside", "a\nb\r\nc", "a\\nb\\u000D\\nc"},
         {"a NUL byte", {"a\0b", 3}, "a\\u0000b"},
         {"an escape sequence", "\x1B[2J\x7F", "\\u001B[2J\\u007F"},
         {"controls past ASCII", "\u0080\u009B\u0085\u009F", "\\u0080\\u009B\\u0085\\u009F"},
-        {"other line ends", "\u2028\u2029", "\\u2028\\u2029"},
-        {"changes of direction", "\u202E\u2066\u2069", "\\u202E\\u2066\\u2069"},
+        {"other line breaks", "\u2028\u2029", "\\u2028\\u2029"},
+        {"changes of text direction", "\u202E\u2066\u2069", "\\u202E\\u2066\\u2069"},
         {"their neighbours", "\u2027\u202F\u2065\u206A", "\u2027\u202F\u2065\u206A"},
         {"malformed UTF-8", "a\xFF\xE2\x82z", "a\uFFFD\uFFFDz"},
     };

@@ -19,8 +19,8 @@ std::vector<std::string> textsOf(std::size_t length, const std::string& alphabet
     return texts;
 }
 
-// Each byte counts as unsigned, and a text that another one begins with comes first: that is the
-// order of the standard's views of `char`.
+// Bytes compare as unsigned, and a prefix of a text comes before it, as in the order of standard
+// string views.
 void expectOrderOf(const std::string& left, const std::string& right) {
     const String first(left);
     const String second(right);
@@ -44,8 +44,8 @@ TEST(StringOrder, IsThatOfUnsignedBytesForAllShortTexts) {
     }
 }
 
-// Long common beginnings, so that the difference lies before, at and behind the eighth byte, and
-// zero bytes, which the padding of short texts could be taken for.
+// Long common prefixes, so that the difference is before, at and after the eighth byte; and zero
+// bytes, which could be mistaken for the padding of short texts.
 TEST(StringOrder, IsThatOfUnsignedBytesForTextsWithCommonBeginnings) {
     const std::string alphabet("\0a\xFF", 3);
     std::vector<std::string> texts;
@@ -63,7 +63,7 @@ TEST(StringOrder, IsThatOfUnsignedBytesForTextsWithCommonBeginnings) {
     }
 }
 
-// The order must not depend on how a string came to its content.
+// The order must not depend on how a string got its content.
 TEST(StringOrder, StaysTheSameThroughEveryChange) {
     const std::string longText(40, 'x');
     String shortened(longText);

@@ -6,7 +6,7 @@
 namespace kel {
 namespace {
 
-// From 4096 bytes on, a copy holds the same bytes until one of the two changes.
+// From 4,096 bytes on, a copy shares the bytes until one of the two strings changes.
 constexpr std::array<std::size_t, 5> lengths = {4095, 4096, 4097, 8191, 100000};
 
 std::string patternOf(std::size_t length) {
@@ -17,7 +17,7 @@ std::string patternOf(std::size_t length) {
     return pattern;
 }
 
-/// A string with room for more behind its content, so that it can be appended to in place.
+/// A string with room after its content, so that it can be appended to in place.
 String withRoom(const std::string& content) {
     String made(content.substr(0, content.size() - 1));
     made += String(content.substr(content.size() - 1));
@@ -74,13 +74,13 @@ const std::array<Change, 13> changes = {{
          string = same;
      },
      [](const std::string& before) { return before; }},
-    {"its content is moved away", [](String& string) { const String taken(std::move(string)); },
+    {"its content is moved out", [](String& string) { const String taken(std::move(string)); },
      [](const std::string&) { return ""; }},
-    {"its part is assigned to it", [](String& string) { string = string.subString(1, 4095); },
+    {"a part of it is assigned to it", [](String& string) { string = string.subString(1, 4095); },
      [](const std::string& before) { return before.substr(1, 4095); }},
 }};
 
-/// The content, and what hosts rely on: the NUL behind it, and the order.
+/// Checks the content, and what hosts rely on: the NUL after it, and the order.
 void expectContent(const String& string, const std::string& content) {
     EXPECT_EQ(string.view(), content);
     EXPECT_EQ(string.view().data()[content.size()], '\0');
@@ -92,7 +92,8 @@ void expectContent(const CString& bytes, const std::string& content) {
     EXPECT_EQ(bytes.c_str()[content.size()], '\0');
 }
 
-/// Calls `test` with each change and a string of each length, with and without room behind it.
+/// Calls `test` with each change and a string of each length, with and without room after its
+/// content.
 template <typename Test>
 void forEachChange(Test test) {
     for (const Change& change : changes) {
@@ -164,7 +165,7 @@ TEST(StringSharing, AllowsChangesInPlaceWithoutOtherHolders) {
     EXPECT_EQ(string.view().data(), place);
 }
 
-// Each state of a text that grows, as of the messages of several calls, is kept.
+// Keeps each state of a growing text, like the messages of several calls.
 TEST(StringSharing, UsesMemoryInProportionToTheBytesAndReleasesIt) {
     const std::uint64_t before = support::memoryInUse();
     {
@@ -188,8 +189,8 @@ TEST(StringSharing, DoesNotKeepALargeBlockForASmallPart) {
     expectContent(copy, patternOf(5000));
 }
 
-// The string is gone before the threads begin: which of them holds the bytes last is open, and the
-// last may change them in place.
+// The string is destroyed before the threads begin. Any of them may be the last to hold the bytes,
+// and the last one may change them in place.
 TEST(StringSharing, IsPossibleAmongThreads) {
     const std::string pattern = patternOf(5000);
     for (int turn = 0; turn < 200; ++turn) {

@@ -7,8 +7,8 @@
 namespace kel {
 namespace {
 
-// What is special about a length: 8 bytes are compared at once, 15 are held without a block of
-// their own, 111 are read without one, and a block that is appended to holds 255 at least.
+// Why these lengths matter: 8 bytes are compared at once, 15 are stored in the string itself, 111
+// are read without a block, and appending allocates a block of at least 255.
 constexpr std::array<std::size_t, 16> lengths = {0,  1,  6,  7,   8,   9,   14,  15,
                                                  16, 30, 31, 110, 111, 112, 255, 1000};
 
@@ -28,13 +28,13 @@ TEST(StringConstruction, KeepsTheBytes) {
     } cases[] = {
         {"default", String(), ""},
         {"null pointer", String(static_cast<const char*>(nullptr)), ""},
-        {"null pointer and no length", String(nullptr, 0), ""},
+        {"null pointer and zero length", String(nullptr, 0), ""},
         {"empty narrow text", String(""), ""},
         {"narrow text", String("plain"), "plain"},
         {"narrow text up to its first NUL", String("up to\0here"), "up to"},
         {"bytes with a length, NUL bytes included", String("a\0b\0", 4), std::string("a\0b\0", 4)},
         {"bytes with a length shorter than the text", String("shorter", 5), "short"},
-        {"bytes over 127 as they are", String("\xC3\xA9\xFF\x80"), "\xC3\xA9\xFF\x80"},
+        {"bytes over 127, unchanged", String("\xC3\xA9\xFF\x80"), "\xC3\xA9\xFF\x80"},
         {"a view", String(std::string_view("v\0w", 3)), std::string("v\0w", 3)},
         {"an empty view", String(std::string_view()), ""},
         {"a standard string", String(std::string("s\0t", 3)), std::string("s\0t", 3)},
@@ -70,7 +70,7 @@ TEST(StringCopying, MakesAnIndependentEqualString) {
     }
 }
 
-TEST(StringMoving, TakesTheContentAndLeavesAnEmptyStringThatCanBeUsed) {
+TEST(StringMoving, MovesTheContentAndLeavesAUsableEmptyString) {
     for (const std::size_t length : lengths) {
         SCOPED_TRACE(length);
         const std::string pattern = patternOf(length);
@@ -150,11 +150,11 @@ TEST(StringEquality, WithNarrowTextIsExact) {
         bool expected;
     } cases[] = {
         {"the same", "item.", "item.", true},
-        {"two empty ones", "", "", true},
-        {"a shorter one", "item", "item.", false},
-        {"a longer one", "item.x", "item.", false},
-        {"another case", "Item.", "item.", false},
-        {"a NUL behind the same text", String("item.\0", 6), "item.", false},
+        {"two empty texts", "", "", true},
+        {"a shorter text", "item", "item.", false},
+        {"a longer text", "item.x", "item.", false},
+        {"different case", "Item.", "item.", false},
+        {"a NUL after the same text", String("item.\0", 6), "item.", false},
         {"bytes over 127", "\xC3\xA9", "\xC3\xA9", true},
     };
     for (const auto& [name, string, narrow, expected] : cases) {
@@ -172,12 +172,12 @@ TEST(StringSubString, ReturnsTheAvailablePart) {
         const char* expected;
     } cases[] = {
         {"a prefix", 0, 4, "0123"},
-        {"nothing of it", 0, 0, ""},
-        {"the whole by its length", 0, 10, "0123456789"},
-        {"the whole by the largest count", 0, 0xFFFFFFFF, "0123456789"},
+        {"an empty part", 0, 0, ""},
+        {"the whole text by its length", 0, 10, "0123456789"},
+        {"the whole text by the largest count", 0, 0xFFFFFFFF, "0123456789"},
         {"a count past the end", 7, 100, "789"},
         {"the rest from a position", 7, 0xFFFFFFFF, "789"},
-        {"the last one", 9, 1, "9"},
+        {"the last character", 9, 1, "9"},
         {"the rest from the end", 10, 0xFFFFFFFF, ""},
         {"a start past the end", 11, 0xFFFFFFFF, ""},
         {"a start and count that overflow together", 0xFFFFFFFF, 0xFFFFFFFF, ""},
@@ -193,9 +193,9 @@ TEST(StringSubString, ReturnsTheAvailablePart) {
 
 static_assert(!std::is_copy_constructible_v<CString> && !std::is_move_constructible_v<CString>);
 
-// From length 128 on these are bytes over 127, from 256 on NUL bytes as well.
+// Lengths from 128 include bytes over 127, and lengths from 256 include NUL bytes as well.
 TEST(CString, HoldsTheBytesOfItsStringAndANul) {
-    // 111 bytes are held without a block of their own.
+    // 111 bytes are stored without a block.
     for (const std::size_t length :
          {0u, 1u, 7u, 8u, 23u, 24u, 110u, 111u, 112u, 113u, 300u, 5000u}) {
         SCOPED_TRACE(length);

@@ -19,10 +19,10 @@ TEST(FromUtf16, PairsSurrogatesAndReplacesLoneOnes) {
         {"one unit each", u"\u00E9\u20AC", "\u00E9\u20AC"},
         {"a pair", u"\U0001F600", "\U0001F600"},
         {"the first and last pairs", u"\U00010000\U0010FFFF", "\U00010000\U0010FFFF"},
-        {"a leading surrogate alone", {u'a', 0xD83D, u'b'}, "a" FFFD "b"},
+        {"a lone leading surrogate", {u'a', 0xD83D, u'b'}, "a" FFFD "b"},
         {"a leading surrogate at the end", {u'a', 0xD83D}, "a" FFFD},
-        {"a trailing surrogate alone", {0xDE00, u'b'}, FFFD "b"},
-        {"a pair the wrong way round", {0xDE00, 0xD83D}, FFFD FFFD},
+        {"a lone trailing surrogate", {0xDE00, u'b'}, FFFD "b"},
+        {"a reversed pair", {0xDE00, 0xD83D}, FFFD FFFD},
         {"two leading surrogates before a trailing one",
          {0xD83D, 0xD83D, 0xDE00},
          FFFD "\U0001F600"},
@@ -34,12 +34,12 @@ TEST(FromUtf16, PairsSurrogatesAndReplacesLoneOnes) {
     }
 }
 
-TEST(FromUtf16, LooksAtNothingBehindTheText) {
+TEST(FromUtf16, ReadsNothingAfterTheText) {
     const std::u16string_view text = u"a\U0001F600";
     EXPECT_EQ(String::fromUTF16(text.substr(0, 2)).view(), "a" FFFD);
 }
 
-TEST(ToUtf16, MakesPairsAndReplacesWhatIsMalformed) {
+TEST(ToUtf16, CreatesPairsAndReplacesMalformedBytes) {
     const struct {
         const char* name;
         std::string utf8;
@@ -58,8 +58,8 @@ TEST(ToUtf16, MakesPairsAndReplacesWhatIsMalformed) {
     }
 }
 
-// Every code point where tests are thorough; otherwise those around each border, and some others.
-TEST(Utf16, ComesBackTheSameForEveryCodePoint) {
+// All code points in thorough tests; otherwise, those around each boundary, and some others.
+TEST(Utf16, RoundTripsEveryCodePoint) {
     const auto isTried = [](char32_t point) {
         const char32_t inBlock = point % 0x400;
         return support::thorough() || point < 0x1000 || inBlock < 2 || inBlock > 0x3FD ||

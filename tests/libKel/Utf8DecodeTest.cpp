@@ -40,8 +40,8 @@ TEST(Utf8Decode, ReplacesEachMaximalMalformedPart) {
          FFFD FFFD FFFD FFFD FFFD "A" FFFD FFFD "B"},
         {"truncated sequences in a row", "\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41",
          FFFD FFFD FFFD FFFD "A"},
-        {"a sequence cut by the end", "x\xE2\x82", "x" FFFD},
-        {"a malformed byte behind eight good ones", "12345678\xFFzzzzzzzz",
+        {"a sequence cut off by the end", "x\xE2\x82", "x" FFFD},
+        {"a malformed byte after eight valid ones", "12345678\xFFzzzzzzzz",
          "12345678" FFFD "zzzzzzzz"},
     };
     for (const auto& [name, bytes, expected] : cases) {
@@ -51,7 +51,7 @@ TEST(Utf8Decode, ReplacesEachMaximalMalformedPart) {
     }
 }
 
-TEST(Utf8Decode, TakesANullPointerWithoutLength) {
+TEST(Utf8Decode, AcceptsANullPointerWithoutLength) {
     String string("before");
     string.UTF8Decode(nullptr, 0, false);
     EXPECT_EQ(string, "");
@@ -71,7 +71,7 @@ TEST(Utf8Decode, ReadsNoMoreThanTheGivenLength) {
     String string;
     string.UTF8Decode("\xE2\x82\xAC", 2, false);
     EXPECT_EQ(string, FFFD);
-    string.UTF8Decode("\xE2\x82\xAC", 3, true); // whatever the flag
+    string.UTF8Decode("\xE2\x82\xAC", 3, true); // whatever the flag is
     EXPECT_EQ(string, "\u20AC");
 }
 
@@ -93,7 +93,7 @@ class Comparison {
     String string_;
 };
 
-/// The bytes on either side of each border in the table; all of them where tests are thorough.
+/// The bytes on either side of each boundary in the table; all bytes in thorough tests.
 std::vector<char> bytesToTry() {
     std::vector<char> bytes;
     for (int byte = 0; byte < 256; ++byte) {
@@ -107,7 +107,7 @@ std::vector<char> bytesToTry() {
     return bytes;
 }
 
-TEST(Utf8Decode, AgreesWithTheObviousOneOnAllInputsOfOneAndTwoBytes) {
+TEST(Utf8Decode, AgreesWithTheObviousImplementationOnInputsOfOneAndTwoBytes) {
     Comparison comparison;
     for (int first = 0; first < 256; ++first) {
         const char one = static_cast<char>(first);
@@ -119,7 +119,7 @@ TEST(Utf8Decode, AgreesWithTheObviousOneOnAllInputsOfOneAndTwoBytes) {
     }
 }
 
-TEST(Utf8Decode, AgreesWithTheObviousOneOnAllInputsOfThreeBytes) {
+TEST(Utf8Decode, AgreesWithTheObviousImplementationOnInputsOfThreeBytes) {
     Comparison comparison;
     const std::vector<char> bytes = bytesToTry();
     for (const char first : bytes) {
@@ -132,7 +132,7 @@ TEST(Utf8Decode, AgreesWithTheObviousOneOnAllInputsOfThreeBytes) {
     }
 }
 
-TEST(Utf8Decode, AgreesWithTheObviousOneOnInputsOfFourBytesAtTheBorders) {
+TEST(Utf8Decode, AgreesWithTheObviousImplementationOnBoundaryInputsOfFourBytes) {
     Comparison comparison;
     const std::string firsts =
         "\x7F\x80\xBF\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEE\xEF\xF0\xF1\xF3\xF4\xF5\xFF";
@@ -149,8 +149,8 @@ TEST(Utf8Decode, AgreesWithTheObviousOneOnInputsOfFourBytesAtTheBorders) {
     }
 }
 
-// Long texts are read in large steps. The block is just as long as the text, so that the address
-// sanitizer sees what is read around it.
+// Long texts are read in large steps. The block is exactly as long as the text, so that the address
+// sanitizer detects reads outside it.
 TEST(Utf8Decode, FindsAMalformedByteWhereverItIsInALongText) {
     Comparison comparison;
     for (unsigned int length = 1; length <= 200; ++length) {
@@ -164,8 +164,8 @@ TEST(Utf8Decode, FindsAMalformedByteWhereverItIsInALongText) {
     }
 }
 
-// The text ends within a sequence, which what is after the text would make whole.
-TEST(Utf8Decode, LooksAtNothingAfterALongText) {
+// The text ends within a sequence that the bytes after the text would complete.
+TEST(Utf8Decode, ReadsNothingAfterALongText) {
     Comparison comparison;
     for (unsigned int length = 3; length <= 200; ++length) {
         const std::string text = std::string(length - 3, 'a') + "\u20AC";
@@ -174,7 +174,7 @@ TEST(Utf8Decode, LooksAtNothingAfterALongText) {
     }
 }
 
-TEST(Utf8Decode, AgreesWithTheObviousOneOnLongRandomInputs) {
+TEST(Utf8Decode, AgreesWithTheObviousImplementationOnLongRandomInputs) {
     Comparison comparison;
     std::mt19937 random(3);
     const std::vector<std::string> pieces = {"a",          "12345678", "\u00E9",   "\u20AC",

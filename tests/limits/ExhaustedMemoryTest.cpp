@@ -135,7 +135,7 @@ TEST_F(ExhaustedMemory, LeavesTheRootOfFilesAsItWas) {
     kel::FileSystem::clearRoot();
 }
 
-TEST_F(ExhaustedMemory, IsNoReasonForAFileToBeMissing) {
+TEST_F(ExhaustedMemory, DoesNotMakeAFileMissing) {
     const TemporaryFolder folder;
     folder.writeFile("file", "content");
     ASSERT_TRUE(kel::FileSystem::setRoot(folder.path()));
@@ -272,7 +272,7 @@ TEST_F(ExhaustedMemory, PassesThroughTheParsingOfARejectedTemplate) {
 
 // The recorder itself may run out of memory and lose a record, so the scopes are counted without
 // memory.
-TEST_F(ExhaustedMemory, IsNoObstacleToDestroyingATree) {
+TEST_F(ExhaustedMemory, DoesNotPreventDestroyingATree) {
     using namespace kel::Stencilor::internal;
     constexpr int chains = 6;
     constexpr int depth = 20000;

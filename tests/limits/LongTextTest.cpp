@@ -12,7 +12,7 @@ using kel::String;
 
 constexpr std::uint64_t longest = std::numeric_limits<std::uint32_t>::max();
 
-TEST(StringLimits, RefuseAppendingPastThirtyTwoBitsAndKeepTheString) {
+TEST(StringLimits, RejectAppendingPastThirtyTwoBitsAndKeepTheString) {
     if (!hasMemory(8)) {
         GTEST_SKIP() << "takes eight gigabytes of memory";
     }
@@ -28,7 +28,7 @@ TEST(StringLimits, RefuseAppendingPastThirtyTwoBitsAndKeepTheString) {
     EXPECT_EQ(string.subString(0xFFFFFFFD, 0xFFFFFFFF), "hx");
 }
 
-TEST(StringLimits, RefuseMakingAStringPastThirtyTwoBits) {
+TEST(StringLimits, RejectStringsPastThirtyTwoBits) {
     if (!hasMemory(5)) {
         GTEST_SKIP() << "takes five gigabytes of memory";
     }
@@ -60,7 +60,7 @@ ContextIterable* longTexts(std::size_t count) {
     return made;
 }
 
-TEST(LongOutput, IsRefusedWhereverItExceedsWhatAStringHolds) {
+TEST(LongOutput, IsRejectedWhereverItExceedsTheSizeOfAString) {
     if (!hasMemory(9)) {
         GTEST_SKIP() << "takes nine gigabytes of memory";
     }

@@ -43,8 +43,8 @@ TEST_F(DocumentsTest, AreChangedStepByStep) {
              {"nothing", "ab", Json::array(), "ab"},
              {"the whole text", "ab", {{{"text", "new"}}}, "new"},
              {"one letter", "ab", {edit(position(0, 1), position(0, 1), "X")}, "aXb"},
-             {"over lines", "ab\ncd", {edit(position(0, 1), position(1, 1), "")}, "ad"},
-             {"each change after the one before it",
+             {"across lines", "ab\ncd", {edit(position(0, 1), position(1, 1), "")}, "ad"},
+             {"each change after the previous one",
               "ab",
               {edit(position(0, 0), position(0, 0), "1\n"),
                edit(position(1, 0), position(1, 1), "2")},
@@ -55,7 +55,7 @@ TEST_F(DocumentsTest, AreChangedStepByStep) {
               "a-d"},
              {"after the end", "ab", {edit(position(7, 7), position(9, 9), "c")}, "abc"},
              {"negative numbers", "ab", {edit(position(-1, -7), position(0, 1), "c")}, "cb"},
-             {"units of UTF-16",
+             {"UTF-16 units",
               "\xF0\x9F\x8D\xB5x",
               {edit(position(0, 2), position(0, 3), "y")},
               "\xF0\x9F\x8D\xB5y"},
@@ -66,7 +66,7 @@ TEST_F(DocumentsTest, AreChangedStepByStep) {
     }
 }
 
-TEST_F(DocumentsTest, AreRefusedWhatIsNoChange) {
+TEST_F(DocumentsTest, RejectInvalidChanges) {
     open("ab");
     for (const Json& changes : std::vector<Json>{
              Json::array({7}),
@@ -80,7 +80,7 @@ TEST_F(DocumentsTest, AreRefusedWhatIsNoChange) {
     EXPECT_THROW(documents.of({{"textDocument", {{"uri", "untitled:b"}}}}), ResponseError);
 }
 
-TEST_F(DocumentsTest, AreOpenOnceUnderEachName) {
+TEST_F(DocumentsTest, AreOpenOncePerName) {
     open("one");
     open("two");
     EXPECT_EQ(documents.all().size(), 1u);

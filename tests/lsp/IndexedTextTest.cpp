@@ -18,13 +18,13 @@ const std::vector<Case> cases = {
     {"the end of a text without a line break", "ab", 2, {0, 2}, {0, 2}},
     {"after a line break", "ab\nc", 4, {1, 1}, {1, 1}},
     {"after CR LF", "ab\r\nc", 4, {1, 0}, {1, 0}},
-    {"after a CR alone", "ab\rc", 3, {1, 0}, {1, 0}},
+    {"after a lone CR", "ab\rc", 3, {1, 0}, {1, 0}},
     {"after two bytes that are one unit", "\xC3\xA9x", 2, {0, 1}, {0, 2}},
     {"after three bytes that are one unit", "\xE2\x82\xACx", 3, {0, 1}, {0, 3}},
     {"after four bytes that are two units", "\xF0\x9F\x8D\xB5x", 4, {0, 2}, {0, 4}},
     {"an empty text", "", 0, {0, 0}, {0, 0}},
     {"after a line break at the end", "a\n", 2, {1, 0}, {1, 0}},
-    {"behind a block", std::string(300, 'x') + "\xC3\xA9y", 302, {0, 301}, {0, 302}},
+    {"after a block", std::string(300, 'x') + "\xC3\xA9y", 302, {0, 301}, {0, 302}},
     {"within the line after a block", std::string(300, '\n') + "xy", 301, {300, 1}, {300, 1}},
 };
 
@@ -47,7 +47,7 @@ struct Nearest {
     std::size_t offset;
 };
 
-TEST(IndexedText, TakesTheNearestPlaceForOneThatDoesNotExist) {
+TEST(IndexedText, MapsPlacesThatDoNotExistToTheNearestOne) {
     const std::string text = "a\xF0\x9F\x8D\xB5\r\nbc";
     const std::size_t far = static_cast<std::size_t>(-1);
     for (const Nearest& each : std::vector<Nearest>{
@@ -63,7 +63,7 @@ TEST(IndexedText, TakesTheNearestPlaceForOneThatDoesNotExist) {
     }
 }
 
-/// The line breaks and units before an offset, counted from the beginning.
+/// The line breaks and UTF-16 units before an offset, counted from the beginning.
 TextPosition countTo(const std::string& text, std::size_t offset, Encoding encoding) {
     TextPosition position;
     for (std::size_t i = 0; i < offset; ++i) {

@@ -6,7 +6,7 @@
 namespace stencilor::lsp {
 namespace {
 
-/// What is read of a stream that delivers `step` bytes at a time.
+/// What is read from a stream that delivers `step` bytes at a time.
 std::vector<std::string> readAll(const std::string& stream, std::size_t step) {
     std::size_t at = 0;
     MessageReader reader([&](char* data, std::size_t size) {
@@ -33,22 +33,20 @@ const std::vector<Case> cases = {
     {"two messages", frame("one") + frame("second"), {"one", "second"}},
     {"headers end with LF alone", "Content-Length: 2\n\nab", {"ab"}},
     {"another header", "Content-Type: x; charset=utf-8\r\nContent-Length: 2\r\n\r\nab", {"ab"}},
-    {"the header in small letters", "content-length:2\r\n\r\nab", {"ab"}},
+    {"the header in lower case", "content-length:2\r\n\r\nab", {"ab"}},
     {"spaces around the number", "Content-Length:  2 \r\n\r\nab", {"ab"}},
     {"an empty message", frame("") + frame("next"), {"", "next"}},
     {"empty lines between messages", "\r\n\r\n" + frame("next"), {"next"}},
     {"headers without a length", "Content-Type: x\r\n\r\n" + frame("next"), {"", "next"}},
-    {"a length that is no number", "Content-Length: x\r\n\r\n" + frame("next"), {"", "next"}},
+    {"a length that is not a number", "Content-Length: x\r\n\r\n" + frame("next"), {"", "next"}},
     {"a negative length", "Content-Length: -1\r\n\r\n" + frame("next"), {"", "next"}},
     {"a length over 64 bits",
      "Content-Length: 99999999999999999999\r\n\r\n" + frame("next"),
      {"", "next"}},
-    {"a header line that is very long",
-     std::string(100'000, 'x') + "\r\n" + frame("next"),
-     {"next"}},
-    {"a message that is cut short", frame("one") + "Content-Length: 5\r\n\r\nab", {"one"}},
-    {"a header that is cut short", frame("one") + "Content-Le", {"one"}},
-    {"a length of more than there could be", "Content-Length: 9999999999\r\n\r\nab", {}},
+    {"a very long header line", std::string(100'000, 'x') + "\r\n" + frame("next"), {"next"}},
+    {"a truncated message", frame("one") + "Content-Length: 5\r\n\r\nab", {"one"}},
+    {"a truncated header", frame("one") + "Content-Le", {"one"}},
+    {"an impossibly large length", "Content-Length: 9999999999\r\n\r\nab", {}},
 };
 
 TEST(MessageReader, SplitsAStream) {
@@ -83,7 +81,7 @@ TEST(MessageQueue, MarksARequestThatIsCancelledBeforeItsTurn) {
     EXPECT_FALSE(queue.take(std::nullopt)->isCancelled);
 }
 
-TEST(MessageQueue, TakesWhateverIsSaidToBeCancelled) {
+TEST(MessageQueue, IgnoresUnknownCancellations) {
     MessageQueue queue;
     for (const char* const params :
          {"null", "[]", "{}", R"({"id": null})", R"({"id": {"a": []}})"}) {

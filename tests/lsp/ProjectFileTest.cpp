@@ -53,21 +53,21 @@ TEST(ProjectFile, ReportsErrors) {
     folder.makeFolder("inner");
     const std::string file = system::identityOf(folder.path("inner")) + "/stencilor.json";
     for (const Wrong& each : std::vector<Wrong>{
-             {"no JSON", "{", ":1:2: expected"},
+             {"not JSON", "{", ":1:2: expected"},
              {"an array", "[]", ": expected an object with root, context and files"},
              {"a number as the root", R"({"root": 1, "context": {}})",
               ": \"context\" must be a string"},
-             {"files that are no array", R"({"files": "*.txt"})",
+             {"files that are not an array", R"({"files": "*.txt"})",
               ": \"files\" must be an array of strings"},
-             {"a misspelt name", R"({"roots": "a"})", ": \"roots\" is unknown"},
-             {"a root around it", R"({"root": ".."})", ": the root \"..\" is outside"},
-             {"a root at the end of a way out", R"({"root": "a/../../b"})", ": the root "},
+             {"a misspelled name", R"({"roots": "a"})", ": \"roots\" is unknown"},
+             {"a root above the project", R"({"root": ".."})", ": the root \"..\" is outside"},
+             {"a root whose path leads outside", R"({"root": "a/../../b"})", ": the root "},
              {"an absolute root", R"({"root": "/"})", ": the root \"/\" is outside"},
          }) {
         SCOPED_TRACE(each.name);
         try {
             parseProject(file, each.text);
-            ADD_FAILURE() << "nothing was found wrong";
+            ADD_FAILURE() << "no error was reported";
         } catch (const Failure& failure) {
             EXPECT_EQ(std::string(failure.what()).substr(0, file.size() + each.fault.size()),
                       file + each.fault);
@@ -79,7 +79,7 @@ TEST(ProjectFile, ARootIsNotReachedThroughALinkThatLeadsOut) {
     const support::TemporaryFolder folder;
     folder.makeFolder("inner");
     if (!folder.makeLink("inner/out", "..")) {
-        GTEST_SKIP() << "the system makes no links";
+        GTEST_SKIP() << "links are not supported";
     }
     const std::string file = system::identityOf(folder.path("inner")) + "/stencilor.json";
     EXPECT_THROW(parseProject(file, R"({"root": "out"})"), Failure);
@@ -99,7 +99,7 @@ TEST(ProjectFile, IsTheNearestOne) {
     const std::string inner = "/w/a/b/stencilor.json";
     EXPECT_EQ(find("/w/a/b", "/w", {outer, inner}), inner);
     EXPECT_EQ(find("/w/a", "/w", {outer, inner}), outer);
-    EXPECT_EQ(find("/w/a", "/w/a", {outer}), "none") << "it is outside of the workspace";
+    EXPECT_EQ(find("/w/a", "/w/a", {outer}), "none") << "it is outside the workspace";
     EXPECT_EQ(find("/x/a", "/w", {"/x/stencilor.json"}), "none");
     EXPECT_EQ(find("/x", "/w", {"/x/stencilor.json"}), "/x/stencilor.json");
     EXPECT_EQ(find("/", "/", {}), "none");

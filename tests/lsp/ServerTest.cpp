@@ -13,7 +13,7 @@ int codeOf(const Json& answer) {
 TEST_F(ServerTest, FollowsTheLifeCycle) {
     EXPECT_EQ(codeOf(request("textDocument/hover", Json::object())), -32002);
     open("a", "{{");
-    EXPECT_FALSE(server.due().has_value()) << "a notification that comes too early is dropped";
+    EXPECT_FALSE(server.due().has_value()) << "a notification that arrives too early is dropped";
     initialize();
     EXPECT_EQ(codeOf(request("initialize", {{"capabilities", Json::object()}})), -32600);
     EXPECT_EQ(request("shutdown", nullptr).at("result"), nullptr);
@@ -24,13 +24,13 @@ TEST_F(ServerTest, FollowsTheLifeCycle) {
     EXPECT_EQ(server.exitStatus(), 0);
 }
 
-TEST_F(ServerTest, FailsWhereTheClientDidNotShutItDown) {
+TEST_F(ServerTest, FailsIfTheClientDidNotShutItDown) {
     initialize();
     notify("exit", nullptr);
     EXPECT_EQ(server.exitStatus(), 1);
 }
 
-TEST_F(ServerTest, OffersUtf8WhereTheClientKnowsIt) {
+TEST_F(ServerTest, OffersUtf8IfTheClientSupportsIt) {
     const auto encodingFor = [](const Json& capabilities) {
         Json answer;
         LanguageServer other([&answer](const Json& message) { answer = message; });
@@ -49,7 +49,7 @@ struct Malformed {
     int code; ///< 0: no answer
 };
 
-TEST_F(ServerTest, AnswersWhatIsMalformed) {
+TEST_F(ServerTest, AnswersMalformedMessages) {
     initialize();
     for (const Malformed& each : std::vector<Malformed>{
              {"", -32700},
@@ -78,7 +78,7 @@ TEST_F(ServerTest, AnswersWhatIsMalformed) {
     }
 }
 
-TEST_F(ServerTest, ReportsNotificationsThatAreNotAsTheyMustBe) {
+TEST_F(ServerTest, ReportsInvalidNotifications) {
     initialize();
     for (const char* const method :
          {"textDocument/didOpen", "textDocument/didChange", "textDocument/didClose",
@@ -99,16 +99,16 @@ TEST_F(ServerTest, AnswersARequestThatWasCancelled) {
     EXPECT_EQ(codeOf(sent.front()), -32800);
 }
 
-TEST_F(ServerTest, AsksToWatchFilesWhereTheClientCan) {
+TEST_F(ServerTest, AsksToWatchFilesIfTheClientCan) {
     const Json watching = {
         {"workspace", {{"didChangeWatchedFiles", {{"dynamicRegistration", true}}}}}};
     initialize(nullptr, watching);
     EXPECT_EQ(sent.back().at("method"), "client/registerCapability");
 }
 
-// What is published.
+// Published diagnostics.
 
-TEST_F(ServerTest, PublishesWhatIsWrongAndThatItIsRight) {
+TEST_F(ServerTest, PublishesErrorsAndTheirRemoval) {
     initialize();
     open("a.txt", "Hello, {{ name }!\n");
     check();
@@ -119,14 +119,14 @@ TEST_F(ServerTest, PublishesWhatIsWrongAndThatItIsRight) {
     EXPECT_FALSE(server.due().has_value());
 }
 
-TEST_F(ServerTest, PublishesAFaultAtTheEndOfALineWhereItCanBeSeen) {
+TEST_F(ServerTest, PublishesAFaultAtTheEndOfALineVisibly) {
     initialize();
     open("a.txt", "{% if x %}\n\xF0\x9F\x8D\xB5 {{ x\n");
     check();
     EXPECT_EQ(published("a.txt").substr(0, 19), "1:6-7 1 syntax: exp");
 }
 
-TEST_F(ServerTest, LooksUpNamesOnlyWhereAContextIsKnown) {
+TEST_F(ServerTest, LooksUpNamesOnlyIfAContextIsKnown) {
     initialize();
     open("a.txt", "{{ titel }}");
     check();
@@ -143,10 +143,10 @@ struct Source {
     Json options;
     std::string project;
     std::string own;
-    std::string known; ///< which of the names has a value; "any" without a context
+    std::string known; ///< the name that has a value; "any" without a context
 };
 
-TEST_F(ServerTest, TakesTheNearestContext) {
+TEST_F(ServerTest, UsesTheNearestContext) {
     folder.writeFile("one.json", R"({"one": ""})");
     initialize();
     const Json options = {{"context", "one.json"}};
@@ -154,12 +154,12 @@ TEST_F(ServerTest, TakesTheNearestContext) {
     int count = 0;
     for (const Source& each : std::vector<Source>{
              {"none", nullptr, "", "", "any"},
-             {"that of the client", options, "", "", "one"},
-             {"that of the project", options, project, "", "two"},
-             {"its own", options, project, R"({"three": ""})", "three"},
-             {"that of the project for other files", nullptr,
+             {"the client's context", options, "", "", "one"},
+             {"the project's context", options, project, "", "two"},
+             {"its own context", options, project, R"({"three": ""})", "three"},
+             {"the project's context for other files", nullptr,
               R"({"context": "two.json", "files": ["*.html"]})", "", "any"},
-             {"that of the project for this file", nullptr,
+             {"the project's context for this file", nullptr,
               R"({"context": "two.json", "files": ["*.html", "*.txt"]})", "", "two"},
          }) {
         SCOPED_TRACE(each.name);
@@ -184,7 +184,7 @@ TEST_F(ServerTest, TakesTheNearestContext) {
     }
 }
 
-TEST_F(ServerTest, ReportsWhatIsWrongInAContextInItsFile) {
+TEST_F(ServerTest, ReportsErrorsInAContextInItsFile) {
     initialize({{"context", "c.json"}});
     folder.writeFile("c.json", "{\"a\":\n x}");
     open("a.txt", "{{ a }}");
@@ -197,7 +197,7 @@ TEST_F(ServerTest, ReportsWhatIsWrongInAContextInItsFile) {
     EXPECT_EQ(published("a.txt"), "");
 }
 
-TEST_F(ServerTest, TakesAContextFromItsBuffer) {
+TEST_F(ServerTest, ReadsAContextFromItsBuffer) {
     initialize({{"context", "c.json"}});
     folder.writeFile("c.json", "{}");
     open("c.json", R"({"a": ""})", "json");
@@ -209,7 +209,7 @@ TEST_F(ServerTest, TakesAContextFromItsBuffer) {
     EXPECT_EQ(published("a.txt").substr(0, 22), "0:3-4 2 missing-name: ");
 }
 
-TEST_F(ServerTest, ReportsAWrongRootOnceAndDoesWithoutIt) {
+TEST_F(ServerTest, ReportsAnInvalidRootOnceAndIgnoresIt) {
     initialize({{"root", "missing"}});
     folder.writeFile("b.txt", "");
     open("a.txt", "{% include \"b.txt\" %}");
@@ -221,7 +221,7 @@ TEST_F(ServerTest, ReportsAWrongRootOnceAndDoesWithoutIt) {
     EXPECT_TRUE(shown().empty());
 }
 
-TEST_F(ServerTest, LetsAProjectNarrowTheRootThatIsSet) {
+TEST_F(ServerTest, LetsAProjectNarrowTheConfiguredRoot) {
     folder.makeFolder("all");
     folder.makeFolder("all/mails");
     folder.writeFile("all/mails/b.txt", "");
@@ -233,7 +233,7 @@ TEST_F(ServerTest, LetsAProjectNarrowTheRootThatIsSet) {
     EXPECT_TRUE(shown().empty());
 }
 
-TEST_F(ServerTest, LetsNoProjectWidenTheRootThatIsSet) {
+TEST_F(ServerTest, LetsNoProjectWidenTheConfiguredRoot) {
     folder.makeFolder("inner");
     folder.writeFile("b.txt", "");
     folder.writeFile("stencilor.json", R"({"root": "."})");
@@ -243,7 +243,7 @@ TEST_F(ServerTest, LetsNoProjectWidenTheRootThatIsSet) {
     EXPECT_EQ(published("a.txt"),
               "0:12-17 1 missing-include: included file \"b.txt\" does not exist");
     ASSERT_EQ(shown().size(), 1u);
-    EXPECT_NE(shown().front().find("is outside of the one that is set"), std::string::npos);
+    EXPECT_NE(shown().front().find("is outside the configured root"), std::string::npos);
 }
 
 // Includes.
@@ -255,7 +255,7 @@ TEST_F(ServerTest, ReadsIncludesFromBuffers) {
     check();
     EXPECT_EQ(published("a.txt"),
               "0:33-40 1 missing-include: included file \"new.txt\" does not exist");
-    EXPECT_NE(published("b.txt"), "") << "what is wrong in a file that is not open";
+    EXPECT_NE(published("b.txt"), "") << "errors in a file that is not open";
     open("b.txt", "fine");
     open("new.txt", "not saved yet");
     check();
@@ -293,9 +293,9 @@ TEST_F(ServerTest, LooksUpNamesInTemplatesThatIncludeEachOther) {
     EXPECT_NE(published("a.txt").find("no string is named \"x\""), std::string::npos);
 }
 
-// When.
+// Timing.
 
-TEST_F(ServerTest, IsDueAgainAfterAnInterruption) {
+TEST_F(ServerTest, ContinuesAfterAnInterruption) {
     initialize({{"context", "c.json"}});
     folder.writeFile("c.json", R"({"a": ""})");
     open("a.txt", "{{ b }}");
@@ -333,7 +333,7 @@ TEST_F(ServerTest, ReportsEmptyLinesOnRequest) {
     EXPECT_EQ(published("a.txt"), "0:0-10" + note + "\n1:2-18" + note);
 }
 
-TEST_F(ServerTest, SendsNoMoreFindingsOfOneFileThanAnEditorShows) {
+TEST_F(ServerTest, SendsNoMoreFindingsPerFileThanAnEditorShows) {
     initialize({{"context", "c.json"}});
     folder.writeFile("c.json", "{}");
     std::string text;

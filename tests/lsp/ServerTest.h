@@ -8,7 +8,7 @@
 
 namespace stencilor::lsp {
 
-/// A server without streams, in a workspace of its own.
+/// A server without streams, with its own workspace.
 class ServerTest : public ::testing::Test {
   protected:
     support::TemporaryFolder folder;
@@ -63,15 +63,15 @@ class ServerTest : public ::testing::Test {
                                           {"contentChanges", Json::array({Json{{"text", text}}})}});
     }
 
-    /// Checks what has changed.
+    /// Checks the files that have changed.
     void check() {
         sent.clear();
         EXPECT_TRUE(server.due().has_value());
         server.runDue([] { return true; });
     }
 
-    /// What was published last for a document, a line for each diagnostic:
-    /// `LINE:CHARACTER-CHARACTER SEVERITY CODE: MESSAGE`. "nothing published" where nothing was.
+    /// The last diagnostics published for a document, one per line:
+    /// `LINE:CHARACTER-CHARACTER SEVERITY CODE: MESSAGE`. "nothing published" if there are none.
     std::string published(const std::string& name) const {
         std::string result = "nothing published";
         for (const Json& message : sent) {
@@ -86,7 +86,7 @@ class ServerTest : public ::testing::Test {
         return result;
     }
 
-    /// The messages that are shown to the user.
+    /// The messages shown to the user.
     std::vector<std::string> shown() const {
         std::vector<std::string> texts;
         for (const Json& message : sent) {

@@ -58,7 +58,7 @@ std::string obviousJson(std::string_view text) {
     return escaped;
 }
 
-TEST(Escaping, TreatsEachByteAtEachPlaceAsAnObviousImplementation) {
+TEST(Escaping, TreatsEachByteAtEachPositionLikeTheObviousImplementation) {
     const std::string_view neighbours = thorough() ? "a<\x7F\xC3%" : "a<";
     for (int byte = 0; byte < 256; ++byte) {
         for (std::size_t before = 0; before < 18; ++before) {
@@ -74,7 +74,7 @@ TEST(Escaping, TreatsEachByteAtEachPlaceAsAnObviousImplementation) {
     }
 }
 
-TEST(Escaping, TreatsEachPairOfBytesAsAnObviousImplementation) {
+TEST(Escaping, TreatsEachPairOfBytesLikeTheObviousImplementation) {
     for (int first = 0; first < 256; ++first) {
         std::string text;
         for (int second = 0; second < 256; ++second) {
@@ -85,7 +85,7 @@ TEST(Escaping, TreatsEachPairOfBytesAsAnObviousImplementation) {
     }
 }
 
-TEST(Escaping, HasTheseResults) {
+TEST(Escaping, ProducesTheseResults) {
     const struct {
         const char* name;
         std::string text;
@@ -96,7 +96,7 @@ TEST(Escaping, HasTheseResults) {
         {"plain text", "plain text, longer", "plain text, longer", "plain text, longer"},
         {"quotation marks", "\"'", "&quot;&#39;", "\\\"'"},
         {"tags", "<a&b>", "&lt;a&amp;b&gt;", "\\u003ca\\u0026b\\u003e"},
-        {"what is escaped already", "&amp;\\n", "&amp;amp;\\n", "\\u0026amp;\\\\n"},
+        {"text that is already escaped", "&amp;\\n", "&amp;amp;\\n", "\\u0026amp;\\\\n"},
         {"control characters", "\b\f\n\r\t\x1F\x7F", "\b\f\n\r\t\x1F\x7F",
          "\\b\\f\\n\\r\\t\\u001f\x7F"},
         {"a NUL", std::string("a\0b", 3), std::string("a\0b", 3), "a\\u0000b"},
@@ -136,7 +136,7 @@ TEST(Escaping, OfARenderIsThatOfTheFunctions) {
               expected(obviousJson(all)));
 }
 
-TEST(Escaping, OfARenderTreatsEachByteAtEachPlaceAsAnObviousImplementation) {
+TEST(Escaping, OfARenderTreatsEachByteAtEachPositionLikeTheObviousImplementation) {
     const Template made("{{ v }}");
     for (int byte = 1; byte < 256; ++byte) {
         for (std::size_t before = 0; before < 18; ++before) {
@@ -147,7 +147,7 @@ TEST(Escaping, OfARenderTreatsEachByteAtEachPlaceAsAnObviousImplementation) {
     }
 }
 
-TEST(Escaping, CountsWhatItAddsTowardsTheLimit) {
+TEST(Escaping, CountsAddedBytesTowardTheLimit) {
     const Template made("{{ v }}");
     for (const std::string& text : {std::string("<"), std::string("plain"), std::string(9, '"')}) {
         const std::string escaped = obviousHtml(text);
@@ -219,7 +219,7 @@ TEST(Escaping, ByAFunctionOfTheHostMayReturnAnyBytes) {
     } cases[] = {
         {"nothing", "", ""},
         {"a NUL", std::string("a\0b", 3), "a"},
-        {"a NUL alone", std::string("\0", 1), ""},
+        {"only a NUL", std::string("\0", 1), ""},
         {"malformed bytes", "\xFF\xE2\x82", "\uFFFD\uFFFD"},
         {"a long text", std::string(200'000, 'x'), std::string(200'000, 'x')},
     };

@@ -53,7 +53,7 @@ class ExhaustedTemplates : public ExhaustedMemory {
 };
 
 // A failure to shrink memory is harmless.
-TEST_F(ExhaustedTemplates, AreMadeWholeOrNotAtAll) {
+TEST_F(ExhaustedTemplates, AreCreatedCompletelyOrNotAtAll) {
     const RenderOptions options{.source = &source_};
     for (const std::string& text : {everything(), everything() + "{{", std::string()}) {
         const RenderResult expected = Template(text, longText).render(context_, options);
@@ -76,7 +76,7 @@ TEST_F(ExhaustedTemplates, AreCopiedWithoutMemory) {
     EXPECT_FALSE(failure.happened());
 }
 
-TEST_F(ExhaustedTemplates, RenderAgainWhereThereIsMemory) {
+TEST_F(ExhaustedTemplates, RenderAgainWhenThereIsMemory) {
     const Template made(everything(), "page");
     for (const Escape& escape : {Escape::none(), Escape::html(), Escape::json()}) {
         const RenderOptions options{.escape = escape, .source = &source_};
@@ -88,7 +88,7 @@ TEST_F(ExhaustedTemplates, RenderAgainWhereThereIsMemory) {
     sweep([&] { return made.render(context_, {.source = &source_, .limits = {.steps = 20}}); });
 }
 
-TEST_F(ExhaustedTemplates, RenderPiecesAgainWhereThereIsMemory) {
+TEST_F(ExhaustedTemplates, RenderPiecesAgainWhenThereIsMemory) {
     const Template made("{% for x in list %}{{ long }}{{ malformed }}{% endfor %}" + everything());
     Value more = values();
     more.set("long", std::string(40'000, 'l'));
@@ -125,7 +125,7 @@ TEST_F(ExhaustedTemplates, LeaveThoseInMemoryAsTheyWere) {
         });
 }
 
-TEST_F(ExhaustedTemplates, AreEscapedWhole) {
+TEST_F(ExhaustedTemplates, AreEscapedCompletely) {
     failEachAllocation([] { return std::make_unique<kel::String>(); },
                        [](kel::String& text) {
                            text = kel::Stencilor::escapeHtml(longText + '<');

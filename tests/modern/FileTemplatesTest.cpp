@@ -55,7 +55,7 @@ TEST_F(FileSource, KeepsAFileForOneOfItsPaths) {
     EXPECT_EQ(textOf("a"), first);
 }
 
-TEST_F(FileSource, ReadsAFileAgainWhereItWasChangedLessThanTwoSecondsAgo) {
+TEST_F(FileSource, ReadsAFileAgainIfItChangedLessThanTwoSecondsAgo) {
     folder_.writeFile("a", longText);
     std::optional<Template> first;
     ASSERT_EQ(source_.find("a", UINT64_MAX, first), Answer::Found);
@@ -66,7 +66,7 @@ TEST_F(FileSource, ReadsAFileAgainWhereItWasChangedLessThanTwoSecondsAgo) {
     EXPECT_EQ(render("a"), std::string(1000, 'y'));
 }
 
-TEST_F(FileSource, ReadsAFileAgainWhereItChanged) {
+TEST_F(FileSource, ReadsAFileAgainIfItChanged) {
     folder_.writeFile("a", "12345");
     age("a", 100s);
     EXPECT_EQ(render("a"), "12345");
@@ -87,7 +87,7 @@ TEST_F(FileSource, ReadsAFileAgainWhereItChanged) {
     EXPECT_EQ(render("a"), "again");
 }
 
-TEST_F(FileSource, ReadsAFileAgainWhereItWasReplacedByOneOfTheSameSizeAndTime) {
+TEST_F(FileSource, ReadsAFileAgainIfItWasReplacedByOneOfTheSameSizeAndTime) {
     folder_.writeFile("a", "12345");
     folder_.writeFile("b", "54321");
     age("a", 100s);

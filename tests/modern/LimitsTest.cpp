@@ -74,19 +74,19 @@ TEST_F(Limits, CountEachNodeIterationAndSixtyFourKeysAsSteps) {
         {"nothing", "", 0},
         {"a text", "abc", 1},
         {"a value", "{{ t }}", 1},
-        {"a value that is missing", "{{ gone }}", 1},
+        {"a missing value", "{{ gone }}", 1},
         {"nodes side by side", "a{{ t }}b", 3},
         {"a condition and what is rendered", "{% if yes %}a{% else %}b{{ t }}{% endif %}", 2},
-        {"a condition that is missing", "{% if gone %}a{% endif %}", 1},
+        {"a missing condition", "{% if gone %}a{% endif %}", 1},
         {"a loop over nothing", "{% for x in none %}a{% endfor %}", 1},
-        {"a loop that is missing", "{% for x in gone %}a{% endfor %}", 1},
+        {"a missing list", "{% for x in gone %}a{% endfor %}", 1},
         {"iterations without nodes", "{% for x in two %}{% endfor %}", 3},
         {"iterations with nodes", "{% for x in two %}a{{ x.t }}{% endfor %}", 7},
         {"an include and its nodes", "{% include \"part\" %}", 3},
         {"an include of nothing", "{% include \"empty\" %}", 1},
-        {"an include that is rejected", "{% include \"rejected\" %}", 1},
-        {"an include that is missing", "{% include \"gone\" %}", 1},
-        {"includes in an include", "{% include \"outer\" %}", 7},
+        {"a rejected include", "{% include \"rejected\" %}", 1},
+        {"a missing include", "{% include \"gone\" %}", 1},
+        {"nested includes", "{% include \"outer\" %}", 7},
         {"63 keys", repeated("{{ t }}", 63), 63},
         {"64 keys", repeated("{{ t }}", 64), 65},
         {"127 keys", repeated("{{ t }}", 127), 128},
@@ -179,7 +179,7 @@ TEST_F(Limits, OfBytesHoldAtEveryNumber) {
     }
 }
 
-TEST_F(Limits, OfBytesCountWhatEscapingMakes) {
+TEST_F(Limits, OfBytesCountEscapedValues) {
     const Template made("{{ t }}");
     const Context context({{"t", "<>"}});
     RenderOptions options{.escape = Escape::html(), .limits = {.outputBytes = 8}};
@@ -270,7 +270,7 @@ Place placeOf(const RenderMessage& message, const std::string& source) {
             message.includedFrom.size()};
 }
 
-TEST_F(Limits, NameThePlaceOfEachStep) {
+TEST_F(Limits, NameTheLocationOfEachStep) {
     const std::string part = "\u00E9\n{{ t }}";
     source_.add("p", part);
     const std::string page = "ab\nc{{ t }}\n"
@@ -297,7 +297,7 @@ TEST_F(Limits, NameThePlaceOfEachStep) {
     }
 }
 
-TEST_F(Limits, NameThePlaceOfTheTextOrValueThatIsTooLong) {
+TEST_F(Limits, NameTheLocationOfTheTextOrValueThatIsTooLong) {
     const struct {
         const char* name;
         std::string input;

@@ -33,7 +33,7 @@ class Answers : public MemoryTemplates {
     }
 };
 
-TEST(Messages, HaveAKindANameAndAPlace) {
+TEST(Messages, HaveAKindANameAndALocation) {
     const struct {
         const char* name;
         const char* input;
@@ -197,10 +197,10 @@ TEST(Messages, DescribeWhatEndsARenderInOneLine) {
     } cases[] = {
         {Kind::TemplateRejected,
          "the template is not well formed: expected \"{% endfor %}\" before the end"},
-        {Kind::StepLimit, "the limit of steps is reached"},
-        {Kind::OutputLimit, "the limit of output bytes is reached"},
-        {Kind::TemplateLimit, "the limit of template bytes is reached"},
-        {Kind::DepthLimit, "the limit of the include depth is reached"},
+        {Kind::StepLimit, "the step limit was reached"},
+        {Kind::OutputLimit, "the output size limit was reached"},
+        {Kind::TemplateLimit, "the template size limit was reached"},
+        {Kind::DepthLimit, "the include depth limit was reached"},
         {Kind::Stopped, "the host stopped the render"},
     };
     for (const auto& row : cases) {
@@ -262,10 +262,10 @@ TEST(Messages, AreKeptUpToTheirLimitAndAllCounted) {
     } cases[] = {
         {"no limit", 0, 3000, 3000},
         {"one", 1, 3, 1},
-        {"exactly reached", 3, 3, 3},
-        {"one over", 3, 4, 3},
-        {"the default, exactly reached", RenderLimits().messages, 1000, 1000},
-        {"the default, one over", RenderLimits().messages, 1001, 1000},
+        {"exactly at the limit", 3, 3, 3},
+        {"one over the limit", 3, 4, 3},
+        {"exactly at the default limit", RenderLimits().messages, 1000, 1000},
+        {"one over the default limit", RenderLimits().messages, 1001, 1000},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -278,7 +278,7 @@ TEST(Messages, AreKeptUpToTheirLimitAndAllCounted) {
     }
 }
 
-TEST(Messages, StayWhereTheTemplateIsGone) {
+TEST(Messages, OutliveTheTemplate) {
     RenderResult result;
     {
         const Template made(std::string("{{ ") + std::string(1000, 'n') + " }}",

@@ -36,7 +36,7 @@ TEST(Pieces, OfAShortTextAreOnePiece) {
     EXPECT_THAT(written.pieces, ElementsAre("aBc"));
 }
 
-TEST(Pieces, OfNoTextAreNone) {
+TEST(Pieces, OfAnEmptyTextDoNotExist) {
     EXPECT_THAT(renderPieces(Template(""), Context({})).pieces, IsEmpty());
     EXPECT_THAT(renderPieces(Template("{{ b }}"), Context({{"b", ""}})).pieces, IsEmpty());
     const Pieces rejected = renderPieces(Template("a{{"), Context({}));
@@ -110,7 +110,7 @@ TEST(Pieces, RepairMalformedTemplatesWhereverThePieceEnds) {
 }
 
 // Values combine to characters inside one node of the template, but not across nodes.
-TEST(Pieces, JoinCharactersWithinANodeAlone) {
+TEST(Pieces, JoinCharactersOnlyWithinANode) {
     for (std::size_t size = 2 * slice - 4; size <= 2 * slice + 4; ++size) {
         SCOPED_TRACE(size);
         const Context context(
@@ -124,7 +124,7 @@ TEST(Pieces, JoinCharactersWithinANodeAlone) {
     }
 }
 
-TEST(Pieces, EndWhereALongValueHasANul) {
+TEST(Pieces, EndAtTheNulOfALongValue) {
     const std::string text(100'000, 'x');
     const Context context({{"v", text + std::string("\0y", 2)}});
     const Pieces written = renderPieces(Template("{{ v }}z"), context);

@@ -93,7 +93,7 @@ TEST(Sources, HaveAnAnswerForEachCase) {
         std::optional<Kind> message;
     } cases[] = {
         {"found", Answer::Found, "text", RenderStatus::Complete, RenderStatus::Complete, {}},
-        {"found and rejected", Answer::Found, "{{", RenderStatus::Complete, RenderStatus::Rejected,
+        {"found but rejected", Answer::Found, "{{", RenderStatus::Complete, RenderStatus::Rejected,
          Kind::TemplateRejected},
         {"found without a template", Answer::Found, nullptr, RenderStatus::Complete,
          RenderStatus::Unreadable, Kind::FileNotLoaded},

@@ -44,7 +44,7 @@ TEST(Template, IsRenderedWithAContextAValueOrBraces) {
     EXPECT_EQ(kel::Stencilor::renderFile("t", {}, options).text, "[]");
 }
 
-TEST(Template, ThatIsWellFormedSaysSo) {
+TEST(Template, ReportsThatItIsWellFormed) {
     const Template made("a{{ b }}", "name");
     EXPECT_TRUE(made.isWellFormed());
     EXPECT_FALSE(made.fault().isPresent());
@@ -140,7 +140,7 @@ TEST_F(TemplateLog, HasTheTracesOfBuildOutputAndNoMessages) {
     }
 }
 
-TEST_F(TemplateLog, ClosesEveryScopeWhereALimitEndsTheRender) {
+TEST_F(TemplateLog, ClosesEveryScopeIfALimitEndsTheRender) {
     const Template made(loggedInputs[4]);
     for (std::uint64_t limit = 1; limit <= made.render(context_).usage.steps; ++limit) {
         LogRecorder recorder(kel::LoggerPriority::PRIORITY_TRACE);

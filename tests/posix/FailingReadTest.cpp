@@ -73,7 +73,7 @@ TEST_F(FailingReadTest, LeavesTheBufferEmpty) {
     });
 }
 
-TEST_F(FailingReadTest, IsRepeatedWhereItWasInterrupted) {
+TEST_F(FailingReadTest, IsRepeatedIfItWasInterrupted) {
     failEachRead(EINTR, [](const FailingRead&) {
         Buffer<unsigned char> buffer;
         ASSERT_TRUE(FileSystem::loadFile("part", buffer, nullptr));
@@ -81,7 +81,7 @@ TEST_F(FailingReadTest, IsRepeatedWhereItWasInterrupted) {
     });
 }
 
-TEST_F(FailingReadTest, EndsWhereTheFileHasBecomeShorter) {
+TEST_F(FailingReadTest, EndsIfTheFileHasBecomeShorter) {
     std::size_t expected = 0;
     failEachRead(0, [&expected](const FailingRead& failure) {
         Buffer<unsigned char> buffer;
@@ -119,7 +119,7 @@ TEST_F(FailingReadTest, IsReportedByAFolderAsAFileThatIsUnreadable) {
     });
 }
 
-TEST_F(FailingReadTest, LeavesTheSizeOfTheStateWhereAFileHasBecomeShorter) {
+TEST_F(FailingReadTest, LeavesTheSizeOfTheStateIfAFileHasBecomeShorter) {
     const FailingRead failure(2, 0);
     Buffer<unsigned char> buffer;
     FileState state;
@@ -129,7 +129,7 @@ TEST_F(FailingReadTest, LeavesTheSizeOfTheStateWhereAFileHasBecomeShorter) {
     EXPECT_EQ(state.size, content.size());
 }
 
-TEST_F(FailingReadTest, IsThatOfAFileThatGrowsPastWhatIsAllowed) {
+TEST_F(FailingReadTest, IsThatOfAFileThatGrowsPastTheLimit) {
     for (const std::size_t allowed : {content.size(), content.size() + 1, std::size_t{100'000}}) {
         const EndlessRead read;
         Buffer<unsigned char> buffer;

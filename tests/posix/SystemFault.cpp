@@ -18,7 +18,7 @@
 //     SYSTEM_FAULT_CALL    which of its calls, from 1
 //     SYSTEM_FAULT_ERROR   the number of the error that it fails with; or
 //     SYSTEM_FAULT_SIGNAL  the number of the signal that comes before the call
-//     SYSTEM_FAULT_MARK    a file that is made when it happens
+//     SYSTEM_FAULT_MARK    a file that is created when it happens
 
 namespace {
 

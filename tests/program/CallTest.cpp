@@ -18,15 +18,15 @@ TEST_F(CallTest, EndsWithStatus2IfItIsWrong) {
     } cases[] = {
         {"no arguments", "", "", "no command is given"},
         {"an unknown command", "", "frob", "unknown command \"frob\""},
-        {"a misspelt command", "", "rendre page.txt",
+        {"a misspelled command", "", "rendre page.txt",
          "unknown command \"rendre\"; did you mean \"render\"?"},
         {"an unknown option of the program", "", "--frob", "unknown option \"--frob\""},
-        {"a misspelt option of the program", "", "--versoin",
+        {"a misspelled option of the program", "", "--versoin",
          "unknown option \"--versoin\"; did you mean \"--version\"?"},
         {"an unknown option", "render", "render page.txt --frob", "unknown option \"--frob\""},
-        {"a misspelt option", "check", "check page.txt --contxt values.json",
+        {"a misspelled option", "check", "check page.txt --contxt values.json",
          "unknown option \"--contxt\"; did you mean \"--context\"?"},
-        {"an unknown option and no template", "render", "render --frob",
+        {"an unknown option without a template", "render", "render --frob",
          "unknown option \"--frob\""},
         {"an option of another command", "check", "check page.txt --strict",
          "unknown option \"--strict\""},
@@ -41,18 +41,17 @@ TEST_F(CallTest, EndsWithStatus2IfItIsWrong) {
         {"two outputs", "render", "render page.txt -o a -o b", "--output is given twice"},
         {"two contexts", "render", "render page.txt values.json --context values.json",
          "more than one context: values.json and values.json"},
-        {"a definition that is missing", "render", "render page.txt -D", "-D needs a value"},
-        {"an output that is missing", "names", "names page.txt -o", "-o needs a value"},
-        {"the standard input twice", "render", "render - -",
+        {"a missing definition", "render", "render page.txt -D", "-D needs a value"},
+        {"a missing output", "names", "names page.txt -o", "-o needs a value"},
+        {"standard input twice", "render", "render - -", "only one file can be - (standard input)"},
+        {"standard input as two templates", "deps", "deps - -",
          "only one file can be - (standard input)"},
-        {"the standard input as two templates", "deps", "deps - -",
-         "only one file can be - (standard input)"},
-        {"a name of the standard input that is not read", "tree",
-         "tree page.txt --stdin-name x.txt", "--stdin-name needs - as the template"},
+        {"a name for standard input that is not read", "tree", "tree page.txt --stdin-name x.txt",
+         "--stdin-name needs - as the template"},
         {"a flag with a value", "render", "render page.txt --strict=no", "--strict takes no value"},
         {"an unknown choice", "names", "names page.txt --format yaml",
          "--format: \"yaml\" is not one of text, json, sarif"},
-        {"a misspelt choice", "render", "render page.txt --escape htlm",
+        {"a misspelled choice", "render", "render page.txt --escape htlm",
          "--escape: \"htlm\" is not one of none, html, json; did you mean \"html\"?"},
         {"an empty template", "render", "render ''", "the file name given for TEMPLATE is empty"},
         {"an empty context", "render", "render page.txt ''",
@@ -65,11 +64,11 @@ TEST_F(CallTest, EndsWithStatus2IfItIsWrong) {
          "deps page.txt --root=", "the file name given for --root is empty"},
         {"no number", "render", "render page.txt --max-steps many",
          "--max-steps: expected a number, optionally followed by K, M or G, not \"many\""},
-        {"too large a number", "render", "render page.txt --max-output 17179869184G",
+        {"a number that is too large", "render", "render page.txt --max-output 17179869184G",
          "--max-output: expected a number, optionally followed by K, M or G, not \"17179869184G\""},
-        {"too deep a limit", "render", "render page.txt --max-depth 101",
+        {"a depth limit that is too large", "render", "render page.txt --max-depth 101",
          "--max-depth: expected a number from 1 to 100, not \"101\""},
-        {"no limit of the depth", "render", "render page.txt --max-depth 0",
+        {"an unlimited depth", "render", "render page.txt --max-depth 0",
          "--max-depth: expected a number from 1 to 100, not \"0\""},
         {"help for an unknown command", "", "help chekc",
          "unknown command \"chekc\"; did you mean \"check\"?"},
@@ -84,7 +83,7 @@ TEST_F(CallTest, EndsWithStatus2IfItIsWrong) {
     }
 }
 
-TEST_F(CallTest, TakesAContextAndAnyNumberOfTemplates) {
+TEST_F(CallTest, AcceptsAContextAndAnyNumberOfTemplates) {
     folder.writeFile("a.txt", R"({{ a }}{% include "b.txt" %})");
     folder.writeFile("b.txt", R"({{ b }})");
     folder.writeFile("values.json", R"({"b":"x"})");
@@ -220,7 +219,7 @@ TEST_F(CallTest, PrintsItsHelp) {
           "\nArguments:\n  TEMPLATE ... (required) ", "--format text|json|sarif"}},
         {"the program's by its name", "help", {"Usage: stencilor [OPTIONS] COMMAND\n"}},
         {"the help's", "help --help", {"Usage: stencilor help "}},
-        {"a command's in short", "render -h", {"Usage: stencilor render "}},
+        {"a command's short help", "render -h", {"Usage: stencilor render "}},
     };
     for (const auto& [name, arguments, parts] : cases) {
         SCOPED_TRACE(name);
@@ -235,12 +234,12 @@ TEST_F(CallTest, PrintsItsHelp) {
     }
 }
 
-TEST_F(CallTest, TakesAFileWhoseNameBeginsWithADash) {
+TEST_F(CallTest, AcceptsAFileWhoseNameBeginsWithADash) {
     folder.writeFile("-x.txt", "text");
     expectOutcome(runStencilor("render -- -x.txt"), 0, "text", "");
 }
 
-TEST_F(CallTest, TakesFullPathsAndNamesOutsideOfAscii) {
+TEST_F(CallTest, AcceptsFullPathsAndNonAsciiNames) {
     folder.makeFolder("\u00E9t\u00E9");
     folder.writeFile("\u00E9t\u00E9/\u20AC \U0001F600.txt", "{{ a }}");
     folder.writeFile("\u00E9t\u00E9/\u20AC.json", R"({"a":"b"})");
@@ -268,11 +267,11 @@ TEST_F(CallTest, NamesTheFileThatCannotBeRead) {
         std::string arguments;
         std::string message;
     } cases[] = {
-        {"a template that is not there", "none.txt", "none.txt: " + missing},
+        {"a template that does not exist", "none.txt", "none.txt: " + missing},
         {"a template that is a folder", "folder", "folder: " + isFolder},
-        {"a context that is not there", "page.txt none.json", "none.json: " + missing},
+        {"a context that does not exist", "page.txt none.json", "none.json: " + missing},
         {"a context that is a folder", "page.txt folder", "folder: " + isFolder},
-        {"a root that is not there", "page.txt --root none", "none: not a readable folder"},
+        {"a root that does not exist", "page.txt --root none", "none: not a readable folder"},
         {"a root that is a file", "page.txt --root page.txt", "page.txt: not a readable folder"},
     };
     for (const auto& [name, arguments, message] : cases) {

@@ -19,7 +19,7 @@ TEST_F(CheckTest, ReportsErrorsWithTheirLocations) {
          "should appear\n"
          "Dear {{ title name }},\n"
          "     ^~~~~~~~~~~~~~~~\n"},
-        {"a block that is open", "a\n {% if b %}\nc {% endfor %}\n",
+        {"an open block", "a\n {% if b %}\nc {% endfor %}\n",
          "page.txt:3:6: error: expected \"if\", \"for\", \"include\", \"else\" or \"endif\"\n"
          "c {% endfor %}\n"
          "     ^\n"
@@ -39,11 +39,11 @@ TEST_F(CheckTest, ReportsErrorsWithTheirLocations) {
          "page.txt:1:1: note: opened here\n"
          "{% for a in b %}\n"
          "^~~~~~~~~~~~~~~~\n"},
-        {"letters of several bytes", "\u00E9\u65E5\U0001F600{{ }",
+        {"multi-byte letters", "\u00E9\u65E5\U0001F600{{ }",
          "page.txt:1:7: error: expected a name after \"{{\"\n"
          "\u00E9\u65E5\U0001F600{{ }\n"
          "      ^\n"},
-        {"bytes that are no letters", "\xFF\xE2\x82{{ }",
+        {"bytes that are not letters", "\xFF\xE2\x82{{ }",
          "page.txt:1:1: warning: malformed UTF-8, which becomes U+FFFD in the output\n"
          "\uFFFD\uFFFD{{ }\n"
          "^\n"
@@ -62,14 +62,14 @@ TEST_F(CheckTest, ReportsErrorsWithTheirLocations) {
          "page.txt:1:4: error: expected a name after \"{{\"\n"
          "{{ }\n"
          "   ^\n"},
-        {"line ends of CR LF", "a\r\n{{ b\r\n}}\r\n",
+        {"CR LF line endings", "a\r\n{{ b\r\n}}\r\n",
          "page.txt:2:5: error: expected \"}}\" after the name\n"
          "{{ b\n"
          "    ^\n"
          "page.txt:2:1: note: a tag cannot span lines\n"
          "{{ b\n"
          "^~~~\n"},
-        {"a CR alone", "a\r{{ b }\r",
+        {"a lone CR", "a\r{{ b }\r",
          "page.txt:1:8: error: expected \"}}\" after the name\n"
          "a\\r{{ b }\\r\n"
          "        ^\n"},
@@ -84,12 +84,12 @@ TEST_F(CheckTest, ReportsErrorsWithTheirLocations) {
          "page.txt:1:7: warning: a NUL byte: the template ends here, and what follows is ignored\n"
          "a{{ b \\x00}}\n"
          "      ^~~~\n"},
-        {"characters that a terminal obeys", "\x1B[1m\u009B\u202E\uFEFF{{ \u2028",
+        {"characters that control a terminal", "\x1B[1m\u009B\u202E\uFEFF{{ \u2028",
          "page.txt:1:11: error: expected a name after \"{{\"\n"
          "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
          "                            ^~~~~~\n"
          "page.txt:1:8: note: to output these two characters, have the context provide a value "
-         "that holds them\n"
+         "that contains them\n"
          "\\x1B[1m\\u009B\\u202E\\uFEFF{{ \\u2028\n"
          "                         ^~~~~~~~~\n"},
         {"a long line", std::string(300, 'a') + "{{ }" + std::string(300, 'b'),
@@ -150,7 +150,7 @@ TEST_F(CheckTest, FollowsIncludes) {
         int status;
         std::string findings;
     } cases[] = {
-        {"a file that is rejected", R"(a{% include "bad.txt" %})", "", 1,
+        {"a rejected file", R"(a{% include "bad.txt" %})", "", 1,
          "pages/bad.txt:1:3: error: expected a name after \"{{\"\n{{\n  ^\n"},
         {"each file once",
          R"({% include "bad.txt" %}{% include "bad.txt" %}{% include "parts/../bad.txt" %})", "", 1,
@@ -159,9 +159,9 @@ TEST_F(CheckTest, FollowsIncludes) {
          "pages/parts/bad.txt:1:3: error: expected \"if\", \"for\" or \"include\"\n{%\n  ^\n"},
         {"a file below another root", R"({% include "bad.txt" %})", "--root other", 1,
          "other/bad.txt:1:6: error: expected a name after \"if\"\n{% if\n     ^\n"},
-        {"a file that is missing", "{% include \"none.txt\" %}", "", 1,
+        {"a missing file", "{% include \"none.txt\" %}", "", 1,
          "pages/page.txt:1:13: " + missing + "{% include \"none.txt\" %}\n            ^~~~~~~~\n"},
-        {"a file outside of the root", "{% include \"parts/../../none.txt\" %}", "", 1,
+        {"a file outside the root", "{% include \"parts/../../none.txt\" %}", "", 1,
          "pages/page.txt:1:13: error: included file \"parts/../../none.txt\" does not exist\n"
          "{% include \"parts/../../none.txt\" %}\n            ^~~~~~~~~~~~~~~~~~~~\n"},
         {"the files before a fault", "{% include \"none.txt\" %}{{", "", 1,
@@ -195,15 +195,15 @@ TEST_F(CheckTest, DistinguishesCyclesThatMayEndFromEndlessOnes) {
         std::string b;
         std::string finding; // its first line
     } cases[] = {
-        {"one that always goes on", toB, toA, "b.txt:1:13: error: " + message},
+        {"an unconditional cycle", toB, toA, "b.txt:1:13: error: " + message},
         {"with blocks before and after", "{% if x %}{% endif %}" + toB + looped, toA,
          "b.txt:1:13: error: " + message},
-        {"a condition around an include", guarded, toA, note},
-        {"a loop around an include", looped, toA, note},
-        {"the other part of a condition", "{% if x %}{% else %}" + toB + "{% endif %}", toA, note},
-        {"a condition around one of two includes", guarded + toB, toA,
+        {"an include inside a condition", guarded, toA, note},
+        {"an include inside a loop", looped, toA, note},
+        {"the else part of a condition", "{% if x %}{% else %}" + toB + "{% endif %}", toA, note},
+        {"one of two includes inside a condition", guarded + toB, toA,
          "b.txt:1:13: error: " + message},
-        {"a file that is rejected", toB, toA + "{{", note},
+        {"a rejected file", toB, toA + "{{", note},
     };
     for (const auto& [name, a, b, finding] : cases) {
         SCOPED_TRACE(name);
@@ -254,8 +254,8 @@ TEST_F(CheckTest, WarnsAboutNamesThatAContextDoesNotHave) {
         std::string text;
         std::vector<std::string> warnings; // without the lines of the source
     } cases[] = {
-        {"names that it has", "{{ s }}{{ o.m }}{% if b %}{% endif %}", {}},
-        {"a name that is missing",
+        {"names in the context", "{{ s }}{{ o.m }}{% if b %}{% endif %}", {}},
+        {"a missing name",
          "{{ x }}{{ x }}",
          {"1:4: warning: no string is named \"x\"", "1:11: warning: no string is named \"x\""}},
         {"values of other kinds",
@@ -266,7 +266,7 @@ TEST_F(CheckTest, WarnsAboutNamesThatAContextDoesNotHave) {
           "1:22: warning: \"o\" is a dictionary, not a string",
           "1:32: warning: \"s\" is a string, not a boolean",
           "1:59: warning: \"b\" is a boolean, not a list"}},
-        {"conditions and lists that are missing",
+        {"missing conditions and lists",
          "{% if x %}{{ y }}{% endif %}{% for a in z %}{{ a.y }}{% endfor %}",
          {"1:7: warning: no boolean is named \"x\"", "1:41: warning: no list is named \"z\""}},
         {"both parts of a condition",
@@ -276,13 +276,13 @@ TEST_F(CheckTest, WarnsAboutNamesThatAContextDoesNotHave) {
          "{% for item in items %}{{ item.name }}{{ item.price }}{% endfor %}",
          {"1:27: warning: no string is named \"item.name\" in element 3 of \"items\"",
           "1:42: warning: no string is named \"item.price\" in element 2 of \"items\""}},
-        {"loops in each other",
+        {"nested loops",
          "{% for i in items %}{% for j in i.sub %}{{ j.x }}{{ i.price }}{% endfor %}{% endfor %}",
          {"1:33: warning: no list is named \"i.sub\" in element 1 of \"items\"",
           "1:44: warning: no string is named \"j.x\" in element 1 of \"i.sub\"",
           "1:53: warning: no string is named \"i.price\" in element 1 of \"i.sub\""}},
         {"nothing inside an empty list", "{% for i in empty %}{{ i.x }}{% endfor %}", {}},
-        {"an included file, where variables do not reach",
+        {"an included file, which does not see variables",
          R"({% for item in items %}{% include "part.txt" %}{% endfor %})",
          {"part.txt:1:4: warning: no string is named \"name\" in element 3 of \"items\"",
           "part.txt:1:14: warning: no string is named \"item.name\" in element 1 of \"items\"; did "

@@ -18,12 +18,12 @@ TEST_F(ContextTest, ComesFromAJsonFileAndDefinitions) {
         {"an empty string", "[{{ a }}]", R"({"a":"old"})", {"a="}, "[]"},
         {"a string with an equals sign", "{{ a }}", "{}", {"a=b=c"}, "b=c"},
         {"a string that looks like JSON", "{{ a }}", "{}", {"a={\"b\":1}"}, "{\"b\":1}"},
-        {"a string with blanks, quotes and backslashes",
+        {"a string with spaces, quotes and backslashes",
          "{{ a }}",
          "{}",
          {R"(a= "b" \"c\\ )"},
          R"( "b" \"c\\ )"},
-        {"a string outside of ASCII", "{{ a }}", "{}", {"a=\u20AC\U0001F600"}, "\u20AC\U0001F600"},
+        {"a non-ASCII string", "{{ a }}", "{}", {"a=\u20AC\U0001F600"}, "\u20AC\U0001F600"},
         {"a number", "{{ a }}", "{}", {"a:=1.10"}, "1.10"},
         {"a boolean", "{% if a %}yes{% endif %}", "{}", {"a:=true"}, "yes"},
         {"a list",
@@ -37,14 +37,18 @@ TEST_F(ContextTest, ComesFromAJsonFileAndDefinitions) {
          R"({"l":[],"a":1,"b":2})",
          {"a:=null"},
          "2"},
-        {"the last of a name wins", "{{ a }}", "{}", {"a=1", "a:=2", "a=3"}, "3"},
-        {"the last of a name wins, be it JSON", "{{ a }}", "{}", {"a=1", "a=3", "a:=2"}, "2"},
+        {"the last definition of a name wins", "{{ a }}", "{}", {"a=1", "a:=2", "a=3"}, "3"},
+        {"the last definition of a name wins, even as JSON",
+         "{{ a }}",
+         "{}",
+         {"a=1", "a=3", "a:=2"},
+         "2"},
         {"a dotted name, which wins over a nested member",
          "{{ user.name }}",
          R"({"user":{"name":"old"}})",
          {"user.name=new"},
          "new"},
-        {"an object that replaces one, dotted names and all",
+        {"an object that replaces another, with its dotted names",
          "{{ user.name }}",
          R"({"user":{"name":"old","first":"old"}})",
          {R"(user:={"name":"new"})"},
@@ -65,7 +69,7 @@ TEST_F(ContextTest, ComesFromAJsonFileAndDefinitions) {
     }
 }
 
-TEST_F(ContextTest, LosesTheDottedNamesOfAnObjectThatIsReplaced) {
+TEST_F(ContextTest, LosesTheDottedNamesOfAReplacedObject) {
     folder.writeFile("page.txt", "{{ user.first }}");
     folder.writeFile("values.json", R"({"user":{"first":"old"}})");
     expectOutcome(
@@ -96,14 +100,14 @@ TEST_F(ContextTest, ReportsFileLineAndColumnOfErrors) {
         std::string message;
     } cases[] = {
         {"an empty file", "", "1:1: expected a value, found the end of the text"},
-        {"a root that is no object", "\n [1]",
+        {"a root that is not an object", "\n [1]",
          " expected an object, whose members the template can name"},
         {"malformed JSON", "{\n  \"a\": 1,\n}",
          "3:1: expected a name in quotation marks after ',', found '}'"},
         {"malformed UTF-8", "{\"\u00E9\": \"\xFF\"}", "1:8: malformed UTF-8"},
         {"a duplicate key", "{\"a\":1,\n\"a\":2}", "2:1: duplicate name \"a\""},
         {"nesting", "{\"a\":" + std::string(512, '['), "1:517: nested more than 512 levels deep"},
-        {"a boolean that is none", R"({"a":{"$boolean":1}})",
+        {"a boolean that is not true or false", R"({"a":{"$boolean":1}})",
          "1:18: expected true or false as the value of \"$boolean\""},
     };
     for (const auto& [name, json, message] : cases) {
@@ -128,7 +132,7 @@ TEST_F(ContextTest, NamesTheWrongDefinition) {
         {"no name before JSON", ":=1", "-D :=1: expected NAME=VALUE or NAME:=JSON"},
         {"malformed JSON", "a:=[1,",
          "-D a:1:4: expected a value after ',', found the end of the text"},
-        {"no JSON", "a:=", "-D a:1:1: expected a value, found the end of the text"},
+        {"not JSON", "a:=", "-D a:1:1: expected a value, found the end of the text"},
         {"bare text as JSON", "a:=text", "-D a:1:1: expected a value, found 'text'"},
         {"a string for the root's boolean", "$boolean=true", "-D $boolean: expected true or false"},
         {"a number for the root's boolean", "$boolean:=1", "-D $boolean: expected true or false"},

@@ -47,7 +47,7 @@ TEST_F(DepsTest, WritesAMakeRule) {
     } cases[] = {
         {"files", "pages/page.txt --depfile out.html",
          "out.html: pages/page.txt \\\n  pages/parts/a.txt \\\n  pages/b.txt\n"},
-        {"no inclusions", "pages/b.txt --depfile out.html", "out.html: pages/b.txt\n"},
+        {"no includes", "pages/b.txt --depfile out.html", "out.html: pages/b.txt\n"},
         {"names that must be escaped", "'p q$#/page.txt' --depfile 'a b#c$d'",
          "a\\ b\\#c$$d: p\\ q$$\\#/page.txt \\\n  p\\ q$$\\#/row.txt\n"},
         {"backslashes", R"(pages/b.txt --depfile 'a\b\\ c')",
@@ -66,7 +66,7 @@ TEST_F(DepsTest, WritesAMakeRule) {
 #ifndef _WIN32
 TEST_F(DepsTest, WritesARuleThatMakeReads) {
     if (runShell("command -v make").status != 0) {
-        GTEST_SKIP() << "there is no make";
+        GTEST_SKIP() << "make is not installed";
     }
     folder.makeFolder("p q$#");
     folder.writeFile("p q$#/page.txt", R"({% include "row.txt" %})");

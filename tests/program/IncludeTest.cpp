@@ -36,10 +36,10 @@ TEST_F(IncludeTest, FindsFilesBelowTheRootOnly) {
          R"([{% include "part.txt" %}])", "[in the working directory]", ""},
         {"another root, for a template from the standard input", "- --root other",
          R"([{% include "part.txt" %}])", "[elsewhere]", ""},
-        {"not above it", "pages/up.txt", "", "[]",
+        {"not above the root", "pages/up.txt", "", "[]",
          "pages/up.txt:1:14: warning: included file \"parts/../../part.txt\" does not exist\n"
          "[{% include \"parts/../../part.txt\" %}]\n             ^~~~~~~~~~~~~~~~~~~~\n"},
-        {"not where another root has it", "pages/deep.txt --root other", "", "[]",
+        {"not where only another root has the file", "pages/deep.txt --root other", "", "[]",
          "pages/deep.txt:1:14: warning: included file \"parts/part.txt\" does not exist\n"
          "[{% include \"parts/part.txt\" %}]\n             ^~~~~~~~~~~~~~\n"},
     };
@@ -58,9 +58,9 @@ TEST_F(IncludeTest, DoesNotConfineTheFilesThatAreNamed) {
     EXPECT_EQ(support::readFile(folder.path("pages/out.txt")), "x");
 }
 
-TEST_F(IncludeTest, IsRefusedThroughALinkThatLeavesTheRoot) {
+TEST_F(IncludeTest, IsRejectedThroughALinkThatLeavesTheRoot) {
     if (!folder.makeLink("pages/link.txt", "../other/part.txt")) {
-        GTEST_SKIP() << "no links on this system";
+        GTEST_SKIP() << "links are not supported";
     }
     folder.writeFile("pages/linked.txt", R"([{% include "link.txt" %}])");
     expectOutcome(runStencilor("render pages/linked.txt"), 1, "[]",

@@ -80,7 +80,7 @@ TEST_F(NamesTest, AreListedWithFivePlacesOfEachKindAndTheNumberOfTheOthers) {
     EXPECT_EQ(last["moreInclusions"], 1);
 }
 
-TEST_F(NamesTest, MakeASkeletonToFillIn) {
+TEST_F(NamesTest, FormASkeletonToFillIn) {
     const Outcome outcome = runStencilor("names page.txt --skeleton");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
@@ -88,7 +88,7 @@ TEST_F(NamesTest, MakeASkeletonToFillIn) {
         "shop": {"items": [{"name": "", "tags": [{"x": ""}], "price": ""}]}})"));
 }
 
-TEST_F(NamesTest, MakeACompleteSkeleton) {
+TEST_F(NamesTest, FormACompleteSkeleton) {
     const struct {
         const char* name;
         std::string text;
@@ -100,7 +100,7 @@ TEST_F(NamesTest, MakeACompleteSkeleton) {
          R"({"a": {"b": {"c": "", "d": ""}, "e": ""}})"},
         {"a name that begins another", "{{ a }}{{ a.b }}{{ a.b.c }}",
          R"({"a": "", "a.b": "", "a.b.c": ""})"},
-        {"a name that begins another behind it", "{{ a.b }}{{ a }}", R"({"a": "", "a.b": ""})"},
+        {"a name that begins a later one", "{{ a.b }}{{ a }}", R"({"a": "", "a.b": ""})"},
         {"names with empty parts", "{{ a. }}{{ b..c }}", R"({"a.": "", "b..c": ""})"},
         {"a condition on a member", "{% for a in b %}{% if a.c %}{{ a.d }}{% endif %}{% endfor %}",
          R"({"b": [{"c": true, "d": ""}]})"},
@@ -148,7 +148,7 @@ TEST_F(NamesTest, OfARejectedTemplateAreNotListed) {
     EXPECT_EQ(support::readFile("out.txt"), "before");
 }
 
-TEST_F(NamesTest, AreListedInSpiteOfAnIncludedFileThatIsMissingOrRejected) {
+TEST_F(NamesTest, AreListedEvenIfAnIncludedFileIsMissingOrRejected) {
     folder.writeFile("case.txt", R"({% include "none.txt" %}{% include "bad.txt" %}{{ a }})");
     folder.writeFile("bad.txt", "{{ b }}{{");
     expectOutcome(runStencilor("names case.txt"), 1,
@@ -159,7 +159,7 @@ TEST_F(NamesTest, AreListedInSpiteOfAnIncludedFileThatIsMissingOrRejected) {
                   "bad.txt:1:10: error: expected a name after \"{{\"\n{{ b }}{{\n         ^\n");
 }
 
-TEST_F(NamesTest, AreListedOnceWhereAFileIncludesItself) {
+TEST_F(NamesTest, AreListedOnceIfAFileIncludesItself) {
     folder.writeFile("case.txt",
                      R"({% for x in xs %}{{ x.n }}{% include "case.txt" %}{% endfor %})");
     expectOutcome(runStencilor("names case.txt"), 0,

@@ -22,13 +22,13 @@ class OutputFileTest : public ProgramTest {
 
 using Names = std::vector<std::string>;
 
-TEST_F(OutputFileTest, IsMadeOrReplaced) {
+TEST_F(OutputFileTest, IsCreatedOrReplaced) {
     folder.makeFolder("below");
     const struct {
         const char* name;
         std::string file;
     } cases[] = {
-        {"beside the template", "out.txt"},
+        {"next to the template", "out.txt"},
         {"in another folder", "below/out.txt"},
         {"by its full path", folder.path("full.txt")},
     };
@@ -87,7 +87,7 @@ TEST_F(OutputFileTest, IsReplacedByAnotherOneAndNotWrittenTo) {
     EXPECT_EQ(support::readFile("former.txt"), "before");
 }
 
-TEST_F(OutputFileTest, IsNamedWhereItCannotBeWritten) {
+TEST_F(OutputFileTest, IsNamedIfItCannotBeWritten) {
     folder.makeFolder("folder");
 #ifdef _WIN32
     const std::string isFolder = "Access denied";
@@ -102,7 +102,7 @@ TEST_F(OutputFileTest, IsNamedWhereItCannotBeWritten) {
         std::string reason;
     } cases[] = {
         {"a folder", "folder", isFolder},
-        {"a file in a folder that is not there", "none/out.txt", noFolder},
+        {"a file in a folder that does not exist", "none/out.txt", noFolder},
     };
     for (const auto& [name, file, reason] : cases) {
         SCOPED_TRACE(name);
@@ -168,7 +168,7 @@ TEST_F(OutputFileTest, GetsThePermissionsThatNewFilesHave) {
 
 TEST_F(OutputFileTest, IsKeptIfItIsNotWritable) {
     if (::geteuid() == 0) {
-        GTEST_SKIP() << "the administrator may write everything";
+        GTEST_SKIP() << "root may write to everything";
     }
     folder.writeFile("out.txt", "before");
     fs::permissions("out.txt", fs::perms(0444));
@@ -190,7 +190,7 @@ TEST_F(OutputFileTest, IsTheTargetOfALink) {
         {"a link to a file", "link1", "below/old.txt", "below/old.txt"},
         {"a link to a link", "link2", "link1", "below/old.txt"},
         {"a full path", "link3", folder.path("below/old.txt"), "below/old.txt"},
-        {"a link to a file that is not there", "link4", "below/made.txt", "below/made.txt"},
+        {"a link to a file that does not exist", "link4", "below/made.txt", "below/made.txt"},
     };
     for (const auto& [name, link, target, file] : cases) {
         SCOPED_TRACE(name);

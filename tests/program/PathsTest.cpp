@@ -130,7 +130,7 @@ void expectRefused(const Outcome& outcome, const std::string& file) {
     EXPECT_TRUE(outcome.errors.starts_with("stencilor: " + file + ": ")) << outcome.errors;
 }
 
-TEST_F(PathsTest, OfLockedFilesAreRefused) {
+TEST_F(PathsTest, OfLockedFilesAreRejected) {
     folder.writeFile("out.txt", "before");
     {
         const support::LockedFile locked(native(page));

@@ -30,17 +30,17 @@ TEST_F(RenderTest, LeavesAndReportsGapsUnlessItIsStrict) {
     } cases[] = {
         {"nothing", "{{ s }}", "x", ""},
         {"an empty template", "", "", ""},
-        {"a name that is missing", "a\n{{ x }}b{{ s }}", "a\nbx",
+        {"a missing name", "a\n{{ x }}b{{ s }}", "a\nbx",
          "page.txt:2:4: warning: no string is named \"x\"\n{{ x }}b{{ s }}\n   ^\n"},
         {"a list as a string", "{{ l }}", "",
          "page.txt:1:4: warning: \"l\" is a list, not a string; loop over it: {% for x in l "
          "%}...{% endfor %}\n{{ l }}\n   ^\n"},
-        {"a condition that is missing", "{% if x %}{% endif %}", "",
+        {"a missing condition", "{% if x %}{% endif %}", "",
          "page.txt:1:7: warning: no boolean is named \"x\"\n{% if x %}{% endif %}\n      ^\n"},
         {"a string as a condition", "{% if s %}{% endif %}", "",
          "page.txt:1:7: warning: \"s\" is a string, not a boolean\n"
          "{% if s %}{% endif %}\n      ^\n"},
-        {"a list that is missing", "{% for a in x %}{% endfor %}", "",
+        {"a missing list", "{% for a in x %}{% endfor %}", "",
          "page.txt:1:13: warning: no list is named \"x\"\n"
          "{% for a in x %}{% endfor %}\n            ^\n"},
         {"a string as a list", "{% for a in s %}{% endfor %}", "",
@@ -49,7 +49,7 @@ TEST_F(RenderTest, LeavesAndReportsGapsUnlessItIsStrict) {
         {"each place once", "{% for i in l %}{{ i.a }}{% endfor %}", "1",
          "page.txt:1:20: warning: no string is named \"i.a\" in element 2 of \"l\"\n"
          "{% for i in l %}{{ i.a }}{% endfor %}\n                   ^~~\n"},
-        {"nothing of what is not rendered", "{% if no %}{{ x }}{% endif %}", "", ""},
+        {"nothing about parts that are not rendered", "{% if no %}{{ x }}{% endif %}", "", ""},
         {"an included file that is missing", R"(a{% include "none.txt" %}b)", "ab",
          "page.txt:1:14: warning: included file \"none.txt\" does not exist\n"
          "a{% include \"none.txt\" %}b\n             ^~~~~~~~\n"},
@@ -134,7 +134,7 @@ TEST_F(RenderTest, EndsAtALimit) {
     } cases[] = {
         {"a template that includes itself", "endless.txt",
          "endless.txt:1:13: error: includes are nested deeper than 100 (--max-depth)\n"},
-        {"a depth that is chosen", "page.txt values.json --max-depth 1 --max-output 4",
+        {"a chosen depth", "page.txt values.json --max-depth 1 --max-output 4",
          "page.txt:1:1: error: the output exceeds 4 bytes (--max-output)\n"},
         {"enough output", "page.txt values.json --max-output 21", ""},
         {"any output", "page.txt values.json --max-output 0", ""},
@@ -142,11 +142,11 @@ TEST_F(RenderTest, EndsAtALimit) {
         {"too much output", "page.txt values.json --max-output 20",
          "long.txt:1:1: error: the output exceeds 20 bytes (--max-output)\n"},
         {"enough templates", "page.txt values.json --max-templates 51", ""},
-        {"too long an included template", "page.txt values.json --max-templates 50",
+        {"an included template that is too long", "page.txt values.json --max-templates 50",
          "page.txt:1:25: error: the templates exceed 50 bytes (--max-templates)\n"},
-        {"nothing left for included templates", "page.txt values.json --max-templates 36",
+        {"no bytes left for included templates", "page.txt values.json --max-templates 36",
          "page.txt:1:25: error: the templates exceed 36 bytes (--max-templates)\n"},
-        {"too long a template", "page.txt values.json --max-templates 35",
+        {"a template that is too long", "page.txt values.json --max-templates 35",
          "page.txt:1:1: error: the template exceeds 35 bytes (--max-templates)\n"},
         {"enough steps", "page.txt values.json --max-steps 4", ""},
         {"too many steps", "page.txt values.json --max-steps 3",

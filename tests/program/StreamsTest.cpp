@@ -20,8 +20,8 @@ TEST_F(StreamsTest, PreserveEveryByte) {
         std::string expected;
         int status = 0;
     } cases[] = {
-        {"line ends of every kind", "a\r\nb\nc\rd\r\n\n\r", "a\r\nb\nc\rd\r\n\n\r"},
-        {"what ends a text file on some systems",
+        {"line endings of every kind", "a\r\nb\nc\rd\r\n\n\r", "a\r\nb\nc\rd\r\n\n\r"},
+        {"a byte that ends a text file on some systems",
          "a\x1A"
          "b\n",
          "a\x1A"
@@ -32,7 +32,7 @@ TEST_F(StreamsTest, PreserveEveryByte) {
          "\xEF\xBB\xBF"
          "a",
          1},
-        {"characters outside of ASCII", "\u00E9\u20AC\U0001F600", "\u00E9\u20AC\U0001F600"},
+        {"non-ASCII characters", "\u00E9\u20AC\U0001F600", "\u00E9\u20AC\U0001F600"},
         {"control characters", "\x01\t\v\f\x1B\x7F", "\x01\t\v\f\x1B\x7F"},
         {"malformed UTF-8, which the engine repairs",
          "a\xFF"
@@ -41,7 +41,7 @@ TEST_F(StreamsTest, PreserveEveryByte) {
          "b",
          1},
         {"a NUL, which ends a template", std::string("a\0b", 3), "a", 1},
-        {"more than a pipe or a buffer holds", std::string(1'000'000, 'x') + "\r\n",
+        {"more than a pipe or a buffer can hold", std::string(1'000'000, 'x') + "\r\n",
          std::string(1'000'000, 'x') + "\r\n"},
     };
     for (const auto& [name, text, expected, status] : cases) {
@@ -83,9 +83,9 @@ TEST_F(StreamsTest, ThatAreFullOrClosedAreReported) {
         std::string message;
     } cases[] = {
         {"a full disk", "\"$0\" render page.txt >/dev/full", "<stdout>: No space left on device"},
-        {"a full disk for the help", "\"$0\" --help >/dev/full",
+        {"a full disk during the help", "\"$0\" --help >/dev/full",
          "<stdout>: No space left on device"},
-        {"a full disk for the version", "\"$0\" --version >/dev/full",
+        {"a full disk during the version", "\"$0\" --version >/dev/full",
          "<stdout>: No space left on device"},
         {"a closed output", "\"$0\" render page.txt >&-", "<stdout>: Bad file descriptor"},
         {"a closed input", "\"$0\" render - <&-", "<stdin>: Bad file descriptor"},

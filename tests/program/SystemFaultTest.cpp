@@ -127,11 +127,11 @@ TEST_F(SystemFaultTest, IsAvoidedByARetry) {
         const char* name;
         Fault fault;
     } cases[] = {
-        {"a write that a signal interrupts", {"write", 1, EINTR}},
-        {"a write that would have to wait", {"write", 1, EAGAIN}},
-        {"a read that a signal interrupts", {"read", 1, EINTR}},
-        {"a read that would have to wait", {"read", 1, EAGAIN}},
-        {"a file system that cannot be asked to write now", {"fsync", 1, EINVAL}},
+        {"a write interrupted by a signal", {"write", 1, EINTR}},
+        {"a write that would block", {"write", 1, EAGAIN}},
+        {"a read interrupted by a signal", {"read", 1, EINTR}},
+        {"a read that would block", {"read", 1, EAGAIN}},
+        {"a file system that cannot flush", {"fsync", 1, EINVAL}},
     };
     for (const auto& [name, fault] : cases) {
         SCOPED_TRACE(name);
@@ -144,7 +144,7 @@ TEST_F(SystemFaultTest, IsAvoidedByARetry) {
     }
 }
 
-TEST_F(SystemFaultTest, LeavesNoTemporaryFileWhereASignalEndsTheProgram) {
+TEST_F(SystemFaultTest, LeavesNoTemporaryFileIfASignalEndsTheProgram) {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGPIPE,
                              SIGXCPU, SIGVTALRM, SIGPROF}) {
         for (const char* const function : {"write", "fsync", "rename"}) {
@@ -180,7 +180,7 @@ class SharedFileTest : public SystemFaultTest {
 
     void SetUp() override {
         if (::geteuid() != 0) {
-            GTEST_SKIP() << "only the administrator may take another user's place";
+            GTEST_SKIP() << "only root can switch to another user";
         }
         fs::permissions(".", fs::perms::all);
         if (runShell(asUser + "\"$0\" --version").status != 0) {
@@ -191,7 +191,7 @@ class SharedFileTest : public SystemFaultTest {
     const std::string asUser = "exec setpriv --reuid=64001 --regid=64001 --groups=64002 ";
 };
 
-TEST_F(SharedFileTest, KeepsWhatItsNewOwnerMayKeep) {
+TEST_F(SharedFileTest, KeepsThePermissionsThatItsNewOwnerMayHave) {
     const struct {
         const char* name;
         uid_t owner;
@@ -201,11 +201,11 @@ TEST_F(SharedFileTest, KeepsWhatItsNewOwnerMayKeep) {
         mode_t after;
     } cases[] = {
         {"a file of a group of the user", 0, sharedGroup, 0664, sharedGroup, 0664},
-        {"with the group's bit", 0, sharedGroup, 02775, sharedGroup, 02775},
-        {"with the owner's bit", 0, sharedGroup, 04775, sharedGroup, 0775},
+        {"with the set-group-ID bit", 0, sharedGroup, 02775, sharedGroup, 02775},
+        {"with the set-user-ID bit", 0, sharedGroup, 04775, sharedGroup, 0775},
         {"a file of another group", 0, 0, 0646, ownGroup, 0646},
         {"with both bits", 0, 0, 06757, ownGroup, 0757},
-        {"whose group may do more than others", 0, 0, 0676, ownGroup, 0666},
+        {"whose group has more rights than others", 0, 0, 0676, ownGroup, 0666},
         {"the user's own file with both bits", 64001, ownGroup, 06755, ownGroup, 06755},
     };
     for (const auto& [name, owner, group, before, newGroup, after] : cases) {

@@ -72,7 +72,7 @@ TEST_F(TerminalTest, IsSafeFromArguments) {
         {"an output", "render page.txt -o none/" + hostile},
         {"a definition without a value", "render page.txt -D " + hostile},
         {"a definition of bad JSON", "render page.txt -D " + hostile + ":=x"},
-        {"a target of Make", "deps page.txt --depfile " + hostile + "\n"},
+        {"a Make target", "deps page.txt --depfile " + hostile + "\n"},
         {"a command", hostile},
         {"an option", "render page.txt --" + hostile},
         {"a format", "check page.txt --format " + hostile},
@@ -103,9 +103,9 @@ TEST_F(TerminalTest, IsSafeFromTheNamesOfFiles) {
 #endif
 
 #ifndef _WIN32
-TEST_F(TerminalTest, ShowsColorsUnlessTheyAreUnwanted) {
+TEST_F(TerminalTest, ShowsColorsUnlessDisabled) {
     if (runShell("command -v script").status != 0) {
-        GTEST_SKIP() << "no terminal without script";
+        GTEST_SKIP() << "needs the program script";
     }
     folder.writeFile("page.txt", "{{");
     const std::string call = "script -qec \"'$0' check page.txt $OPTION\" /dev/null";
@@ -119,7 +119,7 @@ TEST_F(TerminalTest, ShowsColorsUnlessTheyAreUnwanted) {
         {"NO_COLOR", "TERM=xterm NO_COLOR=1", false},
         {"NO_COLOR and a choice", "TERM=xterm NO_COLOR=1 OPTION=--color=always", true},
         {"no colors wanted", "TERM=xterm OPTION=--color=never", false},
-        {"a terminal that shows none", "TERM=dumb", false},
+        {"a terminal without colors", "TERM=dumb", false},
         {"an unknown terminal", "TERM=", false},
     };
     for (const auto& [name, environment, colored] : cases) {

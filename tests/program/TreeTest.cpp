@@ -13,7 +13,7 @@ TEST_F(TreeTest, ShowsEachNodeWithItsPlace) {
     } cases[] = {
         {"nothing", "", ""},
         {"text", "a \"\u00E9\"\n\t\xFF", "1:1 text \"a \\\"\u00E9\\\"\\n\\t\uFFFD\"\n"},
-        {"one of each",
+        {"one node of each kind",
          R"({{ a.b }}{% if c %}d{% else %}e{% endif %}{% for f in g %}{{ f.h }})"
          R"({% endfor %}{% include "i.txt" %})",
          "1:1 substitution a.b\n"
@@ -24,12 +24,12 @@ TEST_F(TreeTest, ShowsEachNodeWithItsPlace) {
          "1:43 for f in g\n"
          "  1:59 substitution f.h\n"
          "1:80 include \"i.txt\"\n"},
-        {"blocks in each other", "{% if a %}\n{% for b in c %}\n{% endfor %}{% endif %}",
+        {"nested blocks", "{% if a %}\n{% for b in c %}\n{% endfor %}{% endif %}",
          "1:1 if a\n"
          "  1:11 text \"\\n\"\n"
          "  2:1 for b in c\n"
          "    2:17 text \"\\n\"\n"},
-        {"what stands before a NUL byte", std::string("a\0b", 3), "1:1 text \"a\"\n"},
+        {"the text before a NUL byte", std::string("a\0b", 3), "1:1 text \"a\"\n"},
     };
     for (const auto& [name, text, tree] : cases) {
         SCOPED_TRACE(name);

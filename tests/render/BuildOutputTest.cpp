@@ -53,10 +53,10 @@ TEST(BuildOutput, ReturnsValidUtf8ForAnyTemplate) {
         {"text of every language", "\u00E4 \u65E5\u672C \U0001F600",
          "\u00E4 \u65E5\u672C \U0001F600"},
         {"a byte order mark, kept", "\xEF\xBB\xBFx", "\xEF\xBB\xBFx"},
-        {"line ends of all kinds, kept", "a\r\nb\rc\n\n", "a\r\nb\rc\n\n"},
+        {"line endings of all kinds, kept", "a\r\nb\rc\n\n", "a\r\nb\rc\n\n"},
         {"a stray byte", "a\xFFz", "a\uFFFDz"},
-        {"a character cut by the end", "a\xE2\x82", "a\uFFFD"},
-        {"a character cut by a substitution", "\xE2\x82{{ x }}\xAC", "\uFFFD\uFFFD\uFFFD"},
+        {"a character cut off by the end", "a\xE2\x82", "a\uFFFD"},
+        {"a character cut off by a substitution", "\xE2\x82{{ x }}\xAC", "\uFFFD\uFFFD\uFFFD"},
         {"a surrogate", "\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
     };
     expectRendered(root, cases);

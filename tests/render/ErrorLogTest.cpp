@@ -21,7 +21,7 @@ TEST(ErrorLog, HoldsAllMessagesOfACallInOneRecord) {
     EXPECT_THAT(recorder.lines(), ElementsAre(expected, expected));
 }
 
-TEST(ErrorLog, HoldsWhatTheCallerHadCollectedBefore) {
+TEST(ErrorLog, IncludesPreviousErrorsOfTheCaller) {
     LogRecorder recorder(PRIORITY_INFO);
     String errors("mine|");
     buildOutput("no fault here", Root(), errors);

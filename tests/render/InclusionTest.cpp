@@ -38,13 +38,13 @@ TEST_F(InclusionTest, RendersTheFileInPlace) {
         {"every construct", "{% include \"parts/deep/all\" %}", "ab"},
         {"a file that includes another, by the path from the working directory",
          "{% include \"nested.txt\" %}", "(<\u00DCberschrift>)"},
-        {"a path with parts to go up", "{% include \"parts/../plain.txt\" %}", "plain"},
+        {"a path with `..` parts", "{% include \"parts/../plain.txt\" %}", "plain"},
         {"an empty file", "[{% include \"empty.txt\" %}]", "[]"},
-        {"line ends as they are", "{% include \"lines.txt\" %}", "a\r\nb\n\tc\r"},
+        {"line endings, kept", "{% include \"lines.txt\" %}", "a\r\nb\n\tc\r"},
         {"text of every language", "{% include \"umlauts.txt\" %}",
          "\u00E4\u65E5\U0001F600\u00DCberschrift"},
         {"a byte order mark, kept", "{% include \"mark.txt\" %}", "\xEF\xBB\xBFx"},
-        {"malformed bytes replaced", "{% include \"malformed.txt\" %}", "a\uFFFDz"},
+        {"malformed bytes, replaced", "{% include \"malformed.txt\" %}", "a\uFFFDz"},
         {"up to the first NUL", "[{% include \"cut.txt\" %}]", "[a\u00DCberschrift]"},
         {"a NUL at the beginning", "[{% include \"first.txt\" %}]", "[]"},
         {"in a block", "{% if yes %}{% include \"plain.txt\" %}{% endif %}", "plain"},
@@ -81,15 +81,15 @@ TEST_F(InclusionTest, ReportsEachTimeAndGoesOn) {
                               "Could not find expected replacement named \"y\"\n"}));
 }
 
-TEST_F(InclusionTest, DropsWhatGoesWrongInsideTheFile) {
+TEST_F(InclusionTest, DropsMessagesFromInsideTheFile) {
     folder_.writeFile("rejected.txt", "text {{ x");
     folder_.writeFile("faulty.txt", "a{{ missing }}b{% if missing %}{% endif %}c");
     folder_.writeFile("outer.txt", "<{% include \"missing.txt\" %}{% include \"rejected.txt\" %}>");
     const Root root;
     const Case cases[] = {
-        {"a file that is rejected", "[{% include \"rejected.txt\" %}]", "[]"},
+        {"a rejected file", "[{% include \"rejected.txt\" %}]", "[]"},
         {"faults inside", "[{% include \"faulty.txt\" %}]", "[abc]"},
-        {"inclusions inside that fail", "[{% include \"outer.txt\" %}]", "[<>]"},
+        {"failing includes inside", "[{% include \"outer.txt\" %}]", "[<>]"},
     };
     expectRendered(root, cases);
     EXPECT_EQ(render("{{ x }}{% include \"faulty.txt\" %}{{ y }}", root),
@@ -113,22 +113,22 @@ TEST_F(InclusionTest, SeesTheScopesAtTheStatementButNoLoopVariable) {
         {"the root's names", "{% include \"plain.txt\" %}", "root"},
         {"the element's names", "{% for x in list %}{% include \"plain.txt\" %}{% endfor %}",
          "element"},
-        {"no names by the variable",
+        {"no names with the variable",
          "{% for x in list %}{% include \"prefixed.txt\" %}{% endfor %}", ""},
         {"a key of the whole dotted name",
          "{% for x in list %}{{ x.name }},{% include \"whole.txt\" %}{% endfor %}",
          "element,whole"},
-        {"names by a variable of its own, none by the outer one",
+        {"names with its own variable, none with the outer one",
          "{% for x in list %}{% include \"loop.txt\" %}{% endfor %}", "inner"},
-        {"names by a variable of its own that is called the same",
+        {"names with its own variable of the same name",
          "{% for x in list %}{% include \"again.txt\" %}{% endfor %}", "inner"},
-        {"and the variable holds again behind it",
+        {"the variable applies again after it",
          "{% for x in list %}{% include \"loop.txt\" %},{{ x.name }}{% endfor %}", "inner,element"},
     };
     expectRendered(root, cases);
 }
 
-TEST_F(InclusionTest, ReadsTheFileAnewEachTime) {
+TEST_F(InclusionTest, ReadsTheFileAgainEachTime) {
     folder_.writeFile("file.txt", "first");
     const Root root;
     EXPECT_EQ(render("{% include \"file.txt\" %}", root).output, "first");

@@ -16,13 +16,13 @@ TEST(NameResolution, TriesTheInnermostScopeFirst) {
         {"in one loop", "{% for a in outer %}{{ x }}{% endfor %}", "outer"},
         {"in two loops", "{% for a in outer %}{% for b in inner %}{{ x }}{% endfor %}{% endfor %}",
          "inner"},
-        {"in two loops the other way round",
+        {"in two loops, reversed",
          "{% for b in inner %}{% for a in outer %}{{ x }}{% endfor %}{% endfor %}", "outer"},
         {"a name that only the root has",
          "{% for a in outer %}{% for b in inner %}{{ only }}{% endfor %}{% endfor %}", "root only"},
         {"a name that null does not hide",
          "{% for a in outer %}{% for b in inner %}{{ middle }}{% endfor %}{% endfor %}", "middle"},
-        {"behind the loops", "{% for a in outer %}{% endfor %}{{ x }}", "root"},
+        {"after the loops", "{% for a in outer %}{% endfor %}{{ x }}", "root"},
         {"between the loops",
          "{% for a in outer %}{% for b in inner %}{% endfor %}{{ x }}{% endfor %}", "outer"},
     };
@@ -46,18 +46,18 @@ TEST(NameResolution, StripsThePrefixOfALoopInsideItOnly) {
         {"inside", "{% for item in list %}{{ item.title }}{% endfor %}", "element's"},
         {"inside, without prefix", "{% for item in list %}{{ title }}{% endfor %}", "element's"},
         {"outside", "{{ item.title }}", "root's dotted"},
-        {"behind the loop", "{% for item in list %}{% endfor %}{{ item.title }}", "root's dotted"},
+        {"after the loop", "{% for item in list %}{% endfor %}{{ item.title }}", "root's dotted"},
         {"under another variable", "{% for other in list %}{{ item.own }}{% endfor %}",
          "key with the prefix"},
-        {"the whole name where the rest is no key",
+        {"the whole name if the rest is not a key",
          "{% for item in list %}{{ item.own }}{% endfor %}", "key with the prefix"},
         {"a rest with a dot", "{% for item in list %}{{ item.a.b }}{% endfor %}", "dotted"},
         {"in the root, without prefix", "{% for item in list %}{{ item.more }}{% endfor %}",
          "root's more"},
         {"in the root, the whole name", "{% for item in list %}{{ item.rest }}{% endfor %}",
          "root's rest"},
-        {"nothing behind the prefix", "{% for item in list %}{{ item. }}{% endfor %}", "empty key"},
-        {"one prefix only", "{% for item in list %}{{ item.item.own }}{% endfor %}",
+        {"nothing after the prefix", "{% for item in list %}{{ item. }}{% endfor %}", "empty key"},
+        {"only one prefix", "{% for item in list %}{{ item.item.own }}{% endfor %}",
          "key with the prefix"},
     };
     expectRendered(root, cases);
@@ -76,8 +76,8 @@ TEST(NameResolution, DoesNotStripWhatOnlyLooksLikeThePrefix) {
     const Case cases[] = {
         {"a longer name", "{% for item in list %}{{ items.title }}{% endfor %}", "longer name"},
         {"a shorter name", "{% for item in list %}{{ ite.title }}{% endfor %}", "shorter name"},
-        {"another case", "{% for item in list %}{{ Item.title }}{% endfor %}", "another case"},
-        {"the prefix further on", "{% for item in list %}{{ x.item.title }}{% endfor %}",
+        {"different case", "{% for item in list %}{{ Item.title }}{% endfor %}", "another case"},
+        {"the prefix later in the name", "{% for item in list %}{{ x.item.title }}{% endfor %}",
          "prefix further on"},
         {"a slash", "{% for item in list %}{{ item/title }}{% endfor %}", "slash"},
     };
@@ -103,10 +103,10 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
         {"the outer variable reaches the inner element first", loops("{{ a.title }}"),
          "inner title"},
         {"the inner variable", loops("{{ b.title }}"), "inner title"},
-        {"what only the outer element has, by either variable",
+        {"a member that only the outer element has, with either variable",
          loops("{{ a.only }},{{ b.only }},{{ only }}"), "outer only,outer only,outer only"},
         {"the whole name inside before the rest outside", loops("{{ a.whole }}"), "inner whole"},
-        {"a prefix behind a prefix stays",
+        {"a prefix after a prefix stays",
          "{% for a in dotted %}{% for b in ys %}{{ a.b.c }}"
          "{% endfor %}{% endfor %}",
          "behind the outer"},
@@ -114,7 +114,7 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
          "{% for a in dotted %}{% for a.b in ys %}{{ a.b.c }}"
          "{% endfor %}{% endfor %}",
          "behind both"},
-        {"variables with a dot the other way round",
+        {"variables with a dot, reversed",
          "{% for a.b in ys %}{% for a in dotted %}"
          "{{ a.b.c }}{% endfor %}{% endfor %}",
          "behind the outer"},
@@ -122,9 +122,9 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
          "{% for a in xs %}{% for a in ys %}{{ a.title }},{{ a.only }}"
          "{% endfor %}{{ a.title }}{% endfor %}",
          "inner title,outer onlyouter title"},
-        {"the whole name before the rest where a newer prefix does not match",
+        {"the whole name before the rest if a newer prefix does not match",
          "{% for a in both %}{% for b in both %}{{ a.title }}{% endfor %}{% endfor %}", "whole"},
-        {"the rest before the whole name where the newest prefix matches",
+        {"the rest before the whole name if the newest prefix matches",
          "{% for a in both %}{{ a.title }}{% endfor %}", "rest"},
         {"a variable that is entered again is the newest until it is left",
          "{% for a in both %}{% for b in both %}{% for a in both %}{{ a.title }}{% endfor %},"
@@ -134,7 +134,7 @@ TEST(NameResolution, TriesTheNewestPrefixFirstAndEachInEveryScope) {
     expectRendered(root, cases);
 }
 
-TEST(NameResolution, TakesTheFirstValueOfTheNameWhateverItsKind) {
+TEST(NameResolution, FindsTheFirstValueOfTheNameWhateverItsKind) {
     const Root root({
         {"x", text("root")},
         {"list", list({dictionary({{"x", truth(true)}})})},

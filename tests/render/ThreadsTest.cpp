@@ -20,7 +20,7 @@ const std::array<std::string, 5> templates = {
     "{% if a %}rejected",
 };
 
-/// The template that a thread renders in a round. In each round, some threads render the same one.
+/// The template that a thread renders in a round. In each round, some threads share a template.
 std::size_t templateOf(int thread, int turn) {
     return static_cast<std::size_t>(thread / 2 + turn) % templates.size();
 }
@@ -48,7 +48,7 @@ std::vector<std::vector<Rendered>> renderInThreads(const ContextBase& root) {
 }
 
 // In a separate program, because the logger must not exist when the threads begin.
-TEST(Threads, RenderOneContextAtOnceAsOneThreadDoesWhileTheLoggerIsMade) {
+TEST(Threads, RenderOneContextLikeOneThreadWhileTheLoggerIsCreated) {
     const TemporaryFolder folder;
     const WorkingFolder working(folder.path());
     folder.writeFile("part", "[{{ title }}]");

@@ -76,14 +76,14 @@ TEST(Traces, NameEachScopeWithItsLineAndDepth) {
         {"a block in a block, and text after it", "{% if yes %}{% if yes %}{% endif %}a{% endif %}",
          "content_visit::if_expr:126[applyVisitor:230[content_visit::if_expr:126[applyVisitor:230] "
          "content_visit::string:120]]"},
-        {"an inclusion", "{% include \"good.txt\" %}",
+        {"an include", "{% include \"good.txt\" %}",
          "content_visit::include_expr:205[buildOutput:251[applyVisitor:230["
          "content_visit::string:120]]]"},
-        {"an inclusion of a file that is rejected", "{% include \"rejected.txt\" %}",
+        {"an include of a rejected file", "{% include \"rejected.txt\" %}",
          "content_visit::include_expr:205[buildOutput:251]"},
-        {"an inclusion of a file that is missing", "{% include \"missing\" %}",
+        {"an include of a missing file", "{% include \"missing\" %}",
          "content_visit::include_expr:205"},
-        {"an inclusion of a file that cannot be loaded", "{% include \"large\" %}",
+        {"an include of a file that cannot be loaded", "{% include \"large\" %}",
          "content_visit::include_expr:205"},
     };
     EXPECT_EQ(tracesOf("", root), "buildOutput:408");

@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// A folder for one test, which is removed with its contents at the end.
+/// A folder for one test, removed with its contents at the end.
 /// Errors: failures throw `std::runtime_error`, which fails the test.
 class TemporaryFolder {
   public:

@@ -1,8 +1,8 @@
 #ifndef TESTS_SUPPORT_TEST_H
 #define TESTS_SUPPORT_TEST_H
 
-// What tests use of GoogleTest and of the standard library; seldom used headers aside. Precompiled
-// for all programs.
+// The parts of GoogleTest and of the standard library that tests use, except for rarely used
+// headers. Precompiled for all programs.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

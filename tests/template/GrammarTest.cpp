@@ -22,11 +22,11 @@ void expectParsed(const Case (&cases)[count]) {
     }
 }
 
-TEST(Grammar, TakesTextAsItIs) {
+TEST(Grammar, KeepsTextUnchanged) {
     expectParsed({
         {"nothing", "", ""},
-        {"blanks only", " \t ", "' \t '"},
-        {"line breaks only", "\r\n\n", "'\r\n\n'"},
+        {"only whitespace", " \t ", "' \t '"},
+        {"only line breaks", "\r\n\n", "'\r\n\n'"},
         {"plain text", "Hello, world!", "'Hello, world!'"},
         {"closers", "a }} b %} c", "'a }} b %} c'"},
         {"a single brace", "a { b", "'a { b'"},
@@ -45,8 +45,8 @@ TEST(Grammar, EndsATemplateAtItsFirstZeroByte) {
     expectParsed({
         {"in text", String("ab\0cd", 5), "'ab'"},
         {"at the beginning", String("\0ab", 3), ""},
-        {"before what would be rejected", String("ab\0{{", 5), "'ab'"},
-        {"behind a statement", String("{{ x }}\0{{ y }}", 15), "{x}"},
+        {"before text that would be rejected", String("ab\0{{", 5), "'ab'"},
+        {"after a statement", String("{{ x }}\0{{ y }}", 15), "{x}"},
     });
 }
 
@@ -55,19 +55,19 @@ TEST(Grammar, KeepsTheWhitespaceAroundTags) {
         {"around a substitution", "a {{x}} b", "'a ' {x} ' b'"},
         {"at both ends of the template", " {{x}}\t", "' ' {x} '\t'"},
         {"between two tags", "{{x}} {{y}}", "{x} ' ' {y}"},
-        {"a line break behind a block", "{% if a %}x{% endif %}\ny", "if(a ? 'x') '\ny'"},
+        {"a line break after a block", "{% if a %}x{% endif %}\ny", "if(a ? 'x') '\ny'"},
         {"inside a block", "{% if a %} x {% else %} y {% endif %}", "if(a ? ' x ' : ' y ')"},
-        {"a block of blanks", "{% for a in b %} {% endfor %}", "for(a in b ? ' ')"},
+        {"a block of spaces", "{% for a in b %} {% endfor %}", "for(a in b ? ' ')"},
         {"nothing between two tags", "{{x}}{{y}}", "{x} {y}"},
     });
 }
 
 TEST(Grammar, ReadsSubstitutions) {
     expectParsed({
-        {"without blanks", "Hello, {{name}}!", "'Hello, ' {name} '!'"},
-        {"with blanks", "Hello, {{ name }}!", "'Hello, ' {name} '!'"},
+        {"without spaces", "Hello, {{name}}!", "'Hello, ' {name} '!'"},
+        {"with spaces", "Hello, {{ name }}!", "'Hello, ' {name} '!'"},
         {"with tabs", "Hello, {{\tname\t}}!", "'Hello, ' {name} '!'"},
-        {"with many blanks", "{{ \t  name \t }}", "{name}"},
+        {"with many spaces", "{{ \t  name \t }}", "{name}"},
         {"a name with a dot", "{{ user.name }}", "{user.name}"},
         {"a name with a slash", "{{ a/b }}", "{a/b}"},
         {"a name with digits", "{{ a1.2/3 }}", "{a1.2/3}"},
@@ -77,14 +77,14 @@ TEST(Grammar, ReadsSubstitutions) {
         {"a name that ends with a dot", "{{ a. }}", "{a.}"},
         {"a keyword as a name", "{{ if }}{{ endfor }}{{ in }}", "{if} {endfor} {in}"},
         {"a third closing brace is text", "{{x}}}", "{x} '}'"},
-        {"a brace before the opener is the opener's", "{{x}}{", "{x} '{'"},
+        {"a brace before the opening braces belongs to them", "{{x}}{", "{x} '{'"},
     });
 }
 
 TEST(Grammar, ReadsConditionals) {
     expectParsed({
-        {"without blanks", "{%if x%}a{%else%}b{%endif%}", "if(x ? 'a' : 'b')"},
-        {"with blanks", "{% if x %}a{% else %}b{% endif %}", "if(x ? 'a' : 'b')"},
+        {"without spaces", "{%if x%}a{%else%}b{%endif%}", "if(x ? 'a' : 'b')"},
+        {"with spaces", "{% if x %}a{% else %}b{% endif %}", "if(x ? 'a' : 'b')"},
         {"with tabs", "{%\tif\tx\t%}a{%\telse\t%}b{%\tendif\t%}", "if(x ? 'a' : 'b')"},
         {"without an else part", "{% if x %}a{% endif %}", "if(x ? 'a')"},
         {"with an empty else part", "{% if x %}a{% else %}{% endif %}", "if(x ? 'a')"},
@@ -99,8 +99,9 @@ TEST(Grammar, ReadsConditionals) {
 
 TEST(Grammar, ReadsLoops) {
     expectParsed({
-        {"without blanks where none is needed", "{%for x in xs%}a{%endfor%}", "for(x in xs ? 'a')"},
-        {"with blanks", "{% for x in xs %}a{% endfor %}", "for(x in xs ? 'a')"},
+        {"without spaces where none are needed", "{%for x in xs%}a{%endfor%}",
+         "for(x in xs ? 'a')"},
+        {"with spaces", "{% for x in xs %}a{% endfor %}", "for(x in xs ? 'a')"},
         {"with tabs", "{%\tfor\tx\tin\txs\t%}a{%\tendfor\t%}", "for(x in xs ? 'a')"},
         {"with an empty body", "{% for x in xs %}{% endfor %}", "for(x in xs ?)"},
         {"with dots and slashes", "{% for a.b in c/d.e %}{% endfor %}", "for(a.b in c/d.e ?)"},
@@ -112,11 +113,11 @@ TEST(Grammar, ReadsLoops) {
 TEST(Grammar, ReadsInclusions) {
     expectParsed({
         {"a path with a folder", "{% include \"parts/header.txt\" %}", "include(parts/header.txt)"},
-        {"without blanks", "{%include\"x.txt\"%}", "include(x.txt)"},
-        {"with blanks inside the quotes", "{% include \" x.txt \" %}", "include(x.txt)"},
+        {"without spaces", "{%include\"x.txt\"%}", "include(x.txt)"},
+        {"with spaces inside the quotes", "{% include \" x.txt \" %}", "include(x.txt)"},
         {"with tabs", "{%\tinclude\t\"\tx.txt\t\"\t%}", "include(x.txt)"},
         {"between text", "a{% include \"b\" %}c", "'a' include(b) 'c'"},
-        {"parts that go up", "{% include \"a/../b\" %}", "include(a/../b)"},
+        {"`..` parts", "{% include \"a/../b\" %}", "include(a/../b)"},
     });
 }
 
@@ -127,9 +128,9 @@ TEST(Grammar, NeedsNoSpaceAfterAKeyword) {
         {"for and a variable", "{% format in xs %}{% endfor %}", "for(mat in xs ?)"},
         {"in and a list", "{% for x inys %}{% endfor %}", "for(x in ys ?)"},
         {"a list that begins with in", "{% for x in in %}{% endfor %}", "for(x in in ?)"},
-        {"a variable of the name in", "{% for in in xs %}{% endfor %}", "for(in in xs ?)"},
-        {"a condition of the name if", "{% ifif %}{% endif %}", "if(if ?)"},
-        {"a condition of the name endif", "{% if endif %}{% endif %}", "if(endif ?)"},
+        {"a variable named in", "{% for in in xs %}{% endfor %}", "for(in in xs ?)"},
+        {"a condition named if", "{% ifif %}{% endif %}", "if(if ?)"},
+        {"a condition named endif", "{% if endif %}{% endif %}", "if(endif ?)"},
         {"a loop over endfor", "{% for forin inendfor %}{% endfor %}", "for(forin in endfor ?)"},
     });
 }
@@ -152,7 +153,7 @@ TEST(Grammar, ReadsNestedBlocks) {
         {"an else part around a loop",
          "{% if a %}{% for b in c %}{% endfor %}{% else %}y{% endif %}",
          "if(a ? for(b in c ?) : 'y')"},
-        {"the same block four deep",
+        {"the same block nested four deep",
          "{% if a %}{% if a %}{% if a %}{% if a %}x{% endif %}{% endif %}{% endif %}{% endif %}",
          "if(a ? if(a ? if(a ? if(a ? 'x'))))"},
     });

@@ -28,9 +28,9 @@ TEST(Rejection, OfDelimitersThatOpenNoTag) {
         {"an opener of a substitution at the end", "a{{"},
         {"an empty statement", "{%%}"},
         {"an empty substitution", "{{}}"},
-        {"a substitution of blanks", "{{ \t }}"},
+        {"a substitution of spaces", "{{ \t }}"},
         {"an unknown keyword", "{% unless x %}"},
-        {"a keyword cut short", "{% i x %}{% endif %}"},
+        {"a truncated keyword", "{% i x %}{% endif %}"},
         {"a comment", "{# x #}{%# x %}"},
         {"an assignment", "{% set x = y %}"},
         {"three braces", "{{{x}}}"},
@@ -50,12 +50,12 @@ TEST(Rejection, OfInvalidNames) {
         {"a byte over 127 inside", "{{ a\xFF }}"},
         {"a colon", "{{ a:b }}"},
         {"a filter", "{{ a|b }}"},
-        {"a closing brace alone", "{{ x }"},
-        {"a closing brace and a blank", "{{ x } }"},
+        {"a lone closing brace", "{{ x }"},
+        {"a closing brace and a space", "{{ x } }"},
         {"the closer of a statement", "{{ x %}"},
         {"a condition that is a number", "{% if 1 %}{% endif %}"},
         {"a negated condition", "{% if !x %}{% endif %}"},
-        {"a negated condition in words", "{% if not x %}{% endif %}"},
+        {"a negated condition with \"not\"", "{% if not x %}{% endif %}"},
         {"no condition", "{% if %}{% endif %}"},
         {"no list", "{% for x in %}{% endfor %}"},
         {"no variable", "{% for in xs %}{% endfor %}"},
@@ -65,17 +65,17 @@ TEST(Rejection, OfInvalidNames) {
 
 TEST(Rejection, OfInvalidKeywords) {
     expectRejected({
-        {"a variable that swallows the keyword in", "{% for xin ys %}{% endfor %}"},
-        {"a keyword in that is missing", "{% for x of ys %}{% endfor %}"},
+        {"a variable that absorbs the keyword in", "{% for xin ys %}{% endfor %}"},
+        {"a missing keyword in", "{% for x of ys %}{% endfor %}"},
         {"capital keywords", "{% IF x %}{% ENDIF %}"},
         {"a capital closer", "{% if x %}{% EndIf %}"},
         {"a capital else", "{% if x %}{% Else %}{% endif %}"},
-        {"a keyword with a blank inside", "{% if x %}{% end if %}"},
-        {"an opener with a blank inside", "{% if x % }{% endif %}"},
-        {"letters behind else", "{% if x %}{% elsewhere %}{% endif %}"},
-        {"letters behind endif", "{% if x %}{% endiff %}"},
-        {"a name behind endfor", "{% for x in xs %}{% endfor x %}"},
-        {"a condition behind else", "{% if x %}{% else if y %}{% endif %}"},
+        {"a keyword with a space inside", "{% if x %}{% end if %}"},
+        {"an opening delimiter with a space inside", "{% if x % }{% endif %}"},
+        {"letters after else", "{% if x %}{% elsewhere %}{% endif %}"},
+        {"letters after endif", "{% if x %}{% endiff %}"},
+        {"a name after endfor", "{% for x in xs %}{% endfor x %}"},
+        {"a condition after else", "{% if x %}{% else if y %}{% endif %}"},
         {"another spelling of else", "{% if x %}{% elif y %}{% endif %}"},
     });
 }
@@ -86,7 +86,7 @@ TEST(Rejection, OfLineBreaksInsideTags) {
         const Case cases[] = {
             {"before a condition", "{% if" + break_ + "x %}{% endif %}"},
             {"before a keyword", "{%" + break_ + "if x %}{% endif %}"},
-            {"before a closer", "{% if x" + break_ + "%}{% endif %}"},
+            {"before a closing delimiter", "{% if x" + break_ + "%}{% endif %}"},
             {"in a substitution", "{{ name" + break_ + "}}"},
             {"before a name", "{{" + break_ + "name }}"},
             {"in an else tag", "{% if x %}{% else" + break_ + "%}{% endif %}"},
@@ -100,20 +100,20 @@ TEST(Rejection, OfLineBreaksInsideTags) {
 
 TEST(Rejection, OfInvalidPaths) {
     expectRejected({
-        {"one that goes up first", "{% include \"../x.txt\" %}"},
-        {"one in this folder", "{% include \"./x.txt\" %}"},
-        {"an absolute one", "{% include \"/abs/x\" %}"},
+        {"a path that begins with ..", "{% include \"../x.txt\" %}"},
+        {"a path that begins with .", "{% include \"./x.txt\" %}"},
+        {"an absolute path", "{% include \"/abs/x\" %}"},
         {"a hyphen", "{% include \"my-file.txt\" %}"},
         {"a drive", "{% include \"x:/y\" %}"},
         {"a backslash", "{% include \"x\\y\" %}"},
-        {"a blank inside", "{% include \"a b.txt\" %}"},
-        {"an empty one", "{% include \"\" %}"},
-        {"one of blanks", "{% include \"  \" %}"},
-        {"one in single quotes", "{% include 'x.txt' %}"},
-        {"one without quotes", "{% include x.txt %}"},
-        {"one without its second quote", "{% include \"x.txt %}"},
-        {"one without its first quote", "{% include x.txt\" %}"},
-        {"two of them", "{% include \"a\" \"b\" %}"},
+        {"a space inside", "{% include \"a b.txt\" %}"},
+        {"an empty path", "{% include \"\" %}"},
+        {"a path of spaces", "{% include \"  \" %}"},
+        {"a path in single quotes", "{% include 'x.txt' %}"},
+        {"a path without quotes", "{% include x.txt %}"},
+        {"a path without its closing quote", "{% include \"x.txt %}"},
+        {"a path without its opening quote", "{% include x.txt\" %}"},
+        {"two paths", "{% include \"a\" \"b\" %}"},
         {"a letter over 127", "{% include \"\xC3\xA9.txt\" %}"},
     });
 }
@@ -134,7 +134,7 @@ TEST(Rejection, OfBlocksThatDoNotMatch) {
         {"else in a loop in a conditional",
          "{% if x %}{% for a in b %}{% else %}{% endfor %}{% endif %}"},
         {"two else parts", "{% if a %}x{% else %}y{% else %}z{% endif %}"},
-        {"one closer too many", "{% if a %}x{% endif %}{% endif %}"},
+        {"an extra closing tag", "{% if a %}x{% endif %}{% endif %}"},
         {"an inner block that takes the only closer", "{% if a %}{% if b %}x{% endif %}"},
         {"an inner block unclosed in an else part", "{% if a %}{% else %}{% if b %}{% endif %}"},
         {"an inner fault", "{% if a %}{{ }}{% endif %}"},
@@ -148,11 +148,11 @@ TEST(Rejection, LeavesTheCompleteNodesBeforeTheFault) {
         String input;
         std::string expected;
     } cases[] = {
-        {"a substitution without closer", "Hello {{ x", "'Hello '"},
+        {"a substitution without closing braces", "Hello {{ x", "'Hello '"},
         {"nodes and a fault", "a{{ b }}c{% d", "'a' {b} 'c'"},
         {"a block and a fault", "{% if a %}b{% endif %}{{", "if(a ? 'b')"},
         {"an unclosed block", "a{% if b %}c{{ d }}", "'a'"},
-        {"a closer too many", "a{% endif %}b", "'a'"},
+        {"an extra closing tag", "a{% endif %}b", "'a'"},
     };
     for (const auto& [name, input, expected] : cases) {
         SCOPED_TRACE(name);

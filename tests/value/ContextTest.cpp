@@ -37,7 +37,7 @@ TEST(Context, IsRendered) {
         {"numbers", {{"a", -7}, {"b", 0.5}}, "{{a}} {{b}}", "-7 0.5"},
         {"true", {{"a", true}}, "{% if a %}yes{% else %}no{% endif %}", "yes"},
         {"false", {{"a", false}}, "{% if a %}yes{% else %}no{% endif %}", "no"},
-        {"null, which is found nowhere",
+        {"null, which is never found",
          {{"n", nullptr}},
          "{{ n }}",
          "Could not find expected replacement named \"n\"\n"},
@@ -74,7 +74,8 @@ TEST(Context, ProvidesElementsThatAreNotDictionariesAsValue) {
         {"a table", Value(std::vector<std::vector<int>>{{1, 2}, {3}}),
          "{% for row in l %}{% for cell in row.value %}{{ cell.value }} {% endfor %};{% endfor %}",
          "1 2 ;3 ;"},
-        {"not the loop variable alone", Value::list({"a"}), "{% for x in l %}{{ x }}{% endfor %}",
+        {"not the loop variable by itself", Value::list({"a"}),
+         "{% for x in l %}{{ x }}{% endfor %}",
          "Could not find expected replacement named \"x\"\n"},
         {"not dictionaries", Value::list({Value{}}), "{% for x in l %}{{ x.value }}{% endfor %}",
          "Could not find expected replacement named \"x.value\"\n"},
@@ -105,11 +106,11 @@ TEST(Context, FindsAnOuterVariableInTheInnerElementIfItHasTheKey) {
 
 TEST(BooleanDictionaries, BecomeBooleansWithChildren) {
     const Case cases[] = {
-        {"a true one",
+        {"a true boolean",
          {{"n", "out"}, {"a", {{"$boolean", true}, {"n", "in"}}}},
          "{% if a %}{{ n }}{% endif %}",
          "in"},
-        {"a false one",
+        {"a false boolean",
          {{"a", {{"n", "in"}, {"$boolean", false}}}},
          "{% if a %}{% else %}{{ n }}{% endif %}",
          "in"},
@@ -139,7 +140,7 @@ TEST(BooleanDictionaries, HaveNoChildForTheirKey) {
     EXPECT_TRUE(context.containsKey("a.b"));
 }
 
-TEST(BooleanDictionaries, AreRefusedWithoutABoolean) {
+TEST(BooleanDictionaries, AreRejectedWithoutABoolean) {
     for (const Value& truth : {Value("true"), Value(nullptr), Value(1), Value::list(), Value{}}) {
         EXPECT_THROW(Context(Value{{"$boolean", truth}}), std::invalid_argument);
         EXPECT_THROW(Context(Value{{"a", Value::list({{{"$boolean", truth}}})}}),

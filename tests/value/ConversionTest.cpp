@@ -15,7 +15,7 @@ struct Name {
     operator std::string_view() const { return "name"; }
 };
 
-TEST(Conversion, MakesTextsOfTexts) {
+TEST(Conversion, ConvertsTextsToTexts) {
     char characters[] = "array";
     char* const pointer = characters;
     const struct {
@@ -32,10 +32,10 @@ TEST(Conversion, MakesTextsOfTexts) {
         {"a standard string with NUL", std::string("a\0b", 3), std::string("a\0b", 3)},
         {"a view", std::string_view("view").substr(1), "iew"},
         {"our string", String("ours"), "ours"},
-        {"what converts to a view", Name(), "name"},
+        {"a type that converts to a view", Name(), "name"},
         {"a character", 'c', "c"},
         {"the character NUL", '\0', std::string(1, '\0')},
-        {"malformed UTF-8, as it is", "\xFF", "\xFF"},
+        {"malformed UTF-8, unchanged", "\xFF", "\xFF"},
         {"an empty text", "", ""},
     };
     for (const auto& [name, value, expected] : cases) {
@@ -45,7 +45,7 @@ TEST(Conversion, MakesTextsOfTexts) {
     }
 }
 
-TEST(Conversion, MakesTextsOfIntegers) {
+TEST(Conversion, ConvertsIntegersToTexts) {
     const struct {
         const char* name;
         Value value;
@@ -60,10 +60,9 @@ TEST(Conversion, MakesTextsOfIntegers) {
         {"an unsigned number", 4294967295u, "4294967295"},
         {"a long number", 2147483647L, "2147483647"},
         {"an unsigned long number", 2147483648UL, "2147483648"},
-        {"the least number", std::numeric_limits<std::int64_t>::min(), "-9223372036854775808"},
-        {"the greatest signed number", std::numeric_limits<long long>::max(),
-         "9223372036854775807"},
-        {"the greatest number", std::numeric_limits<std::uint64_t>::max(), "18446744073709551615"},
+        {"the smallest number", std::numeric_limits<std::int64_t>::min(), "-9223372036854775808"},
+        {"the largest signed number", std::numeric_limits<long long>::max(), "9223372036854775807"},
+        {"the largest number", std::numeric_limits<std::uint64_t>::max(), "18446744073709551615"},
     };
     for (const auto& [name, value, expected] : cases) {
         SCOPED_TRACE(name);
@@ -72,14 +71,14 @@ TEST(Conversion, MakesTextsOfIntegers) {
     }
 }
 
-TEST(Conversion, MakesBooleansOfBooleans) {
+TEST(Conversion, ConvertsBooleansToBooleans) {
     EXPECT_EQ(Value(true).kind(), Value::Kind::Boolean);
     EXPECT_TRUE(Value(true).isTrue());
     EXPECT_EQ(Value(false).kind(), Value::Kind::Boolean);
     EXPECT_FALSE(Value(false).isTrue());
 }
 
-TEST(Conversion, MakesNullFromAbsentValues) {
+TEST(Conversion, ConvertsAbsentValuesToNull) {
     EXPECT_EQ(Value(nullptr).kind(), Value::Kind::Null);
     EXPECT_EQ(Value(std::nullopt).kind(), Value::Kind::Null);
     EXPECT_EQ(Value(std::optional<int>()).kind(), Value::Kind::Null);
@@ -88,7 +87,7 @@ TEST(Conversion, MakesNullFromAbsentValues) {
     EXPECT_EQ(Value(std::optional<Value>(Value::list())), Value::list());
 }
 
-TEST(Conversion, MakesListsOfRanges) {
+TEST(Conversion, ConvertsRangesToLists) {
     const int array[] = {1, 2};
     const std::vector<int> vector = {1, 2};
     const struct {
@@ -118,7 +117,7 @@ TEST(Conversion, MakesListsOfRanges) {
     EXPECT_EQ(Value(std::vector<int>()), Value::list());
 }
 
-TEST(Conversion, MakesDictionariesOfMaps) {
+TEST(Conversion, ConvertsMapsToDictionaries) {
     const Value expected{{"a", 1}, {"b", 2}};
     EXPECT_EQ(Value(std::map<std::string, int>{{"a", 1}, {"b", 2}}), expected);
     EXPECT_EQ(Value(std::unordered_map<std::string, int>{{"b", 2}, {"a", 1}}), expected);
@@ -130,7 +129,7 @@ TEST(Conversion, MakesDictionariesOfMaps) {
     EXPECT_EQ(Value(std::map<std::string, int>()), Value());
 }
 
-TEST(Conversion, TakesAnyTextAsAKey) {
+TEST(Conversion, AcceptsAnyTextAsAKey) {
     const std::string string = "string";
     EXPECT_EQ((Value{{string, 1}, {std::string_view("view"), 2}, {String("ours"), 3}, {Name(), 4}}),
               (Value{{"string", 1}, {"view", 2}, {"ours", 3}, {"name", 4}}));

@@ -16,7 +16,7 @@ bool isBuilt(const Value& value, std::uint64_t limit) {
     }
 }
 
-TEST(DottedNamesSize, IsThatOfNamesAndOfWhatTheyShare) {
+TEST(DottedNamesSize, IncludesNamesAndWhatTheyShare) {
     const Value text = std::string(100, 't');
     const struct {
         const char* name;

@@ -25,7 +25,7 @@ TEST(DottedNames, LeadToTheMembersOfNestedDictionaries) {
          {{"user", {{"tags", Value::list({"1", "2"})}}}},
          "{% for x in user.tags %}{{ x.value }}{% endfor %}",
          "12"},
-        {"a dictionary, which is no text",
+        {"a dictionary, which is not a text",
          {{"a", {{"b", Value{}}}}},
          "{{ a.b }}",
          "The replacement is not of type String for \"a.b\""},
@@ -41,7 +41,7 @@ TEST(DottedNames, LeadToTheMembersOfNestedDictionaries) {
          {{"l", Value::list({{{"name", "x"}}})}},
          "{{ l.name }}",
          "Could not find expected replacement named \"l.name\"\n"},
-        {"keys with dots in them", {{"a", {{"b.c", "1"}}}}, "{{ a.b.c }}", "1"},
+        {"keys that contain dots", {{"a", {{"b.c", "1"}}}}, "{{ a.b.c }}", "1"},
         {"an empty key", {{"a", {{"", "1"}}}}, "{{ a. }}", "1"},
     };
     expectRendered(cases);
@@ -54,7 +54,7 @@ TEST(DottedNames, GiveWayToKeys) {
         std::string expected;
     } cases[] = {
         {"the name itself", {{"a.b.c", "key"}, {"a", {{"b", {{"c", "nested"}}}}}}, "key"},
-        {"the name itself one level down",
+        {"the name itself, one level down",
          {{"a", {{"b", {{"c", "nested"}}}, {"b.c", "key"}}}},
          "key"},
         {"a longer key", {{"a.b", {{"c", "longer"}}}, {"a", {{"b.c", "shorter"}}}}, "longer"},

@@ -20,7 +20,7 @@ Value everything() {
             {"map", std::map<std::string, std::vector<bool>>{{longText, {true, false}}}}};
 }
 
-TEST_F(ExhaustedMemory, LeavesNothingOfAValueThatIsMade) {
+TEST_F(ExhaustedMemory, LeavesNothingOfAnIncompleteValue) {
     failEachAllocation([] { return std::make_unique<std::optional<Value>>(); },
                        [](std::optional<Value>& value) { value = everything(); },
                        [](std::optional<Value>& value) { EXPECT_FALSE(value.has_value()); });
@@ -55,7 +55,7 @@ TEST_F(ExhaustedMemory, LeavesAValueAsItWas) {
     }
 }
 
-TEST_F(ExhaustedMemory, LeavesNothingOfAContextThatIsMade) {
+TEST_F(ExhaustedMemory, LeavesNothingOfAnIncompleteContext) {
     const Value source = everything();
     for (const bool positions : {false, true}) {
         failEachAllocation(

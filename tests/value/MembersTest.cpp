@@ -81,7 +81,7 @@ STENCILOR_MEMBERS(Sixtyfour,
 namespace kel::Stencilor {
 namespace {
 
-TEST(Members, AreWhatAStructBecomes) {
+TEST(Members, MakeAStructADictionary) {
     const shop::Row row = {.name = "Tea",
                            .price = 4.5,
                            .isNew = true,
@@ -103,7 +103,7 @@ TEST(Members, AreWhatAStructBecomes) {
                                  {"bits", Value::list({true})}}));
 }
 
-TEST(Members, ServeInContainersAndBraces) {
+TEST(Members, WorkInContainersAndBraces) {
     const std::vector<shop::One> rows = {{1}, {2}};
     const Value expected = Value::list({{{"only", 1}}, {{"only", 2}}});
     EXPECT_EQ(Value(rows), expected);
@@ -129,14 +129,14 @@ TEST(Members, NumberUpToSixtyFour) {
     EXPECT_EQ(value.find("h8")->text(), "64");
 }
 
-TEST(Members, ServeWhatIsLocalToAFile) {
+TEST(Members, WorkForLocalTypes) {
     struct Local {
         int a;
     };
     static_assert(!std::is_constructible_v<Value, Local>);
 }
 
-TEST(OwnFunctions, DescribeATypeAsMembersDo) {
+TEST(OwnFunctions, ConvertATypeLikeMembers) {
     EXPECT_EQ(Value(shop::Money(500)), Value("5 EUR"));
     EXPECT_EQ(Value(std::vector<shop::Money>{shop::Money(100)}), Value::list({"1 EUR"}));
     EXPECT_EQ((Value{{"price", shop::Money(200)}}), (Value{{"price", "2 EUR"}}));

@@ -70,7 +70,7 @@ void expectRefusalOfWhatIsNotFinite() {
     EXPECT_THROW(Value{std::numeric_limits<Number>::quiet_NaN()}, std::invalid_argument);
 }
 
-TEST(FloatingPoint, IsRefusedWhereItIsNotFinite) {
+TEST(FloatingPoint, IsRejectedIfItIsNotFinite) {
     expectRefusalOfWhatIsNotFinite<float>();
     expectRefusalOfWhatIsNotFinite<double>();
     expectRefusalOfWhatIsNotFinite<long double>();

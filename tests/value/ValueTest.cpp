@@ -15,7 +15,7 @@ static_assert(std::regular<Value>);
 static_assert(std::is_nothrow_move_constructible_v<Value>);
 static_assert(std::is_nothrow_move_assignable_v<Value>);
 
-TEST(Value, IsOfTheKindThatItWasMadeOf) {
+TEST(Value, HasTheKindOfItsSource) {
     const struct {
         const char* name;
         Value value;
@@ -111,7 +111,7 @@ TEST(Value, IsChangedByItsWriters) {
     EXPECT_EQ(list, Value::list({"x", nullptr}));
 }
 
-TEST(Value, TakesACopyOfItself) {
+TEST(Value, CanContainACopyOfItself) {
     Value dictionary{{"a", 1}};
     dictionary.set("self", dictionary);
     EXPECT_EQ(dictionary, (Value{{"a", 1}, {"self", Value{{"a", 1}}}}));
@@ -153,7 +153,7 @@ std::vector<Value> differentValues() {
             Value{{"a", Value{{"a", "a"}}}}};
 }
 
-TEST(Value, EqualsItsCopiesAlone) {
+TEST(Value, EqualsOnlyItsCopies) {
     const std::vector<Value> values = differentValues();
     const std::vector<Value> copies = values;
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -267,7 +267,7 @@ TEST(ValueDepth, FitsASmallStack) {
     });
 }
 
-TEST(ValueList, IsMadeOfWhatAFunctionReturns) {
+TEST(ValueList, IsCreatedFromTheResultsOfAFunction) {
     const std::vector<std::string> names = {"a", "bc"};
     EXPECT_EQ(Value::list(names,
                           [](const std::string& name) {
@@ -279,7 +279,7 @@ TEST(ValueList, IsMadeOfWhatAFunctionReturns) {
     EXPECT_EQ(Value::list(bits, [](bool bit) { return !bit; }), Value::list({false, true}));
 }
 
-TEST(ValueList, IsMadeOfAnyRange) {
+TEST(ValueList, IsCreatedFromAnyRange) {
     const int numbers[] = {1, 2, 3, 4};
     EXPECT_EQ(Value::list(numbers), Value::list({1, 2, 3, 4}));
     const std::vector<bool> bits = {true, false};

@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-// What passes between this program and the two libraries: memory and exceptions.
+// Memory and exceptions that pass between this program and the two libraries.
 
 namespace support {
 namespace {
@@ -210,7 +210,7 @@ TEST(Border, ExhaustedMemoryPassesFromTheBaseLibraryToThisProgram) {
     exhaustMemory(L"libKel.dll", [&] { kel::String(other.view()); });
 }
 
-TEST(Border, TextsThatAreTooLongAreRefusedByAnExceptionThatThisProgramCatches) {
+TEST(Border, TooLongTextsThrowAnExceptionThatThisProgramCatches) {
     const std::string_view tooLong("never looked at", std::size_t{1} << 32);
     EXPECT_THROW(const kel::String text(tooLong), std::length_error);
 }

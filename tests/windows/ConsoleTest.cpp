@@ -149,7 +149,7 @@ TEST(ConsoleTest, ShowsMessagesOfAnyLanguage) {
         << shown;
 }
 
-TEST(ConsoleTest, ShowsColorsUnlessTheyAreUnwanted) {
+TEST(ConsoleTest, ShowsColorsUnlessDisabled) {
     const support::TemporaryFolder folder;
     const support::WorkingFolder inside(folder.path());
     folder.writeFile("page.txt", "{{");

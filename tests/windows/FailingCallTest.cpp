@@ -7,7 +7,7 @@
 #include <libKel/FileSystem.h>
 #include <libKel/Folder.h>
 
-// Makes each call for a file fail in turn.
+// Makes each file-system call fail in turn.
 
 namespace support {
 namespace {
@@ -79,7 +79,7 @@ TEST_F(FailingCallTest, MayBeAnyOfTheReadsOfAFile) {
     EXPECT_EQ(failEach("ReadFile", expectLoadedUnless), 6);
 }
 
-TEST_F(FailingCallTest, EndsWhereTheFileHasBecomeShorter) {
+TEST_F(FailingCallTest, EndsIfTheFileHasBecomeShorter) {
     std::size_t expected = 0;
     failEach(FailingCall::end, [&expected](const FailingCall& failure) {
         Buffer<unsigned char> buffer;

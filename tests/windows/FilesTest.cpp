@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-// Files as on Windows only. Common behavior is tested with the base library.
+// Behavior of files that is specific to Windows. Common behavior is tested with the base library.
 
 namespace support {
 namespace {
@@ -61,7 +61,7 @@ TEST_F(WindowsFiles, AreTemplatesInAnyLanguage) {
               "Could not build formatted output: Failed to parse input correctly.");
 }
 
-TEST_F(WindowsFiles, AreLoadedWhereTheyAreReadOnly) {
+TEST_F(WindowsFiles, AreLoadedIfTheyAreReadOnly) {
     folder_.writeFile("file.txt", "text");
     const std::wstring path = native(folder_.path("file.txt"));
     ASSERT_NE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY), 0);
@@ -266,7 +266,7 @@ TEST_F(WindowsFiles, AreFoundByPathsOfAnyLength) {
 TEST_F(WindowsFiles, AreFoundByPathsOfAnyLengthBelowARoot) {
     const LongFolder folder(folder_);
     if (!folder.hasFinalPath()) {
-        GTEST_SKIP() << "this system, as Wine 8, does not tell long paths of open files";
+        GTEST_SKIP() << "this system, like Wine 8, does not report long paths of open files";
     }
     folder.writeFile("text");
     ASSERT_TRUE(FileSystem::setRoot(folder_.path()));

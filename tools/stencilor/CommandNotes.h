@@ -1,8 +1,8 @@
 #ifndef TOOLS_STENCILOR_COMMANDNOTES_H
 #define TOOLS_STENCILOR_COMMANDNOTES_H
 
-// The ends of the help texts. A line that ends with a colon is the heading of the lines below it;
-// in the manual page, lines that begin with two spaces stay as they are.
+// The final parts of the help texts. A line that ends with a colon is the heading of the lines
+// below it; in the manual page, lines that begin with two spaces are not wrapped.
 
 namespace stencilor {
 
@@ -34,7 +34,7 @@ line and a caret. Lines and columns count from 1, columns in code points.
 
 Errors are reported for templates that are rejected, for included files that do
 not exist or cannot be read, and for files that include themselves outside of
-all conditions and loops. Inside of one, this is only a note. With --context or
+all conditions and loops. Inside one, this is only a note. With --context or
 -D, a name causes a warning if the context does not have it, has it as another
 kind of value, or has it in a loop other than the one of its variable. Both
 parts of each condition are checked, and each element of each list in the

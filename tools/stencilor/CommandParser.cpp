@@ -188,7 +188,7 @@ class Call {
         }
         try {
             std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-            program_.parse(std::move(reversed)); // which takes the arguments from the end
+            program_.parse(std::move(reversed)); // which expects the arguments in reverse order
         } catch (const CLI::CallForHelp&) {
             return print(program_.help());
         } catch (const CLI::CallForVersion& version) {
@@ -235,7 +235,7 @@ class Call {
         return found == commands_.end() ? nullptr : &*found;
     }
 
-    /// Explains what the parser did not accept.
+    /// Explains why the parser rejected the arguments.
     void refuseUnknown() const {
         const ParsedCommand* const command = parsedCommand();
         const std::vector<std::string> own = program_.remaining();

@@ -286,7 +286,7 @@ CommandInfo lspCommand() {
     return command;
 }
 
-/// Only the description: the parser implements it.
+/// Only the description; the parser implements the command.
 CommandInfo helpCommand(const std::vector<CommandInfo>& commands) {
     OptionInfo name{.names = {"COMMAND"},
                     .description = "The command; without it, print the help of the program",

@@ -8,14 +8,14 @@
 
 namespace support {
 
-/// Numbers that look random and are the same for the same seed, with every compiler.
+/// Pseudo-random numbers, the same for the same seed with every compiler.
 class Random {
   public:
     explicit Random(std::uint64_t seed) : engine_(seed) {}
 
     std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine_() % limit); }
 
-    /// True once in so many calls.
+    /// True once in `calls` calls, on average.
     bool oneIn(std::size_t calls) { return below(calls) == 0; }
 
     template <typename List>

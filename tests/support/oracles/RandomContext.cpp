@@ -10,7 +10,7 @@ namespace {
 
 using namespace kel::Stencilor;
 
-/// A kind of a host's own.
+/// A host's own kind of value.
 template <typename Kind>
 class Derived : public Kind {
   public:
@@ -81,7 +81,7 @@ class Builder {
         return element;
     }
 
-    /// A child of the kind that its key tells, or of another one, or null.
+    /// A child of the kind that its key suggests, or of another kind, or null.
     ContextBase* makeChild(Meaning meaning, int depth) {
         if (random_.oneIn(10)) {
             return nullptr;
@@ -93,7 +93,7 @@ class Builder {
         return child;
     }
 
-    /// At most `count` children: a key that is there already is left alone.
+    /// At most `count` children: an existing key is left alone.
     void addChildren(ContextBase& parent, std::size_t count, int depth) {
         if (depth >= greatestDepth) {
             return;

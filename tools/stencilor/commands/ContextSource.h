@@ -7,7 +7,7 @@
 
 namespace stencilor {
 
-/// Makes the context.
+/// Creates the context.
 /// @param text if not null, receives the JSON text of the file
 /// Errors: throws `Failure`, for a JSON text with the line and column.
 kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,

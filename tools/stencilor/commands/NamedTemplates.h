@@ -24,12 +24,12 @@ class NamedTemplates {
         const kel::Stencilor::Analysis::TemplateFile& file;
     };
 
-    /// Makes the context, if there is one.
+    /// Creates the context, if there is one.
     /// @param contextText if not null, receives the JSON text of its file
     NamedTemplates(const Request& request, Files& files, std::string* contextText = nullptr);
 
     /// Reads a template; `-` is the standard input.
-    /// @param root where its includes are looked up; nothing for what the call says
+    /// @param root where its includes are looked up; nothing for the root of the call
     Named open(const std::string& file, const std::optional<std::string>& root = {});
 
     /// Reads all templates, and reports rejected ones.
@@ -39,7 +39,7 @@ class NamedTemplates {
     /// Reports names in a template that the context, if there is one, does not have.
     std::vector<kel::Stencilor::Analysis::Finding> findContextFaults(const Named& named) const;
 
-    /// Null if none is given.
+    /// Null if there is none.
     const kel::Stencilor::ContextBase* context() const {
         return context_ ? &static_cast<const kel::Stencilor::ContextBase&>(*context_) : nullptr;
     }
@@ -59,7 +59,7 @@ class NamedTemplates {
     std::map<std::string, Root> roots_;
 };
 
-/// Adds findings whose places are new.
+/// Adds findings at new locations.
 void addNew(std::vector<kel::Stencilor::Analysis::Finding>& findings,
             std::vector<kel::Stencilor::Analysis::Finding> more);
 

@@ -39,13 +39,12 @@ bool hasParentPart(const std::string& path) {
            path.find("\\..") != path.npos;
 }
 
-/// With a root outside of its folder, a file that comes with the templates could open any other
-/// file.
+/// With a root outside its folder, a file that comes with the templates could open any other file.
 std::string rootOf(const Project& project, const std::string& given) {
     const std::string root = system::identityOf(joinPath(project.folder, given));
     if (hasParentPart(given) || !isInside(root, system::identityOf(project.folder))) {
         throw Failure(project.file + ": the root " + quote(given) +
-                      " is outside of the folder of this file");
+                      " is outside the folder of this file");
     }
     return root;
 }

@@ -13,7 +13,7 @@ std::string workingFolder() {
     return system::identityOf(".");
 }
 
-/// From the working directory, where the path is inside it, as messages name files.
+/// Relative to the working directory if the path is inside it, as in messages.
 std::string shortPath(const std::string& path) {
     const std::string folder = workingFolder();
     if (path == folder) {
@@ -51,8 +51,8 @@ const Project* ProjectSettings::projectOf(const std::string& path) {
         Project project = parseProject(*file, files_.read(name));
         if (request_.root && project.root &&
             !isInside(*project.root, system::identityOf(*request_.root))) {
-            throw Failure(name + ": the root " + quote(shortPath(*project.root)) +
-                          " is outside of " + quote(*request_.root));
+            throw Failure(name + ": the root " + quote(shortPath(*project.root)) + " is outside " +
+                          quote(*request_.root));
         }
         known->second = std::move(project);
     }

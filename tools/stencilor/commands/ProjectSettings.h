@@ -12,16 +12,16 @@
 
 namespace stencilor {
 
-/// What the files `stencilor.json` say about the templates of a call, from the folder of each
-/// template up to the working directory. What the call says itself wins.
+/// The settings in `stencilor.json` for the templates of a call, from the folder of each template
+/// up to the working directory. Options of the call take precedence.
 ///
 /// Ownership: borrows the request and the files that are read.
-/// Errors: throws `Failure` for a project file that cannot be used; the same file once.
+/// Errors: throws `Failure` for an unusable project file, once per file.
 class ProjectSettings {
   public:
     ProjectSettings(const Request& request, Files& files) : request_(request), files_(files) {}
 
-    /// Where the includes of a template are looked up; nothing if no project file says so.
+    /// Where the includes of a template are looked up; nothing if no project file specifies it.
     std::optional<std::string> rootOf(const std::string& templateFile);
 
     /// The context of a template; null if no project file names one.

@@ -10,7 +10,7 @@
 
 namespace stencilor {
 
-/// Converts the messages of a render to findings, one per place.
+/// Converts the messages of a render to findings, one per location.
 std::vector<kel::Stencilor::Analysis::Finding>
 describeMessages(const RenderRequest& request, RenderedTemplates& templates,
                  const kel::Stencilor::ContextBase& context,

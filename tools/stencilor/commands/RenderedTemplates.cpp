@@ -41,7 +41,7 @@ TemplateSource::Answer RenderedTemplates::find(const kel::String& path, std::uin
     }
     known = open(text);
     if (known.identity == root_.identity) {
-        // A template from the standard input stands for the file that it belongs to.
+        // A template from the standard input replaces the file that it belongs to.
         known.found = Template(root_.found->text(), text.name);
     }
     found = known.found;

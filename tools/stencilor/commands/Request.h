@@ -11,7 +11,7 @@ enum class Format { Text, Json, Sarif };
 
 enum class Color { Auto, Always, Never };
 
-/// The source of a context, and how to make it. Without a file, the context is empty.
+/// The source of a context, and how to create it. Without a file, the context is empty.
 struct ContextRequest {
     std::optional<std::string> file;
     std::vector<std::string> definitions;
@@ -20,7 +20,7 @@ struct ContextRequest {
     bool isGiven() const { return file || !definitions.empty(); }
 };
 
-/// The arguments common to all commands. `-` stands for a standard stream.
+/// The arguments common to all commands. `-` means a standard stream.
 struct Request {
     std::vector<std::string> templateFiles;
     std::optional<std::string> standardInputName; ///< the file that a template on stdin belongs to

@@ -72,8 +72,9 @@ void Checks::checkSyntax(const std::string& name) {
     checks_.emplace(name, std::move(check));
 }
 
-/// True for a template whose names are looked up on its own. A template that another open one
-/// includes needs that one's names. If templates include each other, each is looked up on its own.
+/// True for a template whose names are looked up on its own. A template that is included by another
+/// open template needs the names of that one. If templates include each other, each is looked up on
+/// its own.
 bool Checks::hasOwnNames(const Check& check) const {
     const ContextFile* const context = check.around.context.get();
     const std::string& name = check.file->name();

@@ -29,10 +29,10 @@ struct Check {
     std::optional<bool> looksUpNames{}; ///< empty if not yet decided
 };
 
-/// Checks the open templates: all that `check` finds, each template with its includes.
+/// Checks the open templates like `check`, each with its includes.
 ///
-/// Names are looked up if a context is known. A template that another open one includes is looked
-/// up there, and on its own only if a context belongs to it alone.
+/// Names are looked up if a context is known. If another open template includes a template, names
+/// are looked up there, and on its own only if it has a context of its own.
 /// Ownership: borrows the documents and the workspace.
 class Checks {
   public:
@@ -61,7 +61,7 @@ class Checks {
     /// The findings in a file, sorted and without duplicates. They refer to the checks.
     std::vector<kel::Stencilor::Analysis::Finding> findingsIn(const std::string& name) const;
 
-    /// The last check of an open template; null if it was not yet checked.
+    /// The last check of an open template; null if it has not been checked yet.
     const Check* of(const std::string& name) const;
 
     /// The check that is used to look up names in an open template: its own, or that of a template

@@ -40,7 +40,7 @@ Json makeFix(const Document& document, SyntaxRange range, const std::string& tex
     return fix;
 }
 
-/// The client's diagnostics that begin at a place.
+/// The client's diagnostics that begin at a position.
 Json diagnosticsAt(const Json& context, const Json& position) {
     Json found = Json::array();
     for (const Json& diagnostic : context.at("diagnostics")) {

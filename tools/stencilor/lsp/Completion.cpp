@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-// What may be typed next.
+// Completion: what can be typed next.
 
 namespace stencilor::lsp {
 
@@ -29,7 +29,7 @@ constexpr int itemOfKeyword = 14;
 constexpr int itemOfFile = 17;
 constexpr int itemOfFolder = 19;
 
-/// The items for one place, each label once.
+/// The items for one position, each label once.
 class ItemList {
   public:
     ItemList(const Place& place, const TypedPart& typed)
@@ -136,7 +136,7 @@ std::string_view variableOf(const PlaceScope& scope, const TemplateFile& file) {
     return file.slice(file.parts()[scope.tag].name);
 }
 
-/// The names of values of the wanted kind; those of an element as members of the variable.
+/// The names of values of the wanted kind; names of an element are members of the variable.
 void addNames(const Moment& moment, const Place& place, TypedPart::Kind kind, ItemList& items) {
     for (auto scope = moment.scopes.rbegin(); scope != moment.scopes.rend(); ++scope) {
         const std::string_view variable = variableOf(*scope, place.file);
@@ -188,7 +188,7 @@ void completeName(Session& session, const Place& place, const TypedPart& typed, 
     }
 }
 
-/// The files and folders that can complete a path; none outside of the root.
+/// The files and folders that can complete a path; none outside the root.
 void completePath(Session& session, const Place& place, const TypedPart& typed, ItemList& items) {
     const std::string_view word = place.file.slice(typed.word);
     const std::size_t before = std::min<std::size_t>(place.offset - typed.word.begin, word.size());

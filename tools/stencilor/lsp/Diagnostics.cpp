@@ -25,8 +25,8 @@ int severityOf(Severity severity) {
     return 3; // information
 }
 
-/// Editors show an empty range nowhere, or as the word before it, so this is the character after
-/// it, or at the end of a line the one before it.
+/// Editors do not show an empty range, or show the word before it, so this returns the character
+/// after it or, at the end of a line, the one before it.
 SyntaxRange visibleRange(const std::string& text, SyntaxRange range) {
     if (!range.isEmpty()) {
         return range;
@@ -61,8 +61,8 @@ Json locationOf(const Place& place, const Documents& documents) {
     return {{"uri", uriOf(documents, name)}, {"range", rangeIn(text, place.range)}};
 }
 
-/// A note at the place of its finding is added to the message; other places are shown by clients
-/// that support it.
+/// A note at the location of its finding is added to the message; clients that support it show
+/// other locations.
 bool belongsToMessage(const Note& note, const Finding& finding) {
     return note.place.file == finding.place.file &&
            note.place.range.begin <= finding.place.range.begin &&

@@ -12,7 +12,7 @@ using kel::Stencilor::Analysis::TemplateFile;
 
 namespace {
 
-/// The engine reads templates of up to 4 GiB, but nobody edits those.
+/// The engine reads templates of up to 4 GiB, but nobody edits files that large.
 constexpr std::size_t longestDocument = std::size_t{256} << 20;
 
 void applyChange(IndexedText& text, const Json& change) {

@@ -43,7 +43,7 @@ class Documents {
 
     Document& open(const Json& item);
 
-    /// Applies changes of whole texts or of ranges, in order.
+    /// Applies changes to whole texts or ranges, in order.
     Document& change(const Json& params);
 
     /// Returns the name of the closed document.

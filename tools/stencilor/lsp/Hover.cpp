@@ -72,7 +72,8 @@ std::string describeName(const KnownNames& known, std::string_view name, const s
                    describeScope(moment.scopes[found->scope]) + ".";
         }
     }
-    return title + kind + (known.context ? "\n\nThe context has no value of this name here." : "");
+    return title + kind +
+           (known.context ? "\n\nThe context has no value with this name here." : "");
 }
 
 std::string describeVariable(const TemplateFile& file, std::size_t loop) {

@@ -69,7 +69,7 @@ TextPosition IndexedText::positionOf(std::size_t offset) const {
             unitsBefore(end) - unitsBefore(after[-1])};
 }
 
-/// Without the end of the line.
+/// Without the line break.
 std::size_t IndexedText::endOfLine(std::size_t line) const {
     if (line + 1 == lines_.size()) {
         return text_.size();
@@ -105,7 +105,7 @@ std::size_t IndexedText::offsetOf(TextPosition position) const {
 
 void IndexedText::replace(std::size_t begin, std::size_t end, std::string_view text) {
     text_.replace(begin, end - begin, text);
-    // A line break before the change may be another one with what follows it now.
+    // A line break before the change may combine with what now follows it.
     const std::size_t unchanged = std::min(std::max<std::size_t>(begin, 1) - 1, indexed_);
     const std::size_t block = unchanged / blockSize;
     indexed_ = block * blockSize;

@@ -22,7 +22,7 @@ struct TextPosition {
 };
 
 /// A text with the lines and characters in it, which change with it. Lines end with LF, CR LF or a
-/// CR alone. A malformed byte counts as a character if it does not look like the rest of one.
+/// lone CR. A malformed byte counts as a character if it does not look like the rest of one.
 ///
 /// Cost: a position is found in logarithmic time once the text before it has been indexed. After a
 ///   change, only the text after it is indexed again, so many changes from the last to the first
@@ -37,7 +37,7 @@ class IndexedText {
     TextPosition positionOf(std::size_t offset) const;
 
     /// A line after the last one is the end of the text, a character after the last one the end of
-    /// its line. A place inside a character is its beginning.
+    /// its line. A position inside a character is its beginning.
     std::size_t offsetOf(TextPosition position) const;
 
     void replace(std::size_t begin, std::size_t end, std::string_view text);

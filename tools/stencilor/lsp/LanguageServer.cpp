@@ -26,8 +26,7 @@ ResponseError errorOf(const std::exception& failure) {
         return *error;
     }
     return dynamic_cast<const Json::exception*>(&failure) != nullptr
-               ? ResponseError(ErrorCode::InvalidParams,
-                               "the parameters are not as the protocol defines them")
+               ? ResponseError(ErrorCode::InvalidParams, "the parameters do not match the protocol")
                : ResponseError(ErrorCode::InternalError, failure.what());
 }
 
@@ -64,7 +63,7 @@ void LanguageServer::receive(const Received& received) {
             takeNotification(name, memberOf(message, "params"));
         }
     } else if (!message.is_object() || !(message.contains("result") || message.contains("error"))) {
-        // A message with one of these members answers a request of ours, which needs no action.
+        // A message with one of these members answers one of our requests, which needs no action.
         sendError(nullptr, ErrorCode::InvalidRequest,
                   "the message is neither a request nor a notification");
     }
@@ -94,7 +93,7 @@ void LanguageServer::answer(const Json& message, const std::string& method, bool
 Json LanguageServer::callRequest(const std::string& method, const Json& params) {
     if (method == "initialize") {
         if (state_ != State::Started) {
-            throw ResponseError(ErrorCode::InvalidRequest, "the server is initialized already");
+            throw ResponseError(ErrorCode::InvalidRequest, "the server is already initialized");
         }
         return initialize(params);
     }

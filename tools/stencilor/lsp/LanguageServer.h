@@ -21,7 +21,7 @@ class LanguageServer {
     using Clock = std::chrono::steady_clock;
     using Send = std::function<void(const Json& message)>;
 
-    /// The delay between a change and the check, so that there is no check for each key.
+    /// The delay between a change and the check, so that not every key press causes a check.
     static constexpr std::chrono::milliseconds delay{60};
 
     explicit LanguageServer(Send send);
@@ -33,7 +33,7 @@ class LanguageServer {
     /// The time of the next action without a message; nothing if there is none.
     std::optional<Clock::time_point> due() const;
 
-    /// Performs the action. If `goOn` returns false, it is interrupted, and is then due again.
+    /// Performs the action. If `goOn` returns false, it is interrupted, and becomes due again.
     void runDue(const Checks::GoOn& goOn);
 
     bool hasEnded() const { return state_ == State::Ended; }

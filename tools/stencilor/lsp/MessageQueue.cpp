@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t deepestMessage = 100;
 
 /// Whether arrays and objects nest at most as deeply as messages do. Each level takes a hundred
-/// times its byte.
+/// times the size of its byte.
 bool isShallow(std::string_view content) {
     std::size_t depth = 0;
     bool isInString = false;

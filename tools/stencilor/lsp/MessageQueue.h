@@ -30,20 +30,20 @@ class MessageQueue {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// Adds a message; one that cancels a request which still waits is carried out. Waits while
-    /// there is more than a client could want to have answered.
+    /// Adds a message; a message that cancels a waiting request takes effect at once. Waits while
+    /// there are more messages than a client can reasonably need.
     void add(Received received);
 
     /// Signals that there are no more messages.
     void close();
 
-    /// Waits for a message. Nothing once it is closed and empty, and from `until` on.
+    /// Waits for a message. Returns nothing once the queue is closed and empty, or at `until`.
     std::optional<Received> take(std::optional<Clock::time_point> until);
 
-    /// True while no message waits, and more may come.
+    /// True while no message is waiting, but more may come.
     bool isIdle() const;
 
-    /// True once no message waits, and none will.
+    /// True once no message is waiting and none will come.
     bool hasEnded() const;
 
   private:

@@ -14,7 +14,7 @@ char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
 
-/// The value of the header `Content-Length`; nothing for other headers, and where it is no number.
+/// The value of the header `Content-Length`; nothing for other headers, or if it is not a number.
 std::optional<std::size_t> lengthIn(std::string_view header) {
     constexpr std::string_view name = "content-length:";
     const bool isLength =
@@ -67,7 +67,7 @@ bool MessageReader::fill() {
     return !buffer_.empty();
 }
 
-/// A line without its end, which is CR LF or LF alone.
+/// A line without its end, which is CR LF or just LF.
 std::optional<std::string> MessageReader::line() {
     std::string result;
     for (;;) {

@@ -9,17 +9,17 @@
 namespace stencilor::lsp {
 
 /// Splits a stream into the messages in it: headers, an empty line, as many bytes as the header
-/// `Content-Length` says.
+/// `Content-Length` specifies.
 ///
-/// Errors: headers without a length, and a content that is too long, are skipped, and an empty
-///   message takes their place. The stream goes on after them.
+/// Errors: headers without a length, and content that is too long, are skipped and replaced by an
+///   empty message. Reading continues after them.
 class MessageReader {
   public:
     /// Reads at least one byte and at most `size`; returns how many, 0 at the end of the stream.
     using Read = std::function<std::size_t(char* data, std::size_t size)>;
 
     static constexpr std::size_t longestContent = std::size_t{256} << 20;
-    static constexpr std::size_t longestLine = 4096; ///< what of a longer one is kept
+    static constexpr std::size_t longestLine = 4096; ///< what is kept of a longer one
 
     explicit MessageReader(Read read) : read_(std::move(read)) {}
 
@@ -37,7 +37,7 @@ class MessageReader {
     std::size_t at_ = 0; // in the buffer
 };
 
-/// A message as it is sent.
+/// A message in the form that is sent.
 std::string frame(const std::string& content);
 
 } // namespace stencilor::lsp

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// From a name or path to where it comes from, to where else it is, and to another name.
+// Navigation: from a name or path to its origin, to its other occurrences, and to a new name.
 
 namespace stencilor::lsp {
 
@@ -44,14 +44,14 @@ Json placeInContext(Session& session, const Place& place, SyntaxRange name) {
     return nullptr;
 }
 
-/// The loop whose variable is at a place.
+/// The loop whose variable is at a position.
 /// Errors: throws `ResponseError` if there is none.
 std::size_t loopToRename(const Place& place) {
     const std::size_t loop = findLoopAt(place.file, place.offset);
     if (loop == TemplateFile::none) {
         throw ResponseError(ErrorCode::RequestFailed,
-                            "only the variable of a loop can be renamed here; other names are "
-                            "those of the context");
+                            "only loop variables can be renamed; other names come from the "
+                            "context");
     }
     return loop;
 }

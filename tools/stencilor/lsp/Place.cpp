@@ -14,13 +14,14 @@ namespace {
 
 constexpr std::size_t mostMoments = 20;
 
-/// The place of an include, and its file.
+/// The position of an include, and its file.
 struct Step {
     const TemplateFile* file;
     std::size_t offset;
 };
 
-/// The shortest way of includes from the template of a check to a file: the place of each include.
+/// The shortest chain of includes from the template of a check to a file: the position of each
+/// include.
 std::vector<Site> findWay(Check& check, const std::string& name) {
     std::map<const TemplateFile*, Step> cameFrom = {{check.file, {nullptr, 0}}};
     std::deque<const TemplateFile*> waiting = {check.file};

@@ -11,7 +11,7 @@
 
 namespace stencilor::lsp {
 
-/// A place in an open template, of `{"textDocument": …, "position": …}`.
+/// A position in an open template, from `{"textDocument": …, "position": …}`.
 struct Place {
     const Document& document;
     const kel::Stencilor::Analysis::TemplateFile& file;
@@ -20,14 +20,14 @@ struct Place {
 
 Place placeOf(Session& session, const Json& params);
 
-/// A context, and its names at a place.
+/// A context, and its names at a position.
 struct KnownNames {
     std::shared_ptr<const ContextFile> context; ///< null if none is known
     std::vector<kel::Stencilor::Analysis::Moment> moments;
 };
 
-/// What the context has at a place, in its template or where that one is included: for a few
-/// elements of each list around it.
+/// The names of the context at a position, in its template or where that is included, for a few
+/// elements of each enclosing list.
 /// Ownership: refers to the checks and to the syntax of the document.
 KnownNames findNamesAt(Session& session, const Place& place);
 

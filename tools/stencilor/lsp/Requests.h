@@ -20,7 +20,7 @@ struct RequestInfo {
 const std::vector<RequestInfo>& requests();
 
 // The requests, one file for each group. They throw `ResponseError`, and what the JSON library
-// throws, where the parameters are not as they must be.
+// throws, for invalid parameters.
 
 Json documentSymbols(Session& session, const Json& params);
 Json foldingRanges(Session& session, const Json& params);

@@ -26,7 +26,7 @@ Received parseOrDiscard(const std::string& content) {
     }
 }
 
-/// Adds messages up to the end of the stream or the one that ends the session.
+/// Adds messages up to the end of the stream, or to the message that ends the session.
 void readMessages(MessageQueue& queue) {
     try {
         MessageReader reader(
@@ -40,7 +40,7 @@ void readMessages(MessageQueue& queue) {
             }
         }
     } catch (const std::exception&) {
-        // A stream that fails has ended.
+        // A stream that fails counts as ended.
     }
     queue.close();
 }

@@ -50,7 +50,7 @@ Json describeSymbol(const Document& document, const SyntaxElement& tag, SyntaxRa
             {"selectionRange", document.rangeOf(tag.whole)}};
 }
 
-/// The blocks and includes of a template, as they are inside each other.
+/// The blocks and includes of a template, with their nesting.
 class SymbolTree {
   public:
     explicit SymbolTree(const Document& document) : document_(document) {}
@@ -108,7 +108,7 @@ class SymbolTree {
     std::size_t skipped_ = 0;                            // open blocks that are not shown
 };
 
-/// For clients that show symbols one after another.
+/// For clients that show a flat list of symbols.
 Json listSymbols(const Document& document) {
     const TemplateFile& file = document.syntax();
     Json symbols = Json::array();
@@ -145,7 +145,7 @@ std::vector<SyntaxRange> rangesAround(const TemplateFile& file, std::size_t offs
     for (const std::size_t tag : open) {
         const std::size_t middle = file.endOf(tag);
         if (middle < tag) {
-            continue; // its end is not known
+            continue; // its end is unknown
         }
         const std::size_t end = file.afterBlock(tag) - 1;
         const bool isAfter = middle != end && isAfterElse(file, tag, offset);

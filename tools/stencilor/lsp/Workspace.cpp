@@ -113,7 +113,7 @@ std::string Workspace::rootOf(const Document& document, const std::optional<Proj
     if (project && project->root) {
         if (root && !isInside(*project->root, *root)) {
             report(project->file + ": the root " + quote(*project->root) +
-                   " is outside of the one that is set, " + quote(*root));
+                   " is outside the configured root " + quote(*root));
         } else if (openFolder(*project->root)) {
             root = project->root;
         }

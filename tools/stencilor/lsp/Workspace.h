@@ -29,8 +29,8 @@ struct Settings {
 struct ContextFile {
     std::string name;
     std::string text;
-    std::optional<kel::Stencilor::Context> context; ///< nothing if the text is not as it must be
-    std::string fault{};                            ///< why it is not
+    std::optional<kel::Stencilor::Context> context; ///< nothing if the text is invalid
+    std::string fault{};                            ///< why it is invalid
     kel::Stencilor::SyntaxRange place{};            ///< of the fault
 };
 
@@ -38,14 +38,14 @@ struct ContextFile {
 struct Surroundings {
     std::string root;
     std::shared_ptr<const ContextFile> context; ///< null if none is known
-    bool isNamed = false; ///< a context belongs to this template, not only to those around it
+    bool isNamed = false; ///< a context belongs to this template, not only to those that include it
 };
 
-/// The files around the documents, and what is set for them.
+/// The files around the documents, and the settings for them.
 ///
 /// Ownership: borrows the documents.
-/// Errors: what is wrong with a setting or a project file is kept for `takeFaults`; the setting
-///   then counts as absent.
+/// Errors: those in a setting or a project file are kept for `takeFaults`; the setting then counts
+///   as absent.
 class Workspace {
   public:
     explicit Workspace(const Documents& documents) : documents_(documents) {}
@@ -53,16 +53,16 @@ class Workspace {
     void setFolders(std::vector<std::string> folders) { folders_ = std::move(folders); }
     const std::vector<std::string>& folders() const { return folders_; }
 
-    /// Errors: throws what the JSON library does where a setting is of another type.
+    /// Errors: throws what the JSON library throws if a setting has the wrong type.
     void set(const Json& settings);
     const Settings& settings() const { return settings_; }
 
     Surroundings surroundingsOf(const Document& document);
 
-    /// The text of a buffer or a file; nothing where there is none.
+    /// The text of a buffer or a file; nothing if there is none.
     std::optional<std::string> read(const std::string& name) const;
 
-    /// What was found wrong since the last call; each fault once.
+    /// The faults found since the last call, each once.
     std::vector<std::string> takeFaults();
 
   private:
@@ -88,19 +88,19 @@ class Workspace {
     std::vector<std::string> faults_;
 };
 
-/// The templates below a root, as they are in the editor's buffers, or else in their files.
+/// The templates in a root, read from the editor's buffers or, if not open, from files.
 ///
 /// Ownership: borrows the documents.
 class BufferedFolder final : public kel::Stencilor::Analysis::TemplateReader {
   public:
-    /// What is longer is not read.
+    /// Longer files are not read.
     static constexpr std::uint64_t longestFile = std::uint64_t{64} << 20;
 
     BufferedFolder(std::string root, const Documents& documents);
 
     Answer find(const std::string& path, kel::Stencilor::Analysis::TemplateText& found) override;
 
-    /// The name of what `path` includes; empty if there is nothing.
+    /// The name of the file that `path` includes; empty if there is none.
     std::string locate(const std::string& path) const;
 
   private:

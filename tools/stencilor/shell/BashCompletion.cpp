@@ -70,7 +70,7 @@ _stencilor() {
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' words offered='' i
     COMPREPLY=()
 
-    # Bash takes "--option=value" apart.
+    # Bash splits "--option=value".
     if [[ $current == '=' ]]; then
         current=''
     elif [[ $before == '=' ]]; then

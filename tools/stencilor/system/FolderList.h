@@ -9,7 +9,7 @@
 
 namespace stencilor::system {
 
-/// What `namesIn` does on every system; `toText` makes UTF-8 of a name.
+/// The part of `namesIn` that is the same on every system; `toText` converts a name to UTF-8.
 template <typename ToText>
 std::vector<std::string> listFolder(const std::filesystem::path& folder, ToText toText) {
     std::vector<std::string> names;
