@@ -1,8 +1,8 @@
-// Measures the npm package in Node.js alongside three other engines, each with its template parsed
-// beforehand and its values handed over in each call; and a keystroke in the playground.
+// Measures the npm package in Node.js alongside three other engines, and a keystroke in the
+// playground. Each engine parses its template beforehand and receives its values with each call.
 //
-// Takes the environment of the tests in tests/. Engines take turns of some milliseconds, so that what
-// disturbs the machine affects them alike. Each time is the median of the turns.
+// Uses the environment variables of the tests in tests/. Engines take turns of a few milliseconds,
+// so that disturbances affect all of them alike. Each time is the median over the turns.
 
 import assert from "node:assert/strict";
 import { join } from "node:path";
@@ -16,7 +16,7 @@ const Handlebars = require("handlebars");
 const Mustache = require("mustache");
 const nunjucks = require("nunjucks");
 
-// Written once, with tags that each language has an own form for.
+// Written once, with tags that are translated into each language.
 const greeting = "Hello, [name]! You have [count] new messages.";
 const productPage =
   "<html><head><title>[title]</title></head>\n<body><h1>[title]</h1>\n" +
@@ -49,7 +49,7 @@ const workloads = [
   ["W3", table, cells()],
 ];
 
-/** A template in another language: `forms` has what stands for each kind of tag. */
+/** Translates a template into another language: `forms` has the form of each kind of tag. */
 function translate(text, forms) {
   return text.replace(/\[(?:(if|else|endif|for \w+ in|endfor) )?([\w.]+)\]/g, (tag, word, name) => {
     const form = forms[word?.startsWith("for ") ? "for" : (word ?? "name")];
@@ -57,7 +57,7 @@ function translate(text, forms) {
   });
 }
 
-const last = (name) => name.split(".").at(-1); // members of an element are in scope by themselves
+const last = (name) => name.split(".").at(-1); // members of an element are in scope without a prefix
 const engines = {
   Stencilor: (text) => {
     const page = new Template(
@@ -123,7 +123,7 @@ function time(render, values, calls) {
   return (performance.now() - start) / calls;
 }
 
-/** How many calls take some milliseconds. */
+/** The number of calls that take the given time. */
 const callsIn = (milliseconds, { render }, values) => Math.ceil(milliseconds / time(render, values, 5));
 
 const quantile = (times, part) => times.sort((a, b) => a - b)[Math.floor(times.length * part)];
@@ -133,7 +133,7 @@ function measure(text, values) {
   const renderers = Object.entries(engines).map(([name, make]) => ({ name, render: make(text), times: [] }));
   for (const each of renderers) {
     assert.equal(each.render(values), renderers[0].render(values), each.name);
-    time(each.render, values, callsIn(50, each, values)); // until it is compiled
+    time(each.render, values, callsIn(50, each, values)); // until it is JIT-compiled
     each.calls = callsIn(5, each, values);
   }
   for (let turn = 0; turn < 41; ++turn) {
@@ -155,7 +155,7 @@ for (const [name, text, values] of workloads) {
   console.log(name.padEnd(24) + row + (times[0][1] / best).toFixed(2).padStart(15));
 }
 
-/** From a key to the change of the page, in milliseconds. */
+/** The time from a key press to the change of the page, in milliseconds. */
 async function measureKeystroke() {
   const server = await serve(process.env.STENCILOR_PLAYGROUND);
   const browser = await openBrowser();
@@ -189,4 +189,4 @@ async function measureKeystroke() {
 
 const times = await measureKeystroke();
 const inMilliseconds = (part) => `${quantile(times, part).toFixed(1)} ms`;
-console.log(`a keystroke in the playground's largest example: median ${inMilliseconds(0.5)}, 9 of 10 under ${inMilliseconds(0.9)} (a frame has 16 ms)`);
+console.log(`keystroke in the playground's largest example: median ${inMilliseconds(0.5)}, 9 of 10 under ${inMilliseconds(0.9)} (a frame has 16 ms)`);

@@ -1,4 +1,5 @@
-// Lays out the npm package: its sources, the engine inside a module, and the licences of all of it.
+// Lays out the npm package: its sources, the engine as a module, and the licences of everything in
+// it.
 //
 //   node build-package.mjs WASM VERSION OUT
 
@@ -11,7 +12,8 @@ const [wasm, version, out] = process.argv.slice(2);
 const web = fileURLToPath(new URL(".", import.meta.url));
 const root = join(web, "..");
 
-/** The paragraphs of a list of licences that begin with one of `beginnings`, each of which must. */
+/** The paragraphs of a list of licences that begin with one of `beginnings`; each of them must
+ * occur. */
 function paragraphsOf(list, beginnings) {
   const paragraphs = readFileSync(list, "utf8").split(/\n\n+/);
   return beginnings.map((beginning) => {
@@ -23,20 +25,20 @@ function paragraphsOf(list, beginnings) {
   });
 }
 
-/** The licence of Boost, from a list that names the licence of every file. */
+/** The licence of Boost, from a list of the licences of every file. */
 function boostLicence() {
   const list = readFileSync("/usr/share/doc/libboost1.74-dev/copyright", "utf8");
   const begin = list.indexOf("\n Boost Software License - Version 1.0");
   const end = list.indexOf("\n\n", begin);
   if (begin < 0 || end < 0) {
-    throw new Error("the licence of Boost is not where its package usually has it");
+    throw new Error("the licence of Boost is not where it is expected");
   }
   return list.slice(begin, end).replace(/^ \.?/gm, "").trim();
 }
 
 const libraries = ["compiler-rt", "libcxx", "libcxxabi", "libunwind"];
 const licences = {
-  "Boost (Variant, Container and what they use)": boostLicence(),
+  "Boost (Variant, Container and their dependencies)": boostLicence(),
   "musl, the C library": readFileSync("/usr/share/emscripten/system/lib/libc/musl/COPYRIGHT", "utf8"),
   "emscripten, and libraries of LLVM": paragraphsOf("/usr/share/doc/emscripten/copyright", [
     "Files: * ",
@@ -51,9 +53,9 @@ for (const file of ["engine.js", "stencilor.d.ts", "stencilor.js", "values.js", 
   cpSync(join(web, "package", file), join(out, file));
 }
 cpSync(join(root, "LICENSE"), join(out, "LICENSE"));
-const compressed = execFileSync("zopfli", ["--zlib", "-c", wasm]).toString("base64"); // 5 % smaller than zlib does
+const compressed = execFileSync("zopfli", ["--zlib", "-c", wasm]).toString("base64"); // 5% smaller than with zlib
 writeFileSync(join(out, "wasm.js"), `// The engine, compressed.\nexport const compressed =\n  "${compressed}";\n`);
 const description = JSON.parse(readFileSync(join(web, "package", "package.json"), "utf8"));
 writeFileSync(join(out, "package.json"), JSON.stringify({ ...description, version }, null, 2) + "\n");
 const chapters = Object.entries(licences).map(([name, text]) => `${name}\n${"=".repeat(name.length)}\n\n${text.trim()}\n`);
-writeFileSync(join(out, "LICENSES.txt"), `What the engine in wasm.js was made of, besides Stencilor itself.\n\n${chapters.join("\n\n")}`);
+writeFileSync(join(out, "LICENSES.txt"), `What the engine in wasm.js contains, besides Stencilor itself.\n\n${chapters.join("\n\n")}`);

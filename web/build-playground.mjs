@@ -2,8 +2,8 @@
 //
 //   node build-playground.mjs PACKAGE MODULES OUT
 //
-//   PACKAGE  the npm package, as build-package.mjs laid it out
-//   MODULES  the folder node_modules that holds what is bundled
+//   PACKAGE  the npm package, as laid out by build-package.mjs
+//   MODULES  the node_modules folder with the packages to bundle
 
 import { cpSync, mkdirSync, readFileSync, readdirSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
@@ -26,7 +26,7 @@ const asText = {
   },
 };
 
-/** The licences of the packages that a bundle was made of. */
+/** The licences of the packages in a bundle. */
 function licencesOf({ inputs }) {
   const names = Object.keys(inputs).map((path) => /node_modules\/((?:@[^/]+\/)?[^/]+)\//.exec(path)?.[1]);
   return [...new Set(names.filter(Boolean))].sort().map((name) => {

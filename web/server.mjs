@@ -1,4 +1,4 @@
-// Serves a folder of static files to this machine alone.
+// Serves a folder of static files to this machine only.
 //
 //   node server.mjs FOLDER [PORT]      prints the address; any free port by default
 
@@ -25,11 +25,11 @@ async function answer(folder, request, response) {
     response.end(content);
   } catch {
     response.writeHead(404, { "Content-Type": "text/plain" });
-    response.end("There is no such file.\n");
+    response.end("File not found.\n");
   }
 }
 
-/** Resolves to the address, and a function that ends the server. */
+/** Resolves to the address, and a function that stops the server. */
 export function startServer(folder, port) {
   const server = createServer((request, response) => answer(folder, request, response));
   return new Promise((resolve, reject) => {

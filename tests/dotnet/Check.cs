@@ -2,7 +2,7 @@ using System;
 using System.Linq;
 using System.Reflection;
 
-/// <summary>Runs the tests: the public static methods of the classes whose names end so.</summary>
+/// <summary>Runs the tests: the public static methods of the classes whose names end in "Test".</summary>
 internal static class Check
 {
     private static int failures;

@@ -57,7 +57,7 @@ internal static class TemplateTest
         Check.Throws<DirectoryNotFoundException>(() => TemplateSource.FromFolder("/gone/nowhere"), "/gone/nowhere");
     }
 
-    public static void MalformedTemplatesThrowWhereTheyAre()
+    public static void MalformedTemplatesThrowErrorsWithLocations()
     {
         TemplateSyntaxException exception = Check.Throws<TemplateSyntaxException>(
             () => new Template("é\né {{ name", "page.html"), "page.html:2:10: ");
@@ -80,7 +80,7 @@ internal static class TemplateTest
         }
     }
 
-    public static void ResultsHaveMessagesWithPlaces()
+    public static void ResultsHaveMessagesWithLocations()
     {
         using (TemplateSource source = TemplateSource.FromTexts(
                    new Dictionary<string, string> { { "part", "\n{{ gone }}" } }))
@@ -204,7 +204,7 @@ internal static class TemplateTest
         }
     }
 
-    public static void WhatIsNotDisposedOfIsFreed()
+    public static void UndisposedObjectsAreFreed()
     {
         for (int count = 0; count < 2000; ++count)
         {
@@ -221,7 +221,7 @@ internal static class TemplateTest
         }
     }
 
-    public static void WhatIsDisposedOfIsRefused()
+    public static void DisposedObjectsAreRejected()
     {
         var page = new Template("x");
         page.Dispose();

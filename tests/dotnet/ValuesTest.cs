@@ -121,20 +121,20 @@ internal static class ValuesTest
                                            new RenderOptions { Escape = Escape.Html }));
     }
 
-    public static void OtherValuesAreRefusedWithTheirPath()
+    public static void OtherValuesAreRejectedWithTheirPath()
     {
         var endless = new ArrayList();
         endless.Add(endless);
         var cases = new Dictionary<string, object>
         {
-            { "a: System.DateTime is not a type", new { a = DateTime.Now } },
-            { "a: System.DayOfWeek is not a type", new { a = DayOfWeek.Friday } },
-            { "items[2].Price: System.Uri is not", new { items = new object[] { 1, 2, new Tea { Price = new Uri("http://x") } } } },
+            { "a: System.DateTime cannot be", new { a = DateTime.Now } },
+            { "a: System.DayOfWeek cannot be", new { a = DayOfWeek.Friday } },
+            { "items[2].Price: System.Uri cannot be", new { items = new object[] { 1, 2, new Tea { Price = new Uri("http://x") } } } },
             { "a.b: NaN is not a finite number", new { a = new { b = double.NaN } } },
             { "a[0]: Infinity is not a finite number", new { a = new[] { float.PositiveInfinity } } },
-            { "a: has a key of the type System.Int32", new { a = new Hashtable { { 1, 2 } } } },
-            { "a.$boolean: is true or false", new { a = new Hashtable { { "$boolean", 1 } } } },
-            { "is more than 512 levels deep", new { a = endless } },
+            { "a: has a key of type System.Int32", new { a = new Hashtable { { 1, 2 } } } },
+            { "a.$boolean: must be true or false", new { a = new Hashtable { { "$boolean", 1 } } } },
+            { "nests deeper than 512 levels", new { a = endless } },
             { "The values are a System.String", "text" },
             { "The values are a System.Int32[]", new int[0] },
         };
@@ -157,7 +157,7 @@ internal static class ValuesTest
         }
     }
 
-    public static void DottedNamesThatTakeTooMuchMemoryAreRefused()
+    public static void DottedNamesThatTakeTooMuchMemoryAreRejected()
     {
         object deep = Enumerable.Range(0, 50).ToDictionary(number => number.ToString(), number => "");
         for (int level = 0; level < 100; ++level)

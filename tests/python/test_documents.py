@@ -1,4 +1,4 @@
-"""The examples of the documents, rendered through Python."""
+"""Renders the examples of the documents through Python."""
 
 import json
 import pathlib
@@ -48,7 +48,7 @@ def test_examples_render_as_documented(document, tmp_path):
             after = next(following)
             values = {}
             if after and after.kind == "json":
-                # Numbers keep their digits in a JSON text.
+                # JSON numbers keep their digits.
                 values = json.loads(after.text, parse_float=str)
                 after = next(following)
             result = host.from_string(block.text, "page.txt").render_result(values)

@@ -41,7 +41,7 @@ def test_loaders_find_templates(host):
     assert [finding.rule for finding in host.check("page", {})] == ["missing-name"]
 
 
-def test_loaders_report_what_they_do_not_have(host):
+def test_loaders_report_missing_templates(host):
     with pytest.raises(TemplateNotFound, match="there is no template 'gone'") as caught:
         host.get_template("gone")
     assert isinstance(caught.value, LookupError) and caught.value.name == "gone"
@@ -65,7 +65,7 @@ def test_without_a_loader_there_are_no_templates():
     assert len(Template('{% include "page" %}').render_result().messages) == 1
 
 
-def test_folders_are_not_left(tmp_path):
+def test_files_outside_a_folder_are_not_found(tmp_path):
     (tmp_path / "secret").write_text("secret")
     (tmp_path / "folder").mkdir()
     (tmp_path / "folder" / "link").symlink_to(tmp_path / "secret")
@@ -75,7 +75,7 @@ def test_folders_are_not_left(tmp_path):
             host.get_template(path)
 
 
-def test_a_folder_must_be_there(tmp_path):
+def test_a_folder_must_exist(tmp_path):
     with pytest.raises(NotADirectoryError, match="gone"):
         Environment(tmp_path / "gone")
 
@@ -102,7 +102,7 @@ def test_functions_return_texts_or_templates():
     assert host.get_template("template").name == "own name"
 
 
-def test_functions_are_asked_once_for_each_path_and_render():
+def test_functions_are_called_once_per_path_and_render():
     asked = []
     host = Environment(lambda path: asked.append(path) or "")
     page = host.from_string('{% include "a" %}{% include "a" %}{% include "b" %}')
@@ -162,11 +162,11 @@ def test_mappings_are_copied():
 
 
 @pytest.mark.parametrize("loader", [5, ["a"]])
-def test_other_loaders_are_refused(loader):
+def test_other_loaders_are_rejected(loader):
     with pytest.raises(TypeError, match="a folder, a mapping or a function"):
         Environment(loader)
 
 
-def test_wrong_options_are_refused_early():
+def test_invalid_options_are_rejected_early():
     with pytest.raises(ValueError, match="'xml'"):
         Environment(escape="xml")

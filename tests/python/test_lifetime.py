@@ -1,4 +1,4 @@
-"""Threads, forks, reference cycles, and the end of the interpreter."""
+"""Threads, forks, reference cycles, and the exit of the interpreter."""
 
 import copy
 import gc
@@ -64,7 +64,7 @@ def test_each_thread_receives_its_own_error():
     run_threads(8, render)
 
 
-def test_the_interpreter_runs_on_during_a_render():
+def test_other_threads_run_during_a_render():
     inside, done = threading.Event(), threading.Event()
 
     def loader(path):
@@ -186,13 +186,13 @@ def test_handles_are_neither_copied_nor_pickled():
         "atexit.register(lambda: print(page.render()))",
     ],
 )
-def test_the_interpreter_ends_with_live_objects(text):
+def test_the_interpreter_exits_with_live_objects(text):
     ended = run_program("from stencilor import *\n" + text)
     assert (ended.returncode, ended.stderr) == (0, "")
 
 
 @pytest.mark.parametrize("loader", ["None", "lambda path: 'x' * 1000"])
-def test_the_interpreter_ends_while_daemons_render(loader):
+def test_the_interpreter_exits_while_daemons_render(loader):
     ended = run_program(
         f"""
 import threading, time

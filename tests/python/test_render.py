@@ -25,7 +25,7 @@ def test_escapes():
         page.render(values, escape="xml")
 
 
-def test_malformed_templates_raise_where_they_are():
+def test_malformed_templates_raise_errors_with_locations():
     with pytest.raises(TemplateSyntaxError) as caught:
         Template("é\né {{ name", "page.html")
     error = caught.value
@@ -46,7 +46,7 @@ def test_templates_are_texts_or_bytes():
     assert Template("a\0b").render() == "a"
 
 
-def test_results_have_messages_with_places():
+def test_results_have_messages_with_locations():
     parts = {"part": "\n{{ gone }}"}
     page = Environment(parts).from_string('{{ a }}{% include "part" %}', "page")
     result = page.render_result({"a": []})
@@ -63,7 +63,7 @@ def test_results_have_messages_with_places():
     assert (usage.include_depth, usage.messages) == (1, 2)
 
 
-def test_kinds_that_are_not_known_yet_are_unknown():
+def test_future_kinds_are_unknown():
     assert MessageKind(999) is MessageKind.UNKNOWN
 
 
@@ -90,12 +90,12 @@ def test_limits_end_a_render(limits, status):
     assert pickle.loads(pickle.dumps(caught.value)).messages == result.messages
 
 
-def test_messages_are_kept_up_to_their_limit():
+def test_messages_are_kept_up_to_the_limit():
     result = Template("{{ a }}{{ b }}{{ c }}").render_result(limits=Limits(messages=2))
     assert (len(result.messages), result.usage.messages) == (2, 3)
 
 
-def test_limits_are_numbers_from_0():
+def test_limits_are_non_negative_integers():
     with pytest.raises(ValueError, match="not -1"):
         Limits(steps=-1)
     with pytest.raises(ValueError):
@@ -114,7 +114,7 @@ def test_strict_renders_raise_their_messages():
     assert str(caught.value).splitlines()[1] == 'page:1:11: there is no value named "b"'
 
 
-def test_options_of_the_environment_hold_unless_a_call_has_its_own():
+def test_calls_override_the_options_of_the_environment():
     host = Environment(
         escape="html", strict=True, positions=True, limits=Limits(output_bytes=100)
     )
@@ -134,7 +134,7 @@ def test_any_number_of_options_may_be_used():
         assert page.render({"v": steps}, limits=Limits(steps=steps)) == str(steps)
 
 
-def test_templates_are_checked_also_if_malformed():
+def test_malformed_templates_are_checked_too():
     (finding,) = check("{{ titel }}", {"title": "T"}, "page")
     assert (finding.rule, finding.severity) == ("missing-name", "warning")
     assert (finding.place.filename, finding.place.lineno, finding.place.column) == ("page", 1, 4)

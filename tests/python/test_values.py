@@ -115,7 +115,7 @@ def test_raw_texts_are_not_escaped():
         "<" + Raw("b")  # type: ignore[operator]
 
 
-def test_keys_that_json_takes_become_texts():
+def test_keys_that_json_accepts_become_texts():
     values = {1: "a", "v": {2.5: "b", True: "c", None: "d"}}
     page = "{{ v.2.5 }}{{ v.true }}{{ v.null }}"
     assert Template(page).render(values) == "bcd"
@@ -155,28 +155,28 @@ class Failing(collections.abc.Mapping):
 @pytest.mark.parametrize(
     "values, kind, text",
     [
-        ([1], TypeError, "values are a mapping or a dataclass, not list"),
-        ("text", TypeError, "values are a mapping or a dataclass, not str"),
-        (Item, TypeError, "values are a mapping or a dataclass, not type"),
-        ({"a": {1, 2}}, TypeError, "a: set is not a type that becomes a value of a template"),
-        ({"a": date(2026, 1, 1)}, TypeError, "a: datetime.date is not"),
-        ({"items": [{}, {}, {}, Item("x", object())]}, TypeError, "items[3].price: object is not"),
-        ({"items": ({"price": 1j},)}, TypeError, "items[0].price: complex is not"),
+        ([1], TypeError, "values must be a mapping or a dataclass, not list"),
+        ("text", TypeError, "values must be a mapping or a dataclass, not str"),
+        (Item, TypeError, "values must be a mapping or a dataclass, not type"),
+        ({"a": {1, 2}}, TypeError, "a: set cannot be converted to a template value"),
+        ({"a": date(2026, 1, 1)}, TypeError, "a: datetime.date cannot be"),
+        ({"items": [{}, {}, {}, Item("x", object())]}, TypeError, "items[3].price: object cannot be"),
+        ({"items": ({"price": 1j},)}, TypeError, "items[0].price: complex cannot be"),
         ({"first name": [{"$boolean": True, "x": 1j}]}, TypeError, "['first name'][0].x: complex"),
-        (collections.ChainMap({"a": [1j]}), TypeError, "a[0]: complex is not"),
-        ({"a": {"b": (x for x in "ab")}}, TypeError, "a.b: generator is not"),
-        ({"a": {(1, 2): 3}}, TypeError, "a[(1, 2)]: a key is a str, not tuple"),
-        ({"a": {b"k": 3}}, TypeError, "a[b'k']: a key is a str, not bytes"),
-        ({"a": {1: 3, "1": 4}}, ValueError, "a['1']: two keys become '1'"),
-        ({"a": {"$boolean": 1}}, TypeError, "a['$boolean']: is True or False, not int"),
+        (collections.ChainMap({"a": [1j]}), TypeError, "a[0]: complex cannot be"),
+        ({"a": {"b": (x for x in "ab")}}, TypeError, "a.b: generator cannot be"),
+        ({"a": {(1, 2): 3}}, TypeError, "a[(1, 2)]: a key must be a str, not tuple"),
+        ({"a": {b"k": 3}}, TypeError, "a[b'k']: a key must be a str, not bytes"),
+        ({"a": {1: 3, "1": 4}}, ValueError, "a['1']: more than one key becomes '1'"),
+        ({"a": {"$boolean": 1}}, TypeError, "a['$boolean']: must be True or False, not int"),
         ({"a": [float("nan")]}, ValueError, "a[0]: nan is not a finite number"),
         ({"a": Item("x", float("-inf"))}, ValueError, "a.price: -inf is not a finite number"),
         ({"a": Decimal("NaN")}, ValueError, "a: NaN is not a finite number"),
-        ({"a": inside_itself()}, ValueError, "a[1].again: is inside itself"),
-        ({"a": nested(512)}, ValueError, "...: more than 512 levels of values"),
+        ({"a": inside_itself()}, ValueError, "a[1].again: contains itself"),
+        ({"a": nested(512)}, ValueError, "...: values nest deeper than 512 levels"),
     ],
 )
-def test_other_values_are_refused_with_their_path(values, kind, text):
+def test_other_values_are_rejected_with_their_path(values, kind, text):
     for make in (Context, Template("").render, Template("").check):
         with pytest.raises(kind) as caught:
             make(values)
@@ -184,16 +184,16 @@ def test_other_values_are_refused_with_their_path(values, kind, text):
         assert caught.type is kind
 
 
-def test_values_nest_512_levels():
+def test_values_nest_up_to_512_levels():
     assert Template("{% for x in a %}x{% endfor %}").render({"a": nested(511)}) == "x"
 
 
-def test_values_that_fail_raise_their_own_error():
+def test_errors_of_values_reach_the_caller():
     with pytest.raises(KeyError, match="key"):
         Context({"a": Failing()})
 
 
-def test_one_value_in_many_places_is_no_cycle():
+def test_one_value_in_many_places_is_not_a_cycle():
     shared = ["s"]
     assert Template("{% for e in b %}{{ e.value }}{% endfor %}").render({"a": shared, "b": shared}) == "s"
     with pytest.raises(TypeError, match="c"):
@@ -208,7 +208,7 @@ def test_a_context_is_a_copy():
     assert page.render(context) == page.render(context) == "a"
 
 
-def test_dotted_names_that_take_too_much_memory_are_refused():
+def test_dotted_names_that_take_too_much_memory_are_rejected():
     deep: Any = {str(number): "" for number in range(50)}
     for level in range(100):
         deep = {"x" * 4000: deep}

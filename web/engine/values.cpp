@@ -10,15 +10,15 @@
 #include <string_view>
 #include <utility>
 
-// What JavaScript hands over in one call instead of many.
+// Values that JavaScript passes in one call instead of many.
 
 using namespace kel::Stencilor;
 using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// What a value begins with. A text follows as its size and its bytes; a list as its items and
-/// `End`; a dictionary as its members, each a key and a value, and `End`.
+/// The first byte of a value. The rest of a text is its size and its bytes; of a list, its items
+/// and `End`; of a dictionary, its members, each a key and a value, and `End`.
 enum class Tag : unsigned char { Null, False, True, Text, RawText, List, Dictionary, End };
 
 /// Reads values that `values.js` wrote, so nothing in them is malformed.
@@ -43,7 +43,7 @@ class ValueReader {
 
     Tag readTag() { return Tag{readByte()}; }
 
-    /// Seven bits in each byte, the lowest ones first; the highest bit says that more follow.
+    /// Seven bits per byte, lowest first; the high bit says that more follow.
     std::size_t readSize() {
         std::size_t size = 0;
         for (unsigned int shift = 0;; shift += 7) {
@@ -90,13 +90,13 @@ class ValueReader {
             }
             ContextBase*& entry = (*dictionary)[key];
             delete std::exchange(entry,
-                                 member.release()); // different keys may be the same in UTF-8
+                                 member.release()); // different keys may be equal in UTF-8
         }
         builder_.addDottedNames(*dictionary);
         return dictionary;
     }
 
-    /// Recursion ends: `values.js` writes no deeper values than there may be.
+    /// Recursion is bounded: `values.js` limits the depth of values.
     Made read(Tag tag) { // NOLINT(misc-no-recursion)
         switch (tag) {
         case Tag::False:
@@ -127,14 +127,14 @@ class ValueReader {
     extern "C" __attribute__((import_module("host"), import_name(#name)))
 #define STENCILOR_WEB_EXPORT(name) extern "C" __attribute__((export_name(#name)))
 
-// The functions of JavaScript that callbacks call, with the payload that was passed along.
+// The JavaScript functions that callbacks call, with the payload that was passed in.
 STENCILOR_WEB_IMPORT(find)
 int hostFind(void* payload, const char* path, std::size_t size, stencilor_request* request);
 STENCILOR_WEB_IMPORT(escape)
 int hostEscape(void* payload, const char* text, std::size_t size, stencilor_output* output);
 STENCILOR_WEB_IMPORT(poll) int hostPoll(void* payload);
 
-/// Makes a context of values, as `stencilor_context_create` does of one value.
+/// Creates a context from values, as `stencilor_context_create` does from one value.
 STENCILOR_WEB_EXPORT(stencilor_web_context)
 int makeContext(const unsigned char* bytes, std::size_t size, int flags,
                 stencilor_context** context, stencilor_error** error) {
@@ -148,32 +148,32 @@ int makeContext(const unsigned char* bytes, std::size_t size, int flags,
         error);
 }
 
-/// Makes a source that asks `find`.
+/// Creates a source that calls `find`.
 STENCILOR_WEB_EXPORT(stencilor_web_source)
 int makeSource(void* payload, stencilor_source** source) {
     return stencilor_source_callback(&hostFind, payload, source);
 }
 
-/// Lets values be escaped by `escape`.
+/// Sets `escape` as the function that escapes values.
 STENCILOR_WEB_EXPORT(stencilor_web_set_escape)
 int setEscape(stencilor_options* options, void* payload) {
     return stencilor_options_set_escape_function(options, &hostEscape, payload);
 }
 
-/// Lets `poll` decide whether to go on.
+/// Sets `poll` as the function that decides whether to continue.
 STENCILOR_WEB_EXPORT(stencilor_web_set_poll)
 int setPoll(stencilor_options* options, void* payload) {
     return stencilor_options_set_poll(options, &hostPoll, payload);
 }
 
-// In place of functions of the C and C++ libraries. There is no environment to read.
+// These replace functions of the C and C++ libraries. There is no environment to read.
 
 extern "C" char* getenv(const char*) {
     return nullptr;
 }
 
-// These describe what goes wrong, and bring along all that formats numbers. Calls come here only
-// where the engine is wrong.
+// These describe fatal errors, and would pull in all number formatting. They are called only if the
+// engine has a bug.
 
 extern "C" void abort_message(const char*, ...) {
     __builtin_trap();

@@ -1,4 +1,4 @@
-// The engine, and what is passed to it and back: texts, values and functions.
+// The engine, and how texts, values and functions are passed to and from it.
 
 import { compressed } from "./wasm.js";
 import { ValueWriter } from "./values.js";
@@ -15,7 +15,7 @@ async function decompress(base64) {
   for (const reader = stream.getReader(); ; ) {
     const { done, value } = await reader.read();
     if (done) {
-      return new Blob(pieces).arrayBuffer(); // a Response would take Node.js longer than the rest
+      return new Blob(pieces).arrayBuffer(); // in Node.js, a Response would take longer than everything else
     }
     pieces.push(value);
   }
@@ -26,7 +26,7 @@ export class Engine {
   wasm;
   #calls = [];
   #writer = new ValueWriter();
-  #results; // where the engine stores two pointers
+  #results; // where the engine stores up to two pointers
 
   static async load() {
     const engine = new Engine();
@@ -37,7 +37,7 @@ export class Engine {
     return engine;
   }
 
-  /** Without memory nothing can go on, which the engine says by a trap elsewhere. */
+  /** Throws if there is no memory; elsewhere, the engine traps. */
   allocate(size) {
     const address = this.wasm.malloc(size);
     if (address === 0) {
@@ -54,7 +54,8 @@ export class Engine {
     return decoder.decode(this.bytes(address, size));
   }
 
-  /** What a function returns that stores the size of its text where its last pointer points to. */
+  /** Calls a function that stores the size of its text through its last argument; returns the
+   * text. */
   textOf(name, ...handle) {
     const address = this.wasm[name](...handle, this.#results);
     return this.readText(address, this.#readPointer(this.#results));
@@ -85,7 +86,7 @@ export class Engine {
     return { status, handle: this.#readPointer(this.#results) };
   }
 
-  /** A handle, or an exception for any other status. */
+  /** Returns the handle; throws for any status but success. */
   makeOrThrow(call) {
     const { status, handle } = this.make(call);
     this.check(status);
@@ -100,10 +101,10 @@ export class Engine {
     }
   }
 
-  /** The handle of a context that is made of values. */
+  /** Returns the handle of a context made from values. */
   makeContext(values, positions) {
     const writer = this.#writer ?? new ValueWriter();
-    this.#writer = null; // getters of the values may come back here
+    this.#writer = null; // getters of the values may call this again
     try {
       return this.#withBytes(writer.write(values), (address, size) => {
         const { status, handle } = this.make((context) =>
@@ -116,7 +117,7 @@ export class Engine {
     }
   }
 
-  /** The handle of a context that is made of a JSON text. */
+  /** Returns the handle of a context made from a JSON text. */
   makeContextOfJson(json, positions) {
     return this.withText(json, (address, size) => {
       const { status, handle } = this.make((context) =>
@@ -126,7 +127,7 @@ export class Engine {
     });
   }
 
-  /** Throws what was stored beside the handle that could not be made. */
+  /** Throws the error that was stored instead of a handle. */
   #throwError(status) {
     if (status === Status.WrongKind) {
       throw new TypeError("the values are not an object");
@@ -142,8 +143,8 @@ export class Engine {
     throw line === 0 ? new TypeError(text) : Object.assign(new SyntaxError(text), { line, column });
   }
 
-  /** Calls `use` with a number by which callbacks of the engine find `functions`. What they throw is
-   * thrown in the end. */
+  /** Calls `use` with a number by which callbacks of the engine find `functions`. Rethrows what
+   * they throw once `use` has returned. */
   withFunctions(functions, use) {
     const call = { functions, failure: null };
     this.#calls.push(call);
@@ -161,8 +162,8 @@ export class Engine {
     return result;
   }
 
-  /** Runs a callback. Nothing may be thrown through the engine. What fails ends a render; an analysis
-   * goes on without the template. */
+  /** Runs a callback. Exceptions must not pass through the engine: a failure ends a render, while
+   * an analysis continues without the template. */
   #run(number, callback) {
     const call = this.#calls[number];
     try {
@@ -188,7 +189,7 @@ export class Engine {
       },
       env: { emscripten_notify_memory_growth: () => {} },
       wasi_snapshot_preview1: {
-        clock_time_get: () => 1, // for a log that nothing writes
+        clock_time_get: () => 1, // for a log that is never written
         proc_exit: (code) => {
           throw new Error(`the engine ended with ${code}`);
         },

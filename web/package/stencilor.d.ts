@@ -1,5 +1,6 @@
-/** A value for templates: text, a number, a boolean, nothing, a list or a dictionary. An object with
- * `toJSON`, such as a `Date`, is what that returns; any other iterable is a list. */
+/** A value for templates: a text, a number, a boolean, nothing, a list or a dictionary. An object
+ * with `toJSON`, such as a `Date`, becomes what that method returns; any other iterable becomes a
+ * list. */
 export type Value =
   | string
   | number
@@ -16,37 +17,37 @@ export type Value =
 /** The values that a template is rendered with, by name. */
 export type Values = ReadonlyMap<string, unknown> | object;
 
-/** A text that no render escapes; made by `raw`. */
+/** A text that renders never escape; created by `raw`. */
 export interface Raw {
   readonly text: string;
 }
 
-/** What happens to values on their way into the text. A function receives the text of a value. */
+/** How values are escaped. A function receives the text of a value. */
 export type Escape = "none" | "html" | "json" | ((text: string) => string);
 
-/** Where included templates come from: by path, or found by a function. A template that is already
- * parsed may be included many times without being parsed again. */
+/** Where included templates come from: a mapping from paths, or a function. A parsed template can
+ * be included many times without being parsed again. */
 export type Templates =
   | ReadonlyMap<string, string | Template>
   | { readonly [path: string]: string | Template }
   | ((path: string) => string | Template | null | undefined);
 
-/** What a render may take. 0 means no limit, except for `includeDepth`. */
+/** The limits of a render. 0 means no limit, except for `includeDepth`. */
 export interface Limits {
-  /** Nodes visited, iterations, and each 64 keys looked up. */
+  /** Nodes visited, iterations, and every 64 keys looked up. */
   steps?: number;
   /** Bytes of text in UTF-8. */
   outputBytes?: number;
   /** Bytes of included templates, each path counted once. */
   templateBytes?: number;
-  /** Includes open inside each other: 1 to 100, which is the default. */
+  /** Nested includes: 1 to 100 (the default). */
   includeDepth?: number;
   /** Messages kept, 1,000 by default. Further ones are only counted. */
   messages?: number;
 }
 
 export interface ContextOptions {
-  /** Gives each element of a list `index` (from 1), `first` and `last`. */
+  /** Adds `index` (from 1), `first` and `last` to each list element. */
   positions?: boolean;
 }
 
@@ -55,11 +56,11 @@ export interface RenderOptions extends ContextOptions {
   escape?: Escape;
   templates?: Templates;
   limits?: Limits;
-  /** Asked after every 1,024 steps; `false` stops the render. */
+  /** Called after every 1,024 steps; returning `false` stops the render. */
   keepGoing?: () => boolean;
 }
 
-/** How a render ended. Only `complete` comes with a text. */
+/** How a render ended. Only a `complete` render has a text. */
 export type Status =
   | "complete"
   | "rejected"
@@ -85,21 +86,21 @@ export type MessageKind =
   | "depthLimit"
   | "stopped";
 
-/** A place in a template. Lines and columns count from 1, columns in code points. */
+/** A location in a template. Lines and columns count from 1; columns count code points. */
 export interface Site {
   readonly templateName: string;
   readonly line: number;
   readonly column: number;
 }
 
-/** Something that could not be rendered, or the reason why a render ended. */
+/** Something that could not be rendered, or the reason that a render ended. */
 export interface Message extends Site {
   readonly kind: MessageKind;
-  /** The message in English, without its place. */
+  /** The message in English, without its location. */
   readonly text: string;
-  /** The name or path in the tag; empty where there is none. */
+  /** The name or path in the tag; empty if there is none. */
   readonly name: string;
-  /** The include tags around the place, innermost first. */
+  /** The include tags that led to the location, innermost first. */
   readonly includedFrom: readonly Site[];
 }
 
@@ -108,13 +109,13 @@ export interface RenderResult {
   readonly status: Status;
   readonly text: string;
   readonly messages: readonly Message[];
-  /** What the render took. */
+  /** How much of each limit the render used. */
   readonly usage: Required<Limits>;
 }
 
-/** Values that are made ready once, to be rendered many times. */
+/** Values prepared once, to be rendered many times. */
 export interface Context {
-  /** Frees its memory. It is also freed when nothing refers to it any more. */
+  /** Frees its memory. This also happens when nothing refers to it anymore. */
   dispose(): void;
 }
 
@@ -122,10 +123,10 @@ export interface Context {
 export interface Template {
   readonly text: string;
   readonly name: string;
-  /** Why the template is rejected; null where it is well formed. */
+  /** Why the template is rejected; null if it is well formed. */
   readonly fault: Message | null;
   render(values?: Values | Context, options?: RenderOptions): RenderResult;
-  /** Frees its memory. It is also freed when nothing refers to it any more. */
+  /** Frees its memory. This also happens when nothing refers to it anymore. */
   dispose(): void;
 }
 
@@ -143,14 +144,14 @@ export interface Note extends Range {
   readonly message: string;
 }
 
-/** Something wrong in a template, with notes that explain it. */
+/** A problem in a template, with notes that explain it. */
 export interface Finding extends Note {
   readonly rule: string;
   readonly severity: Severity;
   readonly notes: readonly Note[];
 }
 
-/** A name that a template asks for. */
+/** A name that a template looks up. */
 export interface Name {
   readonly name: string;
   readonly kind: "string" | "boolean" | "list";
@@ -179,26 +180,27 @@ export interface Stencilor {
   readonly Template: new (text: string, options?: { name?: string }) => Template;
   readonly Context: {
     new (values?: Values, options?: ContextOptions): Context;
-    /** Makes a context of a JSON text, whose numbers keep their digits. Throws a `SyntaxError` with
-     * `line` and `column`, which count from 1. */
+    /** Creates a context from a JSON text, whose numbers keep their digits. Throws a `SyntaxError`
+     * with `line` and `column`, which count from 1. */
     fromJson(json: string, options?: ContextOptions): Context;
   };
-  /** Finds what is wrong with a template and all that it includes. With values, also which names
-   * they lack. */
+  /** Finds what is wrong with a template and everything that it includes. With a context, also
+   * reports names that it lacks. */
   check(
     template: Template,
     options?: ContextOptions & { templates?: Templates; context?: Values | Context },
   ): Finding[];
-  /** Lists the names that a template and all that it includes ask for. Throws for a rejected one. */
+  /** Lists the names that a template and everything that it includes look up. Throws if the
+   * template is rejected. */
   names(template: Template, options?: { templates?: Templates }): Name[];
-  /** Lists the nodes of a template. Throws for a rejected one. */
+  /** Lists the nodes of a template. Throws if the template is rejected. */
   tree(template: Template): Node[];
-  /** Marks a text as safe where it is inserted, so that no render escapes it. */
+  /** Marks a text as safe where it is inserted, so that renders never escape it. */
   raw(text: string): Raw;
   escapeHtml(text: string): string;
   /** Escapes a text for the inside of a JSON string, also within HTML. */
   escapeJson(text: string): string;
 }
 
-/** Loads the engine, the first time that it is called. */
+/** Loads the engine on the first call. */
 export function load(): Promise<Stencilor>;

@@ -37,7 +37,7 @@ const escapeKinds = ["none", "html", "json"];
 
 let loading;
 
-/** Loads the engine, the first time that it is called. */
+/** Loads the engine on the first call. */
 export function load() {
   loading ??= Engine.load().then(makeInterface);
   return loading;
@@ -47,7 +47,7 @@ function makeInterface(engine) {
   const { wasm } = engine;
   const forgotten = new FinalizationRegistry(({ free, handle }) => free(handle));
 
-  /** What holds a handle of the engine, until it is disposed of or collected. */
+  /** Holds a handle of the engine until it is disposed of or collected. */
   class Owner {
     #handle;
     #what;
@@ -170,7 +170,7 @@ function makeInterface(engine) {
     }
   }
 
-  /** Calls `use` with options of the engine, or with null for the defaults. */
+  /** Calls `use` with a handle of options, or with null for the defaults. */
   function withOptions(options, use) {
     const { escape = "none", templates, limits, keepGoing } = options;
     if (escape === "none" && templates === undefined && !limits && !keepGoing) {
@@ -202,7 +202,7 @@ function makeInterface(engine) {
   function kindOfEscape(name) {
     const kind = escapeKinds.indexOf(name);
     if (kind < 0) {
-      throw new TypeError(`no escape is named "${name}"; there are ${escapeKinds.join(", ")}`);
+      throw new TypeError(`unknown escape "${name}": expected ${escapeKinds.join(", ")}`);
     }
     return kind;
   }
@@ -211,19 +211,19 @@ function makeInterface(engine) {
     for (const [name, value] of Object.entries(limits)) {
       const limit = limitNames.indexOf(name);
       if (limit < 0) {
-        throw new TypeError(`no limit is named "${name}"; there are ${limitNames.join(", ")}`);
+        throw new TypeError(`unknown limit "${name}": expected ${limitNames.join(", ")}`);
       }
       if (value !== undefined) {
         if (!Number.isSafeInteger(value) || value < 0) {
-          throw new RangeError(`the limit "${name}" is not a whole number from 0`);
+          throw new RangeError(`the limit "${name}" is not a non-negative integer`);
         }
         engine.check(wasm.stencilor_options_set_limit(made, limit, BigInt(value)));
       }
     }
   }
 
-  /** Calls `use` with a source of templates, which is null without any, and with the number that
-   * stands for all functions. */
+  /** Calls `use` with a source of templates, null if there are none, and with the number that
+   * identifies the functions. */
   function withSource(templates, functions, use) {
     const find = (path, request) => answer(request, findTemplate(templates, path));
     return engine.withFunctions({ ...functions, find }, (number) => {
@@ -308,7 +308,7 @@ function makeInterface(engine) {
     };
   }
 
-  /** What an analysis finds, from its JSON. */
+  /** The results of an analysis, parsed from its JSON. */
   function readJson(call) {
     const text = engine.makeOrThrow(call);
     try {

@@ -1,13 +1,13 @@
-// Values of JavaScript as bytes that the engine reads in one call.
+// JavaScript values as bytes that the engine reads in one call.
 
 const Tag = { Null: 0, False: 1, True: 2, Text: 3, RawText: 4, List: 5, Dictionary: 6, End: 7 };
 
-// As deep as the engine lets lists and dictionaries nest.
+// The depth to which the engine lets lists and dictionaries nest.
 const deepest = 512;
 
 const encoder = new TextEncoder();
 
-/** A text that no render escapes. */
+/** A text that renders never escape. */
 export class Raw {
   constructor(text) {
     this.text = String(text);
@@ -20,7 +20,8 @@ export class ValueWriter {
   #size = 0;
   #key = "";
 
-  /** The bytes of a value, valid until the next call. Getters and iterators of the value run here. */
+  /** Returns the bytes of a value, valid until the next call. Getters and iterators of the value
+   * run here. */
   write(value) {
     this.#size = 0;
     this.#key = "";
@@ -37,7 +38,7 @@ export class ValueWriter {
         if (!Number.isFinite(value)) {
           this.#refuse(`${value}`);
         }
-      // falls through: JavaScript writes numbers as the engine does
+      // falls through: JavaScript formats numbers as the engine does
       case "bigint":
         this.#writeTag(Tag.Text);
         return this.#writeText(String(value));
@@ -103,7 +104,7 @@ export class ValueWriter {
   }
 
   #writeMember(key, value, depth) {
-    this.#writeTag(Tag.Text); // anything but the end
+    this.#writeTag(Tag.Text); // any tag but the end
     this.#writeText(key);
     this.#key = key;
     this.#writeValue(value, depth + 1);
@@ -114,7 +115,7 @@ export class ValueWriter {
     this.#bytes[this.#size++] = tag;
   }
 
-  /** Short texts are mostly ASCII, and copying them here takes less time than a call would. */
+  /** Short texts are mostly ASCII, and copying them here is faster than a call. */
   #writeText(text) {
     const length = text.length;
     if (length >= 64) {
@@ -134,7 +135,7 @@ export class ValueWriter {
     this.#size = at;
   }
 
-  /** The size takes five bytes, whatever it is, since it is known afterwards. */
+  /** The size always takes five bytes, because it is only known afterwards. */
   #writeEncoded(text) {
     this.#reserve(text.length * 3 + 5);
     const { written } = encoder.encodeInto(text, this.#bytes.subarray(this.#size + 5));

@@ -1,4 +1,4 @@
-// Completion inside tags: names of the values, keywords and paths.
+// Completion inside tags: names of values, keywords and paths.
 
 const longestList = 500;
 
@@ -18,7 +18,7 @@ function kindOf(value) {
   return value && typeof value === "object" ? "dictionary" : "string";
 }
 
-/** Adds the names in `values` to a map of values by name, dotted ones too. */
+/** Adds the names in `values`, including dotted ones, to a map of values by name. */
 function collect(values, prefix, found) {
   for (const [key, value] of Object.entries(values)) {
     if (found.size > longestList) {
@@ -62,7 +62,7 @@ function namesAfter(text, values) {
 
 const keywords = ["if", "else", "endif", "for", "endfor", "include"];
 
-/** What may be completed after `text`: the kinds of values, or other words. */
+/** What can be completed after `text`: kinds of values, or words. */
 function expectedAfter(line) {
   const tag = line.slice(Math.max(line.lastIndexOf("{{"), line.lastIndexOf("{%")));
   if (/^\{\{[ \t]*[\w./]*$/.test(tag)) {
@@ -80,7 +80,8 @@ function expectedAfter(line) {
   return /^\{%[ \t]*\w*$/.test(tag) ? { words: keywords } : {};
 }
 
-/** A source of completions for an editor; `values` and `paths` return what there is now. */
+/** A source of completions for an editor; `values` and `paths` return the current values and
+ * paths. */
 export function completeFrom({ values, paths }) {
   return (context) => {
     const line = context.state.doc.lineAt(context.pos);

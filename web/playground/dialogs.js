@@ -6,10 +6,10 @@ function faultOf(path, taken) {
   if (!/^[A-Za-z_][\w./]*$/.test(path)) {
     return "A path starts with a letter, followed by letters, digits, “_”, “.” and “/”.";
   }
-  return taken.includes(path) ? "There is a template of this path." : "";
+  return taken.includes(path) ? "A template with this path already exists." : "";
 }
 
-/** Resolves to a path that include tags can write, or to null. */
+/** Resolves to a path that is valid in include tags, or to null. */
 export function askForPath(question, path, taken) {
   const dialog = element("ask");
   const input = element("ask-path");

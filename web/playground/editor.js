@@ -70,14 +70,14 @@ export function makeEditor(parent, state) {
   return new EditorView({ parent, state });
 }
 
-/** The offset of a line and a column, which counts code points. */
+/** The offset of a line and a column, counted in code points. */
 function offsetOf(doc, line, column) {
   const found = doc.line(Math.min(Math.max(line, 1), doc.lines));
   const before = [...found.text.slice(0, column * 2)].slice(0, column - 1).join("");
   return found.from + Math.min(before.length, found.length);
 }
 
-/** Underlines findings; each has a message, a severity, and a place with or without an end. */
+/** Underlines findings; each has a message, a severity, and a location with or without an end. */
 export function showFindings(view, findings) {
   const { doc } = view.state;
   if (findings.length === 0 && diagnosticCount(view.state) === 0) {

@@ -1,4 +1,4 @@
-// What the page offers to try: one surprise of the language each.
+// The examples of the page. Each shows one surprise of the language.
 
 import reportContext from "../../examples/report/context.json?text";
 import reportFooter from "../../examples/report/parts/footer.html?text";
@@ -17,7 +17,7 @@ export const examples = [
   },
   {
     title: "Conditions need booleans",
-    lesson: "Only true and false are booleans. A text is not one, and then neither part is rendered.",
+    lesson: "Only true and false are booleans. A text is not, and neither part is rendered.",
     files: [
       [
         "page.txt",
@@ -30,7 +30,7 @@ export const examples = [
   {
     title: "Loops and prefixes",
     lesson:
-      "The loop variable is a prefix for the members of an element. It is not a value: plain elements are reached as “value”.",
+      "The loop variable is a prefix for the members of an element. It is not a value itself: use “value” for elements that are not objects.",
     files: [
       [
         "page.txt",
@@ -49,7 +49,7 @@ export const examples = [
   },
   {
     title: "Whitespace stays",
-    lesson: "Nothing is trimmed: line breaks around a tag are output. The second list shows how to write a tidy one.",
+    lesson: "Nothing is trimmed: line breaks around tags appear in the output. The second list avoids the empty lines.",
     files: [
       [
         "page.txt",
@@ -61,7 +61,7 @@ export const examples = [
   },
   {
     title: "Commas between items",
-    lesson: "With positions on, every element has “index”, “first” and “last”.",
+    lesson: "With “positions” on, every element has “index”, “first” and “last”.",
     files: [
       [
         "page.txt",
@@ -86,7 +86,7 @@ export const examples = [
   },
   {
     title: "Inner elements hide outer ones",
-    lesson: "In nested loops a member of the inner element is found first, even after the outer variable.",
+    lesson: "In nested loops, members of the inner element are found first, even with the prefix of the outer variable.",
     files: [
       [
         "page.txt",
@@ -99,14 +99,14 @@ export const examples = [
     }),
   },
   {
-    title: "Defaults from outside",
-    lesson: "An element that lacks a member shows the value from outside, which makes a default.",
+    title: "Defaults from outer values",
+    lesson: "If an element lacks a member, the outer value of that name is used, which makes it a default.",
     files: [["page.txt", "{% for page in pages %}{{ page.title }}\n{% endfor %}"]],
     values: json({ title: "Untitled", pages: [{ title: "Start" }, {}, { title: "End" }] }),
   },
   {
     title: "Dotted names and booleans with members",
-    lesson: "Members of objects have dotted names. An object with “$boolean” is a boolean that has members inside its block.",
+    lesson: "Members of objects have dotted names. An object with “$boolean” is a boolean whose other members are in scope inside its block.",
     files: [
       [
         "page.txt",
@@ -122,7 +122,7 @@ export const examples = [
   },
   {
     title: "Escaping",
-    lesson: "The host chooses the escape. Template text is never escaped, values are. Try “none” and look at the page.",
+    lesson: "The host chooses the escaping. Values are escaped; template text never is. Choose “none” and look at the page.",
     files: [["page.html", "<h1>{{ title }}</h1>\n<p title=\"{{ hint }}\">{{ text }}</p>\n"]],
     values: json({ title: "Tea & cake", hint: 'say "yes"', text: "<img src=x> is only text" }),
     escape: "html",
@@ -130,7 +130,7 @@ export const examples = [
   },
   {
     title: "Tags of other engines",
-    lesson: "Habits from other template languages are recognised, and the messages say what to write instead.",
+    lesson: "Tags from other template languages are recognised, and the messages say what to write instead.",
     files: [
       ["page.txt", "{{ name | upper }}\n{% if not member %}{% elif x %}{% endif %}\nbody {{margin: 0}}\n"],
     ],
@@ -138,7 +138,7 @@ export const examples = [
   },
   {
     title: "A template that never ends",
-    lesson: "A template that includes itself twice would double without end. The limits stop it, and the page stays alive.",
+    lesson: "A template that includes itself twice would grow without end. The limits stop it, and the page stays responsive.",
     files: [
       ["page.txt", 'Growing:{% include "again.txt" %}'],
       ["again.txt", '{% for x in list %}{% include "again.txt" %}{% endfor %}'],
@@ -147,7 +147,7 @@ export const examples = [
   },
   {
     title: "A report",
-    lesson: "A whole page with parts: months, bookings and texts in six languages.",
+    lesson: "A complete page built from several files, with months, bookings and texts in six languages.",
     files: [
       ["report.html", report],
       ["parts/head.html", reportHead],

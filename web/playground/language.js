@@ -1,10 +1,10 @@
-// The colours of the language, from the grammar of the editors' extension.
+// Syntax highlighting, from the grammar of the editor extension.
 
 import { RangeSetBuilder } from "@codemirror/state";
 import { Decoration, ViewPlugin } from "@codemirror/view";
 import grammar from "../../editors/vscode/syntaxes/stencilor.tmLanguage.json";
 
-/** What the names of the grammar are shown as; the first that a name begins with. */
+/** The styles of the scopes of the grammar; the first prefix that matches applies. */
 const styles = [
   ["punctuation.section.embedded", "tok-tag"],
   ["keyword", "tok-keyword"],
@@ -18,7 +18,7 @@ function styleOf(name = "") {
   return styles.find(([begin]) => name.startsWith(begin))?.[1];
 }
 
-/** The patterns of single tags, with what they include. */
+/** The patterns for single tags, with the patterns that they include. */
 function tagPatterns({ patterns }) {
   return patterns.flatMap((pattern) => {
     const included = pattern.include && grammar.repository[pattern.include.slice(1)];
@@ -32,7 +32,7 @@ const tags = tagPatterns(grammar.repository.tag).map(({ match, name, captures = 
   captures: Object.entries(captures).map(([group, capture]) => [group, styleOf(capture.name)]),
 }));
 
-/** The parts of a line that have a style: `[from, to, style]`. */
+/** The parts of a line that have a style, as `[from, to, style]`. */
 function* partsOf(line) {
   for (let at = line.indexOf("{"); at >= 0; at = line.indexOf("{", at)) {
     let end = at + 1;

@@ -1,4 +1,4 @@
-// The page: editors on one side, what the engine says about them on the other.
+// The page: editors on one side, the engine's output and messages on the other.
 
 import { contextState, goTo, makeEditor, showFindings, templateState } from "./editor.js";
 import { examples } from "./examples.js";
@@ -11,7 +11,7 @@ import { replaceText, showFindingList, showNames, showTree } from "./views.js";
 const element = (id) => document.getElementById(id);
 const views = ["text", "page", "names", "tree"];
 
-let files = []; // of each the path and the state of its editor; the first one is rendered
+let files = []; // the path and editor state of each; the first file is rendered
 let active = 0;
 let view = "text";
 let title = "";
@@ -62,7 +62,7 @@ function readValues() {
   try {
     contextValues = JSON.parse(contextEditor.state.doc.toString()) ?? {};
   } catch {
-    // The ones before are good enough.
+    // The previous ones are good enough.
   }
   return contextValues;
 }
@@ -103,7 +103,7 @@ function showLesson() {
   const example = examples.find((each) => each.title === title);
   element("example").value = example ? title : "";
   element("lesson").textContent =
-    example?.lesson ?? "Type a template and values: the output follows, and so do the messages.";
+    example?.lesson ?? "Type a template and values; the output and the messages update as you type.";
 }
 
 function showFiles() {
@@ -135,7 +135,7 @@ function chooseView(name) {
   showView();
 }
 
-/** Only the view that is seen is filled, with what the worker made for it. */
+/** Only the visible view is filled, with the worker's data for it. */
 function showView() {
   if (view === "text") {
     const stopped = last.status === "error" ? "" : "The render was stopped. ";
@@ -149,7 +149,7 @@ function showView() {
   }
 }
 
-/** A page that stays the same also stays where it was scrolled to. */
+/** An unchanged page keeps its scroll position. */
 function showPage(text) {
   if (element("page").srcdoc !== text) {
     element("page").srcdoc = text;
@@ -166,7 +166,7 @@ function showResult(result) {
   document.body.dataset.rendered = result.id;
 }
 
-/** Most keys leave the messages as they are. */
+/** Most key presses do not change the messages. */
 function showMessages() {
   const { findings, findingCount, fault, limit } = last;
   const messages = JSON.stringify([findings, findingCount, fault, limit]);
@@ -177,7 +177,7 @@ function showMessages() {
   }
 }
 
-const inEnglish = new Intl.NumberFormat("en"); // making one takes longer than a render
+const inEnglish = new Intl.NumberFormat("en"); // creating one takes longer than a render
 
 function describe({ status, usage, time, findings, findingCount }) {
   const count = findingCount ?? findings.length;
@@ -195,7 +195,7 @@ function underline() {
   showFindings(contextEditor, last.fault ? [{ ...last.fault, severity: "error" }] : []);
 }
 
-/** Moves the cursor to a place in a template, or in the values where it is in no file. */
+/** Moves the cursor to a location in a template, or in the values if it is not in a file. */
 function openPlace({ file, line, column }) {
   if (file === undefined) {
     goTo(contextEditor, line, column);
@@ -211,7 +211,7 @@ function openPlace({ file, line, column }) {
 }
 
 async function addFile() {
-  const path = await askForPath("Path of the new template, as include tags write it", "part.txt", hooks.paths());
+  const path = await askForPath("Path of the new template, as written in include tags", "part.txt", hooks.paths());
   if (path) {
     files.push({ path, state: templateState("", hooks) });
     openFile(files.length - 1);
@@ -246,7 +246,7 @@ async function share() {
     () => true,
     () => false,
   );
-  element("status").textContent = copied ? "The link is copied." : "The link is in the address bar.";
+  element("status").textContent = copied ? "Link copied." : "The link is in the address bar.";
 }
 
 function setTheme(theme) {

@@ -1,8 +1,8 @@
-// The worker that renders, replaced where it does not answer.
+// The worker that renders; it is replaced if it does not answer.
 
 const patience = 5000;
 
-/** Renders the newest job; those that it overtook are left out. */
+/** Renders the newest job; older ones that are still waiting are dropped. */
 export class Renderer {
   #worker;
   #isBusy = false;
@@ -49,7 +49,7 @@ export class Renderer {
       return;
     }
     this.#isBusy = true;
-    this.#timer = setTimeout(() => this.#replace(`It takes more than ${patience / 1000} seconds.`), patience);
+    this.#timer = setTimeout(() => this.#replace(`It took more than ${patience / 1000} seconds.`), patience);
     this.#worker.postMessage(this.#waiting);
     this.#waiting = null;
   }

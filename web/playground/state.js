@@ -1,4 +1,4 @@
-// What the page holds: kept locally, and in links.
+// The state of the page, kept locally and in links.
 
 const place = "stencilor-playground";
 
@@ -14,7 +14,7 @@ export async function toFragment(state) {
   return btoa(binary).replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
 }
 
-/** The state in a fragment; null where there is none. */
+/** The state in a fragment; null if there is none. */
 export async function fromFragment(fragment) {
   if (!fragment) {
     return null;
@@ -33,7 +33,7 @@ export function save(state) {
   try {
     localStorage.setItem(place, JSON.stringify(state));
   } catch {
-    // Without a store, or with a full one, the state is not kept.
+    // If there is no local storage, or it is full, the state is not kept.
   }
 }
 
@@ -45,7 +45,7 @@ export function restore() {
   }
 }
 
-/** A state that may come from anywhere, or null. */
+/** Returns a valid state made from untrusted data, or null. */
 function checked(state) {
   const isText = (value) => typeof value === "string";
   const isFile = (file) => Array.isArray(file) && file.length === 2 && file.every(isText);

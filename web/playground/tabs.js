@@ -1,6 +1,6 @@
-// Tabs that arrow keys move between.
+// Tabs with arrow-key navigation.
 
-/** Calls `choose` with the tab that is chosen. */
+/** Calls `choose` with the chosen tab. */
 export function makeTabs(list, choose) {
   list.addEventListener("click", ({ target }) => {
     const tab = target.closest("[role=tab]");

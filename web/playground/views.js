@@ -1,4 +1,4 @@
-// What the engine says, as elements of the page.
+// The engine's results, as elements of the page.
 
 const mostNodes = 2000;
 
@@ -8,7 +8,8 @@ function make(tag, properties = {}, ...children) {
   return made;
 }
 
-/** Sets the text of an element, in blocks of lines: only those that changed are laid out again. */
+/** Sets the text of an element in blocks of lines, so that only changed blocks are laid out
+ * again. */
 export function replaceText(element, text) {
   const lines = text.match(/(?:[^\n]*\n){1,50}|[^\n]+/g) ?? [];
   const blocks = [...element.children];
@@ -114,7 +115,7 @@ export function showTree(view, nodes) {
     lines.push(make("p", { className: "empty", textContent: `and ${nodes.length - mostNodes} more` }));
   }
   if (lines.length === 0) {
-    lines.push(make("p", { className: "empty", textContent: "A template that is rejected has no tree." }));
+    lines.push(make("p", { className: "empty", textContent: "A rejected template has no tree." }));
   }
   view.replaceChildren(...lines);
 }

@@ -1,10 +1,10 @@
-// Renders and analyses, away from the page.
+// Renders and analyses, off the page's thread.
 
 import { load } from "stencilor";
 
 const limits = { steps: 2_000_000, outputBytes: 8_000_000, templateBytes: 4_000_000 };
 const limitTexts = {
-  stepLimit: `It takes more than ${limits.steps.toLocaleString("en")} steps.`,
+  stepLimit: `It took more than ${limits.steps.toLocaleString("en")} steps.`,
   outputLimit: `The output is longer than ${limits.outputBytes.toLocaleString("en")} bytes.`,
   templateLimit: `The included templates are longer than ${limits.templateBytes.toLocaleString("en")} bytes.`,
   depthLimit: "Includes nest deeper than 100 levels.",
@@ -13,7 +13,7 @@ const mostFindings = 200;
 
 const engine = await load().catch((error) => self.postMessage({ failure: String(error) }));
 
-/** What was made for the last job: most of it is the same in the next one. */
+/** The objects created for the last job; most of them are the same in the next one. */
 class Session {
   #templates = new Map();
   #context = null;
@@ -34,7 +34,7 @@ class Session {
     return this.#templates;
   }
 
-  /** `{context, fault}`; after a fault, the context is empty. */
+  /** `{context, fault}`; if there is a fault, the context is empty. */
   contextOf(text, positions) {
     const last = this.#context;
     if (last?.text !== text || last.positions !== positions) {
@@ -55,7 +55,7 @@ function makeContext(text, positions) {
   }
 }
 
-/** What the analysis finds; names and tree only where they are seen. */
+/** The results of the analysis; names and tree only if they are visible. */
 function analyse(page, templates, context, view) {
   const findings = engine.check(page, { templates, context });
   const wellFormed = page.fault === null;
@@ -76,7 +76,7 @@ function work({ files, main, values, positions, escape, view }) {
   const { context, fault } = session.contextOf(values, positions);
   const { status, text, usage } = page.render(context, { templates, limits, escape });
   const time = performance.now() - start;
-  // The analysis of a render that is stopped would go on for longer than that.
+  // If the render was stopped, an analysis would run even longer.
   const known = fault || status !== "complete" ? undefined : context;
   const limit = limitTexts[status];
   return { view, status, text, usage, limit, fault, time, ...analyse(page, templates, known, view) };

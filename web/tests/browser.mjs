@@ -1,4 +1,4 @@
-// A browser and a server for tests. STENCILOR_MODULES is the folder of the modules of npm.
+// A browser and a server for tests. STENCILOR_MODULES is the folder of the npm modules.
 
 import { createRequire } from "node:module";
 import { join } from "node:path";
@@ -7,7 +7,7 @@ import { startServer } from "../server.mjs";
 
 export const require = createRequire(join(process.env.STENCILOR_MODULES, "tests.js"));
 
-/** The distribution's Chromium, which asks nothing of the network. */
+/** The distribution's Chromium, without network access of its own. */
 export function openBrowser() {
   const { chromium } = require("playwright-core");
   return chromium.launch({

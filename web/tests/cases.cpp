@@ -1,5 +1,5 @@
-// Writes random templates with values, and what this build renders of them, one JSON document in
-// each line: what the npm package is compared with.
+// Writes random templates with values and what this build renders from them, one JSON document per
+// line, for comparison with the npm package.
 
 #include "../../tests/support/oracles/RandomValue.h"
 
@@ -20,7 +20,7 @@ namespace {
 
 const std::vector<std::string> paths = {"a", "parts/b", "c"};
 
-/// JavaScript has no malformed texts.
+/// JavaScript cannot pass malformed UTF-8.
 std::string repaired(const std::string& bytes) {
     kel::String text;
     text.UTF8Decode(bytes.data(), static_cast<unsigned int>(bytes.size()), false);

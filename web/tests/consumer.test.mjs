@@ -1,7 +1,7 @@
-// The tarball, in a project that knows nothing of this repository.
+// The tarball, in a project outside this repository.
 //
-// STENCILOR_PACKAGE is the folder of the package, STENCILOR_MODULES that of the modules of npm, and
-// STENCILOR_SCRATCH one to write into.
+// STENCILOR_PACKAGE is the folder of the package, STENCILOR_MODULES that of the npm modules, and
+// STENCILOR_SCRATCH one to write to.
 
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
@@ -26,7 +26,7 @@ before(() => {
   run("npm", "install", "--offline", "--no-audit", "--no-fund", join(folder, tarball.filename));
 });
 
-test("the tarball has what is needed and no more, in 100 KB", () => {
+test("the tarball has only what is needed, in 100 KB", () => {
   assert.deepEqual(tarball.files.map(({ path }) => path).sort(), [
     "LICENSE",
     "LICENSES.txt",
@@ -44,7 +44,7 @@ test("the tarball has what is needed and no more, in 100 KB", () => {
   assert.ok(statSync(join(folder, tarball.filename)).size < 120_000);
 });
 
-test("the example of the README prints what it says", () => {
+test("the README example prints what it says", () => {
   const readme = readFileSync(join(STENCILOR_PACKAGE, "README.md"), "utf8");
   const [, example] = /```js\n(import[^]*?)```/.exec(readme);
   const [, expected] = /console\.log\(.*\/\/ (.*)/.exec(example);

@@ -1,7 +1,7 @@
-// What the documents show, and random templates, rendered as the native build does.
+// The examples in the documents, and random templates, are rendered as by the native build.
 //
 // STENCILOR_PACKAGE is the folder of the package, STENCILOR_DOCUMENTS that of the documents, and
-// STENCILOR_WEB_CASES a program that prints as many random cases as it is asked for.
+// STENCILOR_WEB_CASES a program that prints a given number of random cases.
 
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
@@ -98,7 +98,7 @@ test("20,000 random templates", async () => {
   let [compared, complete] = [0, 0];
   for await (const line of createInterface({ input: native.stdout })) {
     const { seed, text, values, templates, positions, escape, steps, result } = JSON.parse(line);
-    const { isComplete, text: output, messages, usage } = result; // in the order of `comparable`
+    const { isComplete, text: output, messages, usage } = result; // in the order used by `comparable`
     const page = new Template(text, { name: "page" });
     const options = { templates, positions, escape, limits: { steps, includeDepth: 8 } };
     const found = comparable(page.render(values, options));

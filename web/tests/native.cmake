@@ -1,4 +1,4 @@
-# Built for this machine, for the tests of the WebAssembly build.
+# The native build for this machine, for the tests of the WebAssembly build.
 add_executable(
     stencilor_web_cases EXCLUDE_FROM_ALL
     "${CMAKE_CURRENT_LIST_DIR}/cases.cpp"

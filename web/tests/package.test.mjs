@@ -1,4 +1,4 @@
-// The package as its users call it. STENCILOR_PACKAGE is the folder that build-package.mjs made.
+// The package as users call it. STENCILOR_PACKAGE is the folder that build-package.mjs wrote.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -28,7 +28,7 @@ const rendered = [
   ["null and undefined", "{{ a }}{{ b }}", { a: null, b: undefined }, ""],
   ["a boolean with members", "{% if a %}{{ b }}{% endif %}", { a: { $boolean: true, b: "x" } }, "x"],
   ["the members of a boolean in an object", "{% if a.b %}{{ c }}{{ d.e }}{% endif %}", { a: { b: { c: 1, $boolean: true, d: { e: 2 } } } }, "12"],
-  ["objects whose keys are the same in UTF-8", "{{ a }}", { "\ud800": { b: 1 }, "\udc00": { b: 2 }, a: 3 }, "3"],
+  ["objects whose keys are equal in UTF-8", "{{ a }}", { "\ud800": { b: 1 }, "\udc00": { b: 2 }, a: 3 }, "3"],
   ["lists of all kinds", "{% for i in a %}<{{ i.value }}{{ i.b }}>{% endfor %}", { a: ["x", null, { b: "y" }, 1] }, "<x><><y><1>"],
   ["lists in lists", "{% for i in a %}{% for j in i.value %}{{ j.value }}{% endfor %};{% endfor %}", { a: [[1, 2], [], [3]] }, "12;;3;"],
   ["a key that objects inherit", "{{ constructor }}{{ toString }}", {}, ""],
@@ -56,7 +56,7 @@ const refused = [
   ["a key that is not a string", { a: new Map([[1, 2]]) }, /key of a Map is not a string/],
   ["a list as the root", [], /not an object/],
   ["a text as the root", "x", /not an object/],
-  ["a $boolean that is none", { a: { $boolean: 1 } }, /\$boolean/],
+  ["a $boolean that is not a boolean", { a: { $boolean: 1 } }, /\$boolean/],
 ];
 for (const [name, values, message] of refused) {
   test(`refuses ${name}`, () => assert.throws(() => render("", values), message));
@@ -74,7 +74,7 @@ test("nests 511 levels and no more", () => {
   assert.throws(() => render("x", { a: nest(512) }), RangeError);
 });
 
-test("passes on what a getter throws, and goes on afterwards", () => {
+test("passes on what a getter throws, and works afterwards", () => {
   const values = {
     get a() {
       throw new Error("getter");
@@ -94,7 +94,7 @@ test("renders inside a getter", () => {
   assert.equal(render("{{ a }}{{ c }}", values).text, "<2>3");
 });
 
-test("reports what is missing, with its place", () => {
+test("reports what is missing, with its location", () => {
   const { status, messages, usage } = new Template("x\n é {{ b }}", { name: "page" }).render({});
   assert.equal(status, "complete");
   assert.equal(messages.length, 1);
@@ -179,7 +179,7 @@ for (const [status, text, values, options] of limited) {
   });
 }
 
-test("refuses limits that are none", () => {
+test("refuses invalid limits", () => {
   assert.throws(() => render("", {}, { limits: { step: 1 } }), /steps, outputBytes/);
   assert.throws(() => render("", {}, { limits: { steps: -1 } }), RangeError);
 });
@@ -198,7 +198,7 @@ test("keeps a context for many renders", () => {
   assert.throws(() => render("", context), /disposed/);
 });
 
-test("reads JSON with its digits, and says where it is wrong", () => {
+test("keeps the digits of JSON numbers, and says where JSON is wrong", () => {
   assert.equal(render("{{ a }}", Context.fromJson('{"a": 1.50}')).text, "1.50");
   assert.throws(() => Context.fromJson('{\n "a" 1}'), (error) => error instanceof SyntaxError && error.line === 2);
   assert.throws(() => Context.fromJson("[]"), TypeError);
@@ -218,7 +218,7 @@ test("explains templates", () => {
 test("frees contexts that nothing refers to", { skip: !globalThis.gc }, async () => {
   const text = "x".repeat(1_000_000);
   for (let count = 0; count < 1100; ++count) {
-    new Context({ text }); // in all more than the engine may have at once
+    new Context({ text }); // together more memory than the engine may have at once
     if (count % 100 === 0) {
       globalThis.gc();
       await new Promise((resolve) => setTimeout(resolve));

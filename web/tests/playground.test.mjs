@@ -1,7 +1,7 @@
-// The playground as people use it, in a real browser.
+// The playground in a real browser, as people use it.
 //
 // STENCILOR_PLAYGROUND is the folder of the page, STENCILOR_MODULES that of the modules of npm, and
-// STENCILOR_SCRATCH one for pictures of the page. UPDATE_PICTURE puts one into the documents.
+// STENCILOR_SCRATCH one for screenshots. UPDATE_PICTURE writes one to the documents.
 
 import assert from "node:assert/strict";
 import { copyFileSync, mkdirSync } from "node:fs";
@@ -25,7 +25,7 @@ after(async () => {
   server?.close();
 });
 
-/** A page as someone sees it who was never here. Whatever goes wrong in it fails the test. */
+/** Opens the page as a first-time visitor. Any error in it fails the test. */
 async function open(t, { fragment = "", prepare = () => {}, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, ...options });
   const page = await context.newPage();
@@ -77,7 +77,7 @@ test("faults in the values are underlined", async (t) => {
   await seeMessage(page, "values:2:");
 });
 
-test("tags have the colours of the editors' grammar", async (t) => {
+test("tags are highlighted by the grammar of the editor extension", async (t) => {
   const page = await open(t);
   await type(page, "template", "{% for a in b %}{{ a.c }}{% endfor %}{% include \"d\" %}{% x %}");
   const partsOf = (style) => page.locator(`#template .${style}`).allTextContents();
@@ -93,13 +93,13 @@ test("names of the values are completed", async (t) => {
   await type(page, "template", "{% for t in teas %}{{ ");
   await page.keyboard.type("t.p");
   await page.locator(".cm-tooltip-autocomplete", { hasText: "t.price" }).waitFor();
-  await page.waitForTimeout(200); // in its first 75 ms, the list does not take keys that may be meant for the text
+  await page.waitForTimeout(200); // for its first 75 ms, the list ignores keys that may be meant for the text
   await page.keyboard.press("Enter");
   await page.keyboard.insertText(" }}{% endfor %}");
   await seeText(page, "4.506.00");
 });
 
-test("each example renders, and only the last but one stops", async (t) => {
+test("each example renders, and only the second-to-last is stopped", async (t) => {
   const page = await open(t);
   const titles = await page.locator("#example option:not([value=''])").allTextContents();
   assert.ok(titles.length >= 12, `${titles.length} examples`);
@@ -170,7 +170,7 @@ test("what is typed after sharing is kept, and a link does not replace it before
   await seeText(page, "later");
 });
 
-test("a damaged link opens the page all the same", async (t) => {
+test("the page opens even with a damaged link", async (t) => {
   const page = await open(t, { fragment: "#eJxnonsense" });
   await seeText(page, "Hello, Ada! You have 12 new messages.\n");
 });
@@ -184,7 +184,7 @@ test("the last state is kept", async (t) => {
   await seeText(page, "kept");
 });
 
-test("a template that would run for ever says which limit it reached", async (t) => {
+test("a template that would run forever reports the limit that it reached", async (t) => {
   const page = await open(t);
   const loop = "{% for i in l %}".repeat(9) + "x" + "{% endfor %}".repeat(9);
   await type(page, "context", `{ "l": [${Array(20).fill(1)}] }`);
@@ -195,9 +195,9 @@ test("a template that would run for ever says which limit it reached", async (t)
 });
 
 const broken = [
-  ["a worker that is not there", (route) => route.fulfill({ status: 404 })],
+  ["a missing worker", (route) => route.fulfill({ status: 404 })],
   [
-    "an engine that the browser refuses",
+    "an engine that the browser rejects",
     async (route) => {
       const response = await route.fetch();
       const refusal = 'WebAssembly.instantiate = () => Promise.reject(new Error("refused"));';
@@ -247,7 +247,7 @@ test("the output is a page that runs no script", async (t) => {
   assert.equal(await page.getAttribute("#page", "sandbox"), "");
 });
 
-test("names and tree of the template are listed", async (t) => {
+test("the names and the tree of the template are listed", async (t) => {
   const page = await open(t);
   await page.click("#tab-names");
   assert.deepEqual(await page.locator("#view-names td:first-child").allTextContents(), ["name", "count"]);
@@ -255,7 +255,7 @@ test("names and tree of the template are listed", async (t) => {
   await page.locator("#view-tree .node", { hasText: "substitution count" }).waitFor();
 });
 
-test("everything is reached by keyboard", async (t) => {
+test("everything can be reached by keyboard", async (t) => {
   const page = await open(t);
   const reached = new Set();
   for (let count = 0; count < 40; ++count) {
@@ -283,7 +283,7 @@ const looks = [
   ["narrow dark", { colorScheme: "dark", viewport: { width: 400, height: 800 } }],
 ];
 for (const [name, options] of looks) {
-  test(`nothing is inaccessible: ${name}`, async (t) => {
+  test(`everything is accessible: ${name}`, async (t) => {
     const page = await open(t, options);
     await choose(page, "Loops and prefixes");
     await seeMessage(page, 'write "tag.value"');

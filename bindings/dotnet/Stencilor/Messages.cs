@@ -3,43 +3,43 @@ using System.Collections.Generic;
 
 namespace Stencilor
 {
-    /// <summary>How a render ended. Later versions may have more of them.</summary>
+    /// <summary>How a render ended. Later versions may add values.</summary>
     public enum RenderStatus
     {
         /// <summary>The text is complete.</summary>
         Complete = 0,
-        /// <summary>The limit of steps did not suffice.</summary>
+        /// <summary>The step limit was reached.</summary>
         StepLimit = 5,
-        /// <summary>The limit of output bytes did not suffice.</summary>
+        /// <summary>The output size limit was reached.</summary>
         OutputLimit = 6,
-        /// <summary>The limit of template bytes did not suffice.</summary>
+        /// <summary>The template size limit was reached.</summary>
         TemplateLimit = 7,
-        /// <summary>The limit of open includes did not suffice.</summary>
+        /// <summary>The include depth limit was reached.</summary>
         DepthLimit = 8
     }
 
-    /// <summary>What a message is about. Later versions may have more of them.</summary>
+    /// <summary>What a message is about. Later versions may add values.</summary>
     public enum MessageKind
     {
         /// <summary>A substitution's name is not in scope.</summary>
         ValueNotFound = 1,
-        /// <summary>It is in scope and not a text.</summary>
+        /// <summary>It is in scope, but not a text.</summary>
         ValueNotText = 2,
         /// <summary>A condition's name is not in scope.</summary>
         BooleanNotFound = 3,
-        /// <summary>It is in scope and not a boolean.</summary>
+        /// <summary>It is in scope, but not a boolean.</summary>
         NotBoolean = 4,
         /// <summary>The name of a loop's list is not in scope.</summary>
         ListNotFound = 5,
-        /// <summary>It is in scope and not a list.</summary>
+        /// <summary>It is in scope, but not a list.</summary>
         NotList = 6,
         /// <summary>There is no template at the path.</summary>
         TemplateNotFound = 7,
-        /// <summary>There is one, and it cannot be read.</summary>
+        /// <summary>There is one, but it cannot be read.</summary>
         TemplateUnreadable = 8,
         /// <summary>The template is not well formed.</summary>
         TemplateRejected = 9,
-        /// <summary>The render ended; and so with the following ones.</summary>
+        /// <summary>Ended the render, as do the following.</summary>
         StepLimit = 10,
         /// <summary>See <see cref="RenderStatus.OutputLimit"/>.</summary>
         OutputLimit = 11,
@@ -49,7 +49,8 @@ namespace Stencilor
         DepthLimit = 13
     }
 
-    /// <summary>A place in a template. Lines and columns count from 1, columns in code points.</summary>
+    /// <summary>A location in a template. Lines and columns count from 1; columns count code
+    /// points.</summary>
     public struct Place
     {
         internal Place(string templateName, UIntPtr line, UIntPtr column)
@@ -66,14 +67,14 @@ namespace Stencilor
         /// <summary>The column.</summary>
         public int Column { get; }
 
-        /// <summary>The place as TEMPLATE:LINE:COLUMN.</summary>
+        /// <summary>The location as TEMPLATE:LINE:COLUMN.</summary>
         public override string ToString()
         {
             return (TemplateName.Length == 0 ? "<template>" : TemplateName) + ":" + Line + ":" + Column;
         }
     }
 
-    /// <summary>Something that could not be rendered, or the reason why a render ended.</summary>
+    /// <summary>Something that could not be rendered, or the reason that a render ended.</summary>
     public sealed class Message
     {
         internal Message(IntPtr message)
@@ -96,25 +97,25 @@ namespace Stencilor
             IncludedFrom = sites;
         }
 
-        /// <summary>What it is about.</summary>
+        /// <summary>What the message is about.</summary>
         public MessageKind Kind { get; }
-        /// <summary>It in English, without its place.</summary>
+        /// <summary>The message in English, without its location.</summary>
         public string Text { get; }
-        /// <summary>The name or path in the tag; empty where there is none.</summary>
+        /// <summary>The name or path in the tag; empty if there is none.</summary>
         public string Name { get; }
-        /// <summary>Where it is.</summary>
+        /// <summary>The location.</summary>
         public Place Place { get; }
-        /// <summary>The include tags around it, innermost first.</summary>
+        /// <summary>The include tags that led to the location, innermost first.</summary>
         public IReadOnlyList<Place> IncludedFrom { get; }
 
-        /// <summary>The message after its place.</summary>
+        /// <summary>The location and the message.</summary>
         public override string ToString()
         {
             return Place + ": " + Text;
         }
     }
 
-    /// <summary>What a render took; of messages, all of them, kept or not.</summary>
+    /// <summary>What a render used.</summary>
     public sealed class Usage
     {
         internal Usage(ResultHandle result)
@@ -126,15 +127,15 @@ namespace Stencilor
             Messages = Native.stencilor_result_usage(result, 4);
         }
 
-        /// <summary>Nodes visited, iterations, and 64 names looked up each.</summary>
+        /// <summary>Nodes visited, iterations, and every 64 names looked up.</summary>
         public ulong Steps { get; }
         /// <summary>The bytes of the text as UTF-8.</summary>
         public ulong OutputBytes { get; }
-        /// <summary>The bytes of included templates, each path once.</summary>
+        /// <summary>The bytes of included templates, each path counted once.</summary>
         public ulong TemplateBytes { get; }
-        /// <summary>The most includes that were open inside each other.</summary>
+        /// <summary>The deepest nesting of includes.</summary>
         public ulong IncludeDepth { get; }
-        /// <summary>The messages.</summary>
+        /// <summary>The messages, including those that were not kept.</summary>
         public ulong Messages { get; }
     }
 
@@ -155,17 +156,17 @@ namespace Stencilor
             GC.KeepAlive(result);
         }
 
-        /// <summary>How it ended.</summary>
+        /// <summary>How the render ended.</summary>
         public RenderStatus Status { get; }
-        /// <summary>The text; empty unless it is complete.</summary>
+        /// <summary>The text; empty unless the render is complete.</summary>
         public string Text { get; }
         /// <summary>What could not be rendered, in the order of the text.</summary>
         public IReadOnlyList<Message> Messages { get; }
-        /// <summary>What it took.</summary>
+        /// <summary>What the render used.</summary>
         public Usage Usage { get; }
     }
 
-    /// <summary>The base of the exceptions that templates cause.</summary>
+    /// <summary>The base of all exceptions caused by templates.</summary>
     public class TemplateException : Exception
     {
         internal TemplateException(string message) : base(message) { }
@@ -201,7 +202,7 @@ namespace Stencilor
         public string Path { get; }
     }
 
-    /// <summary>A render reached a limit, or a strict one has messages.</summary>
+    /// <summary>A render reached a limit, or a strict render produced messages.</summary>
     public sealed class RenderException : TemplateException
     {
         internal RenderException(RenderResult result) : base(string.Join("\n", result.Messages))
@@ -211,7 +212,7 @@ namespace Stencilor
 
         /// <summary>What the render produced.</summary>
         public RenderResult Result { get; }
-        /// <summary>How it ended: complete where it was strict and has messages.</summary>
+        /// <summary>How the render ended: complete if it was strict and has messages.</summary>
         public RenderStatus Status { get { return Result.Status; } }
     }
 }

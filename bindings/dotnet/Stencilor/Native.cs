@@ -5,7 +5,7 @@ using Microsoft.Win32.SafeHandles;
 
 namespace Stencilor
 {
-    /// <summary>A handle of the C library, which frees itself.</summary>
+    /// <summary>A handle of the C library that frees itself.</summary>
     internal abstract class Handle : SafeHandleZeroOrMinusOneIsInvalid
     {
         private readonly Action<IntPtr> free;
@@ -62,7 +62,7 @@ namespace Stencilor
         private ErrorHandle() : base(Native.stencilor_error_free) { }
     }
 
-    /// <summary>The functions of the C library, and the statuses that they return.</summary>
+    /// <summary>The functions of the C library and their statuses.</summary>
     internal static class Native
     {
         private const string Library = "stencilor_c";
@@ -77,7 +77,7 @@ namespace Stencilor
         [UnmanagedFunctionPointer(C)]
         internal delegate int FindFunction(IntPtr payload, IntPtr path, UIntPtr size, IntPtr request);
 
-        /// <summary>The bytes of a text, for functions that take them with their size.</summary>
+        /// <summary>The bytes of a text, for functions that take bytes and a size.</summary>
         internal static byte[] Bytes(string text)
         {
             return utf8.GetBytes(text);
@@ -88,7 +88,7 @@ namespace Stencilor
             return (UIntPtr)bytes.Length;
         }
 
-        /// <summary>A text that the library returned; its handle must live until then.</summary>
+        /// <summary>Copies a text that the library returned; its handle must still be alive.</summary>
         internal static string Text(IntPtr text, UIntPtr size)
         {
             var bytes = new byte[checked((int)size)];
@@ -96,7 +96,7 @@ namespace Stencilor
             return utf8.GetString(bytes);
         }
 
-        /// <summary>Throws for a status that no other exception describes.</summary>
+        /// <summary>Throws for a status that has no exception of its own.</summary>
         internal static void Check(int status)
         {
             if (status == OutOfMemory)

@@ -5,7 +5,7 @@ using System.Runtime.ExceptionServices;
 
 namespace Stencilor
 {
-    /// <summary>Calls of the library during which it may call back. What a callback throws waits until the
+    /// <summary>Calls of library functions that may call back. What a callback throws is rethrown when the
     /// library has returned.</summary>
     internal static class Calls
     {
@@ -36,22 +36,22 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Throws an exception with the place where it was thrown first.</summary>
+        /// <summary>Throws an exception again, and keeps its original stack trace.</summary>
         internal static void Rethrow(Exception exception)
         {
             ExceptionDispatchInfo.Capture(exception).Throw();
         }
     }
 
-    /// <summary>Where included templates come from. Threads may share it, as far as its function
-    /// allows.</summary>
+    /// <summary>Where included templates come from. Threads may share a source if its function allows
+    /// that.</summary>
     public sealed class TemplateSource : IDisposable
     {
         /// <summary>A source without templates.</summary>
         internal static readonly TemplateSource Empty =
             FromTexts(new Dictionary<string, string>());
 
-        private readonly Native.FindFunction find; // the library calls it as long as there is the source
+        private readonly Native.FindFunction find; // the library may call it for as long as the source exists
 
         private TemplateSource(SourceHandle handle, Native.FindFunction find = null)
         {
@@ -61,22 +61,22 @@ namespace Stencilor
 
         internal SourceHandle Handle { get; }
 
-        /// <summary>Has the files below a folder, and never others. Files that change are read
-        /// again.</summary>
-        /// <exception cref="DirectoryNotFoundException">it is not a folder that can be entered</exception>
+        /// <summary>Creates a source from the files in a folder and its subfolders. Nothing outside it can be
+        /// included. Files that change are read again.</summary>
+        /// <exception cref="DirectoryNotFoundException">it is not an accessible folder</exception>
         public static TemplateSource FromFolder(string folder)
         {
             byte[] path = Native.Bytes(folder);
             int status = Native.stencilor_source_folder(path, Native.Size(path), out SourceHandle handle);
             if (status == Native.NotFound)
             {
-                throw new DirectoryNotFoundException("There is no folder \"" + folder + "\" of templates.");
+                throw new DirectoryNotFoundException("There is no template folder \"" + folder + "\".");
             }
             Native.Check(status);
             return new TemplateSource(handle);
         }
 
-        /// <summary>Has the texts of a dictionary by their paths, which are copied.</summary>
+        /// <summary>Creates a source from texts by path, which are copied.</summary>
         public static TemplateSource FromTexts(IEnumerable<KeyValuePair<string, string>> texts)
         {
             Native.Check(Native.stencilor_source_memory(out SourceHandle handle));
@@ -89,8 +89,8 @@ namespace Stencilor
             return new TemplateSource(handle);
         }
 
-        /// <summary>Has what a function returns for a path: a text, or null where there is none. What it
-        /// throws reaches the caller of the render.</summary>
+        /// <summary>Creates a source from a function that returns the text at a path, or null if there is
+        /// none. Its exceptions reach the caller of the render.</summary>
         public static TemplateSource FromFunction(Func<string, string> function)
         {
             Native.FindFunction find = (payload, path, size, request) => Calls.Guard(() =>
@@ -107,7 +107,7 @@ namespace Stencilor
         }
 
         /// <summary>Finds a template.</summary>
-        /// <param name="path">as include tags write it</param>
+        /// <param name="path">the path, as written in include tags</param>
         /// <exception cref="TemplateNotFoundException">there is none, or it cannot be read</exception>
         /// <exception cref="TemplateSyntaxException">it is not well formed</exception>
         public Template GetTemplate(string path)
@@ -124,13 +124,13 @@ namespace Stencilor
             return new Template(status, found);
         }
 
-        /// <summary>Keeps the function until here, since the library may call it.</summary>
+        /// <summary>Keeps the function alive until here, because the library may call it.</summary>
         internal void KeepFunction()
         {
             GC.KeepAlive(find);
         }
 
-        /// <summary>Frees it. Renders that use it must have ended.</summary>
+        /// <summary>Frees the source. Renders that use it must have ended.</summary>
         public void Dispose()
         {
             Handle.Dispose();

@@ -2,46 +2,46 @@ using System;
 
 namespace Stencilor
 {
-    /// <summary>What happens to values on their way into the text.</summary>
+    /// <summary>How values are escaped.</summary>
     public enum Escape
     {
-        /// <summary>They are rendered as they are.</summary>
+        /// <summary>They are not escaped.</summary>
         None = 0,
         /// <summary>For HTML text and quoted attributes.</summary>
         Html = 1,
-        /// <summary>For JSON strings inside their quotation marks, also in HTML.</summary>
+        /// <summary>For the inside of JSON strings, also in HTML.</summary>
         Json = 2
     }
 
-    /// <summary>What a render may take; 0 is no limit, except that 0 means 100 for the depth of
-    /// includes.</summary>
+    /// <summary>The limits of a render. 0 means no limit, except that an include depth of 0 means
+    /// 100.</summary>
     public sealed class Limits
     {
-        /// <summary>Nodes visited, iterations, and 64 names looked up each.</summary>
+        /// <summary>Nodes visited, iterations, and every 64 names looked up.</summary>
         public ulong Steps { get; set; }
         /// <summary>The bytes of the text as UTF-8.</summary>
         public ulong OutputBytes { get; set; }
-        /// <summary>The bytes of included templates, each path once.</summary>
+        /// <summary>The bytes of included templates, each path counted once.</summary>
         public ulong TemplateBytes { get; set; }
-        /// <summary>Includes that are open inside each other, at most 100.</summary>
+        /// <summary>Nested includes, at most 100.</summary>
         public ulong IncludeDepth { get; set; } = 100;
-        /// <summary>Messages that are kept; further ones are only counted.</summary>
+        /// <summary>Messages kept; further ones are only counted.</summary>
         public ulong Messages { get; set; } = 1000;
     }
 
-    /// <summary>How to render. Renders that run at once may share it while nothing changes it.</summary>
+    /// <summary>How to render. Concurrent renders may share options that do not change.</summary>
     public sealed class RenderOptions
     {
-        /// <summary>What happens to values.</summary>
+        /// <summary>How values are escaped.</summary>
         public Escape Escape { get; set; }
-        /// <summary>Where included templates come from; null has none.</summary>
+        /// <summary>Where included templates come from; null means no templates.</summary>
         public TemplateSource Source { get; set; }
-        /// <summary>What the render may take; null has only the limits that are set by default.</summary>
+        /// <summary>The limits of the render; null means the defaults.</summary>
         public Limits Limits { get; set; }
-        /// <summary>Gives elements of lists <c>index</c> (from 1), <c>first</c> and <c>last</c>; of a
-        /// <see cref="Context"/>, that is decided when it is made.</summary>
+        /// <summary>Adds <c>index</c> (from 1), <c>first</c> and <c>last</c> to list elements. Ignored for a
+        /// <see cref="Context"/>, which has its own setting.</summary>
         public bool Positions { get; set; }
-        /// <summary><see cref="Template.Render"/> throws where there are messages.</summary>
+        /// <summary><see cref="Template.Render"/> throws if there are messages.</summary>
         public bool Strict { get; set; }
 
         internal OptionsHandle MakeHandle()
@@ -71,7 +71,7 @@ namespace Stencilor
 
         /// <summary>Parses a template.</summary>
         /// <param name="text">the template</param>
-        /// <param name="name">what messages call it</param>
+        /// <param name="name">the name in messages</param>
         /// <exception cref="TemplateSyntaxException">it is not well formed</exception>
         public Template(string text, string name = "")
         {
@@ -103,7 +103,7 @@ namespace Stencilor
             }
         }
 
-        /// <summary>What messages call it.</summary>
+        /// <summary>The name of the template in messages.</summary>
         public string Name
         {
             get
@@ -117,9 +117,9 @@ namespace Stencilor
         /// <summary>Renders to a text.</summary>
         /// <param name="values">a <see cref="Context"/>, a dictionary, or an object with properties</param>
         /// <param name="options">how to render; null for the defaults</param>
-        /// <exception cref="RenderException">a limit was reached, or it is strict and there are
+        /// <exception cref="RenderException">a limit was reached, or the render is strict and there are
         /// messages</exception>
-        /// <exception cref="ArgumentException">a value cannot be one of a template; names its path</exception>
+        /// <exception cref="ArgumentException">a value cannot be converted; names its path</exception>
         public string Render(object values, RenderOptions options = null)
         {
             RenderResult result = RenderResult(values, options);
@@ -131,7 +131,7 @@ namespace Stencilor
             return result.Text;
         }
 
-        /// <summary>Renders to a text, a status and messages. Otherwise as <see cref="Render"/>.</summary>
+        /// <summary>Like <see cref="Render"/>, but returns a text, a status and messages.</summary>
         public RenderResult RenderResult(object values, RenderOptions options = null)
         {
             options = options ?? new RenderOptions();
@@ -157,10 +157,10 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Finds what is wrong with it and all that it includes.</summary>
-        /// <param name="values">what names are looked up in; null looks up none</param>
-        /// <param name="source">where included templates come from; null has none</param>
-        /// <returns>a JSON document, that of <c>stencilor check --format json</c></returns>
+        /// <summary>Finds what is wrong with the template and everything that it includes.</summary>
+        /// <param name="values">the values to look names up in; null to look up none</param>
+        /// <param name="source">where included templates come from; null means no templates</param>
+        /// <returns>the JSON document of <c>stencilor check --format json</c></returns>
         public string Check(object values = null, TemplateSource source = null)
         {
             source = source ?? TemplateSource.Empty;
@@ -174,9 +174,9 @@ namespace Stencilor
             return Analysed(source, status, json);
         }
 
-        /// <summary>Lists the names that it and all that it includes ask for.</summary>
-        /// <param name="source">where included templates come from; null has none</param>
-        /// <returns>a JSON document, that of <c>stencilor names --format json</c></returns>
+        /// <summary>Lists the names that the template and everything that it includes look up.</summary>
+        /// <param name="source">where included templates come from; null means no templates</param>
+        /// <returns>the JSON document of <c>stencilor names --format json</c></returns>
         public string Names(TemplateSource source = null)
         {
             source = source ?? TemplateSource.Empty;
@@ -195,7 +195,8 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Calls a function with a context of the values, which may be one.</summary>
+        /// <summary>Calls a function with a context made from the values, unless they are one
+        /// already.</summary>
         private static T With<T>(object values, bool positions, Func<Context, T> function)
         {
             if (values is Context given)
@@ -208,7 +209,7 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Frees it. Renders of it must have ended.</summary>
+        /// <summary>Frees the template. Renders of it must have ended.</summary>
         public void Dispose()
         {
             handle.Dispose();

@@ -7,10 +7,10 @@ using System.Reflection;
 
 namespace Stencilor
 {
-    /// <summary>A text that is never escaped: for text that is known to be safe where it is inserted.</summary>
+    /// <summary>A text that is never escaped: for text known to be safe where it is inserted.</summary>
     public sealed class Raw
     {
-        /// <summary>Marks a text.</summary>
+        /// <summary>Marks a text as safe.</summary>
         public Raw(string text)
         {
             Text = text ?? throw new ArgumentNullException(nameof(text));
@@ -26,12 +26,12 @@ namespace Stencilor
         }
     }
 
-    /// <summary>Makes values of the library from objects.</summary>
+    /// <summary>Converts objects to values of the library.</summary>
     internal sealed class ValueMaker
     {
         private const int Deepest = 512;
 
-        // Where the value is that is being made: "items", "[3]", ".Price".
+        // The path of the current value: "items", "[3]", ".Price".
         private readonly List<string> path = new List<string>();
 
         internal static ValueHandle MakeRoot(object values)
@@ -59,7 +59,7 @@ namespace Stencilor
             }
             if (path.Count >= Deepest)
             {
-                throw Refusal("is more than " + Deepest + " levels deep");
+                throw Refusal("nests deeper than " + Deepest + " levels");
             }
             IEnumerable<KeyValuePair<string, object>> members = MembersOf(value);
             if (members != null)
@@ -70,10 +70,11 @@ namespace Stencilor
             {
                 return MakeList(items);
             }
-            throw Refusal(value.GetType() + " is not a type that becomes a value of a template");
+            throw Refusal(value.GetType() + " cannot be converted to a template value");
         }
 
-        /// <summary>The value of an object that is neither a list nor a dictionary; null of those.</summary>
+        /// <summary>Converts an object that is neither a list nor a dictionary; returns null for
+        /// those.</summary>
         private ValueHandle MakeScalar(object value)
         {
             if (value is string || value is char || value is ulong || value is decimal)
@@ -134,7 +135,7 @@ namespace Stencilor
             }
             if (value is float)
             {
-                // Its shortest digits are not those of the double that equals it.
+                // The shortest digits of a float differ from those of the equal double.
                 number = double.Parse(((float)value).ToString("R", CultureInfo.InvariantCulture),
                                       CultureInfo.InvariantCulture);
             }
@@ -170,7 +171,7 @@ namespace Stencilor
                     path.Add((path.Count == 0 ? "" : ".") + member.Key);
                     if (member.Key == "$boolean" && !(member.Value is bool))
                     {
-                        throw Refusal("is true or false");
+                        throw Refusal("must be true or false");
                     }
                     byte[] key = Native.Bytes(member.Key);
                     using (ValueHandle made = Make(member.Value))
@@ -196,7 +197,7 @@ namespace Stencilor
             }
         }
 
-        /// <summary>The members of a dictionary or an object; null for what has none.</summary>
+        /// <summary>Returns the members of a dictionary or an object; null for anything else.</summary>
         private IEnumerable<KeyValuePair<string, object>> MembersOf(object value)
         {
             if (value is IEnumerable<KeyValuePair<string, object>> members)
@@ -221,12 +222,13 @@ namespace Stencilor
             while (entries.MoveNext())
             {
                 string key = entries.Key as string ??
-                             throw Refusal("has a key of the type " + entries.Key.GetType() + "; a key is a string");
+                             throw Refusal("has a key of type " + entries.Key.GetType() +
+                                           "; keys must be strings");
                 yield return new KeyValuePair<string, object>(key, entries.Value);
             }
         }
 
-        /// <summary>Whether a type is one of pairs with texts as keys.</summary>
+        /// <summary>Whether a type is a sequence of pairs with string keys.</summary>
         private static bool IsPairs(Type type)
         {
             if (!type.IsGenericType || type.GetGenericTypeDefinition() != typeof(IEnumerable<>))
@@ -249,8 +251,8 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Whether a type is the system's own: its properties say nothing to a template, and
-        /// some lead to endlessly many further ones.</summary>
+        /// <summary>Whether a type belongs to the system: its properties mean nothing to a template, and some
+        /// of them lead to endless further objects.</summary>
         private static bool IsOfSystem(Type type)
         {
             string space = type.Namespace;
@@ -290,14 +292,14 @@ namespace Stencilor
         }
     }
 
-    /// <summary>The values of a render, made once to render them many times. It never changes, and threads
-    /// may share it.</summary>
+    /// <summary>The values of a render, converted once to be rendered many times. It never changes, and
+    /// threads may share it.</summary>
     public sealed class Context : IDisposable
     {
-        /// <summary>Copies values.</summary>
+        /// <summary>Converts values, which are copied.</summary>
         /// <param name="values">a dictionary, or an object with properties</param>
-        /// <param name="positions">gives elements of lists <c>index</c> (from 1), <c>first</c> and
-        /// <c>last</c></param>
+        /// <param name="positions">adds <c>index</c> (from 1), <c>first</c> and <c>last</c> to list
+        /// elements</param>
         /// <exception cref="ArgumentException">a value cannot be one of a template; names its path</exception>
         public Context(object values, bool positions = false)
         {

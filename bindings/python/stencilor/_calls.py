@@ -1,4 +1,4 @@
-"""Calls of the library during which it may call back."""
+"""Calls of library functions that may call back."""
 
 from __future__ import annotations
 
@@ -12,18 +12,18 @@ from . import _library as library
 
 
 class _Kept(threading.local):
-    """The exception that ends the call of this thread."""
+    """The exception that ended the call on this thread."""
 
     error: Optional[BaseException] = None
 
 
 _kept = _Kept()
-_inside: Set[int] = set()  # the threads that are in such a call
+_inside: Set[int] = set()  # the threads inside such a call
 _ending = False
 
 
 def call(function: Callable[..., int], *arguments: Any) -> int:
-    """Calls a function of the library, and raises what was raised in a callback."""
+    """Calls a function of the library, and re-raises the exception of a callback."""
     thread = threading.get_ident()
     is_outermost = thread not in _inside
     _inside.add(thread)
@@ -44,7 +44,7 @@ def call(function: Callable[..., int], *arguments: Any) -> int:
 
 
 def guard(callback: Callable[..., None]) -> Callable[..., int]:
-    """Makes a callback for the library. What it raises is kept for `call`."""
+    """Makes a callback for the library. `call` re-raises its exceptions."""
 
     def guarded(*arguments: Any) -> int:
         _park_at_end()
@@ -59,8 +59,8 @@ def guard(callback: Callable[..., None]) -> Callable[..., int]:
 
 
 def _park_at_end() -> None:
-    """Stops a daemon thread where the interpreter is about to end. It would be ended in the middle of
-    the library otherwise, and the process be aborted for it."""
+    """Parks a daemon thread when the interpreter is about to exit. Otherwise, the thread would be ended inside
+    the library, which aborts the process."""
     if _ending and threading.current_thread() is not threading.main_thread():
         _inside.discard(threading.get_ident())
         threading.Event().wait()
@@ -70,7 +70,7 @@ def _park_at_end() -> None:
 def _end() -> None:
     global _ending
     _ending = True
-    latest = time.monotonic() + 1  # a loader may wait for something that does not come
+    latest = time.monotonic() + 1  # a loader may wait for something that never comes
     while _inside and time.monotonic() < latest:
         time.sleep(0.001)
 

@@ -1,4 +1,4 @@
-"""What is reported: messages of a render, and exceptions."""
+"""Messages of renders, and exceptions."""
 
 from __future__ import annotations
 
@@ -46,7 +46,7 @@ class MessageKind(IntEnum):
 
 @dataclass(frozen=True)
 class IncludeSite:
-    """An include tag: the template that holds it, and the place of its path."""
+    """An include tag: the template that contains it, and the location of its path."""
 
     filename: str
     lineno: int
@@ -55,18 +55,18 @@ class IncludeSite:
 
 @dataclass(frozen=True)
 class Message:
-    """Something that could not be rendered, or the reason why a render ended.
+    """Something that could not be rendered, or the reason that a render ended.
 
-    Lines and columns count from 1, columns in code points.
+    Lines and columns count from 1; columns count code points.
     """
 
     kind: MessageKind
     text: str
-    name: str  #: the name or path in the tag; empty where there is none
+    name: str  #: the name or path in the tag; empty if there is none
     filename: str  #: the name of the template
     lineno: int
     column: int
-    included_from: Tuple[IncludeSite, ...]  #: the include tags around it, innermost first
+    included_from: Tuple[IncludeSite, ...]  #: the include tags that led here, innermost first
 
     def __str__(self) -> str:
         return f"{self.filename or '<template>'}:{self.lineno}:{self.column}: {self.text}"
@@ -94,7 +94,7 @@ def read_message(pointer: Any) -> Message:
 
 
 class TemplateError(Exception):
-    """The base of the exceptions that templates cause."""
+    """The base of all exceptions caused by templates."""
 
 
 class TemplateSyntaxError(TemplateError):
@@ -112,7 +112,7 @@ class TemplateSyntaxError(TemplateError):
 
 
 class TemplateNotFound(TemplateError, LookupError):
-    """The loader has no template of that name."""
+    """The loader has no template with this name."""
 
     def __init__(self, name: str) -> None:
         super().__init__(name)
@@ -123,7 +123,7 @@ class TemplateNotFound(TemplateError, LookupError):
 
 
 class TemplateUnreadable(TemplateError):
-    """The loader has the template, and it cannot be read."""
+    """The loader has the template, but it cannot be read."""
 
     def __init__(self, name: str) -> None:
         super().__init__(name)
@@ -134,7 +134,7 @@ class TemplateUnreadable(TemplateError):
 
 
 class RenderError(TemplateError):
-    """A strict render has messages."""
+    """A strict render produced messages."""
 
     def __init__(self, status: Status, messages: Tuple[Message, ...]) -> None:
         super().__init__(status, messages)

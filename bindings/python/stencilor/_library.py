@@ -1,4 +1,4 @@
-"""The C library: its functions, and objects that own its handles."""
+"""The functions of the C library, and objects that own its handles."""
 
 from __future__ import annotations
 
@@ -37,14 +37,16 @@ def _open() -> CDLL:
         library = CDLL(str(carried) if carried.exists() else name)
         version = library.stencilor_abi_version()
     except (OSError, AttributeError) as error:
-        raise ImportError(f"stencilor: cannot load its library: {error}") from error
+        raise ImportError(f"stencilor: cannot load the C library: {error}") from error
     if version != _ABI_VERSION:
-        raise ImportError(f"stencilor: {name} has the binary interface {version}, not {_ABI_VERSION}")
+        raise ImportError(
+            f"stencilor: {name} has version {version} of the binary interface, not {_ABI_VERSION}"
+        )
     return library
 
 
-# Functions that may take long, or call back, release the interpreter; for the others that would
-# take longer than the call itself.
+# Functions that may take long, or that call back, release the interpreter lock. For the others,
+# releasing it would take longer than the call itself.
 _releasing = _open()
 _holding = PyDLL(_releasing._name, handle=_releasing._handle)
 
@@ -134,7 +136,7 @@ class Handle:
 
     def __init__(self, pointer: c_void_p, free: Callable[..., Any]) -> None:
         self.pointer = pointer
-        self._free = free  # kept here: the module may be gone when the interpreter ends
+        self._free = free  # kept here: the module may be gone when the interpreter exits
 
     def __del__(self) -> None:
         self._free(self.pointer)
@@ -164,7 +166,7 @@ def read(function: Callable[..., Any], *arguments: Any) -> str:
 
 
 def fail(status: int, reason: str = "") -> None:
-    """Raises the exception of a status that none of the package's own describes."""
+    """Raises the exception for a status that has no exception class of its own."""
     text = reason or status_text(status).decode()
     if status == OUT_OF_MEMORY:
         raise MemoryError(text)

@@ -14,9 +14,9 @@ from ._values import utf8
 if TYPE_CHECKING:
     from ._template import Template
 
-#: Returns a template's text, a `Template`, or None where there is none.
+#: Returns the text of a template, a `Template`, or None if there is none.
 LoaderFunction = Callable[[str], "Union[str, bytes, Template, None]"]
-#: A folder, templates by their paths, or a function.
+#: A folder, a mapping from paths to templates, or a function.
 Loader = Union[str, "os.PathLike[str]", Mapping[str, Union[str, bytes]], LoaderFunction]
 
 _escapes = {"none": 0, "html": 1, "json": 2}
@@ -24,29 +24,29 @@ _escapes = {"none": 0, "html": 1, "json": 2}
 
 @dataclass(frozen=True)
 class Limits:
-    """What a render may take; 0 is no limit, except that 0 means 100 for the depth of includes."""
+    """The limits of a render. 0 means no limit, except that an include depth of 0 means 100."""
 
-    steps: int = 0  #: nodes visited, iterations, and 64 names looked up each
+    steps: int = 0  #: nodes visited, iterations, and every 64 names looked up
     output_bytes: int = 0
-    template_bytes: int = 0  #: of included templates, each path once
+    template_bytes: int = 0  #: of included templates, each path counted once
     include_depth: int = 100  #: at most 100
-    messages: int = 1000  #: that are kept; further ones are only counted
+    messages: int = 1000  #: messages kept; further ones are only counted
 
     def __post_init__(self) -> None:
         for value in astuple(self):
             if not isinstance(value, int):
-                raise TypeError(f"a limit is an int, not {value!r}")
+                raise TypeError(f"a limit must be an int, not {value!r}")
             if not 0 <= value < 1 << 64:
-                raise ValueError(f"a limit is 0 to 2**64 - 1, not {value}")
+                raise ValueError(f"a limit must be between 0 and 2**64 - 1, not {value}")
 
 
 class Source:
-    """Templates that includes find, with the options of the renders that use them."""
+    """The templates that includes find, and the options of the renders that use them."""
 
     def __init__(self, loader: Optional[Loader]) -> None:
         self.handle: Optional[library.Handle] = None
         self._options: Dict[Tuple[str, Limits], library.Handle] = {}
-        self._find: Any = None  # the library calls it as long as there is the handle
+        self._find: Any = None  # the library may call it for as long as the handle exists
         if loader is None:
             return
         source = c_void_p()
@@ -56,12 +56,12 @@ class Source:
             path = os.fsencode(loader)
             status = library.source_folder(path, len(path), byref(source))
             if status == library.NOT_FOUND:
-                raise NotADirectoryError(f"there is no folder {os.fspath(loader)!r} of templates")
+                raise NotADirectoryError(f"no such template folder: {os.fspath(loader)!r}")
         elif callable(loader):
             self._find = library.FindFunction(guard(_finder(loader)))
             status = library.source_callback(self._find, None, byref(source))
         else:
-            raise TypeError(f"a loader is a folder, a mapping or a function, not {loader!r}")
+            raise TypeError(f"a loader must be a folder, a mapping or a function, not {loader!r}")
         if status != library.OK:
             library.fail(status)
         self.handle = library.Handle(source, library.source_free)
@@ -80,12 +80,12 @@ class Source:
         return None if self.handle is None else self.handle.pointer
 
     def call(self, function: Callable[..., int], *arguments: Any) -> int:
-        """Calls a function of the library that may ask for templates, and raises what the loader
-        raises."""
+        """Calls a function of the library that may look up templates; passes on exceptions of
+        the loader."""
         return function(*arguments) if self._find is None else call(function, *arguments)
 
     def options(self, escape: str, limits: Limits) -> library.Handle:
-        """The options of a render, made once."""
+        """The options of a render, created once."""
         made = self._options.get((escape, limits))
         if made is None:
             made = self._make_options(escape, limits)
@@ -96,7 +96,8 @@ class Source:
 
     def _make_options(self, escape: str, limits: Limits) -> library.Handle:
         if escape not in _escapes:
-            raise ValueError(f"escape is one of {', '.join(map(repr, _escapes))}, not {escape!r}")
+            known = ", ".join(map(repr, _escapes))
+            raise ValueError(f"escape must be one of {known}, not {escape!r}")
         pointer = c_void_p()
         if library.options_create(byref(pointer)) != library.OK:
             library.fail(library.OUT_OF_MEMORY)
@@ -119,7 +120,7 @@ def _finder(loader: LoaderFunction) -> Callable[..., None]:
             return
         handle = getattr(found, "_handle", None)
         if not isinstance(handle, library.Handle):
-            raise TypeError(f"a loader returns a text, a Template or None, not {found!r}")
+            raise TypeError(f"a loader must return a text, a Template or None, not {found!r}")
         library.request_set_template(request, handle.pointer)
 
     return find

@@ -21,13 +21,13 @@ from ._errors import (
 from ._sources import Limits, Loader, Source
 from ._values import Context, Dataclass, utf8
 
-#: A mapping, a dataclass, or a context that was made of one.
+#: A mapping, a dataclass, or a context made from one.
 Values = Union[Context, Mapping[str, Any], Dataclass]
 
 
 @dataclass(frozen=True)
 class Usage:
-    """What a render took; of messages, all of them, kept or not."""
+    """What a render used. `messages` includes those that were not kept."""
 
     steps: int
     output_bytes: int
@@ -46,8 +46,8 @@ class RenderResult:
     usage: Usage
 
     def raise_for_status(self, *, strict: bool = False) -> None:
-        """Raises `LimitExceeded` where a limit ended the render, and `RenderError` where it is
-        strict and there are messages."""
+        """Raises `LimitExceeded` if a limit ended the render, and `RenderError` if `strict` is
+        true and there are messages."""
         if self.status != Status.OK:
             raise LimitExceeded(self.status, self.messages)
         if strict and self.messages:
@@ -56,7 +56,7 @@ class RenderResult:
 
 @dataclass(frozen=True)
 class Place:
-    """A place in a template; lines and columns count from 1, columns in code points."""
+    """A location in a template. Lines and columns count from 1; columns count code points."""
 
     filename: str
     lineno: int
@@ -65,9 +65,9 @@ class Place:
 
 @dataclass(frozen=True)
 class Finding:
-    """Something that is wrong with a template, or may be."""
+    """A problem, or possible problem, in a template."""
 
-    rule: str  #: such as "missing-name"
+    rule: str  #: for example, "missing-name"
     severity: str  #: "error", "warning" or "note"
     message: str
     place: Place
@@ -80,11 +80,11 @@ class Finding:
 
 @dataclass(frozen=True)
 class Name:
-    """A name that a template asks for: `kind` is "string", "boolean" or "list"."""
+    """A name that a template looks up; `kind` is "string", "boolean" or "list"."""
 
     name: str
     kind: str
-    loops: Tuple[Tuple[str, str], ...]  #: variable and list of the loops around it, innermost first
+    loops: Tuple[Tuple[str, str], ...]  #: variable and list of the enclosing loops, innermost first
     places: Tuple[Place, ...]
 
 
@@ -133,8 +133,8 @@ class Template:
     """A template that is parsed once. It never changes, and threads may share it.
 
     text: the template
-    name: what messages call it
-    Raises `TemplateSyntaxError` where it is not well formed.
+    name: the name of the template in messages
+    Raises `TemplateSyntaxError` if the template is not well formed.
     """
 
     __slots__ = ("_environment", "_handle")
@@ -154,12 +154,12 @@ class Template:
 
     @property
     def name(self) -> str:
-        """What messages call it."""
+        """The name of the template in messages."""
         return library.read(library.template_name, self._handle.pointer)
 
     @property
     def text(self) -> str:
-        """The text that it was made of; U+FFFD takes the place of malformed bytes."""
+        """The text that the template was parsed from, with U+FFFD in place of malformed bytes."""
         return library.read(library.template_text, self._handle.pointer)
 
     def __repr__(self) -> str:
@@ -174,15 +174,15 @@ class Template:
         strict: Optional[bool] = None,
         positions: Optional[bool] = None,
     ) -> str:
-        """Renders to a text. Options that are not given are those of the environment.
+        """Renders to a text. Options that are not given default to those of the environment.
 
         values: a mapping, a dataclass or a `Context`
         escape: "none", "html" or "json"
-        strict: raises `RenderError` where there are messages
-        positions: gives elements of lists `index`, `first` and `last`; of a `Context`, that is
-          decided when it is made
-        Raises `LimitExceeded`; `TypeError` or `ValueError` for a value, naming its path; what the
-        loader raises.
+        strict: raises `RenderError` if there are messages
+        positions: adds `index`, `first` and `last` to list elements; ignored for a `Context`, which has
+          its own setting
+        Raises `LimitExceeded`, `TypeError` or `ValueError` for a value that cannot be converted (naming its
+        path), and whatever the loader raises.
         """
         host = self._environment
         status, result = _render(
@@ -207,7 +207,7 @@ class Template:
         limits: Optional[Limits] = None,
         positions: Optional[bool] = None,
     ) -> RenderResult:
-        """Renders to a text, a status and messages. Otherwise as `render`."""
+        """Like `render`, but returns a text, a status and messages."""
         host = self._environment
         return _read_result(
             *_render(
@@ -223,20 +223,23 @@ class Template:
         )
 
     def check(self, values: Optional[Values] = None) -> List[Finding]:
-        """Finds what is wrong with it and all that it includes; names are looked up in values."""
+        """Finds what is wrong with the template and everything that it includes. Looks names up in
+        `values`."""
         return self._environment._check(self._handle, values)
 
     def names(self) -> List[Name]:
-        """Lists the names that it and all that it includes ask for."""
+        """Lists the names that the template and everything that it includes look up."""
         return self._environment._names(self._handle)
 
 
 class Environment:
-    """Where templates come from, and how they are rendered unless a call says otherwise.
+    """Where templates come from, and how they are rendered by default.
 
-    loader: a folder, a mapping from paths to texts (which is copied), or a function that returns
-      the text or the `Template` at a path, or None; None alone finds nothing
-    The options are those of `Template.render`. Threads may share it, as far as the function allows.
+    loader: a folder, a mapping from paths to texts (which is copied), a function that returns
+      the text or the `Template` at a path, or None if there is none; without a loader, no templates
+      are found
+    The options are those of `Template.render`. Threads may share an environment if its
+    function allows that.
     """
 
     def __init__(
@@ -253,26 +256,27 @@ class Environment:
         self.strict = strict
         self.positions = positions
         self._source = Source(loader)
-        self._source.options(escape, limits)  # refuses them early
+        self._source.options(escape, limits)  # rejects invalid ones early
 
     def from_string(self, text: Union[str, bytes], name: str = "") -> Template:
-        """Parses a template; its includes find what the loader has."""
+        """Parses a template. Its includes use the loader."""
         return Template._of(self, _parse(text, name))
 
     def get_template(self, path: str) -> Template:
-        """Finds a template, by the path that include tags write.
+        """Finds a template by its path, as written in include tags.
 
-        Raises `TemplateNotFound`, `TemplateUnreadable`, `TemplateSyntaxError`; what the loader
-        raises.
+        Raises `TemplateNotFound`, `TemplateUnreadable`, `TemplateSyntaxError`, and whatever the
+        loader raises.
         """
         return Template._of(self, self._find(path))
 
     def check(self, path: str, values: Optional[Values] = None) -> List[Finding]:
-        """Finds what is wrong with a template and all that it includes, well formed or not."""
+        """Finds what is wrong with a template, well formed or not, and everything that it
+        includes."""
         return self._check(self._find(path), values)
 
     def names(self, path: str) -> List[Name]:
-        """Lists the names that a template and all that it includes ask for."""
+        """Lists the names that a template and everything that it includes look up."""
         return self.get_template(path).names()
 
     def _find(self, path: str) -> library.Handle:
@@ -345,7 +349,7 @@ def _raise_fault(parsed: library.Handle) -> None:
 
 
 def check(text: Union[str, bytes], values: Optional[Values] = None, name: str = "") -> List[Finding]:
-    """Finds what is wrong with a template, well formed or not; names are looked up in values."""
+    """Finds what is wrong with a template, well formed or not. Looks names up in `values`."""
     return _default._check(_parse(text, name), values)
 
 

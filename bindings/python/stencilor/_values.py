@@ -1,8 +1,8 @@
-"""Values of Python as values of templates.
+"""Converts Python values to template values.
 
-They cross as JSON: its encoder runs at the speed of C, which a call of the library for each value
-would not. What JSON does not have is converted by `_plain`. The encoder does not say where in the
-values it met what cannot be converted, so that `_find_fault` looks for it afterwards.
+They are passed as JSON: its encoder runs at the speed of C, while a library call for each value would
+not. `_plain` converts what JSON cannot represent. The encoder does not report where it found a value
+that cannot be converted, so `_find_fault` looks for it afterwards.
 """
 
 from __future__ import annotations
@@ -32,7 +32,7 @@ from . import _library as library
 
 _DEEPEST = 512
 
-# Begins raw texts on their way. A number that nobody else knows: no other text can begin with it.
+# Marks raw texts in the JSON. It is random, so no other text begins with it.
 _RAW_MARK = secrets.token_hex(16)
 _RAW_MARK_BYTES = _RAW_MARK.encode()
 
@@ -40,16 +40,16 @@ _surrogates = re.compile("[\ud800-\udfff]")
 
 
 class Raw:
-    """A text that is never escaped: for text that is known to be safe where it is inserted.
+    """A text that is never escaped: for text known to be safe where it is inserted.
 
-    It is not a `str`, so that joining it with other text does not make that raw by mistake.
+    It is not a `str`, so that joining it with other text does not accidentally make that text raw.
     """
 
     __slots__ = ("text",)
 
     def __init__(self, text: str) -> None:
         if not isinstance(text, str):
-            raise TypeError(f"a raw text is made of a str, not of {_type_name(text)}")
+            raise TypeError(f"a raw text must be made from a str, not {_type_name(text)}")
         self.text = str(text)
 
     def __str__(self) -> str:
@@ -66,7 +66,7 @@ class Raw:
 
 
 def utf8(text: Union[str, bytes]) -> bytes:
-    """A text for the library; U+FFFD takes the place of lone surrogates, as of malformed bytes."""
+    """Encodes a text for the library. Lone surrogates become U+FFFD, as malformed bytes do."""
     if isinstance(text, bytes):
         return text
     try:
@@ -76,16 +76,16 @@ def utf8(text: Union[str, bytes]) -> bytes:
 
 
 class Dataclass(Protocol):
-    """An object of a dataclass."""
+    """An instance of a dataclass."""
 
     __dataclass_fields__: ClassVar[Dict[str, Any]]
 
 
 class Context:
-    """The values of a render, made once to render them many times. It never changes.
+    """The values of a render, converted once to be rendered many times. It never changes.
 
-    values: a mapping or a dataclass; it is copied.
-    positions: gives elements of lists `index` (from 1), `first` and `last`.
+    values: a mapping or a dataclass, which is copied.
+    positions: adds `index` (from 1), `first` and `last` to list elements.
     """
 
     __slots__ = ("_handle",)
@@ -123,7 +123,7 @@ def _type_name(value: object) -> str:
 
 
 def _plain(value: object) -> Any:
-    """Converts a value that JSON does not have to one that it has."""
+    """Converts a value that JSON cannot represent to one that it can."""
     if isinstance(value, Raw):
         return _RAW_MARK + value.text
     if isinstance(value, (bytes, bytearray, memoryview)):
@@ -138,7 +138,7 @@ def _plain(value: object) -> Any:
         return dict(value)
     if isinstance(value, Sequence):
         return list(value)
-    raise TypeError(f"{_type_name(value)} is not a type that becomes a value of a template")
+    raise TypeError(f"{_type_name(value)} cannot be converted to a template value")
 
 
 _encoder = json.JSONEncoder(
@@ -167,19 +167,19 @@ class _Level:
         if self.is_list:
             return None
         if not (key is None or isinstance(key, (str, int, float))):
-            return TypeError(f"{self.path_of(key)}: a key is a str, not {_type_name(key)}")
+            return TypeError(f"{self.path_of(key)}: a key must be a str, not {_type_name(key)}")
         text = key if isinstance(key, str) else json.dumps(key)
         if text in self.keys:
-            return ValueError(f"{self.path_of(key)}: two keys become {text!r}")
+            return ValueError(f"{self.path_of(key)}: more than one key becomes {text!r}")
         self.keys.add(text)
         return None
 
 
 def _find_fault(values: Any) -> Optional[Exception]:
-    """The error of the first value that cannot be converted; None where all can."""
+    """Returns the error for the first value that cannot be converted, or None if all can."""
     opened = _open(values)
     if not isinstance(opened, Mapping):
-        return TypeError(f"values are a mapping or a dataclass, not {_type_name(values)}")
+        return TypeError(f"values must be a mapping or a dataclass, not {_type_name(values)}")
     levels: List[_Level] = [_Level(values, "", opened)]
     while levels:
         level = levels[-1]
@@ -189,12 +189,12 @@ def _find_fault(values: Any) -> Optional[Exception]:
             opened = value if fault else _open(value)
             fault = fault or _fault_of(part, opened, path)
             if any(value is outer.value for outer in levels):
-                fault = ValueError(f"{path}: is inside itself")
+                fault = ValueError(f"{path}: contains itself")
             if fault:
                 return fault
             if isinstance(opened, (dict, list, tuple)):
                 if len(levels) == _DEEPEST:
-                    return ValueError(f"{path[:80]}...: more than {_DEEPEST} levels of values")
+                    return ValueError(f"{path[:80]}...: values nest deeper than {_DEEPEST} levels")
                 levels.append(_Level(value, path, opened))
                 break
         else:
@@ -203,7 +203,7 @@ def _find_fault(values: Any) -> Optional[Exception]:
 
 
 def _open(value: Any) -> Any:
-    """The value as JSON would have it, or the error that prevents that."""
+    """The value in a form that JSON can represent, or the error that prevents that."""
     if value is None or isinstance(value, (str, int, float, dict, list, tuple)):
         return value
     try:
@@ -217,7 +217,7 @@ def _fault_of(part: Any, opened: Any, path: str) -> Optional[Exception]:
         kind = TypeError if isinstance(opened, TypeError) else ValueError
         return kind(f"{path}: {opened}")
     if part == "$boolean" and not isinstance(opened, bool):
-        return TypeError(f"{path}: is True or False, not {_type_name(opened)}")
+        return TypeError(f"{path}: must be True or False, not {_type_name(opened)}")
     if isinstance(opened, float) and not math.isfinite(opened):
         return ValueError(f"{path}: {opened} is not a finite number")
     return None
