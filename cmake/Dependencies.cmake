@@ -1,5 +1,5 @@
-# Third-party libraries, under the target names of their own packages. They are all header-only, so
-# nothing of them has to be shipped.
+# Third-party libraries, under the target names of their own packages. All are header-only, so there
+# is nothing to ship.
 
 include_guard(GLOBAL)
 
@@ -7,7 +7,7 @@ set(
     STENCILOR_HEADERS
     /usr/include
     CACHE PATH
-    "Where a build for another system finds the header-only libraries"
+    "The folder of the header-only libraries, for cross builds"
 )
 mark_as_advanced(STENCILOR_HEADERS)
 
@@ -54,7 +54,7 @@ function(stencilor_find package target)
     file(MAKE_DIRECTORY "${staged}")
     foreach(header IN LISTS ARGN)
         if(NOT EXISTS "${STENCILOR_HEADERS}/${header}")
-            message(FATAL_ERROR "${package}: there is no '${header}' in ${STENCILOR_HEADERS}.")
+            message(FATAL_ERROR "${package}: '${header}' is not in ${STENCILOR_HEADERS}.")
         endif()
         file(CREATE_LINK "${STENCILOR_HEADERS}/${header}" "${staged}/${header}" SYMBOLIC)
     endforeach()

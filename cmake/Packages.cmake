@@ -1,5 +1,5 @@
-# What `cpack` makes: Debian packages of the library, of the development files, and of the program,
-# and one archive of everything.
+# What `cpack` builds: Debian packages with the library, the development files and the program, and
+# one archive with everything.
 
 set(CPACK_PACKAGE_NAME stencilor)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
@@ -100,7 +100,7 @@ The values come from JSON files."
 )
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${stencilor_of_this_version}")
-# The two libraries are not installed on the machine that makes the packages.
+# The two libraries are not installed on the machine that builds the packages.
 set(
     CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     "${PROJECT_BINARY_DIR}/libKel"

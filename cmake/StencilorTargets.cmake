@@ -19,8 +19,8 @@ target_compile_options(
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>
 )
 
-# True if the libraries are several times slower than those that are shipped: without optimization,
-# or with a sanitizer.
+# True if the libraries are several times slower than the shipped ones: without optimization, or with
+# a sanitizer.
 set(STENCILOR_SLOW_BUILD OFF)
 if(CMAKE_BUILD_TYPE STREQUAL "Debug" OR CMAKE_CXX_FLAGS MATCHES "-O0|-fsanitize=")
     set(STENCILOR_SLOW_BUILD ON)
@@ -55,8 +55,8 @@ else()
     set(stencilor_library_type STATIC)
 endif()
 
-# Tells the headers of a static library, both where it is compiled and where it is used, that
-# nothing is exported or imported.
+# Defines, both for compiling and for using a static library, that its headers export and import
+# nothing.
 function(stencilor_mark_static definition objects library)
     if(NOT STENCILOR_SHARED)
         target_compile_definitions(${objects} PUBLIC ${definition})
@@ -64,9 +64,9 @@ function(stencilor_mark_static definition objects library)
     endif()
 endfunction()
 
-# A folder that holds nothing but a link to the sources of one library, to stand on include paths as
-# `#include <FOLDER/...>`. The root of the tree cannot: it would offer both libraries, and so hide
-# the headers of a base library that comes from elsewhere.
+# A folder that only contains a link to the sources of one library, for include paths
+# (`#include <FOLDER/...>`). The root of the source tree is unsuitable: it contains both libraries,
+# and would hide the headers of another base library.
 function(stencilor_include_folder folder result)
     set(staged "${PROJECT_BINARY_DIR}/include/${folder}")
     file(MAKE_DIRECTORY "${staged}")

@@ -1,4 +1,4 @@
-# How test programs are built.
+# Builds test programs.
 
 include_guard(GLOBAL)
 include(GoogleTest) # ours, which compiles it
@@ -16,9 +16,10 @@ if(NOT STENCILOR_SLOW_BUILD)
     set(STENCILOR_BUSY_TEST_OPTIONS -O1)
 endif()
 
-# What nearly all tests include takes longer to compile than most of them, and is precompiled for all
-# programs. The preset "release" does not, and so finds tests that forget to include it.
-if(CMAKE_POSITION_INDEPENDENT_CODE) # programs are compiled for it in another way than libraries
+# The headers that nearly all tests include take longer to compile than most tests, so they are
+# precompiled for all programs. The preset "release" does not do so, and thus detects missing
+# includes.
+if(CMAKE_POSITION_INDEPENDENT_CODE) # programs are compiled differently from libraries
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 add_library(
@@ -43,7 +44,7 @@ target_precompile_headers(
 function(stencilor_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "BUSY;THREADS" "TIMEOUT" "LIBRARIES")
     if(NOT test_TIMEOUT)
-        set(test_TIMEOUT 300) # under Wine one was seen to do nothing for more than a minute
+        set(test_TIMEOUT 300) # under Wine, tests have hung for more than a minute
     endif()
 
     add_executable(${name} ${test_UNPARSED_ARGUMENTS})
@@ -93,7 +94,7 @@ function(stencilor_check_all_tests_are_built)
         cmake_path(GET source PARENT_PATH folder)
         cmake_path(GET folder FILENAME folder)
         if(NOT named MATCHES "[/ ]${folder}/${name}")
-            message(FATAL_ERROR "This test source belongs to no target: ${source}")
+            message(FATAL_ERROR "this test source belongs to no target: ${source}")
         endif()
     endforeach()
 endfunction()

@@ -14,7 +14,7 @@ read_options() {
         case $1 in
             --build) build=$(realpath "$2") ;;
             --output) output=$(realpath "$2") ;;
-            *) fail "there is no option '$1'" ;;
+            *) fail "unknown option '$1'" ;;
         esac
         shift 2
     done

@@ -1,4 +1,4 @@
-"""Measures the package for Python alongside Jinja2, on workloads of the same names as the benchmark.
+"""Measures the Python package alongside Jinja2, with workloads named like those of the benchmark.
 
     python3 bench/python/compare.py PACKAGE
 
@@ -70,7 +70,7 @@ WORKLOADS = {
 
 
 def least_times(*renders):
-    """The least seconds that each takes, in turns of a few milliseconds."""
+    """Returns the minimum time of each in seconds, alternating every few milliseconds."""
     counts = []
     for render in renders:
         begin = time.perf_counter()

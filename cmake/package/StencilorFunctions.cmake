@@ -1,5 +1,5 @@
-# Functions for builds with templates. They use the program in the variable STENCILOR, which is a
-# command, or the one that is built in the same project.
+# Functions for builds with templates. They use the command in the variable STENCILOR, or the
+# program built in the same project.
 
 function(stencilor_find_command result)
     if(STENCILOR)
@@ -16,11 +16,11 @@ endfunction()
 macro(stencilor_read_call function values lists required)
     cmake_parse_arguments(stencilor "" "${values}" "${lists}" ${ARGN})
     if(stencilor_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "${function} does not take ${stencilor_UNPARSED_ARGUMENTS}.")
+        message(FATAL_ERROR "${function}: unexpected arguments: ${stencilor_UNPARSED_ARGUMENTS}")
     endif()
     foreach(name IN ITEMS ${required})
         if(NOT stencilor_${name})
-            message(FATAL_ERROR "${function} needs ${name}.")
+            message(FATAL_ERROR "${function}: missing ${name}")
         endif()
     endforeach()
     foreach(name IN ITEMS TEMPLATE TEMPLATES CONTEXT ROOT)

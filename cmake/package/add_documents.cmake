@@ -7,14 +7,14 @@ endfunction()
 
 # The modification time of files in a reproducible package, or the current time.
 function(stencilor_package_date result)
-    string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH counts
+    string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # uses SOURCE_DATE_EPOCH
     set(${result} "${date}" PARENT_SCOPE)
 endfunction()
 
 # One text with all licences. The licence of Boost need not be distributed with compiled code.
 function(stencilor_write_copyright licences file)
     file(READ "${licences}/Stencilor.txt" text)
-    string(APPEND text "\nCompiled into it are the libraries below.\n")
+    string(APPEND text "\nIt contains the following libraries, compiled in.\n")
     foreach(name IN ITEMS CLI11 nlohmann-json)
         file(READ "${licences}/${name}.txt" licence)
         string(APPEND text "\n---- ${name} ----\n\n${licence}")

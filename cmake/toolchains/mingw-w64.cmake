@@ -1,5 +1,5 @@
-# Builds for 64-bit Windows with MinGW-w64, in the variant with POSIX threads, because the other one
-# has no std::thread. The result runs under Wine.
+# Builds for 64-bit Windows with MinGW-w64, in the variant with POSIX threads, because the other
+# variant has no std::thread. The result runs under Wine.
 
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)

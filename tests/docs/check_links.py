@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Looks whether every relative link in a Markdown file of the repository leads somewhere.
+"""Checks that every relative link in the Markdown files of the repository has a target.
 
     check_links.py FOLDER
 
-A link leads to a file or folder, and where it has a fragment to a heading of that file, whose name is
-made as the common Markdown viewers make it.
+The target is a file or folder; if the link has a fragment, also a heading of that file, named as by
+common Markdown viewers.
 """
 
 import pathlib
@@ -32,13 +32,13 @@ def anchors(path):
 
 
 def leads_nowhere(link, document):
-    """Why, or nothing."""
+    """Returns the reason, or None."""
     path, _, fragment = link.partition("#")
     target = document.parent / path if path else document
     if not target.exists():
-        return "there is no such file"
+        return "no such file"
     if fragment and fragment not in anchors(target):
-        return "there is no such heading"
+        return "no such heading"
     return None
 
 
@@ -55,7 +55,7 @@ def main():
     for document in documents:
         for link in LINK.findall(prose(document)):
             if re.match(r"[a-z]+:", link):
-                continue  # somewhere else, where nothing is asked
+                continue  # external links are not checked
             links += 1
             reason = leads_nowhere(link, document)
             if reason:
