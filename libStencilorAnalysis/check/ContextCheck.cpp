@@ -105,7 +105,7 @@ Finding describe(const Occurrence& found) {
 
 std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
                                        const ContextBase& context, ContextWalk::Extent extent,
-                                       std::function<bool()> goOn) {
+                                       WalkLimits limits) {
     std::vector<Finding> findings;
     std::size_t suggestions = 0;
     std::set<std::tuple<const TemplateFile*, unsigned int, Rule>> known;
@@ -123,7 +123,7 @@ std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile&
             findings.push_back(std::move(finding));
         }
     });
-    walk.askWhether(std::move(goOn));
+    walk.setLimits(std::move(limits));
     walk.walk(file, context);
     return findings;
 }

@@ -4,17 +4,15 @@
 #include <libStencilorAnalysis/check/ContextWalk.h>
 #include <libStencilorAnalysis/finding/Finding.h>
 
-#include <functional>
 #include <vector>
 
 namespace kel::Stencilor::Analysis {
 
 /// Finds the problems of a well-formed template with a context. Each place is reported once, for
 /// its first problem, in the order of rendering.
-/// @param goOn if not empty, called every 1,024 tags; the walk ends if it returns false
 std::vector<Finding> findContextFaults(TemplateFiles& files, const TemplateFile& file,
                                        const ContextBase& context, ContextWalk::Extent extent,
-                                       std::function<bool()> goOn = {});
+                                       WalkLimits limits = {});
 
 } // namespace kel::Stencilor::Analysis
 

@@ -17,8 +17,6 @@ using Kind = SyntaxElement::Kind;
 /// No context is nested this deeply. The engine is limited, too, by the size of the stack.
 constexpr std::size_t deepestInclusion = 600;
 
-constexpr std::uint64_t mostSteps = 100'000'000;
-
 /// A context with one borrowed value, which it releases even if rendering throws.
 class BorrowingContext {
   public:
@@ -102,12 +100,12 @@ void ContextWalk::leaveFile() {
 }
 
 std::size_t ContextWalk::visit(const TemplateFile& file, std::size_t index) {
-    if (++steps_ > mostSteps && extent_ == Extent::Whole) {
+    ++steps_;
+    if (!hasStepsLeft()) {
         report({.problem = Problem::TooLong, .file = &file, .part = &file.parts()[index]});
-        stop();
         return index + 1;
     }
-    if (goOn_ && ++visits_ % 1024 == 0 && !goOn_()) {
+    if (limits_.goOn && ++visits_ % 1024 == 0 && !limits_.goOn()) {
         stop();
         return index + 1;
     }
@@ -268,6 +266,7 @@ ContextWalk::Value ContextWalk::lookUp(const TemplateFile& file, const SyntaxEle
 }
 
 /// @param answering if not null, receives the scope in which the value was found
+/// @return null also if no steps are left
 ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** answering) {
     const auto answer = [answering](const ContextBase* scope, Value value) {
         if (answering != nullptr) {
@@ -276,20 +275,25 @@ ContextWalk::Value ContextWalk::find(std::string_view name, const ContextBase** 
         return value;
     };
     const VariableStack& variables = state().variables;
-    for (auto scope = scopes_.newestFirst(); scope != scopes_.end(); ++scope) {
+    for (auto scope = scopes_.newestFirst(); scope != scopes_.end() && hasStepsLeft(); ++scope) {
         for (auto variable = variables.newestFirst(); variable != variables.end(); ++variable) {
-            if (const Value value = (*scope)->find(withoutPrefix(name, *variable))) {
+            if (const Value value = findIn(**scope, withoutPrefix(name, *variable))) {
                 return answer(*scope, value);
             }
-            if (++steps_ > mostSteps && extent_ == Extent::Whole) {
-                return nullptr; // the walk ends at the next tag
-            }
         }
-        if (const Value value = (*scope)->find(name)) {
+        if (const Value value = findIn(**scope, name)) {
             return answer(*scope, value);
         }
     }
     return nullptr;
+}
+
+ContextWalk::Value ContextWalk::findIn(const ContextBase& scope, std::string_view key) {
+    constexpr std::size_t bytesPerStep = 4096;
+    steps_ += key.size() / bytesPerStep;
+    const Value value = hasStepsLeft() ? scope.find(key) : nullptr;
+    steps_ += value == nullptr ? 1 : 0;
+    return value;
 }
 
 /// The engine removes a prefix in every scope, not only in that of the variable's loop.
@@ -331,7 +335,12 @@ std::string ContextWalk::describePlace() const {
     return " in element " + std::to_string(loop->iteration + 1) + " of " + quote(loop->listName);
 }
 
-void ContextWalk::report(Occurrence occurrence) const {
+/// If no steps are left, a name only seems to be missing.
+void ContextWalk::report(Occurrence occurrence) {
+    if (!hasStepsLeft()) {
+        occurrence.problem = Problem::TooLong;
+        stop();
+    }
     occurrence.where = describePlace();
     report_(occurrence);
 }

@@ -41,6 +41,16 @@ struct OtherLoop {
     bool isInside = false;              ///< true if it is inside the variable's loop
 };
 
+/// The limits of a walk.
+struct WalkLimits {
+    /// The steps of a walk with `Extent::Whole`: tags, scopes that are searched, keys that are not
+    /// found, and every 4 KiB of a key.
+    std::uint64_t steps = 100'000'000;
+
+    /// If not empty, called every 1,024 tags; the walk ends if it returns false.
+    std::function<bool()> goOn{};
+};
+
 /// One occurrence of a problem.
 struct Occurrence {
     Problem problem;
@@ -57,8 +67,7 @@ struct Occurrence {
 ///
 /// Ownership: borrows the files and the context, which is only read.
 /// Nesting: does not use the call stack. The walk ends if includes are nested too deeply.
-/// Cost: the same as a render. A walk with `Extent::Whole` ends after 100,000,000 steps, which are
-///   tags, scopes that are searched and loop variables that are tried.
+/// Cost: the same as a render, within the limits.
 class ContextWalk final : private TemplateWalk {
   public:
     enum class Extent {
@@ -80,8 +89,7 @@ class ContextWalk final : private TemplateWalk {
     /// found at that position. Only call this from within the report.
     Suggestion suggest(const Occurrence& found);
 
-    /// Sets a function that is called every 1,024 tags; the walk ends if it returns false.
-    void askWhether(std::function<bool()> goOn) { goOn_ = std::move(goOn); }
+    void setLimits(WalkLimits limits) { limits_ = std::move(limits); }
 
     /// `file` must be well formed.
     void walk(const TemplateFile& file, const ContextBase& context);
@@ -120,6 +128,7 @@ class ContextWalk final : private TemplateWalk {
 
     Value lookUp(const TemplateFile& file, const SyntaxElement& part, SyntaxRange range);
     Value find(std::string_view name, const ContextBase** answering = nullptr);
+    Value findIn(const ContextBase& scope, std::string_view key);
     OtherLoop findOtherLoop(std::string_view name, const ContextBase* answering);
     bool isFound(const std::string& name, Problem problem);
     Suggestion suggestForVariable(const Occurrence& found, const std::string& name);
@@ -130,11 +139,12 @@ class ContextWalk final : private TemplateWalk {
     FileState& state() { return *states_.back(); }
     const FileState& state() const { return *states_.back(); }
     std::string describePlace() const;
-    void report(Occurrence occurrence) const;
+    bool hasStepsLeft() const { return steps_ <= limits_.steps || extent_ != Extent::Whole; }
+    void report(Occurrence occurrence);
 
     Extent extent_;
     Report report_;
-    std::function<bool()> goOn_;
+    WalkLimits limits_;
     std::uint64_t visits_ = 0;
     std::uint64_t steps_ = 0;
     ScopeStack scopes_;

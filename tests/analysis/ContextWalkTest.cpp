@@ -9,6 +9,7 @@
 #include "FileReader.h"
 
 #include <libStencilor/Stencilor.h>
+#include <libStencilor/Value.h>
 #include <libStencilorAnalysis/check/ContextWalk.h>
 
 namespace kel::Stencilor::Analysis {
@@ -117,6 +118,40 @@ TEST(ContextWalk, EndsIfIncludesDoNot) {
                      [&found](const Occurrence& one) { found.push_back(one.problem); });
     walk.walk(files.add({"-", "", text}), context);
     EXPECT_EQ(found, std::vector{Problem::TooDeep});
+}
+
+/// The problems of a template that a walk of so many steps finds.
+std::vector<Problem> problemsWithin(std::uint64_t steps, const std::string& text,
+                                    const ContextBase& context) {
+    FileReader reader;
+    TemplateFiles files(reader);
+    std::vector<Problem> found;
+    ContextWalk walk(files, ContextWalk::Extent::Whole,
+                     [&found](const Occurrence& one) { found.push_back(one.problem); });
+    walk.setLimits({.steps = steps});
+    walk.walk(files.add({"-", "", text}), context);
+    return found;
+}
+
+TEST(ContextWalk, EndsAtItsLimitWithoutMissingWhatItDidNotLookUp) {
+    const std::string text = "{% for a in rows %}{% for b in a.cells %}{{ a.x }}{{ b.y }}"
+                             "{% if is %}{{ z }}{% endif %}{% endfor %}{% endfor %}";
+    const Value cells = Value::list({Value{{"y", ""}}, Value{{"y", ""}}});
+    const Value row{{"x", ""}, {"cells", cells}};
+    const Context context(Value{{"rows", Value::list({row, row})}, {"is", true}, {"z", "text"}});
+    std::uint64_t steps = 0;
+    for (; steps < 1000 && !problemsWithin(steps, text, context).empty(); ++steps) {
+        EXPECT_EQ(problemsWithin(steps, text, context), std::vector{Problem::TooLong}) << steps;
+    }
+    EXPECT_GT(steps, 30u);
+    EXPECT_LT(steps, 1000u);
+}
+
+TEST(ContextWalk, CountsTheBytesOfKeys) {
+    const Context context(Value{{"l", Value::list({1, 2, 3})}});
+    const std::string text = "{% for a in l %}{{ " + std::string(1 << 20, 'x') + " }}{% endfor %}";
+    EXPECT_EQ(problemsWithin(1000, text, context), std::vector{Problem::TooLong});
+    EXPECT_EQ(problemsWithin(10'000, text, context), std::vector(3, Problem::NoString));
 }
 
 TEST(ContextWalk, KeepsTheContextWhenMemoryIsExhausted) {

@@ -99,7 +99,7 @@ bool Checks::checkNames(Check& check, const GoOn& goOn) {
     if (looksUpNames) {
         check.ofNames = findContextFaults(
             check.files, *check.file, *check.around.context->context, ContextWalk::Extent::Whole,
-            [&] { return !(isInterrupted = isInterrupted || !goOn()); });
+            {.goOn = [&] { return !(isInterrupted = isInterrupted || !goOn()); }});
     }
     if (!isInterrupted) {
         check.looksUpNames = looksUpNames;
