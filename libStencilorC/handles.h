@@ -99,6 +99,11 @@ struct stencilor_options {
 };
 
 struct stencilor_result {
+    /// Renders in place: moving a result, or clearing its memory before, would take a good part of
+    /// rendering a small page.
+    template <typename Render>
+    explicit stencilor_result(Render render) : rendered(render()) {}
+
     kel::Stencilor::RenderResult rendered;
     int stopCode = 0;
     std::vector<stencilor_message> messages{}; // of the member above

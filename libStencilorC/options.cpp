@@ -10,15 +10,16 @@ using namespace kel::Stencilor::internal;
 
 namespace kel::Stencilor::internal {
 
-call_options::call_options(const stencilor_options* options, int& stopCode)
-    : options_(options == nullptr ? &defaults_.emplace().options : &options->options) {
-    if (options != nullptr && options->poll != nullptr) {
-        options_ = &polled_.emplace(options->options);
-        polled_->keepGoing = [options, &stopCode] {
-            stopCode = options->poll(options->pollPayload);
-            return stopCode == 0;
-        };
+void call_options::complete(const stencilor_options* options, int& stopCode) {
+    if (options == nullptr) {
+        options_ = &defaults_.emplace().options;
+        return;
     }
+    options_ = &polled_.emplace(options->options);
+    polled_->keepGoing = [options, &stopCode] {
+        stopCode = options->poll(options->pollPayload);
+        return stopCode == 0;
+    };
 }
 
 } // namespace kel::Stencilor::internal

@@ -5,8 +5,6 @@ using namespace kel::Stencilor::internal;
 
 namespace kel::Stencilor::internal {
 
-namespace {
-
 int statusOf(RenderStatus status) {
     switch (status) {
     case RenderStatus::Complete:
@@ -30,8 +28,6 @@ int statusOf(RenderStatus status) {
     }
     return STENCILOR_INTERNAL_ERROR;
 }
-
-} // namespace
 
 void describeMessages(stencilor_result& result) {
     result.messages.reserve(result.rendered.messages.size());

@@ -9,6 +9,9 @@
 
 namespace kel::Stencilor::internal {
 
+/// The `stencilor_status` of a render.
+int statusOf(RenderStatus status);
+
 /// Creates the messages of a render's result.
 void describeMessages(stencilor_result& result);
 
@@ -16,10 +19,18 @@ void describeMessages(stencilor_result& result);
 /// returns.
 class call_options {
   public:
-    call_options(const stencilor_options* options, int& stopCode);
+    call_options(const stencilor_options* options, int& stopCode) {
+        if (options != nullptr && options->poll == nullptr) {
+            options_ = &options->options;
+        } else {
+            complete(options, stopCode);
+        }
+    }
     const RenderOptions& get() const { return *options_; }
 
   private:
+    void complete(const stencilor_options* options, int& stopCode);
+
     std::optional<stencilor_options> defaults_{};
     std::optional<RenderOptions> polled_{};
     const RenderOptions* options_;
@@ -36,16 +47,18 @@ int renderToResult(const stencilor_options* options, stencilor_result** result,
         std::unique_ptr<stencilor_result> made;
         try {
             int stopCode = 0;
-            // In place: moving a result would cost a good part of rendering a small page.
-            made.reset(new stencilor_result{render(call_options(options, stopCode).get())});
+            const call_options how(options, stopCode);
+            made.reset(new stencilor_result([&] { return render(how.get()); }));
             made->stopCode = stopCode;
             if (!made->rendered.messages.empty()) {
                 describeMessages(*made);
             }
         } catch (const call_stop& stop) {
-            made.reset(new stencilor_result{{.status = RenderStatus::Stopped}, stop.code});
+            made.reset(
+                new stencilor_result([] { return RenderResult{.status = RenderStatus::Stopped}; }));
+            made->stopCode = stop.code;
         }
-        const int status = stencilor_result_status(made.get());
+        const int status = statusOf(made->rendered.status);
         if (result != nullptr) {
             *result = made.release();
         }
