@@ -39,7 +39,7 @@ void describeMessages(stencilor_result& result) {
 } // namespace kel::Stencilor::internal
 
 int stencilor_result_status(const stencilor_result* result) {
-    return result == nullptr ? 0 : statusOf(result->rendered.status);
+    return result == nullptr ? STENCILOR_INVALID_ARGUMENT : statusOf(result->rendered.status);
 }
 
 int stencilor_result_stop_code(const stencilor_result* result) {

@@ -560,7 +560,7 @@ STENCILOR_API void stencilor_source_free(stencilor_source* source);
  * @name Results
  * @{ */
 
-/** The status that the call returned. */
+/** The status that the call returned; `STENCILOR_INVALID_ARGUMENT` for a null handle. */
 STENCILOR_API int stencilor_result_status(const stencilor_result* result);
 
 /** The number returned by the callback that ended the render; 0 if none did. */

@@ -146,7 +146,6 @@ TEST(NullHandles, HaveNothingToRead) {
                                      stencilor_error_line(nullptr),
                                      stencilor_error_column(nullptr),
                                      static_cast<unsigned int>(stencilor_value_kind(nullptr)),
-                                     static_cast<unsigned int>(stencilor_result_status(nullptr)),
                                      static_cast<unsigned int>(stencilor_result_stop_code(nullptr)),
                                      stencilor_result_usage(nullptr, 0),
                                      stencilor_result_message_count(nullptr),
@@ -164,6 +163,7 @@ TEST(NullHandles, HaveNothingToRead) {
     for (const std::uint64_t number : numbers) {
         EXPECT_EQ(number, 0u);
     }
+    EXPECT_EQ(stencilor_result_status(nullptr), STENCILOR_INVALID_ARGUMENT);
     EXPECT_EQ(stencilor_template_fault(nullptr), nullptr);
     EXPECT_EQ(stencilor_result_message(nullptr, 0), nullptr);
 }
