@@ -641,7 +641,7 @@ STENCILOR_API size_t stencilor_message_include_end(const stencilor_message* mess
 
 /** @}
  * @name Analysis
- * If a callback of the source ends a call, the number that it returned is not kept.
+ * If a callback ends a call, the number that it returned is not kept.
  * @{ */
 
 /** Finds what is wrong with a template and everything that it includes, as
@@ -652,6 +652,20 @@ STENCILOR_API size_t stencilor_message_include_end(const stencilor_message* mess
  * @param json receives a JSON document: `{"findings": [...]}` */
 STENCILOR_API int stencilor_check(const stencilor_template* parsed, stencilor_source* source,
                                   const stencilor_context* context, stencilor_text** json);
+
+/** Finds the same within limits, for templates from strangers: looking names up takes time that
+ * grows with nested loops. If the steps are used up, a finding with the rule `limit` says so, and
+ * names are not looked up from there on. Returns `STENCILOR_TEMPLATE_LIMIT` or `STENCILOR_STOPPED`,
+ * and no text, if included templates are too large or a callback ended the call.
+ * @param parsed the template, well formed or not
+ * @param context the values to look names up in; null to look up none
+ * @param options the source of included templates, the limits of steps (by default 100,000,000, as
+ *   for `stencilor_check`), of template bytes and of messages, which here are the findings to keep,
+ *   and the poll function; null for the defaults
+ * @param json receives a JSON document: `{"findings": [...]}` */
+STENCILOR_API int stencilor_check_limited(const stencilor_template* parsed,
+                                          const stencilor_context* context,
+                                          const stencilor_options* options, stencilor_text** json);
 
 /** Lists the names that a template and everything that it includes look up in a context, as
  * `stencilor names --format json` does. Returns `STENCILOR_REJECTED` and no text for a template

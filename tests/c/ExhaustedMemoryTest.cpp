@@ -293,6 +293,18 @@ TEST_F(CExhaustedMemory, IsAStatusOfTheAnalysis) {
             return stencilor_check(page.get(), source.get(), context.get(), made);
         },
         STENCILOR_OK);
+    const OptionsHandle options = makeOptions();
+    stencilor_options_set_source(options.get(), source.get());
+    stencilor_options_set_poll(options.get(), goOn, nullptr);
+    failEachAllocationOf<TextHandle>(
+        "check within limits",
+        [&](stencilor_text** made) {
+            return stencilor_check_limited(page.get(), context.get(), options.get(), made);
+        },
+        STENCILOR_OK);
+    failEachAllocationOf<TextHandle>(
+        "tree", [&](stencilor_text** made) { return stencilor_tree(page.get(), made); },
+        STENCILOR_OK);
     failEachAllocationOf<TextHandle>(
         "names",
         [&](stencilor_text** made) { return stencilor_names(page.get(), source.get(), made); },
