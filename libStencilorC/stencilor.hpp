@@ -30,6 +30,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -103,15 +105,21 @@ int guard(Function function) noexcept {
     }
 }
 
-inline void rethrow() {
+/// Calls a function that stores a handle. Throws what a callback threw.
+template <typename T, typename Function>
+int call(Handle<T>& handle, Function function) {
+    thrown() = nullptr; // left by a call that was not made from here
+    T* made = nullptr;
+    const int status = function(&made);
+    handle.reset(made);
     if (thrown()) {
         std::rethrow_exception(std::exchange(thrown(), nullptr));
     }
+    return status;
 }
 
 inline void check(int status, stencilor_error* error = nullptr) {
     const Handle<stencilor_error> owned(error);
-    rethrow();
     if (error != nullptr) {
         throw Error(*error);
     }
@@ -123,19 +131,31 @@ inline void check(int status, stencilor_error* error = nullptr) {
 /// Returns the handle that a function stores through its last argument.
 template <typename T, typename... Parameters, typename... Arguments>
 Handle<T> make(int (*function)(Parameters...), Arguments... arguments) {
-    T* made = nullptr;
-    const int status = function(arguments..., &made);
-    Handle<T> owned(made);
-    check(status);
-    return owned;
+    Handle<T> handle;
+    check(call(handle, [&](T** made) { return function(arguments..., made); }));
+    return handle;
 }
 
-template <typename T, typename... Arguments>
-std::string_view text(const char* (*function)(const T*, Arguments..., std::size_t*),
-                      const T* handle, Arguments... arguments) {
+template <typename T>
+std::string_view text(const char* (*function)(const T*, std::size_t*), const T* handle) {
     std::size_t size = 0;
-    const char* const data = function(handle, arguments..., &size);
+    const char* const data = function(handle, &size);
     return {data, size};
+}
+
+/// True for types whose values are booleans, numbers or characters of UTF-8.
+template <typename T>
+inline constexpr bool isScalar = std::is_arithmetic_v<T> && !std::is_same_v<T, wchar_t> &&
+                                 !std::is_same_v<T, char16_t> && !std::is_same_v<T, char32_t>;
+
+/// The number with the fewest digits that round to `number`: 0.1 for 0.1f.
+inline double widen(float number) {
+    char digits[32];
+    int precision = 1;
+    do {
+        std::snprintf(digits, sizeof(digits), "%.*g", precision, static_cast<double>(number));
+    } while (std::strtof(digits, nullptr) != number && ++precision <= 9);
+    return std::strtod(digits, nullptr);
 }
 
 } // namespace internal
@@ -160,7 +180,7 @@ class Value {
     /// @}
 
     /// A boolean, or the text of a number.
-    template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
+    template <typename T, typename = std::enable_if_t<internal::isScalar<T>>>
     Value(T source) : Value(convert(source)) {}
 
     /// An empty list.
@@ -224,7 +244,9 @@ class Value {
 
     template <typename T>
     static Value convert(T number) {
-        if constexpr (std::is_floating_point_v<T>) {
+        if constexpr (std::is_same_v<T, float>) {
+            return convert(internal::widen(number));
+        } else if constexpr (std::is_floating_point_v<T>) {
             return Value(internal::make<stencilor_value>(stencilor_value_double,
                                                          static_cast<double>(number)));
         } else if constexpr (std::is_same_v<T, char>) {
@@ -393,37 +415,43 @@ class Options {
     /// Returns what to render in place of a value.
     using Escape = std::function<std::string(std::string_view value)>;
 
-    Options() : handle_(internal::make<stencilor_options>(stencilor_options_create)) {}
-
     /// Escapes values as a `stencilor_escape_kind` says.
-    void setEscape(int kind) { internal::check(stencilor_options_set_escape(handle_.get(), kind)); }
+    void setEscape(int kind) { internal::check(stencilor_options_set_escape(handle(), kind)); }
     /// Escapes values with a function.
     void setEscape(Escape escape) {
         auto kept = std::make_unique<Escape>(std::move(escape));
-        internal::check(
-            stencilor_options_set_escape_function(handle_.get(), callEscape, kept.get()));
+        internal::check(stencilor_options_set_escape_function(handle(), callEscape, kept.get()));
         escape_ = std::move(kept);
     }
     /// Sets a `stencilor_limit`.
     void setLimit(int limit, std::uint64_t value) {
-        internal::check(stencilor_options_set_limit(handle_.get(), limit, value));
+        internal::check(stencilor_options_set_limit(handle(), limit, value));
     }
-    /// Sets a function that decides whether to continue.
+    /// Sets a function that decides whether to continue; an empty one for none.
     void setPoll(std::function<bool()> poll) {
         auto kept = std::make_unique<std::function<bool()>>(std::move(poll));
-        internal::check(stencilor_options_set_poll(handle_.get(), callPoll, kept.get()));
+        internal::check(
+            stencilor_options_set_poll(handle(), *kept ? callPoll : nullptr, kept.get()));
         poll_ = std::move(kept);
     }
     /// Sets where included templates come from; the options keep the source alive.
     void setSource(const Source& source) {
-        internal::check(stencilor_options_set_source(handle_.get(), source.get()));
-        source_ = std::make_unique<Source>(source);
+        auto kept = std::make_unique<Source>(source);
+        internal::check(stencilor_options_set_source(handle(), source.get()));
+        source_ = std::move(kept);
     }
 
-    /// The handle; this object keeps owning it.
+    /// The handle; this object keeps owning it. Null if nothing was set.
     const stencilor_options* get() const { return handle_.get(); }
 
   private:
+    stencilor_options* handle() {
+        if (handle_ == nullptr) {
+            handle_ = internal::make<stencilor_options>(stencilor_options_create);
+        }
+        return handle_.get();
+    }
+
     static int callEscape(void* payload, const char* text, std::size_t size,
                           stencilor_output* output) {
         return internal::guard([&] {
@@ -466,29 +494,31 @@ class Template {
 
     /// Renders the template.
     Result render(const Context& context, const Options& options = {}) const {
-        stencilor_result* made = nullptr;
-        const int status = stencilor_template_render(get(), context.get(), options.get(), &made);
-        return resultOf(status, made);
+        return resultOf([&](stencilor_result** made) {
+            return stencilor_template_render(get(), context.get(), options.get(), made);
+        });
     }
 
     /// Renders piece by piece.
     Result renderTo(const Context& context, const std::function<void(std::string_view)>& write,
                     const Options& options = {}) const {
-        stencilor_result* made = nullptr;
         void* const payload = const_cast<std::function<void(std::string_view)>*>(&write);
-        const int status = stencilor_template_render_to(get(), context.get(), callWrite, payload,
-                                                        options.get(), &made);
-        return resultOf(status, made);
+        return resultOf([&](stencilor_result** made) {
+            return stencilor_template_render_to(get(), context.get(), callWrite, payload,
+                                                options.get(), made);
+        });
     }
 
     /// The handle; this object keeps owning it.
     const stencilor_template* get() const { return handle_.get(); }
 
     /// @cond
-    static Result resultOf(int status, stencilor_result* made) {
-        Result result(made);
+    template <typename Render>
+    static Result resultOf(Render render) {
+        internal::Handle<stencilor_result> made;
+        const int status = internal::call(made, render);
         internal::check(made == nullptr ? status : int(STENCILOR_OK));
-        return result;
+        return Result(made.release());
     }
     /// @endcond
 
@@ -509,10 +539,9 @@ inline void Request::setTemplate(const Template& parsed) const {
 
 /// Renders the template at a path of the source in the options.
 inline Result renderPath(std::string_view path, const Context& context, const Options& options) {
-    stencilor_result* made = nullptr;
-    const int status =
-        stencilor_render_path(path.data(), path.size(), context.get(), options.get(), &made);
-    return Template::resultOf(status, made);
+    return Template::resultOf([&](stencilor_result** made) {
+        return stencilor_render_path(path.data(), path.size(), context.get(), options.get(), made);
+    });
 }
 
 /// Escapes a text as a `stencilor_escape_kind` says.
@@ -531,6 +560,17 @@ inline std::string check(const Template& parsed, const Source* source = nullptr,
     const auto json = internal::make<stencilor_text>(stencilor_check, parsed.get(),
                                                      source == nullptr ? nullptr : source->get(),
                                                      context == nullptr ? nullptr : context->get());
+    return std::string(internal::text(stencilor_text_data, json.get()));
+}
+
+/// Finds what is wrong with a template within the limits of options; returns JSON.
+/// @param parsed the template, well formed or not
+/// @param context the values to look names up in; null to look up none
+/// @param options as for `stencilor_check_limited`
+inline std::string check(const Template& parsed, const Context* context, const Options& options) {
+    const auto json = internal::make<stencilor_text>(stencilor_check_limited, parsed.get(),
+                                                     context == nullptr ? nullptr : context->get(),
+                                                     options.get());
     return std::string(internal::text(stencilor_text_data, json.get()));
 }
 

@@ -1,7 +1,12 @@
+#include "../support/FailingAllocation.h"
+
 #include <libStencilorC/stencilor.hpp>
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -35,6 +40,10 @@ int statusOf(Function function) {
 }
 
 static_assert(std::is_nothrow_move_constructible_v<Value>);
+static_assert(std::is_nothrow_default_constructible_v<Options>);
+static_assert(!std::is_constructible_v<Value, wchar_t> &&
+              !std::is_constructible_v<Value, char16_t> &&
+              !std::is_constructible_v<Value, char32_t> && !std::is_constructible_v<Value, void*>);
 static_assert(!std::is_copy_constructible_v<Template> && !std::is_copy_constructible_v<Result>);
 
 TEST(Hpp, ConvertsStandardTypesToValues) {
@@ -52,6 +61,19 @@ TEST(Hpp, ConvertsStandardTypesToValues) {
               "tsv -1 18446744073709551615 0.5 yesc<1,two,3,");
 }
 
+TEST(Hpp, GivesFloatsTheirOwnDigits) {
+    const std::pair<float, const char*> cases[] = {
+        {0.1f, "0.1"},           {-0.0f, "0"},      {16777216.0f, "16777216"},
+        {4.35f, "4.35"},         {1e-45f, "1e-45"}, {3.4028235e38f, "3.4028235e+38"},
+        {1.0f / 3, "0.33333334"}};
+    for (const auto& [number, text] : cases) {
+        EXPECT_EQ(render("{{ n }}", Value().set("n", number)), text);
+    }
+    const float infinity = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(statusOf([&] { Value(infinity - infinity); }), STENCILOR_INVALID_ARGUMENT);
+    EXPECT_EQ(statusOf([&] { Value(-infinity); }), STENCILOR_INVALID_ARGUMENT);
+}
+
 TEST(Hpp, CopiesAndMovesValues) {
     Value original = Value::fromJson(R"({"a": [1, 2]})");
     const Value copy = original;
@@ -66,7 +88,7 @@ TEST(Hpp, CopiesAndMovesValues) {
 TEST(Hpp, ThrowsStatuses) {
     EXPECT_EQ(statusOf([] { Value("text").add(1); }), STENCILOR_WRONG_KIND);
     EXPECT_EQ(statusOf([] { Value(1e308 * 10); }), STENCILOR_INVALID_ARGUMENT);
-    EXPECT_EQ(statusOf([] { Context(Value::list()); }), STENCILOR_WRONG_KIND);
+    EXPECT_EQ(statusOf([] { Context{Value::list()}; }), STENCILOR_WRONG_KIND);
     EXPECT_EQ(statusOf([] { Source::folder("/no/such/folder"); }), STENCILOR_NOT_FOUND);
     EXPECT_EQ(statusOf([] { stencilor::names(Template("{{")); }), STENCILOR_REJECTED);
     try {
@@ -137,6 +159,32 @@ TEST(Hpp, PassesOnExceptionsOfCallbacks) {
     EXPECT_EQ(page.render(context).text(), "b") << "the exception is not kept";
 }
 
+TEST(Hpp, ForgetsWhatIsThrownInCallsMadeFromC) {
+    Options options;
+    options.setEscape([](std::string_view) -> std::string { throw std::runtime_error("stop"); });
+    const Template page("{{ a }}");
+    const Context context(Value().set("a", "b"));
+    EXPECT_EQ(stencilor_template_render(page.get(), context.get(), options.get(), nullptr),
+              STENCILOR_STOPPED);
+    EXPECT_NO_THROW(Value("text"));
+    EXPECT_EQ(page.render(context).text(), "b");
+}
+
+TEST(Hpp, KeepsItsSourceWhenMemoryIsExhausted) {
+    const auto source = [](const char* text) {
+        return Source::callback(
+            [text](std::string_view, const Request& request) { request.setText(text); });
+    };
+    Options options;
+    options.setSource(source("old"));
+    {
+        const Source other = source("new");
+        const support::FailingAllocation failure(0);
+        EXPECT_THROW(options.setSource(other), std::bad_alloc);
+    }
+    EXPECT_EQ(render("{% include \"p\" %}", Value(), options), "old");
+}
+
 TEST(Hpp, CallsFunctionsOfTheHost) {
     Options options;
     options.setEscape([](std::string_view text) { return "[" + std::string(text) + "]"; });
@@ -155,6 +203,8 @@ TEST(Hpp, CallsFunctionsOfTheHost) {
     EXPECT_EQ(stopped.status(), STENCILOR_STOPPED);
     options.setPoll([]() -> bool { throw std::runtime_error("stop"); });
     EXPECT_THROW(Template(text).render(Context(values), options), std::runtime_error);
+    options.setPoll({});
+    EXPECT_EQ(Template(text).render(Context(values), options).status(), STENCILOR_OK);
 
     std::string written;
     Template("{{ a }}").renderTo(Context(Value().set("a", "b")),
@@ -169,6 +219,9 @@ TEST(Hpp, Analyses) {
     const Template page("{% include \"p\" %}");
     EXPECT_NE(stencilor::check(page, &source, &context).find("did you mean"), std::string::npos);
     EXPECT_NE(stencilor::check(page).find("missing-include"), std::string::npos);
+    Options options;
+    options.setSource(source);
+    EXPECT_EQ(stencilor::check(page, &context, options), stencilor::check(page, &source, &context));
     EXPECT_NE(stencilor::names(page, &source).find("titel"), std::string::npos);
     EXPECT_EQ(stencilor::escape(STENCILOR_ESCAPE_HTML, "<"), "&lt;");
 }
