@@ -40,9 +40,10 @@
  * - Texts passed in: UTF-8, with the size in bytes. If the size is `STENCILOR_NUL_TERMINATED`, the
  *   text ends at its first NUL. The library copies what it keeps. A null pointer of size 0 is an
  *   empty text.
- * - Texts returned: UTF-8, followed by a NUL, and never null. `size`, unless null, receives the
- *   number of bytes before that NUL. A text belongs to the handle that it was read from, and is
- *   valid until that handle is freed or changed.
+ * - Texts returned: followed by a NUL, and never null. `size`, unless null, receives the number of
+ *   bytes before that NUL. Results and JSON are valid UTF-8; a text that was passed in is returned
+ *   with its malformed bytes. A text belongs to the handle that it was read from, and is valid
+ *   until that handle is freed or changed.
  * - Threads: functions may be called from any thread. Several threads may use a source, or a handle
  *   passed as a pointer to const, at once. Any other handle may be used by one thread at a time.
  * - Callbacks: each receives a payload from the caller, and returns 0 to continue. Any other number
@@ -539,7 +540,8 @@ STENCILOR_API int stencilor_source_find(stencilor_source* source, const char* pa
 /** Returns the maximum size of the template in bytes; a larger one ends the render. */
 STENCILOR_API uint64_t stencilor_request_max_size(const stencilor_request* request);
 
-/** Answers with the text of a template, to be parsed for this render. */
+/** Answers with the text of a template, to be parsed for this render. If it fails, so does the
+ * render. */
 STENCILOR_API int stencilor_request_set_text(stencilor_request* request, const char* text,
                                              size_t size);
 

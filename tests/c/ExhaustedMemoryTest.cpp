@@ -106,16 +106,31 @@ TEST_F(CExhaustedMemory, IsAStatusOfErrors) {
         STENCILOR_BAD_JSON);
 }
 
-/// Adds to a list, or sets a member of a dictionary, that already has one element.
+/// What templates find in a list, or in the member `longText` of a dictionary.
+std::string contentOf(const stencilor_value* value) {
+    ValueHandle copy;
+    EXPECT_EQ(stencilor_value_copy(value, out(copy)), STENCILOR_OK);
+    const ValueHandle root = valueOf("{}");
+    EXPECT_EQ(stencilor_value_set(root.get(), "v", 1, copy.get()), STENCILOR_OK);
+    const std::string page = "{% for i in v %}{{ i.value }},{% endfor %}{{ v." + longText + " }}";
+    const ResultHandle result = render(parse(page), contextOf(root.get()));
+    return textOf(result) + std::to_string(stencilor_result_message_count(result.get()));
+}
+
+/// Adds to a list, or sets a member of a dictionary.
 TEST_F(CExhaustedMemory, ChangesNoValue) {
-    const auto sweep = [](const char* name, const char* json,
+    const auto sweep = [](const char* name, const std::string& json,
                           const std::function<int(stencilor_value*)>& change) {
+        const std::string before = contentOf(valueOf(json).get());
         failEachAllocationOf(name, [&] {
             ValueHandle changed;
-            if (stencilor_value_parse_json(json, whole, out(changed), nullptr) != STENCILOR_OK) {
+            if (stencilor_value_parse_json(json.data(), json.size(), out(changed), nullptr) !=
+                STENCILOR_OK) {
                 return int(STENCILOR_OUT_OF_MEMORY);
             }
-            return change(changed.get());
+            const int status = change(changed.get());
+            EXPECT_TRUE(status == STENCILOR_OK || contentOf(changed.get()) == before);
+            return status;
         });
     };
     const char* const key = longText.c_str();
@@ -131,6 +146,8 @@ TEST_F(CExhaustedMemory, ChangesNoValue) {
     sweep("set null", "{}", [&](Value d) { return stencilor_value_set_null(d, key, whole); });
     sweep("set true", "{}", [&](Value d) { return stencilor_value_set_boolean(d, key, whole, 1); });
     sweep("set text", "{}",
+          [&](Value d) { return stencilor_value_set_text(d, key, whole, key, whole); });
+    sweep("set text in place of another", "{\"" + longText + "\": \"old\"}",
           [&](Value d) { return stencilor_value_set_text(d, key, whole, key, whole); });
     sweep("set raw", "{}",
           [&](Value d) { return stencilor_value_set_raw_text(d, key, whole, key, whole); });
@@ -180,6 +197,36 @@ TEST_F(CExhaustedMemory, IsAStatusOfContextsAndTemplates) {
             return stencilor_template_parse("{{ a", whole, longText.data(), 100, made);
         },
         STENCILOR_REJECTED);
+}
+
+/// Calls `read`, which returns the text of a new message, with each allocation failing. The text
+/// may be empty then, and must be there when it is read again.
+void failEachAllocationOfText(const std::function<const stencilor_message*()>& read) {
+    bool failed = true;
+    for (int count = 0; failed; ++count) {
+        const stencilor_message* const message = read();
+        std::size_t size = SIZE_MAX;
+        {
+            const FailingAllocation failure(count);
+            const char* const text = stencilor_message_text(message, &size);
+            failed = failure.happened();
+            EXPECT_EQ(text[size], '\0');
+        }
+        const std::string text = textOf(message);
+        EXPECT_NE(text.find(longText), std::string::npos);
+        EXPECT_EQ(size, failed ? 0 : text.size());
+        EXPECT_TRUE(failed || count > 0) << "nothing was allocated at all";
+    }
+}
+
+TEST_F(CExhaustedMemory, LeavesTheTextOfAMessageForLater) {
+    const TemplateHandle page = parse("{{ " + longText + " }}");
+    const ContextHandle context = contextOf("{}");
+    ResultHandle result;
+    failEachAllocationOfText([&] {
+        result = render(page, context);
+        return stencilor_result_message(result.get(), 0);
+    });
 }
 
 int answerWithText(void*, const char*, std::size_t, stencilor_request* request) {
