@@ -117,7 +117,7 @@ class Calls {
 
     void run() {
         while (!input_.isAtEnd()) {
-            call(input_.byte() % 26);
+            call(input_.byte() % 32);
         }
     }
 
@@ -127,8 +127,10 @@ class Calls {
             callOfValues(number);
         } else if (number < 18) {
             callOfSettings(number);
-        } else {
+        } else if (number < 26) {
             callOfRenders(number);
+        } else {
+            callOfTexts(number);
         }
     }
 
@@ -235,6 +237,63 @@ class Calls {
         default:
             return readAll();
         }
+    }
+
+    void callOfTexts(unsigned int number) {
+        const std::string_view text = input_.text();
+        stencilor_value* const value = values_.any(input_);
+        stencilor_template* const parsed = templates_.any(input_);
+        stencilor_source* const source = sources_.any(input_);
+        callbacks_.parsed = parsed;
+        switch (number) {
+        case 26:
+            return parseContext(text);
+        case 27:
+            return find(source, text);
+        case 28:
+            return check(stencilor_tree(parsed, texts_.place(input_)));
+        case 29:
+            return escape(text);
+        case 30:
+            return checkWithinLimits(parsed);
+        default:
+            check(stencilor_value_add_raw_text(value, text.data(), text.size()));
+            return check(stencilor_value_set_text(value, text.data(), text.size(), text.data(),
+                                                  text.size()));
+        }
+    }
+
+    void parseContext(std::string_view json) {
+        const std::string_view mark = input_.text();
+        const auto flags = static_cast<int>(input_.byte() % 5);
+        stencilor_context** const made = contexts_.place(input_);
+        check(stencilor_context_parse_json(json.data(), json.size(), flags, mark.data(),
+                                           mark.size(), made, errors_.place(input_)));
+    }
+
+    void checkWithinLimits(const stencilor_template* parsed) {
+        const stencilor_context* const context = contexts_.any(input_);
+        const stencilor_options* const options = options_.any(input_);
+        check(stencilor_check_limited(parsed, context, options, texts_.place(input_)));
+    }
+
+    /// The callback may use the template that is replaced.
+    void find(stencilor_source* source, std::string_view path) {
+        stencilor_template* found = nullptr;
+        check(stencilor_source_find(source, path.data(), path.size(), &found));
+        *templates_.place(input_) = found;
+    }
+
+    /// Malformed bytes are kept.
+    void escape(std::string_view text) {
+        stencilor_text* escaped = nullptr;
+        std::size_t size = 0;
+        check(stencilor_escape(static_cast<int>(input_.byte() % 4), text.data(), text.size(),
+                               &escaped));
+        const char* const bytes = stencilor_text_data(escaped, &size);
+        fuzz::require(bytes[size] == '\0', "a NUL follows a text");
+        fuzz::require(escaped == nullptr || size >= text.size(), "escaping only adds bytes");
+        stencilor_text_free(escaped);
     }
 
     void parse(std::string_view text) {
