@@ -6,11 +6,12 @@
 
 #include <cassert>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
 
-// Values that JavaScript passes in one call instead of many.
+// What JavaScript passes or reads in one call instead of many.
 
 using namespace kel::Stencilor;
 using namespace kel::Stencilor::internal;
@@ -146,6 +147,20 @@ int makeContext(const unsigned char* bytes, std::size_t size, int flags,
             made = new stencilor_context{value_access::makeContext(reader.readRoot())};
         },
         error);
+}
+
+/// Stores what a render produced, as numbers of JavaScript: the address and the size of the
+/// text, the number of messages, and the usage in the order of the limits.
+STENCILOR_WEB_EXPORT(stencilor_web_result)
+void storeResult(const stencilor_result* result, double* numbers) {
+    std::size_t size = 0;
+    const char* const text = stencilor_result_text(result, &size);
+    *numbers++ = static_cast<double>(reinterpret_cast<std::uintptr_t>(text));
+    *numbers++ = static_cast<double>(size);
+    *numbers++ = static_cast<double>(stencilor_result_message_count(result));
+    for (int limit = STENCILOR_LIMIT_STEPS; limit <= STENCILOR_LIMIT_MESSAGES; ++limit) {
+        *numbers++ = static_cast<double>(stencilor_result_usage(result, limit));
+    }
 }
 
 /// Creates a source that calls `find`.

@@ -26,14 +26,15 @@ export class Engine {
   wasm;
   #calls = [];
   #writer = new ValueWriter();
-  #results; // where the engine stores up to two pointers
+  #results; // where the engine stores up to two pointers, and then eight numbers
+  #view; // of all memory
 
   static async load() {
     const engine = new Engine();
     const { instance } = await WebAssembly.instantiate(await decompress(compressed), engine.#imports());
     engine.wasm = instance.exports;
     engine.wasm._initialize();
-    engine.#results = engine.allocate(8);
+    engine.#results = engine.allocate(8 + 8 * 8);
     return engine;
   }
 
@@ -62,7 +63,35 @@ export class Engine {
   }
 
   #readPointer(address) {
-    return new DataView(this.wasm.memory.buffer).getUint32(address, true);
+    return this.#memory().getUint32(address, true);
+  }
+
+  /** The memory moves when it grows. */
+  #memory() {
+    const { buffer } = this.wasm.memory;
+    if (this.#view?.buffer !== buffer) {
+      this.#view = new DataView(buffer);
+    }
+    return this.#view;
+  }
+
+  /** The text, the number of messages, and the usage of a result. */
+  readResult(result) {
+    const place = this.#results + 8;
+    this.wasm.stencilor_web_result(result, place);
+    const memory = this.#memory();
+    const number = (index) => memory.getFloat64(place + index * 8, true);
+    return {
+      text: this.readText(number(0), number(1)),
+      messageCount: number(2),
+      usage: {
+        steps: number(3),
+        outputBytes: number(4),
+        templateBytes: number(5),
+        includeDepth: number(6),
+        messages: number(7),
+      },
+    };
   }
 
   /** Calls `use` with the address and the size of a text in UTF-8. */

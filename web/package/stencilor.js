@@ -269,24 +269,14 @@ function makeInterface(engine) {
       engine.check(status);
     }
     try {
-      return {
-        status: statusNames[status],
-        text: engine.textOf("stencilor_result_text", result),
-        messages: readMessages(result),
-        usage: Object.fromEntries(
-          limitNames.map((name, limit) => [name, Number(wasm.stencilor_result_usage(result, limit))]),
-        ),
-      };
+      const { text, messageCount, usage } = engine.readResult(result);
+      const messages = Array.from({ length: messageCount }, (_, index) =>
+        readMessage(wasm.stencilor_result_message(result, index)),
+      );
+      return { status: statusNames[status], text, messages, usage };
     } finally {
       wasm.stencilor_result_free(result);
     }
-  }
-
-  function readMessages(result) {
-    const count = wasm.stencilor_result_message_count(result);
-    return Array.from({ length: count }, (_, index) =>
-      readMessage(wasm.stencilor_result_message(result, index)),
-    );
   }
 
   function readMessage(message) {
