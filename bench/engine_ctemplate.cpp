@@ -23,8 +23,8 @@ struct member_filler {
         }
     }
     void operator()(const object&) const { throw std::logic_error("no workload nests objects"); }
-    /// An included template only sees the dictionary that is created for it: the texts and booleans
-    /// around the include.
+    /// An included template only sees the dictionary that is created for it: the strings and
+    /// booleans around the include.
     void operator()(const partial& included) const {
         ctemplate::TemplateDictionary& own = *dictionary.AddIncludeDictionary(name);
         own.SetFilename(included.path);

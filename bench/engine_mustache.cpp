@@ -21,8 +21,8 @@ std::string readFile(const std::string& path) {
     return text;
 }
 
-/// Converts values. Partials are functions that return a text, which the engine parses each time it
-/// renders one.
+/// Converts values. Partials are functions that return text, which the engine parses each time it
+/// renders the partial.
 struct converter {
     data operator()(const std::string& text) const { return data(text); }
     data operator()(bool isTrue) const { return data(isTrue); }

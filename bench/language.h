@@ -20,8 +20,8 @@ struct page {
 enum class language { stencilor, ctemplate, mustache };
 
 /// Translates a template.
-/// @param escaped whether values are escaped for HTML, for engines in which the template decides
-///   that
+/// @param escaped whether values are escaped for HTML, for engines that leave that decision to the
+///   template
 std::string translated(const std::string& text, language to, bool escaped = false);
 
 page translated(const page& from, language to, bool escaped);

@@ -171,7 +171,7 @@ void appendChapter(std::string& output, const chapter& from) {
     }
 }
 
-/// @param texts the text before each part and the part, alternating
+/// @param texts alternately the text before a part, and the part
 void appendManual(std::string& output, const content& from, const std::vector<std::string>& texts) {
     append(output, {"<html><head><title>", from.title, "</title></head>\n<body><ul>"});
     appendEntries(output, from.menu);

@@ -1,5 +1,5 @@
 // Renders with one thread and with two at once, from one context, and prints the speedup. The
-// measurements alternate, and the best of each counts, because disturbances can only cost time.
+// measurements alternate, and the best of each counts, because noise can only add time.
 
 #include "engines.h"
 #include "rate.h"

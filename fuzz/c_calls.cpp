@@ -8,11 +8,11 @@
 #include <string_view>
 
 // Any sequence of calls through C, with handles that are null, in use, moved from, and freed in any
-// order: each call returns a status, and every text is valid UTF-8.
+// order: each call returns a status, and every string is valid UTF-8.
 
 namespace {
 
-/// Reads the input: bytes that make choices, and texts, each preceded by its size.
+/// Reads the input: bytes that make choices, and strings, each preceded by its size.
 class Input {
   public:
     explicit Input(std::string_view bytes) : rest_(bytes) {}

@@ -8,9 +8,9 @@
 #include <optional>
 #include <stdexcept>
 
-// The reader and the parser of nlohmann-json accept the same texts and return the same values. A
-// text is either rejected with a reason and a position, or makes a context that can be rendered. A
-// value of nlohmann-json converts to the same value as its text.
+// The reader and the nlohmann-json parser accept the same input and return the same values. Input
+// is either rejected with a reason and a position, or makes a context that can be rendered. An
+// nlohmann-json value converts to the same value as its JSON text.
 
 namespace {
 

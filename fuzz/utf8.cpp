@@ -7,7 +7,7 @@
 #include <string>
 
 // Decoding agrees with the obvious implementation. Conversions to and from UTF-16 restore
-// everything but malformed parts. The input is used as either encoding.
+// everything but malformed parts. The input is decoded as each of them.
 
 namespace {
 

@@ -27,8 +27,8 @@ struct FileState {
 
 /// A directory that gives access only to the files inside it.
 ///
-/// Paths: as with a root of `FileSystem`: portable, relative to the directory, and nonexistent if
-///   they lead out of it through `..` or a symbolic link.
+/// Paths: portable and relative to the directory, as with a root of `FileSystem`. A path that leads
+///   out of the directory through `..` or a symbolic link does not exist.
 /// Ownership: holds the path that `open` resolved, and no open handle.
 /// Copying: copies share the path and are cheap. Moving copies.
 /// Threads: thread-safe.

@@ -35,7 +35,7 @@ enum LOGGER_PRIORITY : std::int32_t {
 struct LogRecord {
     /// The kinds of records.
     enum class Kind {
-        Message,      ///< a text
+        Message,      ///< a message
         ScopeEntered, ///< a traced scope is entered
         ScopeLeft     ///< a traced scope is left
     };
@@ -70,7 +70,7 @@ class LoggerStream {
     /// Appends the bytes up to the first NUL.
     KEL_EXPORT LoggerStream& operator+(const char* text);
 
-    /// Appends a text, NUL bytes included.
+    /// Appends a string, NUL bytes included.
     KEL_EXPORT LoggerStream& operator+(const String& text);
 
     /// Returns the message so far, valid until this stream is changed or destroyed.
@@ -159,7 +159,7 @@ class LogFactory {
 
 /// Records that a scope is entered and, on destruction, that it is left.
 ///
-/// Ownership: borrows the logger and the texts, which must outlive it. With a null logger, it
+/// Ownership: borrows the logger and the strings, which must outlive it. With a null logger, it
 ///   records nothing and costs one test.
 /// Copying: not possible, because it represents one scope.
 /// Threads: construct and destroy it in the thread whose scope it represents.

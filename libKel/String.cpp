@@ -151,7 +151,7 @@ void String::UTF8Decode(const char* bytes, unsigned int length, bool) {
     }
 }
 
-/// Decodes ASCII text that fits inline, like most texts between two tags. Returns false, with
+/// Decodes ASCII text that fits inline, like most text between two tags. Returns false, with
 /// nothing changed, for any other text, or if another string shares the block.
 bool String::decodeShort(const char* bytes, unsigned int length) noexcept {
     constexpr unsigned int half = sizeof(std::uint64_t);

@@ -67,7 +67,7 @@ class CString {
 ///   only `UTF8Decode` repairs them. NUL bytes are ordinary characters.
 /// Order: by unsigned byte, then by length. For UTF-8 this is the order of the code points.
 /// Hash: `std::hash` is specialized, for `std::unordered_map` and the like.
-/// Copying: a copy is independent. Copies share long texts until one of them changes.
+/// Copying: a copy is independent. Copies share long strings until one of them changes.
 /// Units: lengths and positions count bytes, in 32 bits. Any operation that would produce more than
 ///   4 GiB - 1 byte throws `std::length_error`.
 /// Errors: `std::bad_alloc` and `std::length_error`, which leave the string unchanged.
@@ -181,10 +181,10 @@ class String {
     KEL_EXPORT std::u16string toUTF16() const;
 
 #ifdef _WIN32
-    /// `fromUTF16` with the character type of the Windows interfaces; on Windows only.
+    /// `fromUTF16` for the character type of the Windows API. Windows only.
     KEL_EXPORT static String fromWide(std::wstring_view text);
 
-    /// `toUTF16` with the character type of the Windows interfaces; on Windows only.
+    /// `toUTF16` for the character type of the Windows API. Windows only.
     KEL_EXPORT std::wstring toWide() const;
 #endif
 

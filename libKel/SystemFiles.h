@@ -23,8 +23,8 @@ struct Folder::Directory {
     SystemPath path; // as returned by resolveDirectory
 };
 
-/// The absolute path of a directory, without links. Nothing if `path` is not an accessible
-/// directory.
+/// The absolute path of a directory, with symbolic links resolved. Nothing if `path` is not an
+/// accessible directory.
 std::optional<SystemPath> resolveDirectory(const String& path);
 
 /// The state of the regular file at `path`: inside `root`, or anywhere if that is null.

@@ -18,7 +18,7 @@ HANDLE open(const std::wstring& path, DWORD access) {
                          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
-/// Calls a Windows function for a text of unknown length.
+/// Calls a Windows function for a string of unknown length.
 template <typename Function>
 std::optional<std::wstring> askForText(Function function) {
     std::wstring text(MAX_PATH, L'\0');

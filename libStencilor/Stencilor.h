@@ -92,13 +92,13 @@ class STENCILOR_EXPORT ContextBase {
     internal::child_map* children = nullptr; // none while there are no entries
 };
 
-/// A text.
+/// A string.
 ///
 /// Ownership, threads, errors: as in `ContextBase`.
 /// Copying: the text is copied or moved; the children are always shared with the source.
 class STENCILOR_EXPORT ContextString : public ContextBase {
   public:
-    /// A text without children.
+    /// A string without children.
     ContextString(String text);
 
     /// See above for copying and ownership.
@@ -116,7 +116,7 @@ class STENCILOR_EXPORT ContextString : public ContextBase {
     String value;
 };
 
-/// A text that is never escaped. `buildOutput`, which escapes nothing, treats it as any other text.
+/// A string that is never escaped. `buildOutput`, which escapes nothing, treats it as any other.
 ///
 /// Ownership, copying, threads, errors: as in `ContextString`.
 class STENCILOR_EXPORT ContextRawString : public ContextString {
@@ -223,8 +223,8 @@ class STENCILOR_EXPORT ContextIterable : public ContextBase {
 
 /// Creates values on the heap.
 ///
-/// Ownership: the caller owns the result until it passes it to a parent value. The new value takes
-///   over the pointers in a map or vector, including null ones; the container is not changed.
+/// Ownership: the caller owns the result until it passes it to a parent value. The new value
+///   takes ownership of the pointers in a map or vector, null ones too. The container is unchanged.
 /// Errors: `std::bad_alloc`; the pointers then still belong to the caller.
 /// Threads: all functions may be called from any thread.
 class STENCILOR_EXPORT ContextFactory {
@@ -239,7 +239,7 @@ class STENCILOR_EXPORT ContextFactory {
     ~ContextFactory() = default;
     /// @}
 
-    /// Creates a text.
+    /// Creates a string.
     static ContextString* buildString(const String& value);
 
     /// Creates a boolean without children.
@@ -271,7 +271,7 @@ class STENCILOR_EXPORT ContextFactory {
 
 /// Renders a template.
 ///
-/// A malformed template produces an empty text and one message. What cannot be rendered (a name
+/// A malformed template produces an empty string and one message. What cannot be rendered (a name
 /// that is missing or has the wrong kind, a file that cannot be included) produces no text and one
 /// message; everything else is rendered.
 ///
@@ -284,8 +284,8 @@ class STENCILOR_EXPORT ContextFactory {
 /// Ownership: template and context are only read, and not kept. The context must not be changed
 ///   during the call, neither by another thread nor by a log sink; otherwise the behavior is
 ///   undefined.
-/// Threads: any number of calls may run at once, also with the same context.
-/// Errors: only `std::bad_alloc`, and `std::length_error` if a text would be too long for
+/// Threads: any number of calls may run at once, even with the same context.
+/// Errors: only `std::bad_alloc`, and `std::length_error` if a string would be too long for
 ///   `kel::String`.
 STENCILOR_EXPORT String buildOutput(const String& input, const ContextBase& context,
                                     String& errors);

@@ -36,7 +36,7 @@ struct SyntaxRange {
     bool isEmpty() const { return begin == end; }
 };
 
-/// A text or a tag.
+/// Text or a tag.
 struct SyntaxElement {
     /// The kinds of elements.
     enum class Kind {
@@ -110,7 +110,7 @@ class STENCILOR_EXPORT SyntaxVisitor {
     virtual ~SyntaxVisitor();
     /// @}
 
-    /// Receives one part. Exceptions end the parsing and reach the caller of `readSyntax`.
+    /// Receives one part. Exceptions stop the parser and reach the caller of `readSyntax`.
     /// @param element valid only during the call
     virtual void visit(const SyntaxElement& element) = 0;
 };

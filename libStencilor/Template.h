@@ -162,7 +162,7 @@ struct RenderMessage {
     /// What went wrong.
     enum class Kind {
         ReplacementNotFound,  ///< a substitution's name is not in scope
-        ReplacementNotString, ///< it is in scope, but not a text
+        ReplacementNotString, ///< it is in scope, but not a string
         BooleanNotFound,      ///< a condition's name is not in scope
         NotBoolean,           ///< it is in scope, but not a boolean
         ListNotFound,         ///< the name of a loop's list is not in scope
@@ -214,9 +214,9 @@ struct RenderResult {
 ///   must not be changed meanwhile, and is not kept.
 /// Copying: copies share all data, which is immutable. A moved-from template may only be assigned
 ///   or destroyed.
-/// Threads: any number of renders may run at once, also with the same template and context.
+/// Threads: any number of renders may run at once, even with the same template and context.
 /// Errors: a malformed template does not throw; see `isWellFormed`. Exceptions are
-///   `std::bad_alloc`, `std::length_error` if a text would be too long for `String`, those of the
+///   `std::bad_alloc`, `std::length_error` if a string would be too long for `String`, those of the
 ///   host's functions and sources, and for values those of `Context`.
 class STENCILOR_EXPORT Template {
   public:
@@ -264,7 +264,7 @@ class STENCILOR_EXPORT Template {
     /// @param write receives the pieces of the text: never empty, at most 64 KiB, each valid UTF-8.
     ///   It may render, and its exceptions reach the caller.
     /// @param options the options of the render
-    /// @return the messages, without a text. Unless the status is `Complete`, only the beginning of
+    /// @return the messages, without text. Unless the status is `Complete`, only the beginning of
     ///   the text was written.
     RenderResult renderTo(const ContextBase& context,
                           const std::function<void(std::string_view)>& write,
@@ -306,8 +306,8 @@ class STENCILOR_EXPORT TemplateSource {
     /// Finds a template.
     /// @param path as in the tag
     /// @param maxBytes the maximum size of the template; UINT64_MAX means no limit
-    /// @param found receives the template if the answer is `Found`; it should be named by its path
-    /// @return the outcome. Exceptions reach the caller of the render.
+    /// @param found receives the template if the answer is `Found`; its name should be its path
+    /// @return the outcome. Exceptions reach the code that started the render.
     virtual Answer find(const String& path, std::uint64_t maxBytes,
                         std::optional<Template>& found) = 0;
 

@@ -30,15 +30,15 @@
 ///
 /// These types convert to a value:
 ///
-/// - text: `String`, `std::string`, `std::string_view`, character arrays and pointers (a null
-///   pointer is an empty text, as in `String`); a `char` is a text of one character,
+/// - strings: `String`, `std::string`, `std::string_view`, character arrays and pointers (a null
+///   pointer is an empty string, as in `String`); a `char` is a string of one character,
 /// - `true` and `false`, only from `bool`,
 /// - integers, including `signed char` and `unsigned char`, in decimal,
 /// - floating-point numbers with the fewest digits that read back as the same number, and with an
 ///   exponent below 1e-6 and from 1e21 on: `0.1`, `100`, `1e+21`, `1.5e-7`; `-0` is `0`,
 /// - `nullptr`, `std::nullopt` and an empty `std::optional`, which become null; any other optional
 ///   becomes its value,
-/// - maps whose keys are texts, which become dictionaries; other ranges become lists,
+/// - maps whose keys are strings, which become dictionaries; other ranges become lists,
 /// - types that have `STENCILOR_MEMBERS`, or a function `Value toValue(const T&)` in their
 ///   namespace.
 ///
@@ -122,7 +122,7 @@ consteval bool isConvertible() {
 template <typename T>
 concept value_source = !std::same_as<T, Value> && isConvertible<T>();
 
-// A text is a range, but does not become a list.
+// A string is a range, but does not become a list.
 template <typename T>
 concept list_source = std::ranges::input_range<T> && !text_like<std::remove_cvref_t<T>>;
 
@@ -142,7 +142,7 @@ struct value_access;
 } // namespace internal
 /// @endcond
 
-/// Data for a template: null, a boolean, a text, a list, or a dictionary ordered by key.
+/// Data for a template: null, a boolean, a string, a list, or a dictionary ordered by key.
 ///
 /// Pairs in braces make a dictionary, and `Value{}` an empty one; `Value{x}` is `x` as a value. Use
 /// `list` or a range to make a list.
@@ -151,8 +151,8 @@ struct value_access;
 /// Depth: lists and dictionaries nest at most `deepest` levels. An operation that would exceed this
 ///   throws `std::length_error` and changes nothing.
 /// Threads: may be read by any number of threads while none changes it.
-/// Errors: `std::length_error` for a text of more than 4 GiB - 1 byte, `std::invalid_argument` for
-///   a number that is not finite, `std::logic_error` for a change that the kind of the value does
+/// Errors: `std::length_error` for a string of over 4 GiB - 1 byte, `std::invalid_argument` for a
+///   non-finite number, `std::logic_error` for a change that the kind of the value does
 ///   not support, and `std::bad_alloc`. In each case, the value is unchanged.
 class Value {
   public:
@@ -162,8 +162,8 @@ class Value {
     enum class Kind {
         Null,      ///< no value; templates do not find it
         Boolean,   ///< true or false
-        Text,      ///< a text, which a render may escape; numbers become texts
-        RawText,   ///< a text that is never escaped
+        Text,      ///< a string, which a render may escape; numbers become strings
+        RawText,   ///< a string that is never escaped
         List,      ///< a sequence of values
         Dictionary ///< values by key
     };
@@ -204,7 +204,7 @@ class Value {
     /// Destroys the value and its contents.
     STENCILOR_EXPORT ~Value();
 
-    /// Makes a text that is never escaped. Use it for text that is known to be safe where it is
+    /// Makes a string that is never escaped. Use it for text that is known to be safe where it is
     /// inserted, such as HTML that the host generated.
     /// @param text the text
     /// @return the value
@@ -242,7 +242,7 @@ class Value {
     /// @return true for the boolean true, otherwise false
     STENCILOR_EXPORT bool isTrue() const noexcept;
 
-    /// Returns a text or raw text.
+    /// Returns a string or raw string.
     /// @return the text, valid until the value is changed; empty for other kinds
     STENCILOR_EXPORT const String& text() const noexcept;
 
@@ -274,7 +274,7 @@ class Value {
     /// @param item the item
     STENCILOR_EXPORT void add(Value item);
 
-    /// Compares two values deeply. A text never equals a raw text.
+    /// Compares two values deeply. A string never equals a raw string.
     /// @param other the value to compare with
     /// @return true if they are equal
     STENCILOR_EXPORT bool operator==(const Value& other) const;
@@ -309,7 +309,7 @@ class Value {
 class Value::Member {
   public:
     /// A member of a dictionary.
-    /// @param key a text
+    /// @param key a string
     /// @param value anything that converts to a value
     template <internal::text_like Key>
     Member(const Key& key, Value value)
@@ -397,7 +397,7 @@ struct ContextOptions {
 ///   the one with the longest first key wins.
 /// - A dictionary with the key `$boolean` becomes a `ContextBoolean` whose children are the other
 ///   members; `{% if %}` tests it.
-/// - An element of a list that is not a dictionary (a text, a boolean, a list) is available as
+/// - An element of a list that is not a dictionary (a string, a boolean, a list) is available as
 ///   `value`: `{% for tag in tags %}{{ tag.value }}{% endfor %}`.
 /// - With `ContextOptions::positions`, elements have `index`, `first` and `last`.
 ///

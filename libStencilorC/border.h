@@ -17,7 +17,7 @@ struct call_failure {
     int status;
 };
 
-/// Ends a call because a callback returned a number other than 0.
+/// Ends a call because a callback returned nonzero.
 struct call_stop {
     int code;
 };
@@ -64,7 +64,7 @@ T& given(T* pointer) {
     return *pointer;
 }
 
-/// Converts a text that was passed in.
+/// Converts a string argument.
 std::string_view given(const char* text, std::size_t size);
 
 /// Where a call stores what it creates; null until then.
@@ -81,7 +81,7 @@ inline Context makeContext(const Value& root, bool positions) {
     return Context(root, {.positions = positions});
 }
 
-/// Returns a text to the host; a NUL must follow it.
+/// Returns a string to the host; a NUL must follow it.
 inline const char* returned(std::string_view text, std::size_t* size) noexcept {
     if (size != nullptr) {
         *size = text.size();

@@ -38,7 +38,7 @@ struct stencilor_context {
 };
 
 /// A message, held by a result or a template. Its text is created on first use, on whichever thread
-/// that is: few hosts read every text.
+/// that is: few hosts read every string.
 struct stencilor_message {
     explicit stencilor_message(const kel::Stencilor::RenderMessage& source) : message(&source) {}
     stencilor_message(stencilor_message&& other) noexcept

@@ -36,7 +36,7 @@ class call_options {
     const RenderOptions* options_;
 };
 
-/// Renders with a function of the options, and stores the result.
+/// Calls a render function with the options, and stores the result.
 template <typename Render>
 int renderToResult(const stencilor_options* options, stencilor_result** result,
                    Render render) noexcept {

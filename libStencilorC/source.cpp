@@ -32,7 +32,7 @@ class CallbackTemplates final : public TemplateSource {
     void* payload_;
 };
 
-/// Answers with a template parsed from a text of `size` bytes. If that fails, so does the render.
+/// Answers with a template parsed from text of `size` bytes. If that fails, so does the render.
 template <typename Make>
 int answer(stencilor_request* request, Make make) noexcept {
     const int status = guarded([&] {

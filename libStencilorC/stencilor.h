@@ -36,19 +36,19 @@
  *   null on failure. The caller frees each with the matching `_free` function, in any order: no
  *   handle depends on another. Unless documented otherwise, a null handle, or a null pointer to
  *   store a handle in, causes `STENCILOR_INVALID_ARGUMENT`. Functions without a status then return
- *   0, a null pointer or an empty text, and free functions do nothing.
- * - Texts passed in: UTF-8, with the size in bytes. If the size is `STENCILOR_NUL_TERMINATED`, the
- *   text ends at its first NUL. The library copies what it keeps. A null pointer of size 0 is an
- *   empty text.
- * - Texts returned: followed by a NUL, and never null. `size`, unless null, receives the number of
- *   bytes before that NUL. Results and JSON are valid UTF-8; a text that was passed in is returned
- *   with its malformed bytes. A text belongs to the handle that it was read from, and is valid
- *   until that handle is freed or changed.
+ *   0, a null pointer or an empty string, and free functions do nothing.
+ * - Strings passed in: UTF-8, with the size in bytes. If the size is `STENCILOR_NUL_TERMINATED`,
+ *   the string ends at its first NUL. The library copies what it keeps. A null pointer of size 0 is
+ *   an empty string.
+ * - Strings returned: followed by a NUL, and never null. `size`, unless null, receives the number
+ *   of bytes before that NUL. Results and JSON are valid UTF-8; a string that was passed in is
+ *   returned with its malformed bytes. A string belongs to the handle that it was read from, and is
+ *   valid until that handle is freed or changed.
  * - Threads: functions may be called from any thread. Several threads may use a source, or a handle
  *   passed as a pointer to const, at once. Any other handle may be used by one thread at a time.
  * - Callbacks: each receives a payload from the caller, and returns 0 to continue. Any other number
  *   ends the enclosing call with `STENCILOR_STOPPED`; `stencilor_result_stop_code` returns that
- *   number. A callback runs on the thread of the enclosing call. The texts that it receives are
+ *   number. A callback runs on the thread of the enclosing call. The strings that it receives are
  *   valid until it returns, and are not followed by a NUL. It may call any function here, but must
  *   not change or free anything that the enclosing call uses. It must return, and must not throw,
  *   jump out or end its thread.
@@ -77,7 +77,7 @@
 /** The version of the binary interface that this header describes. */
 #define STENCILOR_ABI_VERSION 0
 
-/** As the size of a text: the text ends at its first NUL. */
+/** As the size of a string: the string ends at its first NUL. */
 #ifdef __cplusplus
 #define STENCILOR_NUL_TERMINATED (static_cast<size_t>(-1))
 #else
@@ -101,8 +101,8 @@ enum stencilor_status {
     STENCILOR_DEPTH_LIMIT = 8,      /**< `STENCILOR_LIMIT_INCLUDE_DEPTH` was reached */
     STENCILOR_INVALID_ARGUMENT = 9, /**< a null handle, an unknown number, a rejected value */
     STENCILOR_OUT_OF_MEMORY = 10,   /**< out of memory */
-    STENCILOR_TOO_LARGE = 11,       /**< a text of 4 GiB or more; values too deep or too many */
-    STENCILOR_BAD_JSON = 12,        /**< a text is not JSON, or its JSON cannot become a value */
+    STENCILOR_TOO_LARGE = 11,       /**< a string of 4 GiB or more; values too deep or too many */
+    STENCILOR_BAD_JSON = 12,        /**< text is not JSON, or its JSON cannot become a value */
     STENCILOR_WRONG_KIND = 13,      /**< a value or source is of the wrong kind */
     STENCILOR_UNSUPPORTED = 14,     /**< not included in this build of the library */
     STENCILOR_INTERNAL_ERROR = 15   /**< a bug in the library */
@@ -112,8 +112,8 @@ enum stencilor_status {
 enum stencilor_kind {
     STENCILOR_KIND_NULL = 0,      /**< nothing; templates treat it as missing */
     STENCILOR_KIND_BOOLEAN = 1,   /**< true or false */
-    STENCILOR_KIND_TEXT = 2,      /**< a text; numbers are also texts */
-    STENCILOR_KIND_RAW_TEXT = 3,  /**< a text that is never escaped */
+    STENCILOR_KIND_TEXT = 2,      /**< a string; numbers are also strings */
+    STENCILOR_KIND_RAW_TEXT = 3,  /**< a string that is never escaped */
     STENCILOR_KIND_LIST = 4,      /**< values in order */
     STENCILOR_KIND_DICTIONARY = 5 /**< values by key */
 };
@@ -147,7 +147,7 @@ enum stencilor_limit {
 enum stencilor_message_kind {
     STENCILOR_MESSAGE_NONE = 0,                /**< there is no message */
     STENCILOR_MESSAGE_VALUE_NOT_FOUND = 1,     /**< a substitution's name is not in scope */
-    STENCILOR_MESSAGE_VALUE_NOT_TEXT = 2,      /**< it is in scope, but not a text */
+    STENCILOR_MESSAGE_VALUE_NOT_TEXT = 2,      /**< it is in scope, but not a string */
     STENCILOR_MESSAGE_BOOLEAN_NOT_FOUND = 3,   /**< a condition's name is not in scope */
     STENCILOR_MESSAGE_NOT_BOOLEAN = 4,         /**< it is in scope, but not a boolean */
     STENCILOR_MESSAGE_LIST_NOT_FOUND = 5,      /**< the name of a loop's list is not in scope */
@@ -164,9 +164,9 @@ enum stencilor_message_kind {
 
 /** Why JSON or a context was rejected. */
 typedef struct stencilor_error stencilor_error;
-/** A text that the library created. */
+/** A string that the library created. */
 typedef struct stencilor_text stencilor_text;
-/** Plain data: null, a boolean, a text, a list or a dictionary. */
+/** Plain data: null, a boolean, a string, a list or a dictionary. */
 typedef struct stencilor_value stencilor_value;
 /** The values that templates are rendered with. It never changes. */
 typedef struct stencilor_context stencilor_context;
@@ -211,7 +211,7 @@ STENCILOR_API int stencilor_abi_version(void);
 STENCILOR_API const char* stencilor_status_text(int status);
 
 /** @}
- * @name Errors and texts
+ * @name Errors and strings
  * @{ */
 
 /** The status that the call returned. */
@@ -220,13 +220,13 @@ STENCILOR_API int stencilor_error_status(const stencilor_error* error);
 /** The reason in English, without its location. */
 STENCILOR_API const char* stencilor_error_text(const stencilor_error* error, size_t* size);
 
-/** The byte offset of the error; 0 if the error is not in a text. */
+/** The byte offset of the error; 0 if the error is not in JSON text. */
 STENCILOR_API size_t stencilor_error_offset(const stencilor_error* error);
 
-/** The line, from 1; 0 if the error is not in a text. */
+/** The line, from 1; 0 if the error is not in JSON text. */
 STENCILOR_API size_t stencilor_error_line(const stencilor_error* error);
 
-/** The column in code points, from 1; 0 if the error is not in a text. */
+/** The column in code points, from 1; 0 if the error is not in JSON text. */
 STENCILOR_API size_t stencilor_error_column(const stencilor_error* error);
 
 /** Frees an error. */
@@ -235,10 +235,10 @@ STENCILOR_API void stencilor_error_free(stencilor_error* error);
 /** The text. */
 STENCILOR_API const char* stencilor_text_data(const stencilor_text* text, size_t* size);
 
-/** Frees a text. */
+/** Frees a string. */
 STENCILOR_API void stencilor_text_free(stencilor_text* text);
 
-/** Escapes a text as a render does. Returns `STENCILOR_INVALID_ARGUMENT` for an unknown kind.
+/** Escapes a string as a render does. Returns `STENCILOR_INVALID_ARGUMENT` for an unknown kind.
  * @param kind a `stencilor_escape_kind`
  * @param text the text to escape
  * @param size the bytes of the text
@@ -258,16 +258,16 @@ STENCILOR_API int stencilor_value_null(stencilor_value** value);
 /** Creates a boolean: false for 0, true for any other number. */
 STENCILOR_API int stencilor_value_boolean(int is_true, stencilor_value** value);
 
-/** Creates a text. */
+/** Creates a string. */
 STENCILOR_API int stencilor_value_text(const char* text, size_t size, stencilor_value** value);
 
-/** Creates a text that renders never escape: for text known to be safe where it is inserted. */
+/** Creates a string that renders never escape: for text known to be safe where it is inserted. */
 STENCILOR_API int stencilor_value_raw_text(const char* text, size_t size, stencilor_value** value);
 
-/** Creates a text from an integer, in decimal. */
+/** Creates a string from an integer, in decimal. */
 STENCILOR_API int stencilor_value_integer(int64_t number, stencilor_value** value);
 
-/** Creates a text from a number: the fewest digits that read back as the same number. Returns
+/** Creates a string from a number: the fewest digits that read back as the same number. Returns
  * `STENCILOR_INVALID_ARGUMENT` if the number is not finite. */
 STENCILOR_API int stencilor_value_double(double number, stencilor_value** value);
 
@@ -277,7 +277,7 @@ STENCILOR_API int stencilor_value_list(stencilor_value** value);
 /** Creates an empty dictionary. */
 STENCILOR_API int stencilor_value_dictionary(stencilor_value** value);
 
-/** Creates a value from a JSON text: UTF-8, with or without a byte-order mark. Numbers keep their
+/** Creates a value from JSON text: UTF-8, with or without a byte-order mark. Numbers keep their
  * digits.
  * @param text the JSON text
  * @param size the bytes of the text
@@ -304,17 +304,17 @@ STENCILOR_API int stencilor_value_add_null(stencilor_value* list);
 /** Appends a boolean to a list. */
 STENCILOR_API int stencilor_value_add_boolean(stencilor_value* list, int is_true);
 
-/** Appends a text to a list. */
+/** Appends a string to a list. */
 STENCILOR_API int stencilor_value_add_text(stencilor_value* list, const char* text, size_t size);
 
-/** Appends a text that renders never escape to a list. */
+/** Appends a string that renders never escape to a list. */
 STENCILOR_API int stencilor_value_add_raw_text(stencilor_value* list, const char* text,
                                                size_t size);
 
-/** Appends an integer to a list, as a text. */
+/** Appends an integer to a list, as a string. */
 STENCILOR_API int stencilor_value_add_integer(stencilor_value* list, int64_t number);
 
-/** Appends a number to a list, as a text. */
+/** Appends a number to a list, as a string. */
 STENCILOR_API int stencilor_value_add_double(stencilor_value* list, double number);
 
 /** Sets a member of a dictionary, replacing any with the same key; returns `STENCILOR_WRONG_KIND`
@@ -335,19 +335,19 @@ STENCILOR_API int stencilor_value_set_null(stencilor_value* dictionary, const ch
 STENCILOR_API int stencilor_value_set_boolean(stencilor_value* dictionary, const char* key,
                                               size_t key_size, int is_true);
 
-/** Sets a member of a dictionary to a text. */
+/** Sets a member of a dictionary to a string. */
 STENCILOR_API int stencilor_value_set_text(stencilor_value* dictionary, const char* key,
                                            size_t key_size, const char* text, size_t size);
 
-/** Sets a member of a dictionary to a text that renders never escape. */
+/** Sets a member of a dictionary to a string that renders never escape. */
 STENCILOR_API int stencilor_value_set_raw_text(stencilor_value* dictionary, const char* key,
                                                size_t key_size, const char* text, size_t size);
 
-/** Sets a member of a dictionary to an integer, as a text. */
+/** Sets a member of a dictionary to an integer, as a string. */
 STENCILOR_API int stencilor_value_set_integer(stencilor_value* dictionary, const char* key,
                                               size_t key_size, int64_t number);
 
-/** Sets a member of a dictionary to a number, as a text. */
+/** Sets a member of a dictionary to a number, as a string. */
 STENCILOR_API int stencilor_value_set_double(stencilor_value* dictionary, const char* key,
                                              size_t key_size, double number);
 
@@ -374,8 +374,8 @@ STENCILOR_API int stencilor_context_create(const stencilor_value* value, int fla
  * @param text the JSON text
  * @param size the bytes of the text
  * @param flags a sum of `stencilor_context_flag`; 0 for none
- * @param raw_mark marks raw texts: a string that begins with it becomes a raw text of what follows;
- *   choose one that no other string begins with; empty for none
+ * @param raw_mark marks raw strings: if a string begins with it, the rest becomes a raw string.
+ *   Choose a mark that no other string begins with; empty for none
  * @param raw_mark_size the bytes of the mark
  * @param context receives the context
  * @param error receives the reason and, if known, the location; may be null */

@@ -21,10 +21,10 @@
 ///         }
 ///     }
 ///
-/// The thread rules of `stencilor.h` apply here, too. Texts are views into the object that returns
-/// them. Exceptions of a callback reach the caller of the enclosing call. `Error` is thrown for
-/// every status that does not come with a result. All objects can be moved; a moved-from object may
-/// only be assigned or destroyed. Values and messages can be copied.
+/// The thread rules of `stencilor.h` apply here, too. Strings are views into the object that
+/// returns them. Exceptions of a callback reach the caller of the enclosing call. `Error` is thrown
+/// for every status that does not come with a result. All objects can be moved; a moved-from object
+/// may only be assigned or destroyed. Values and messages can be copied.
 
 #include <libStencilorC/stencilor.h>
 
@@ -161,7 +161,7 @@ inline double widen(float number) {
 } // namespace internal
 /// @endcond
 
-/// Plain data: null, a boolean, a text, a list or a dictionary. Numbers are texts.
+/// Plain data: null, a boolean, a string, a list or a dictionary. Numbers are strings.
 /// Copying: copies are deep and independent.
 class Value {
   public:
@@ -171,7 +171,7 @@ class Value {
     /// Null.
     Value(std::nullptr_t) : Value(internal::make<stencilor_value>(stencilor_value_null)) {}
 
-    /// A text.
+    /// A string.
     /// @{
     Value(std::string_view text)
         : Value(internal::make<stencilor_value>(stencilor_value_text, text.data(), text.size())) {}
@@ -186,13 +186,13 @@ class Value {
     /// An empty list.
     static Value list() { return Value(internal::make<stencilor_value>(stencilor_value_list)); }
 
-    /// A text that renders never escape.
+    /// A string that renders never escape.
     static Value raw(std::string_view text) {
         return Value(
             internal::make<stencilor_value>(stencilor_value_raw_text, text.data(), text.size()));
     }
 
-    /// Parses a JSON text.
+    /// Parses JSON text.
     static Value fromJson(std::string_view json) {
         stencilor_value* made = nullptr;
         stencilor_error* error = nullptr;
@@ -544,7 +544,7 @@ inline Result renderPath(std::string_view path, const Context& context, const Op
     });
 }
 
-/// Escapes a text as a `stencilor_escape_kind` says.
+/// Escapes a string as a `stencilor_escape_kind` says.
 inline std::string escape(int kind, std::string_view text) {
     const auto escaped =
         internal::make<stencilor_text>(stencilor_escape, kind, text.data(), text.size());

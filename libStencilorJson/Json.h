@@ -2,7 +2,7 @@
 #define LIBSTENCILORJSON_JSON_H
 
 /// @file
-/// Converts values of nlohmann-json.
+/// Converts nlohmann-json values.
 ///
 ///     #include <libStencilorJson/Json.h>
 ///     #include <iostream>
@@ -30,7 +30,7 @@ namespace kel::Stencilor {
 /// @cond
 namespace internal {
 
-/// Converts a value of nlohmann-json, and keeps track of the position in it.
+/// Converts an nlohmann-json value, and keeps track of the position in it.
 class JsonConverter {
   public:
     Value convert(const nlohmann::json& json);
@@ -122,12 +122,12 @@ inline Value JsonConverter::convert(const nlohmann::json& json) {
 } // namespace internal
 /// @endcond
 
-/// Converts a value of nlohmann-json. Numbers are converted as by `Value`.
+/// Converts an nlohmann-json value. Numbers are converted as by `Value`.
 ///
 /// Threads: may be called from any thread while none changes `json`.
-/// Errors: `JsonError` for malformed UTF-8, numbers that are not finite, binary data, discarded
-///   values, and more than `Value::deepest` levels. It has the JSON pointer of the value instead of
-///   a line: `/users/0/name: malformed UTF-8`. `std::length_error` for a text of more than 4 GiB -
+/// Errors: `JsonError` for malformed UTF-8, non-finite numbers, binary data, discarded
+///   values, and more than `Value::deepest` levels. It gives the JSON pointer of the value, not a
+///   line: `/users/0/name: malformed UTF-8`. `std::length_error` for text of more than 4 GiB -
 ///   1 byte; `std::bad_alloc`.
 /// @param json the value to convert
 /// @return the value

@@ -2,7 +2,7 @@
 #define LIBSTENCILORJSON_JSONTEXT_H
 
 /// @file
-/// Converts JSON texts to values.
+/// Converts JSON text to values.
 ///
 ///     #include <libStencilorJson/JsonText.h>
 ///     #include <iostream>
@@ -18,15 +18,15 @@
 ///         }
 ///     }
 ///
-/// An object becomes a dictionary, an array a list, a string a text, and a number a text with the
-/// digits as written; `true`, `false` and `null` become booleans and null. `Context` documents how
+/// An object becomes a dictionary, and an array a list. Numbers become strings with the digits as
+/// written. Strings, `true`, `false` and `null` keep their kind. `Context` documents how
 /// templates access them: dotted names, `$boolean`, elements of lists.
 ///
-/// Texts are JSON as defined by RFC 8259, in UTF-8, of any size, with or without a byte-order mark.
+/// The text is JSON as defined by RFC 8259, in UTF-8, of any size; a byte-order mark is optional.
 /// Duplicate names in an object, a `$boolean` other than true or false, and more than
 /// `Value::deepest` levels are errors.
 ///
-/// `libStencilorJson/Json.h` converts values of nlohmann-json.
+/// `libStencilorJson/Json.h` converts nlohmann-json values.
 
 #include <libStencilor/Value.h>
 
@@ -37,32 +37,32 @@
 
 namespace kel::Stencilor {
 
-/// Why JSON was rejected, and where. `what()` is `LINE:COLUMN: REASON` for a text,
+/// Why JSON was rejected, and where. `what()` is `LINE:COLUMN: REASON` for text,
 /// `POINTER: REASON` for a value inside another one, and otherwise just the reason.
 class JsonError : public std::runtime_error {
   public:
-    /// An error in a text.
-    /// @param line counted from 1
-    /// @param column counted from 1, in code points
+    /// An error in JSON text.
+    /// @param line starting at 1
+    /// @param column starting at 1, in code points
     /// @param reason the error
     /// @param offset the byte offset
     JsonError(std::size_t line, std::size_t column, const std::string& reason,
               std::size_t offset = 0);
 
-    /// An error that is not in a text.
+    /// An error that is not in JSON text.
     /// @param reason the error
     explicit JsonError(const std::string& reason);
 
     /// Returns the location of the error.
-    /// @return the line, counted from 1; 0 if the error is not in a text
+    /// @return the line, starting at 1; 0 if the error is not in JSON text
     std::size_t line() const { return line_; }
 
     /// Returns the location of the error.
-    /// @return the column, counted from 1, in code points; 0 if the error is not in a text
+    /// @return the column, starting at 1, in code points; 0 if the error is not in JSON text
     std::size_t column() const { return column_; }
 
     /// Returns the location of the error.
-    /// @return the byte offset; 0 if the error is not in a text
+    /// @return the byte offset; 0 if the error is not in JSON text
     std::size_t offset() const { return offset_; }
 
     /// Returns the reason.

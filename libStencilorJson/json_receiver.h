@@ -6,16 +6,16 @@
 
 namespace kel::Stencilor::internal {
 
-/// A range of a JSON text, in bytes.
+/// A range of JSON text, in bytes.
 struct JsonRange {
     std::size_t begin = 0;
     std::size_t end = 0; ///< after the last byte
 };
 
-/// Receives the contents of a JSON text, in order.
+/// Receives the contents of JSON text, in order.
 ///
 /// Ranges include quotation marks, and both brackets of an array or object.
-/// Ownership: texts are only valid during the call.
+/// Ownership: strings are only valid during the call.
 /// Errors: an exception ends the parsing and reaches its caller.
 class JsonReceiver {
   public:

@@ -12,7 +12,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// The optional byte-order mark at the beginning of a text.
+/// The optional byte-order mark at the beginning of JSON text.
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// The size of the first character of `text`, which must not be empty; 0 for malformed UTF-8.
@@ -24,7 +24,7 @@ void appendCharacter(std::string& text, std::uint32_t codePoint);
 /// terminal or the text direction, and shortens it.
 std::string quotable(std::string_view text);
 
-/// A position in a message; both numbers count from 1.
+/// A position in a message; both numbers start at 1.
 struct JsonPosition {
     std::size_t line;
     std::size_t column; ///< in code points

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-// A program with an enumeration and texts in a header that the build generates.
+// A program with an enumeration and strings in a header that the build generates.
 
 int main() {
     for (const Status status : {Status::Ok, Status::NotFound, Status::Teapot}) {

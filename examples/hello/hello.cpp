@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-// The minimal host: a template, values, a text.
+// The minimal host: a template, values, a result.
 
 using namespace kel::Stencilor;
 

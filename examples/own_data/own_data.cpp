@@ -3,9 +3,9 @@
 #include <deque>
 #include <iostream>
 
-// A host that shows its own data to templates. The records store their texts as values of the
-// engine, which contexts borrow: each text is in memory once, regardless of the number of contexts,
-// and creating a context copies no text.
+// A host that shows its own data to templates. The records store strings as values of the
+// engine, which contexts borrow: each string is in memory once, however many contexts there are,
+// and creating a context copies no string.
 
 using namespace kel::Stencilor;
 

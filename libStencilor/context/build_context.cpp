@@ -16,7 +16,7 @@ namespace {
 using Kind = Value::Kind;
 using Members = std::map<String, Value>;
 
-// The approximate size of an entry without its texts: a map node and a value.
+// The approximate size of an entry without its strings: a map node and a value.
 constexpr std::uint64_t perEntry = 192;
 
 /// The memory for a value under a dotted name, in addition to its entry.

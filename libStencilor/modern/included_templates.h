@@ -22,8 +22,8 @@ struct included_template {
 /// Ownership: borrows the source, and owns the templates.
 class included_templates {
   public:
-    /// If `source` is null, files are found as by `buildOutput`. `limit` is the maximum total size
-    /// of all templates.
+    /// If `source` is null, files are found as `buildOutput` finds them. `limit` is the maximum
+    /// total size of all templates.
     included_templates(TemplateSource* source, std::uint64_t limit)
         : source_(source), limit_(limit), left_(limit) {}
 

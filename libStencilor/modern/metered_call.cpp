@@ -20,7 +20,7 @@ constexpr std::array kinds{
 };
 static_assert(kinds.size() == messages.size());
 
-/// The record of a node, or null for a text.
+/// The record of a node, or null for text.
 struct record_of : boost::static_visitor<const void*> {
     template <typename Record>
     const void* operator()(const Record& record) const {

@@ -117,7 +117,7 @@ class name_table::builder final : public SyntaxVisitor {
     std::size_t unusedBytes_; // available for further keys
     loop_variables variables_;
     std::vector<std::uint32_t> prefixLengths_;
-    // By the hash of the name. Ordered, because templates could choose names for their hashes.
+    // By the hash of the name. Not a hash table, because templates could choose names that collide.
     std::multimap<std::size_t, known_list> lists_;
 };
 

@@ -12,7 +12,7 @@ namespace kel::Stencilor::internal {
 
 namespace {
 
-/// Counts the texts before a given one, in the order of the template.
+/// Counts the text nodes before a given one, in the order of the template.
 class text_counter {
   public:
     std::size_t countBefore(const content_list& nodes, const content& text) {
@@ -55,7 +55,7 @@ class text_counter {
     std::size_t count_ = 0;
 };
 
-/// Finds a text by the number of texts before it.
+/// Finds a text node by the number of text nodes before it.
 class text_finder final : public SyntaxVisitor {
   public:
     explicit text_finder(std::size_t before) : before_(before) {}

@@ -43,7 +43,7 @@ inline node_place placeOf(const name_use& use) noexcept {
     return {use.range(), use.line, use.column};
 }
 
-/// The position of a text. Takes time linear in the size of the template.
+/// The position of a text node. Takes time linear in the size of the template.
 node_place placeOfText(const parsed_template& in, const content& text);
 
 } // namespace kel::Stencilor::internal

@@ -27,7 +27,7 @@ class piecewise_output {
         renewBounds();
     }
 
-    /// Appends a text of the template. Returns false, with nothing appended, if that would exceed
+    /// Appends text of the template. Returns false, with nothing appended, if that would exceed
     /// the limit.
     bool text(std::string_view text) { return text_.textIfRoom(text) || textWithCare(text); }
 

@@ -17,7 +17,7 @@ template <typename Load>
 TemplateSource::Answer templateOfFile(const String& path, std::uint64_t maxBytes,
                                       std::optional<Template>& found, Load load) {
     using Answer = TemplateSource::Answer;
-    constexpr std::uint64_t longest = std::numeric_limits<unsigned int>::max(); // of a text
+    constexpr std::uint64_t longest = std::numeric_limits<unsigned int>::max(); // of text
     Buffer<unsigned char> bytes;
     switch (load(std::min(maxBytes, longest), bytes)) {
     case Folder::Answer::Found:

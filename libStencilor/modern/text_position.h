@@ -7,8 +7,8 @@
 
 namespace kel::Stencilor::internal {
 
-/// A position in a text that only moves forward, with its line and column. Lines end at LF, columns
-/// count code points, and both count from 1.
+/// A position in text that only moves forward, with its line and column. Lines end at LF, columns
+/// count code points, and both start at 1.
 class text_position {
   public:
     explicit text_position(std::string_view text) : text_(text) {}

@@ -13,7 +13,7 @@
 
 namespace kel::Stencilor::internal {
 
-/// The way `buildOutput` renders one template: messages are texts, names are looked up with the
+/// The way `buildOutput` renders one template: messages are text, names are looked up with the
 /// prefixes in force, files are read each time, and nothing is counted.
 /// Ownership: borrows the nodes, and the output and messages that it appends to.
 /// Copying: not possible, because it represents one position in one template.

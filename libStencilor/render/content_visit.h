@@ -108,7 +108,7 @@ inline void content_visit<Call>::dispatch(const content& node) {
     }
 }
 
-/// Renders a text or a substitution. Nearly all nodes are one of these, and testing for them is
+/// Renders text or a substitution. Nearly all nodes are one of these, and testing for them is
 /// faster than dispatching on five kinds. Returns false for the others. (With `get`, which checks
 /// more at compile time, the compiler inlines less well.)
 template <typename Call>
@@ -126,7 +126,7 @@ inline bool content_visit<Call>::renderLeaf(const content& node) {
     return false;
 }
 
-/// Renders the nodes up to one that is neither a text nor a substitution, and returns that, or the
+/// Renders the nodes up to one that is neither text nor a substitution, and returns that, or the
 /// end.
 template <typename Call>
 inline const content* content_visit<Call>::renderLeaves(const content* next, const content* end) {

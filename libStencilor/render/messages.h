@@ -20,14 +20,14 @@ enum class fault : std::uint8_t {
     fileNotLoaded,
 };
 
-/// The message of `buildOutput` for a fault: two texts around a name.
+/// The message of `buildOutput` for a fault: text before and after a name.
 struct message {
     std::string_view before;
     std::string_view after;
 };
 
 /// One row per fault, in the order of the enumeration. Some lack a final quotation mark or line
-/// break, but hosts depend on the exact texts.
+/// break, but hosts depend on the exact wording.
 inline constexpr std::array messages{
     message{"Could not find expected replacement named \"", "\"\n"},
     message{"The replacement is not of type String for \"", "\""},

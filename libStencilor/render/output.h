@@ -33,7 +33,7 @@ inline std::string_view upToNul(std::string_view bytes) {
 ///
 /// Each top-level node is decoded separately, so that malformed bytes at the end of one never
 /// combine with those at the start of the next. Parts that are known to be well formed need no
-/// decoding: the texts of a well-formed template, because tags separate them at ASCII bytes, and
+/// decoding: the text of a well-formed template, because tags separate it at ASCII bytes, and
 /// most values. A node is only decoded if other bytes were appended.
 template <typename Text>
 class joined_output {
@@ -44,7 +44,7 @@ class joined_output {
     /// Reserves room for this number of bytes.
     void reserve(std::size_t size) { sink_.reserve(size); }
 
-    /// Appends a text of the template.
+    /// Appends text of the template.
     void text(std::string_view text) { sink_.append(text); }
 
     /// Appends the text of a value up to its first NUL.
@@ -81,7 +81,7 @@ class joined_output {
     /// How many bytes were appended, before any decoding.
     std::uint64_t appended() const noexcept { return changed_ + sink_.size(); }
 
-    /// Begins an included template; `wellFormed` is true if its texts are.
+    /// Begins an included template; `wellFormed` is true if all of its text is.
     void beginIncluded(bool wellFormed) { doubtful_ = doubtful_ || !wellFormed; }
 
     /// Ends a top-level node. Returns true if that may have changed the length of the text.

@@ -22,7 +22,7 @@ constexpr std::uint64_t notPlainBits(std::uint64_t word) noexcept {
 }
 
 /// The text that rendering appends to. Unlike `std::string`, it does not maintain a terminator, so
-/// appending is just a test and a copy. Short texts need no allocation, and long ones grow by
+/// appending is just a test and a copy. Short text needs no allocation, and long text grows by
 /// `realloc`, which moves large blocks without copying.
 /// Errors: `std::length_error` if it would exceed the maximum size of a `kel::String`.
 /// Copying: not possible, because there is one for each rendering.
@@ -59,7 +59,7 @@ class text_sink {
     }
 
     /// The same, but also returns false if `text` contains a NUL or is not all ASCII, which is rare
-    /// for values. 16 bytes must be readable from its beginning. Short texts are copied and tested
+    /// for values. 16 bytes must be readable from its beginning. Short text is copied and tested
     /// without a branch, because lengths are hard to predict.
     bool appendPlainIfRoom(std::string_view text) {
         const std::size_t size = text.size();
@@ -91,7 +91,7 @@ class text_sink {
         renewLimit();
     }
 
-    /// Reserves room for a text of this size.
+    /// Reserves room for text of this size.
     void reserve(std::size_t size) {
         if (size > capacity_) {
             grow(size);
@@ -121,7 +121,7 @@ class text_sink {
     Text take();
 
   private:
-    // A text with more room than this releases it early, so that at most two copies of an output
+    // Text with more room than this releases it early, so that at most two copies of an output
     // exist at once.
     static constexpr std::size_t longText = 65536;
 
@@ -158,7 +158,7 @@ class text_sink {
     // The number of extra bytes after the room.
     static constexpr std::size_t shortSize = 16;
 
-    // Two masks for a text of `n` bytes: from `shortSize - n`, its bytes are set and those past it
+    // Two masks for text of `n` bytes: from `shortSize - n`, its bytes are set and those past it
     // are not; from `2 * shortSize - n`, the opposite. Both are read from memory: if one were
     // computed from the other, the compiler would merge their uses into exclusive ors, whose
     // results valgrind considers undefined.

@@ -49,7 +49,7 @@ bool beginsTag(const char* at) {
     return at[0] == '{' && (at[1] == '%' || at[1] == '{');
 }
 
-/// Finds a brace, or the end. Inline, because most texts are shorter than the cost of a call.
+/// Finds a brace, or the end. Inline, because most text costs less to read than a call.
 const char* nextBrace(const char* at) {
     for (const char* const few = at + 8; at != few; ++at) {
         if (*at == '{' || *at == '\0') {
@@ -83,7 +83,7 @@ bool template_grammar::start() {
 }
 
 // content_rule = text_rule | expr_rule
-// Matches both, because a text is followed by a tag or the end. Returns false if no tag matches.
+// Matches both, because text is followed by a tag or the end. Returns false if no tag matches.
 bool template_grammar::content_rule() {
     text_rule();
     return expr_rule();

@@ -13,11 +13,11 @@
 
 namespace kel::Stencilor::internal {
 
-/// The grammar, with one function per rule. An object parses one text.
+/// The grammar, with one function per rule. An object parses one template.
 ///
 /// How it works: the first pass recognizes the template and records a flat queue of steps, with its
 /// own stack of open blocks. The second pass builds the tree from the steps. It knows the number of
-/// nodes in each list, so no list ever grows; growing would allocate moved nodes again.
+/// nodes in each list, so no list ever grows; growing would reallocate and move nodes.
 /// Ownership: borrows the text, which must outlive the object. Lengths have 32 bits, as in
 ///   `kel::String`. The text is NUL-terminated. No rule inside a tag accepts NUL, so only
 ///   `text_rule` checks for it.
@@ -62,7 +62,7 @@ class template_grammar {
 
     struct step {
         step_kind kind;
-        span text; // a text, name, path or loop variable
+        span text; // text, a name, a path or a loop variable
     };
 
     /// Additional data of a block, in the order of the opening tags.

@@ -23,7 +23,7 @@ const char* describeKind(const ContextBase& value) {
     return dynamic_cast<const ContextIterable*>(&value) != nullptr ? "a list" : "a dictionary";
 }
 
-/// `kind` is the kind that the tag needs, such as `string`.
+/// `kind` is the kind that the tag requires, such as `string`.
 Finding describeMissing(const Occurrence& found, SyntaxRange name, const std::string& kind) {
     return {.rule = Rule::MissingName,
             .place = {found.file, name},

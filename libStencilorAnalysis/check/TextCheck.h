@@ -9,7 +9,7 @@
 namespace kel::Stencilor::Analysis {
 
 /// Adds a warning for the first occurrence of each kind of damage in a template: a NUL byte, which
-/// ends the template, a byte-order mark, or malformed UTF-8. For a text that looks like UTF-16,
+/// ends the template, a byte-order mark, or malformed UTF-8. For text that looks like UTF-16,
 /// this is the only warning.
 void checkText(const TemplateFile& file, std::vector<Finding>& findings);
 

@@ -31,7 +31,7 @@ std::vector<std::size_t> blocksAround(const TemplateFile& file, std::size_t offs
 /// True if the `else` of the block with the opening tag `open` is before an offset.
 bool isAfterElse(const TemplateFile& file, std::size_t open, std::size_t offset);
 
-/// The keyword of a tag; empty for texts and substitutions.
+/// The keyword of a tag; empty for text and substitutions.
 SyntaxRange keywordRangeOf(const TemplateFile& file, const SyntaxElement& tag);
 
 /// The `in` of a loop.

@@ -44,7 +44,7 @@ std::vector<SyntaxRange> findSameNames(const TemplateFile& file, const NameAt& n
 /// not.
 std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string_view name);
 
-/// True if a text is a valid name.
+/// True if text is a valid name.
 bool isName(std::string_view text);
 
 /// True if a name begins with a variable and a dot.

@@ -47,8 +47,8 @@ struct Moment {
     std::optional<FoundName> find(std::string_view name) const;
 };
 
-/// The first moments: with the first elements of the innermost list, and so on. Blocks that would
-/// not be entered, because a value or elements are missing, count as entered without them.
+/// The first moments: with the first elements of the innermost list, and so on. A block that
+/// would be skipped because its value or elements are missing counts as entered without them.
 /// Cost: bounded; only the innermost 200 blocks count.
 std::vector<Moment> findMoments(const ContextBase& context, const std::vector<Site>& sites,
                                 std::size_t most);

@@ -100,7 +100,7 @@ std::string fixKeyword(std::string_view inside, const TemplateFile& file, Syntax
     return makeTag(keyword + (rest.empty() ? "" : " ") + std::string(rest));
 }
 
-/// True if a text is a single valid tag.
+/// True if text is a single valid tag.
 bool isTag(const std::string& text) {
     struct Count final : SyntaxVisitor {
         std::size_t tags = 0;

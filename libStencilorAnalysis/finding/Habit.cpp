@@ -31,7 +31,7 @@ std::string_view trim(std::string_view text, std::string_view signs) {
     return end == text.npos ? std::string_view() : text.substr(begin, end + 1 - begin);
 }
 
-/// A tag with spaces in place of the signs that trim whitespace in other engines.
+/// A tag with spaces in place of the markers that trim whitespace in other engines.
 std::string withoutTrimSigns(std::string_view tag) {
     std::string text(tag);
     const auto isSign = [](char byte) { return byte == '-' || byte == '+' || byte == '~'; };
@@ -118,7 +118,7 @@ std::string_view firstWord(std::string_view inside) {
     return inside.substr(0, static_cast<std::size_t>(end - inside.begin()));
 }
 
-/// The first comment of other engines that begins in a text; `${#` is a shell's.
+/// The first comment of other engines that begins in text; `${#` is a shell's.
 std::size_t findComment(std::string_view text) {
     std::size_t at = text.find("{#");
     while (at != text.npos && at > 0 && text[at - 1] == '$') {

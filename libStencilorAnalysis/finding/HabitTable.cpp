@@ -20,7 +20,7 @@ bool isNamePart(char byte) {
            (byte >= '0' && byte <= '9') || byte == '_';
 }
 
-/// True if `word` occurs in a text, and is not part of a longer name.
+/// True if `word` occurs in text, and is not part of a longer name.
 bool hasWord(std::string_view text, std::string_view word) {
     for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at + 1)) {
         const std::size_t end = at + word.size();

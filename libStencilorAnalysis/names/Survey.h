@@ -10,7 +10,7 @@
 
 namespace kel::Stencilor::Analysis {
 
-/// The kind of value that a tag needs.
+/// The kind of value that a tag requires.
 enum class ValueKind { String, Boolean, List };
 
 /// `string`, `boolean` or `list`.
@@ -54,7 +54,7 @@ class Surveyor {
 /// Walks a template and its includes, regardless of values. Each file is visited once, even by
 /// several surveys with the same surveyor.
 ///
-/// Returns the findings for the files. In a rejected file, only its well-formed tags are visited.
+/// Returns the findings for the files. In a rejected file, only the well-formed tags are visited.
 std::vector<Finding> survey(TemplateFiles& files, const TemplateFile& file, Surveyor& surveyor);
 
 } // namespace kel::Stencilor::Analysis

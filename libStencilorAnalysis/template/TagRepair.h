@@ -37,7 +37,7 @@ inline constexpr std::size_t mostFaults = 20;
 /// tag count as substitutions. Unclosed blocks are a single fault, which comes last and is that of
 /// the innermost one.
 ///
-/// `parts` receives the texts, the well-formed tags, and, without names, the malformed tags that
+/// `parts` receives the text, the well-formed tags, and, without names, the malformed tags that
 /// open or close a block.
 /// Cost: linear, for each of up to `mostFaults` faults.
 TemplateFaults readTemplate(std::string_view text, std::vector<SyntaxElement>& parts);

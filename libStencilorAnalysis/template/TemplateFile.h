@@ -29,7 +29,7 @@ struct Line {
 /// Cost: construction takes linear time; finding a position or a line takes logarithmic time.
 /// Ownership: owns its text; what it returns refers to it.
 /// Copying: not possible, because findings refer to it.
-/// Errors: a text over 4 GiB - 1 byte throws `std::length_error`.
+/// Errors: text over 4 GiB - 1 byte throws `std::length_error`.
 class TemplateFile {
   public:
     /// `name` is its name in findings.
@@ -46,7 +46,7 @@ class TemplateFile {
     /// This fault and those found after it.
     const TemplateFaults& faults() const { return faults_; }
 
-    /// The texts and tags in order; for a rejected template, those that `readTemplate` returns.
+    /// The text and tags in order; for a rejected template, those that `readTemplate` returns.
     const std::vector<SyntaxElement>& parts() const { return parts_; }
 
     /// The index of the tag that ends the part opened by an `if`, `for` or `else`. The template

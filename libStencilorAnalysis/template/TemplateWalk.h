@@ -49,7 +49,7 @@ class TemplateWalk {
         return positions_.at(&file).first;
     }
 
-    /// Visits a text, or a tag other than an include.
+    /// Visits text, or a tag other than an include.
     /// @return the index of the part to visit next; the number of parts ends the file
     virtual std::size_t visit(const TemplateFile& file, std::size_t index) = 0;
 

@@ -9,7 +9,7 @@ namespace kel::Stencilor::Analysis {
 /// The replacement for malformed bytes.
 inline constexpr char32_t replacement = 0xFFFD;
 
-/// One code point of a UTF-8 text.
+/// One code point of UTF-8 text.
 struct CodePoint {
     char32_t value;
     std::size_t size; ///< its size in bytes

@@ -24,7 +24,7 @@ std::string jsonString(std::string_view text);
 
 /// Writes a JSON document incrementally, in the format of `jsonDocument`.
 ///
-/// Memory: only the text. A document of nlohmann-json takes much more, and terminates the process
+/// Memory: only the text. An nlohmann-json document takes much more, and terminates the process
 ///   if memory is exhausted when it is destroyed.
 class JsonWriter {
   public:
@@ -38,7 +38,7 @@ class JsonWriter {
     void string(std::string_view text);
     void number(std::size_t number);
 
-    /// A member with a text or a number.
+    /// A member with a string or a number.
     /// @{
     void member(std::string_view memberName, std::string_view text);
     void member(std::string_view memberName, std::size_t number);

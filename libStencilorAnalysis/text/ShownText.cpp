@@ -23,7 +23,7 @@ constexpr Range escaped[] = {
     {0x200E, 0x200F},   // direction marks
     {0x2028, 0x202E},   // separators and direction controls
     {0x2060, 0x206F},   // zero-width joiners, isolates
-    {0xFEFF, 0xFEFF},   // a byte-order mark inside a text
+    {0xFEFF, 0xFEFF},   // a byte-order mark inside text
     {0xFFF9, 0xFFFB},   // annotations
     {0xE0000, 0xE007F}, // tags
 };

@@ -22,13 +22,13 @@ struct ShownPoint {
 /// The first code point of a non-empty text.
 ShownPoint showFirst(std::string_view text);
 
-/// Escapes a text of one line. Malformed bytes become U+FFFD.
+/// Escapes text of one line. Malformed bytes become U+FFFD.
 std::string showText(std::string_view text);
 
-/// Shortens a text for a message to its first 200 code points and an ellipsis.
+/// Shortens text for a message to its first 200 code points and an ellipsis.
 std::string shorten(std::string_view text);
 
-/// Shortens a text and puts it in quotation marks.
+/// Shortens text and puts it in quotation marks.
 std::string quote(std::string_view text);
 
 /// Escapes the same characters in a JSON document by JSON's own escapes.

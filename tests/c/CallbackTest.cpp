@@ -173,7 +173,7 @@ TEST(CSource, CanBeReset) {
     EXPECT_EQ(textOf(render(parse("{% include \"p\" %}"), contextOf("{}"), options.get())), "");
 }
 
-/// Writes pieces to a text, up to a number of them.
+/// Writes pieces to a string, up to a number of them.
 struct Writer {
     std::string text{};
     int pieces = 0;

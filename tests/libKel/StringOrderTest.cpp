@@ -5,7 +5,7 @@
 namespace kel {
 namespace {
 
-/// All texts of `length` bytes from `alphabet`.
+/// All strings of `length` bytes from `alphabet`.
 std::vector<std::string> textsOf(std::size_t length, const std::string& alphabet) {
     if (length == 0) {
         return {std::string()};
@@ -19,7 +19,7 @@ std::vector<std::string> textsOf(std::size_t length, const std::string& alphabet
     return texts;
 }
 
-// Bytes compare as unsigned, and a prefix of a text comes before it, as in the order of standard
+// Bytes compare as unsigned, and a prefix of a string comes before it, as in the order of standard
 // string views.
 void expectOrderOf(const std::string& left, const std::string& right) {
     const String first(left);
@@ -45,7 +45,7 @@ TEST(StringOrder, IsThatOfUnsignedBytesForAllShortTexts) {
 }
 
 // Long common prefixes, so that the difference is before, at and after the eighth byte; and zero
-// bytes, which could be mistaken for the padding of short texts.
+// bytes, which could be mistaken for the padding of short strings.
 TEST(StringOrder, IsThatOfUnsignedBytesForTextsWithCommonBeginnings) {
     const std::string alphabet("\0a\xFF", 3);
     std::vector<std::string> texts;

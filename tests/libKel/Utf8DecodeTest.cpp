@@ -149,7 +149,7 @@ TEST(Utf8Decode, AgreesWithTheObviousImplementationOnBoundaryInputsOfFourBytes) 
     }
 }
 
-// Long texts are read in large steps. The block is exactly as long as the text, so that the address
+// Long text is read in large steps. The block is exactly as long as the text, so that the address
 // sanitizer detects reads outside it.
 TEST(Utf8Decode, FindsAMalformedByteWhereverItIsInALongText) {
     Comparison comparison;

@@ -50,7 +50,7 @@ TEST(FileLimits, AllowTheLargestThirtyTwoBitSize) {
     EXPECT_EQ(buffer.data[longest - 1], 0);
 }
 
-/// A list of `count` texts of 64 MiB, which share one block.
+/// A list of `count` strings of 64 MiB, which share one block.
 ContextIterable* longTexts(std::size_t count) {
     const String value(std::string(64u << 20, 'x'));
     ContextIterable* const made = list();

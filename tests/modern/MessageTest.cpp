@@ -222,7 +222,7 @@ TEST(Messages, StayInOneLineWhateverThePath) {
     EXPECT_EQ(result.messages[0].text(), "there is no template \"a\\u000ab\\u000d\\u001b[2J\"");
 }
 
-// Short texts are copied whole; only long ones have a block to share.
+// Short strings are copied whole; only long ones have a block to share.
 TEST(Messages, ShareTheNameThatTheyAreAbout) {
     std::string name;
     for (int dot = 0; dot < 30'000; ++dot) {

@@ -31,13 +31,13 @@ void runTogether(Work work, Meanwhile meanwhile) {
     }
 }
 
-/// A version of a text: one digit, repeated.
+/// A version of some text: one digit, repeated.
 std::string version(int number) {
     const auto size = static_cast<std::size_t>(100 + number % 3 * 5000);
     return std::string(size, static_cast<char>('0' + number % 10));
 }
 
-/// True if a text is a whole version, twice.
+/// True if text is a whole version, twice.
 bool isOneVersionTwice(const std::string& text) {
     const std::string half = text.substr(0, text.size() / 2);
     const bool isWhole = half.empty() || half == version(half[0] - '0') ||

@@ -10,7 +10,7 @@
 namespace kel::Stencilor {
 namespace {
 
-/// Converts to a text like types of other libraries.
+/// Converts to a string like types of other libraries.
 struct Name {
     operator std::string_view() const { return "name"; }
 };

@@ -26,7 +26,7 @@ struct Plain {
 template <typename... Sources>
 constexpr bool areRefused = (!std::is_constructible_v<Value, Sources> && ...);
 
-// Pointers would be texts by mistake, or booleans that are always true.
+// Pointers would be strings by mistake, or booleans that are always true.
 static_assert(areRefused<int*, void*, const void*, bool*, Plain*, Value*, String*, std::string*,
                          void (*)(), int Plain::*, std::unique_ptr<int>, std::shared_ptr<Value>>);
 // Wide characters and strings would be numbers or lists of numbers.

@@ -179,7 +179,7 @@ TEST(Border, ExhaustedMemoryPassesFromTheEngineToThisProgram) {
         "{{ name }}{% if yes %}{{ name }}{{ name }}{{ missing }}{% endif %}" + longText;
     const Rendered expected = render(input, root);
     const auto exhaust = [&] {
-        // It allocates memory itself for texts longer than a line or two. The base library
+        // It allocates memory itself for text longer than a line or two. The base library
         // allocates for strings, and the C++ run-time elsewhere.
         for (const wchar_t* const dll : {L"libStencilor.dll", L"libKel.dll", L"libstdc++-6.dll"}) {
             exhaustMemory(dll, [&] { render(input, root); });

@@ -18,7 +18,7 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// The first byte of a value. The rest of a text is its size and its bytes; of a list, its items
+/// The first byte of a value. The rest of a string is its size and its bytes; of a list, its items
 /// and `End`; of a dictionary, its members, each a key and a value, and `End`.
 enum class Tag : unsigned char { Null, False, True, Text, RawText, List, Dictionary, End };
 

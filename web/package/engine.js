@@ -1,4 +1,4 @@
-// The engine, and how texts, values and functions are passed to and from it.
+// The engine, and how strings, values and functions are passed to and from it.
 
 import { compressed } from "./wasm.js";
 import { ValueWriter } from "./values.js";
@@ -94,7 +94,7 @@ export class Engine {
     };
   }
 
-  /** Calls `use` with the address and the size of a text in UTF-8. */
+  /** Calls `use` with the address and the size of a string in UTF-8. */
   withText(text, use) {
     return this.#withBytes(encoder.encode(text), use);
   }
@@ -146,7 +146,7 @@ export class Engine {
     }
   }
 
-  /** Returns the handle of a context made from a JSON text. */
+  /** Returns the handle of a context made from JSON text. */
   makeContextOfJson(json, positions) {
     return this.withText(json, (address, size) => {
       const { status, handle } = this.make((context) =>

@@ -1,4 +1,4 @@
-/** A value for templates: a text, a number, a boolean, nothing, a list or a dictionary. An object
+/** A value for templates: a string, a number, a boolean, nothing, a list or a dictionary. An object
  * with `toJSON`, such as a `Date`, becomes what that method returns; any other iterable becomes a
  * list. */
 export type Value =
@@ -17,7 +17,7 @@ export type Value =
 /** The values that a template is rendered with, by name. */
 export type Values = ReadonlyMap<string, unknown> | object;
 
-/** A text that renders never escape; created by `raw`. */
+/** A string that renders never escape; created by `raw`. */
 export interface Raw {
   readonly text: string;
 }
@@ -60,7 +60,7 @@ export interface RenderOptions extends ContextOptions {
   keepGoing?: () => boolean;
 }
 
-/** How a render ended. Only a `complete` render has a text. */
+/** How a render ended. Only a `complete` render has text. */
 export type Status =
   | "complete"
   | "rejected"
@@ -86,7 +86,7 @@ export type MessageKind =
   | "depthLimit"
   | "stopped";
 
-/** A location in a template. Lines and columns count from 1; columns count code points. */
+/** A location in a template. Lines and columns start at 1; columns count code points. */
 export interface Site {
   readonly templateName: string;
   readonly line: number;
@@ -180,8 +180,8 @@ export interface Stencilor {
   readonly Template: new (text: string, options?: { name?: string }) => Template;
   readonly Context: {
     new (values?: Values, options?: ContextOptions): Context;
-    /** Creates a context from a JSON text, whose numbers keep their digits. Throws a `SyntaxError`
-     * with `line` and `column`, which count from 1. */
+    /** Creates a context from JSON text, whose numbers keep their digits. Throws a `SyntaxError`
+     * with `line` and `column`, which start at 1. */
     fromJson(json: string, options?: ContextOptions): Context;
   };
   /** Finds what is wrong with a template and everything that it includes. With a context, also
@@ -195,10 +195,10 @@ export interface Stencilor {
   names(template: Template, options?: { templates?: Templates }): Name[];
   /** Lists the nodes of a template. Throws if the template is rejected. */
   tree(template: Template): Node[];
-  /** Marks a text as safe where it is inserted, so that renders never escape it. */
+  /** Marks a string as safe where it is inserted, so that renders never escape it. */
   raw(text: string): Raw;
   escapeHtml(text: string): string;
-  /** Escapes a text for the inside of a JSON string, also within HTML. */
+  /** Escapes a string for the inside of a JSON string, also within HTML. */
   escapeJson(text: string): string;
 }
 

@@ -7,7 +7,7 @@ const deepest = 512;
 
 const encoder = new TextEncoder();
 
-/** A text that renders never escape. */
+/** A string that renders never escape. */
 export class Raw {
   constructor(text) {
     this.text = String(text);
@@ -115,7 +115,7 @@ export class ValueWriter {
     this.#bytes[this.#size++] = tag;
   }
 
-  /** Short texts are mostly ASCII, and copying them here is faster than a call. */
+  /** Short strings are mostly ASCII, and copying them here is faster than a call. */
   #writeText(text) {
     const length = text.length;
     if (length >= 64) {

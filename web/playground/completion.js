@@ -33,7 +33,7 @@ function collect(values, prefix, found) {
   }
 }
 
-/** The loops that are open at the end of a text: `[variable, list]`, the outermost first. */
+/** The loops that are open at the end of the text: `[variable, list]`, the outermost first. */
 function openLoops(text) {
   const open = [];
   const tag = /\{%[ \t]*(?:for[ \t]*([\w./]+)[ \t]*in[ \t]*([\w./]+)|(endfor))[ \t]*%\}/g;

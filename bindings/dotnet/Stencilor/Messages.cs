@@ -23,7 +23,7 @@ namespace Stencilor
     {
         /// <summary>A substitution's name is not in scope.</summary>
         ValueNotFound = 1,
-        /// <summary>It is in scope, but not a text.</summary>
+        /// <summary>It is in scope, but not a string.</summary>
         ValueNotText = 2,
         /// <summary>A condition's name is not in scope.</summary>
         BooleanNotFound = 3,
@@ -49,7 +49,7 @@ namespace Stencilor
         DepthLimit = 13
     }
 
-    /// <summary>A location in a template. Lines and columns count from 1; columns count code
+    /// <summary>A location in a template. Lines and columns start at 1; columns count code
     /// points.</summary>
     public struct Place
     {

@@ -77,7 +77,7 @@ namespace Stencilor
         [UnmanagedFunctionPointer(C)]
         internal delegate int FindFunction(IntPtr payload, IntPtr path, UIntPtr size, IntPtr request);
 
-        /// <summary>The bytes of a text, for functions that take bytes and a size.</summary>
+        /// <summary>The bytes of a string, for functions that take bytes and a size.</summary>
         internal static byte[] Bytes(string text)
         {
             return utf8.GetBytes(text);
@@ -88,7 +88,7 @@ namespace Stencilor
             return (UIntPtr)bytes.Length;
         }
 
-        /// <summary>Copies a text that the library returned; its handle must still be alive.</summary>
+        /// <summary>Copies a string that the library returned; its handle must still be alive.</summary>
         internal static string Text(IntPtr text, UIntPtr size)
         {
             var bytes = new byte[checked((int)size)];

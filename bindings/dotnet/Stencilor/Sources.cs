@@ -76,7 +76,7 @@ namespace Stencilor
             return new TemplateSource(handle);
         }
 
-        /// <summary>Creates a source from texts by path, which are copied.</summary>
+        /// <summary>Creates a source from strings by path, which are copied.</summary>
         public static TemplateSource FromTexts(IEnumerable<KeyValuePair<string, string>> texts)
         {
             Native.Check(Native.stencilor_source_memory(out SourceHandle handle));

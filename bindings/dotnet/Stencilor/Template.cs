@@ -114,7 +114,7 @@ namespace Stencilor
             }
         }
 
-        /// <summary>Renders to a text.</summary>
+        /// <summary>Renders to a string.</summary>
         /// <param name="values">a <see cref="Context"/>, a dictionary, or an object with properties</param>
         /// <param name="options">how to render; null for the defaults</param>
         /// <exception cref="RenderException">a limit was reached, or the render is strict and there are
@@ -131,7 +131,7 @@ namespace Stencilor
             return result.Text;
         }
 
-        /// <summary>Like <see cref="Render"/>, but returns a text, a status and messages.</summary>
+        /// <summary>Like <see cref="Render"/>, but returns a string, a status and messages.</summary>
         public RenderResult RenderResult(object values, RenderOptions options = null)
         {
             options = options ?? new RenderOptions();

@@ -7,10 +7,10 @@ using System.Reflection;
 
 namespace Stencilor
 {
-    /// <summary>A text that is never escaped: for text known to be safe where it is inserted.</summary>
+    /// <summary>A string that is never escaped: for text known to be safe where it is inserted.</summary>
     public sealed class Raw
     {
-        /// <summary>Marks a text as safe.</summary>
+        /// <summary>Marks a string as safe.</summary>
         public Raw(string text)
         {
             Text = text ?? throw new ArgumentNullException(nameof(text));

@@ -57,7 +57,7 @@ class IncludeSite:
 class Message:
     """Something that could not be rendered, or the reason that a render ended.
 
-    Lines and columns count from 1; columns count code points.
+    Lines and columns start at 1; columns count code points.
     """
 
     kind: MessageKind

@@ -158,7 +158,7 @@ _decode = _make_decoder()
 
 
 def read(function: Callable[..., Any], *arguments: Any) -> str:
-    """Calls a function that returns a text."""
+    """Calls a function that returns a string."""
     size = c_size_t()
     text = function(*arguments, byref(size))
     decoded: str = _decode(text, size.value, None)

@@ -56,7 +56,7 @@ class RenderResult:
 
 @dataclass(frozen=True)
 class Place:
-    """A location in a template. Lines and columns count from 1; columns count code points."""
+    """A location in a template. Lines and columns start at 1; columns count code points."""
 
     filename: str
     lineno: int
@@ -174,7 +174,7 @@ class Template:
         strict: Optional[bool] = None,
         positions: Optional[bool] = None,
     ) -> str:
-        """Renders to a text. Options that are not given default to those of the environment.
+        """Renders to a string. Options that are not given default to those of the environment.
 
         values: a mapping, a dataclass or a `Context`
         escape: "none", "html" or "json"
@@ -207,7 +207,7 @@ class Template:
         limits: Optional[Limits] = None,
         positions: Optional[bool] = None,
     ) -> RenderResult:
-        """Like `render`, but returns a text, a status and messages."""
+        """Like `render`, but returns a string, a status and messages."""
         host = self._environment
         return _read_result(
             *_render(
@@ -235,7 +235,7 @@ class Template:
 class Environment:
     """Where templates come from, and how they are rendered by default.
 
-    loader: a folder, a mapping from paths to texts (which is copied), a function that returns
+    loader: a folder, a mapping from paths to strings (which is copied), a function that returns
       the text or the `Template` at a path, or None if there is none; without a loader, no templates
       are found
     The options are those of `Template.render`. Threads may share an environment if its

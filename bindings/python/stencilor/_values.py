@@ -32,7 +32,7 @@ from . import _library as library
 
 _DEEPEST = 512
 
-# Marks raw texts in the JSON. It is random, so no other text begins with it.
+# Marks raw strings in the JSON. It is random, so no other text begins with it.
 _RAW_MARK = secrets.token_hex(16)
 _RAW_MARK_BYTES = _RAW_MARK.encode()
 
@@ -40,7 +40,7 @@ _surrogates = re.compile("[\ud800-\udfff]")
 
 
 class Raw:
-    """A text that is never escaped: for text known to be safe where it is inserted.
+    """A string that is never escaped: for text known to be safe where it is inserted.
 
     It is not a `str`, so that joining it with other text does not accidentally make that text raw.
     """
@@ -66,7 +66,7 @@ class Raw:
 
 
 def utf8(text: Union[str, bytes]) -> bytes:
-    """Encodes a text for the library. Lone surrogates become U+FFFD, as malformed bytes do."""
+    """Encodes a string for the library. Lone surrogates become U+FFFD, as malformed bytes do."""
     if isinstance(text, bytes):
         return text
     try:

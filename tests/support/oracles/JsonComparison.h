@@ -13,7 +13,7 @@ struct JsonComparison {
 };
 
 /// Compares acceptance, all values and names in order, and the ranges that the reader reports. Only
-/// the reader rejects texts with more than 512 levels, duplicate names in an object, and NUL bytes
+/// the reader rejects text with more than 512 levels, duplicate names in an object, and NUL bytes
 /// after the end; only nlohmann-json rejects numbers that exceed a `double`.
 JsonComparison compareJsonReaders(std::string_view text);
 

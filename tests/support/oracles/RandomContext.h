@@ -17,7 +17,7 @@ using ToString = std::function<kel::String(Random&, const std::string&)>;
 
 /// A root whose values have every shape that hosts can make: all kinds, classes derived from them,
 /// null entries and elements, children on values of every kind, the same few keys at every level.
-/// All texts differ, so that a wrong lookup is detected.
+/// All strings differ, so that a wrong lookup is detected.
 std::unique_ptr<kel::Stencilor::ContextBase> randomContext(Random& random,
                                                            const ToString& toString);
 

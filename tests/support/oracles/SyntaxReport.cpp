@@ -187,7 +187,7 @@ std::string findMistakeInFault(const std::string& text, const std::vector<OpenBl
         !beginsWell(text.substr(0, fault.tag), open)) {
         return "the fault stands elsewhere";
     }
-    // No token is longer than seven bytes. A text may end with a part of one.
+    // No token is longer than seven bytes. Text may end with a part of one.
     constexpr std::size_t longestToken = 7;
     const bool endsBehind = text.size() >= fault.offset + longestToken;
     const std::string read = text.substr(fault.tag, fault.offset - fault.tag);

@@ -11,7 +11,7 @@ using namespace kel::Stencilor::internal;
 
 namespace {
 
-/// Follows a text through the tree of the names, whose edges are the parts between dots.
+/// Follows JSON text through the tree of the names, whose edges are the parts between dots.
 class NameFinder final : public JsonReceiver {
   public:
     explicit NameFinder(const std::vector<std::string>& names) {

@@ -67,7 +67,7 @@ kel::Stencilor::Context makeContext(const ContextRequest& request, Files& files,
     const Value values = loadContext(request, files, text);
     try {
         return kel::Stencilor::Context(values, {.positions = request.positions});
-    } catch (const std::length_error& error) { // thrown for the dotted names, not for a text
+    } catch (const std::length_error& error) { // thrown for the dotted names, not for a string
         throw Failure(error.what());
     }
 }

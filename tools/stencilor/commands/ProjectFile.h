@@ -35,7 +35,7 @@ Project parseProject(const std::string& file, std::string_view text);
 std::optional<std::string> findProjectFile(const std::string& folder, const std::string& outermost,
                                            const std::function<bool(const std::string&)>& exists);
 
-/// True if a path is a folder or inside it. Both must be canonical.
+/// True if a path is the folder itself or inside it. Both must be canonical.
 bool isInside(std::string_view path, std::string_view folder);
 
 std::string joinPath(const std::string& folder, const std::string& path);

@@ -21,7 +21,7 @@ struct RenderRequest : Request {
 };
 
 /// Renders a template, and writes the result and the messages. Does not return if it watches.
-/// Errors: throws `Failure`, and `std::length_error` for a text of more than 4 GiB - 1 byte.
+/// Errors: throws `Failure`, and `std::length_error` for text of more than 4 GiB - 1 byte.
 ExitStatus render(const RenderRequest& request);
 
 } // namespace stencilor

@@ -34,7 +34,7 @@ TemplateSource::Answer RenderedTemplates::find(const kel::String& path, std::uin
     case kel::Folder::Answer::Unreadable:
         return Answer::Unreadable;
     case kel::Folder::Answer::TooLarge:
-        // Without a limit, this is more than any text can have.
+        // Without a limit, this is more than any template can be.
         return maxBytes > system::longestText ? Answer::Unreadable : Answer::TooLarge;
     case kel::Folder::Answer::Found:
         break;

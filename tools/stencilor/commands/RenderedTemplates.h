@@ -48,7 +48,7 @@ class RenderedTemplates final : public kel::Stencilor::TemplateSource {
 
     static Known open(const kel::Stencilor::Analysis::TemplateText& text);
 
-    /// Returns the templates of the render.
+    /// Returns the templates that the render used.
     class Reader final : public kel::Stencilor::Analysis::TemplateReader {
       public:
         explicit Reader(RenderedTemplates& templates) : templates_(templates) {}

@@ -29,7 +29,7 @@ struct Check {
     std::optional<bool> looksUpNames{}; ///< empty if not yet decided
 };
 
-/// Checks the open templates like `check`, each with its includes.
+/// Checks the open templates, each with its includes, as `check` does.
 ///
 /// Names are looked up if a context is known. If another open template includes a template, names
 /// are looked up there, and on its own only if it has a context of its own.
@@ -42,7 +42,7 @@ class Checks {
     Checks(const Documents& documents, Workspace& workspace)
         : documents_(documents), workspace_(workspace) {}
 
-    /// Call this when a text has changed. Templates that include it are also checked again.
+    /// Call this when a document has changed. Templates that include it are also checked again.
     void noteChange(const std::string& name);
 
     /// Call this when files or settings may have changed. Everything is checked again.

@@ -39,7 +39,7 @@ SyntaxRange visibleRange(const std::string& text, SyntaxRange range) {
     return {isLineBegin ? range.begin : range.begin - 1, range.begin};
 }
 
-/// The texts of files that are not open.
+/// The contents of files that are not open.
 class ClosedTexts {
   public:
     explicit ClosedTexts(Encoding encoding) : encoding_(encoding) {}
@@ -61,8 +61,8 @@ Json locationOf(const Place& place, const Documents& documents) {
     return {{"uri", uriOf(documents, name)}, {"range", rangeIn(text, place.range)}};
 }
 
-/// A note at the location of its finding is added to the message; clients that support it show
-/// other locations.
+/// A note at the location of its finding is added to the message. Notes at other locations are sent
+/// to clients that can show them.
 bool belongsToMessage(const Note& note, const Finding& finding) {
     return note.place.file == finding.place.file &&
            note.place.range.begin <= finding.place.range.begin &&

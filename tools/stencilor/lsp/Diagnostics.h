@@ -15,7 +15,7 @@ namespace stencilor::lsp {
 /// The URI of a file or a document.
 std::string uriOf(const Documents& documents, const std::string& name);
 
-/// Converts a finding in a text to the protocol.
+/// Converts a finding in a document to the protocol.
 Json describeFinding(const kel::Stencilor::Analysis::Finding& finding, const IndexedText& text,
                      const Documents& documents, const Client& client);
 

@@ -12,7 +12,7 @@
 
 namespace stencilor::lsp {
 
-/// A text that is open in the editor.
+/// A document that is open in the editor.
 struct Document {
     Document(Encoding encoding, std::string content) : text(encoding, std::move(content)) {}
 
@@ -34,7 +34,7 @@ struct Document {
     mutable std::unique_ptr<kel::Stencilor::Analysis::TemplateFile> parsed; // null if it changed
 };
 
-/// The texts that are open in the editor, which replace the files.
+/// The documents that are open in the editor, which replace the files.
 /// Errors: throws `ResponseError`, and what the JSON library throws, for invalid parameters.
 class Documents {
   public:
@@ -43,7 +43,7 @@ class Documents {
 
     Document& open(const Json& item);
 
-    /// Applies changes to whole texts or ranges, in order.
+    /// Applies changes to whole documents or ranges, in order.
     Document& change(const Json& params);
 
     /// Returns the name of the closed document.
@@ -63,7 +63,7 @@ class Documents {
     std::unordered_map<std::string, Document*> byUri_;
 };
 
-/// Converts a byte range of a text to the protocol.
+/// Converts a byte range of a document to the protocol.
 Json rangeIn(const IndexedText& text, kel::Stencilor::SyntaxRange range);
 
 /// The inverse. The end is not before the start.

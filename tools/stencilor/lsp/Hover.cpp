@@ -17,7 +17,7 @@ using namespace kel::Stencilor::Analysis;
 
 namespace {
 
-/// Escapes a text for Markdown.
+/// Escapes text for Markdown.
 std::string code(std::string_view text) {
     std::string shown = shorten(text);
     std::string fence = "`";

@@ -21,7 +21,7 @@ struct TextPosition {
     friend bool operator==(const TextPosition&, const TextPosition&) = default;
 };
 
-/// A text with the lines and characters in it, which change with it. Lines end with LF, CR LF or a
+/// Text with the lines and characters in it, which change with it. Lines end with LF, CR LF or a
 /// lone CR. A malformed byte counts as a character if it does not look like the rest of one.
 ///
 /// Cost: a position is found in logarithmic time once the text before it has been indexed. After a

@@ -129,7 +129,7 @@ void writeFile(const std::string& path, std::string_view content) {
     }
     const std::filesystem::path target = followLinks(wide);
     if (isReadOnly(target)) {
-        fail(ERROR_ACCESS_DENIED); // Replacing it might only require rights in its folder.
+        fail(ERROR_ACCESS_DENIED); // Replacing it may require only rights to its folder.
     }
     const InterruptsHeld held;
     TemporaryFile temporary(target.parent_path());

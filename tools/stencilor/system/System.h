@@ -13,7 +13,7 @@
 
 namespace stencilor::system {
 
-/// The maximum size of a text in the engine. Larger files are not read: "File too large".
+/// The maximum size of text in the engine. Larger files are not read: "File too large".
 inline constexpr std::uint64_t longestText = 0xFFFF'FFFF;
 
 /// Initializes the process, and returns its arguments without the program's name.
