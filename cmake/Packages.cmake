@@ -107,7 +107,7 @@ set(
     "${PROJECT_BINARY_DIR}/libStencilor"
 )
 
-# Licences and other files that no build installs.
+# Licenses and other files that no build installs.
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/add_documents.cmake")
 set(CPACK_STENCILOR_SOURCE "${PROJECT_SOURCE_DIR}")
 set(CPACK_STENCILOR_HEADERS "${STENCILOR_HEADERS}")

@@ -1,4 +1,4 @@
-// Lays out the npm package: its sources, the engine as a module, and the licences of everything in
+// Lays out the npm package: its sources, the engine as a module, and the licenses of everything in
 // it.
 //
 //   node build-package.mjs WASM VERSION OUT
@@ -12,7 +12,7 @@ const [wasm, version, out] = process.argv.slice(2);
 const web = fileURLToPath(new URL(".", import.meta.url));
 const root = join(web, "..");
 
-/** The paragraphs of a list of licences that begin with one of `beginnings`; each of them must
+/** The paragraphs of a list of licenses that begin with one of `beginnings`; each of them must
  * occur. */
 function paragraphsOf(list, beginnings) {
   const paragraphs = readFileSync(list, "utf8").split(/\n\n+/);
@@ -25,13 +25,13 @@ function paragraphsOf(list, beginnings) {
   });
 }
 
-/** The licence of Boost, from a list of the licences of every file. */
+/** The Boost license, from a list of the licenses of every file. */
 function boostLicence() {
   const list = readFileSync("/usr/share/doc/libboost1.74-dev/copyright", "utf8");
   const begin = list.indexOf("\n Boost Software License - Version 1.0");
   const end = list.indexOf("\n\n", begin);
   if (begin < 0 || end < 0) {
-    throw new Error("the licence of Boost is not where it is expected");
+    throw new Error("the Boost license is not where it is expected");
   }
   return list.slice(begin, end).replace(/^ \.?/gm, "").trim();
 }

@@ -26,13 +26,13 @@ const asText = {
   },
 };
 
-/** The licences of the packages in a bundle. */
+/** The licenses of the packages in a bundle. */
 function licencesOf({ inputs }) {
   const names = Object.keys(inputs).map((path) => /node_modules\/((?:@[^/]+\/)?[^/]+)\//.exec(path)?.[1]);
   return [...new Set(names.filter(Boolean))].sort().map((name) => {
     const file = readdirSync(join(modules, name)).find((each) => /^licen[cs]e/i.test(each));
     if (!file) {
-      throw new Error(`the package ${name} has no licence`);
+      throw new Error(`the package ${name} has no license`);
     }
     return `${name}\n${"=".repeat(name.length)}\n\n${readFileSync(join(modules, name, file), "utf8").trim()}\n`;
   });

@@ -1,4 +1,4 @@
-# Run by cpack on the installed files of a package before they are packed: adds the licences, and
+# Run by cpack on the installed files of a package before they are packed: adds the licenses, and
 # the documents that each Debian package must have.
 
 function(stencilor_run)
@@ -11,7 +11,7 @@ function(stencilor_package_date result)
     set(${result} "${date}" PARENT_SCOPE)
 endfunction()
 
-# One text with all licences. The licence of Boost need not be distributed with compiled code.
+# One file with all licenses. The Boost license need not be distributed with compiled code.
 function(stencilor_write_copyright licences file)
     file(READ "${licences}/Stencilor.txt" text)
     string(APPEND text "\nIt contains the following libraries, compiled in.\n")

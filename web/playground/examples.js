@@ -17,7 +17,7 @@ export const examples = [
   },
   {
     title: "Conditions need booleans",
-    lesson: "Only true and false are booleans. A text is not, and neither part is rendered.",
+    lesson: "Only true and false are booleans. A string is not, and neither part is rendered.",
     files: [
       [
         "page.txt",
@@ -130,7 +130,7 @@ export const examples = [
   },
   {
     title: "Tags of other engines",
-    lesson: "Tags from other template languages are recognised, and the messages say what to write instead.",
+    lesson: "Tags from other template languages are recognized, and the messages say what to write instead.",
     files: [
       ["page.txt", "{{ name | upper }}\n{% if not member %}{% elif x %}{% endif %}\nbody {{margin: 0}}\n"],
     ],
@@ -147,7 +147,7 @@ export const examples = [
   },
   {
     title: "A report",
-    lesson: "A complete page built from several files, with months, bookings and texts in six languages.",
+    lesson: "A complete page built from several files, with months, bookings and text in six languages.",
     files: [
       ["report.html", report],
       ["parts/head.html", reportHead],

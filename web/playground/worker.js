@@ -1,4 +1,4 @@
-// Renders and analyses, off the page's thread.
+// Renders and analyzes, off the page's thread.
 
 import { load } from "stencilor";
 
