@@ -191,15 +191,14 @@ export class Engine {
     return result;
   }
 
-  /** Runs a callback. Exceptions must not pass through the engine: a failure ends a render, while
-   * an analysis continues without the template. */
+  /** Runs a callback. Exceptions must not pass through the engine: a failure ends the call. */
   #run(number, callback) {
     const call = this.#calls[number];
     try {
       return callback(call.functions);
     } catch (thrown) {
       call.failure ??= { thrown };
-      return call.functions.goesOn ? 0 : 1;
+      return 1;
     }
   }
 

@@ -151,6 +151,18 @@ export interface Finding extends Note {
   readonly notes: readonly Note[];
 }
 
+/** How to check. */
+export interface CheckOptions extends ContextOptions {
+  templates?: Templates;
+  context?: Values | Context;
+  /** `steps` limits the search for names, by default to 100,000,000; a finding with the rule `limit`
+   * reports where it ended. `messages` limits the findings. Throws if included templates are longer
+   * than `templateBytes`. */
+  limits?: Pick<Limits, "steps" | "templateBytes" | "messages">;
+  /** Called after every 1,024 steps; `false` ends the call, which throws. */
+  keepGoing?: () => boolean;
+}
+
 /** A name that a template looks up. */
 export interface Name {
   readonly name: string;
@@ -186,10 +198,7 @@ export interface Stencilor {
   };
   /** Finds what is wrong with a template and everything that it includes. With a context, also
    * reports names that it lacks. */
-  check(
-    template: Template,
-    options?: ContextOptions & { templates?: Templates; context?: Values | Context },
-  ): Finding[];
+  check(template: Template, options?: CheckOptions): Finding[];
   /** Lists the names that a template and everything that it includes look up. Throws if the
    * template is rejected. */
   names(template: Template, options?: { templates?: Templates }): Name[];

@@ -308,17 +308,20 @@ function makeInterface(engine) {
     }
   }
 
-  function check(template, { templates, context, positions } = {}) {
+  function check(template, { templates, context, positions, limits, keepGoing } = {}) {
+    const handle = handleOf(template);
+    const options = { templates, keepGoing, limits: { messages: 0, ...limits } };
     const analyse = (values) =>
-      withSource(templates, { goesOn: true }, (source) =>
-        readJson((place) => wasm.stencilor_check(handleOf(template), source, values, place)),
+      withOptions(options, (checking) =>
+        readJson((place) => wasm.stencilor_check_limited(handle, values, checking, place)),
       ).findings;
     return context === undefined ? analyse(0) : withContext(context, { positions }, analyse);
   }
 
   function names(template, { templates } = {}) {
-    return withSource(templates, { goesOn: true }, (source) =>
-      readJson((place) => wasm.stencilor_names(handleOf(template), source, place)),
+    const handle = handleOf(template);
+    return withSource(templates, {}, (source) =>
+      readJson((place) => wasm.stencilor_names(handle, source, place)),
     ).names;
   }
 

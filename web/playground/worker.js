@@ -57,7 +57,7 @@ function makeContext(text, positions) {
 
 /** The results of the analysis; names and tree only if they are visible. */
 function analyse(page, templates, context, view) {
-  const findings = engine.check(page, { templates, context });
+  const findings = engine.check(page, { templates, context, limits: { steps: limits.steps } });
   const wellFormed = page.fault === null;
   return {
     findings: findings.slice(0, mostFindings),
@@ -76,7 +76,7 @@ function work({ files, main, values, positions, escape, view }) {
   const { context, fault } = session.contextOf(values, positions);
   const { status, text, usage } = page.render(context, { templates, limits, escape });
   const time = performance.now() - start;
-  // If the render was stopped, an analysis would run even longer.
+  // If the render was stopped, looking names up would take as long again.
   const known = fault || status !== "complete" ? undefined : context;
   const limit = limitTexts[status];
   return { view, status, text, usage, limit, fault, time, ...analyse(page, templates, known, view) };

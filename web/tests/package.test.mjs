@@ -215,6 +215,18 @@ test("explains templates", () => {
   assert.deepEqual(tree(page).map(({ kind }) => kind), ["substitution", "include"]);
 });
 
+test("checks within limits", () => {
+  const many = "{% for i in a %}{% for j in a %}{% for k in a %}{{ x }}{{ y }}{% endfor %}{% endfor %}{% endfor %}";
+  const page = new Template(many + '{% include "row" %}');
+  const options = { templates: { row: "{{ z }}" }, context: { a: Array(30).fill(1) } };
+  const rulesOf = (limits) => check(page, { ...options, limits }).map(({ rule }) => rule);
+  assert.ok(!rulesOf({}).includes("limit"));
+  assert.ok(rulesOf({ steps: 100 }).includes("limit"));
+  assert.equal(rulesOf({ messages: 1 }).length, 1);
+  assert.throws(() => rulesOf({ templateBytes: 3 }), /limit/);
+  assert.throws(() => check(page, { ...options, keepGoing: () => false }), /callback ended the call/);
+});
+
 test("frees contexts that nothing refers to", { skip: !globalThis.gc }, async () => {
   const text = "x".repeat(1_000_000);
   for (let count = 0; count < 1100; ++count) {
