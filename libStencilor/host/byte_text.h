@@ -19,6 +19,17 @@ concept byte_text = requires(const Text& text, std::string_view bytes) {
     Text(bytes);
 };
 
+/// Calls `use` with the bytes of a template, which end with a NUL.
+template <typename Text, typename Use>
+auto withLowerBytes(const Text& text, Use use) {
+    const auto narrow = text.getLowerByteString();
+    return use(narrow.c_str());
+}
+template <byte_text Text, typename Use>
+auto withLowerBytes(const Text& text, Use use) {
+    return use(text.view().data());
+}
+
 /// A name of a template as a key of the context. It contains no NUL.
 template <typename Text>
 Text keyOf(std::string_view name) {

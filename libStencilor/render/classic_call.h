@@ -48,6 +48,9 @@ class classic_call {
         outer_.pop_back();
     }
 
+    /// Call this between top-level nodes, before rendered ones are destroyed.
+    void forgetNames() noexcept { lookup_.forgetNames(); }
+
     /// Renders the template in a file with the scopes of the including one. The file is read each
     /// time. Faults inside it produce no messages. A file that includes itself exhausts the stack.
     void include(const include_expr& node, scope_stack& scopes);

@@ -2,7 +2,7 @@
 #include <libStencilor/host/trace.h>
 #include <libStencilor/render/classic_call.h>
 #include <libStencilor/render/content_visit.h>
-#include <libStencilor/template/parse_template.h>
+#include <libStencilor/template/template_grammar.h>
 
 #include <optional>
 
@@ -18,9 +18,11 @@ void moveMessages(text_sink& messages, String& errors) {
     messages.clear();
 }
 
-/// Renders the top-level nodes. If strings are converted, so are the messages of each node.
+/// Renders the top-level nodes. Each part of the tree is freed before the next is built, because
+/// a large tree would not stay in the processor's cache. If strings are converted, so are the
+/// messages of each node.
 template <typename Text>
-Text renderNodes(const content_list& nodes, const Text& input, const ContextBase& context,
+Text renderNodes(template_grammar& grammar, const Text& input, const ContextBase& context,
                  Text& errors) {
     output_for<Text> text(isWellFormed(input));
     if constexpr (byte_text<Text>) {
@@ -31,12 +33,15 @@ Text renderNodes(const content_list& nodes, const Text& input, const ContextBase
     scope_stack scopes;
     scopes.enter(&context);
     content_visit<classic_call> visitor(call, scopes);
-    for (const content& node : nodes) {
-        visitor.dispatch(node);
-        text.endNode();
-        if constexpr (!byte_text<Text>) {
-            moveMessages(messages, errors);
+    for (syntax_tree part; grammar.buildPart(part.nodes); destroyNodes(part.nodes)) {
+        for (const content& node : part.nodes) {
+            visitor.dispatch(node);
+            text.endNode();
+            if constexpr (!byte_text<Text>) {
+                moveMessages(messages, errors);
+            }
         }
+        call.forgetNames();
     }
     if (messages.size() > 0) {
         moveMessages(messages, errors);
@@ -46,12 +51,14 @@ Text renderNodes(const content_list& nodes, const Text& input, const ContextBase
 
 /// The rendered text, or nothing if the template is rejected.
 std::optional<String> renderText(const String& input, const ContextBase& context, String& errors) {
-    syntax_tree tree;
-    if (!parseTemplate(input, tree.nodes)) {
-        errors += String(notParsed);
-        return std::nullopt;
-    }
-    return renderNodes(tree.nodes, input, context, errors);
+    return withLowerBytes(input, [&](const char* bytes) -> std::optional<String> {
+        template_grammar grammar(bytes);
+        if (!grammar.recognize()) {
+            errors += String(notParsed);
+            return std::nullopt;
+        }
+        return renderNodes(grammar, input, context, errors);
+    });
 }
 
 } // namespace

@@ -165,7 +165,7 @@ std::size_t prefixLength(std::string_view name, std::string_view variable) noexc
 ///
 /// In a loop, the same few names are looked up repeatedly, with the same loops around them, so
 /// their keys are cached for as many names as there are slots.
-/// Ownership: identifies names by their address, so they must outlive the object.
+/// Ownership: identifies names by their address, so they must outlive the object, or be forgotten.
 class name_lookup {
   public:
     /// Searches the scopes from the innermost outwards. In each scope, every prefix is tried,
@@ -173,6 +173,9 @@ class name_lookup {
     /// finally the whole name. A null entry counts as missing. Returns null if nothing is found.
     const ContextBase* findInScopes(const scope_stack& scopes, const std::string& name,
                                     const prefix_stack& prefixes);
+
+    /// Call this before names are destroyed, while no loop is open.
+    void forgetNames() noexcept { slots_.reset(); }
 
   private:
     static const ContextBase* findOutsideLoops(const scope_stack& scopes, const std::string& name);

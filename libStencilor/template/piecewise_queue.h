@@ -22,25 +22,23 @@ class piecewise_queue {
     piecewise_queue(const piecewise_queue&) = delete;
     piecewise_queue& operator=(const piecewise_queue&) = delete;
 
-    /// The number of remaining entries.
-    std::size_t size() const noexcept { return size_; }
+    /// True if no entries remain.
+    bool empty() const noexcept { return oldest_ == free_; }
 
     /// The address of the new entry does not change until it is taken.
     Entry& push_back(const Entry& entry) {
         if (free_ == freeEnd_) {
             addPiece();
         }
-        ++size_;
         return *free_++ = entry;
     }
 
     /// Takes the oldest entry. The queue must not be empty.
     Entry take() noexcept {
-        assert(size_ > 0);
+        assert(!empty());
         if (oldest_ == oldestEnd_) {
             goToNextPiece();
         }
-        --size_;
         return *oldest_++;
     }
 
@@ -64,7 +62,6 @@ class piecewise_queue {
     std::array<Entry, Few> first_;
     std::vector<std::unique_ptr<Entry[]>> pieces_;
     std::size_t taken_ = 0; // the number of pieces from which entries were taken
-    std::size_t size_ = 0;
     Entry* free_ = first_.data();
     Entry* freeEnd_ = free_ + Few;
     const Entry* oldest_ = first_.data();

@@ -19,7 +19,7 @@ class template_grammar::reporter {
 
     /// Call this once, before `fault`.
     void visitParts(SyntaxVisitor& visitor) {
-        while (grammar_.steps_.size() > 0) {
+        while (!grammar_.steps_.empty()) {
             const SyntaxElement part = nextPart(grammar_.steps_.take());
             position_ = part.whole.end;
             followBlocks(part);

@@ -2,6 +2,7 @@
 
 #include <boost/variant/get.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstring>
@@ -66,13 +67,19 @@ template_grammar::template_grammar(const char* text) : begin_(text), position_(t
 
 bool template_grammar::parse(content_list& list) {
     const bool matched = start();
-    std::size_t complete = steps_.size();
-    if (!open_.empty()) {
-        complete = open_.front().step; // nodes in an open block are not complete
-        --top_level_count_;
-    }
-    build(list, complete);
+    build(list, top_level_count_ - (open_.empty() ? 0 : 1)); // an open block is not complete
     return matched;
+}
+
+bool template_grammar::buildPart(content_list& list) {
+    constexpr std::uint32_t most = 64; // they are still in the processor's cache when rendered
+    const std::uint32_t count = std::min(top_level_count_, most);
+    if (count == 0) {
+        return false;
+    }
+    build(list, count);
+    top_level_count_ -= count;
+    return true;
 }
 
 // start = content end
@@ -276,7 +283,7 @@ void template_grammar::add(step_kind kind, span text, std::size_t record_bytes) 
 
 void template_grammar::open(step_kind kind, span text, span list_name, std::size_t record_bytes) {
     add(kind, text, record_bytes);
-    open_.push_back({kind, steps_.size() - 1, &blocks_.push_back({list_name, 0, 0})});
+    open_.push_back({kind, &blocks_.push_back({list_name, 0, 0})});
 }
 
 /// Records what was expected after spaces and tabs. Returns false, as the result of the rule.
@@ -285,8 +292,8 @@ bool template_grammar::missing(SyntaxExpectation expected) {
     return false;
 }
 
-/// Appends the nodes of the first `count` steps to `list`, and removes the steps.
-void template_grammar::build(content_list& list, std::size_t count) {
+/// Appends the next `count` top-level nodes to `list`, and removes their steps.
+void template_grammar::build(content_list& list, std::uint32_t count) {
     struct level {
         content_list* nodes;
         if_expr* conditional = nullptr; // the owner of an `else`
@@ -295,8 +302,8 @@ void template_grammar::build(content_list& list, std::size_t count) {
     boost::container::small_vector<level, 4> enclosing;
     level current = {&list};
     const record_memory memory(record_bytes_ + record_memory::sizeOfList());
-    list.reserve(list.size() + top_level_count_);
-    for (; count > 0; --count) {
+    list.reserve(list.size() + count);
+    for (; count > 0; count -= enclosing.empty() ? 1u : 0u) {
         const step next = steps_.take();
         const std::string_view text = textOf(next.text);
         switch (next.kind) {

@@ -49,6 +49,11 @@ class template_grammar {
     /// receives the complete nodes before the fault.
     bool parse(content_list& list);
 
+    /// Used instead of `parse`: true if the text is well formed. Then each call of `buildPart`
+    /// appends the next few top-level nodes to `list`; it returns false if there are none left.
+    bool recognize() { return start(); }
+    bool buildPart(content_list& list);
+
     /// Used instead of `parse`: passes the parts to `visitor`, and returns the fault.
     SyntaxFault report(SyntaxVisitor& visitor);
 
@@ -74,7 +79,6 @@ class template_grammar {
 
     struct open_block {
         step_kind kind;
-        std::size_t step; // the number of steps before its opening tag
         block* counts;
         bool in_else = false;
     };
@@ -106,7 +110,7 @@ class template_grammar {
     inline void add(step_kind kind, span text, std::size_t record_bytes);
     inline void open(step_kind kind, span text, span list_name, std::size_t record_bytes);
     bool missing(SyntaxExpectation expected);
-    void build(content_list& list, std::size_t count);
+    void build(content_list& list, std::uint32_t count);
 
     class reporter;
     std::string_view textOf(span part) const { return {begin_ + part.begin, part.size}; }

@@ -155,6 +155,22 @@ TEST(NameResolution, HoldsForConditionsAndListsToo) {
               (Rendered{"yesx;no;", ""}));
 }
 
+// Parts of a long template are freed while it is rendered, so names have the addresses of others.
+TEST(NameResolution, TellsTheNamesInManyLoopsApart) {
+    Root root;
+    std::string input;
+    std::string expected;
+    ContextDictionary* const row = dictionary();
+    for (int name = 0; name < 1000; ++name) {
+        const std::string number = std::to_string(name);
+        row->insert("n" + number, text(number));
+        input += "{% for r in rows %}{{ r.n" + number + " }};{% endfor %}";
+        expected += number + ";";
+    }
+    root.insert("rows", list({row}));
+    EXPECT_EQ(render(input, root), (Rendered{expected, ""}));
+}
+
 // Many scopes and prefixes at once, both equal and different, from the inside out.
 TEST(NameResolution, FindsTheRightScopeAmongHundreds) {
     Root root;
