@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <new>
 
 namespace kel::Stencilor::internal {
 
@@ -28,21 +27,6 @@ record_memory::~record_memory() {
     }
 }
 
-void* record_memory::allocate(std::size_t size) {
-    record_memory* const active = active_;
-    if (active == nullptr) {
-        return allocateAlone(size);
-    }
-    void* const record = active->allocateFromChunk(size);
-    static_cast<header*>(record)[-1].number = active->count_++;
-    return record;
-}
-
-void* record_memory::allocateList(std::size_t size) {
-    record_memory* const active = active_;
-    return active == nullptr ? allocateAlone(size) : active->allocateFromChunk(size);
-}
-
 void record_memory::release(void* allocated) noexcept {
     header* const before = static_cast<header*>(allocated) - 1;
     if (before->offset == 0) {
@@ -56,21 +40,9 @@ void* record_memory::allocateAlone(std::size_t size) {
     return new (::operator new(sizeof(header) + size)) header{0, 0} + 1;
 }
 
-void* record_memory::allocateFromChunk(std::size_t size) {
-    const std::size_t taken = sizeof(header) + size;
-    if (taken > size_ - used_) {
-        addChunk(taken);
-    }
-    char* const at = reinterpret_cast<char*>(chunk_) + used_;
-    auto* const before = new (at) header{static_cast<std::uint32_t>(used_), 0};
-    ++chunk_->holders;
-    used_ += taken;
-    expected_ -= std::min(expected_, taken);
-    return before + 1;
-}
-
 /// Allocates a chunk for the expected bytes, or some of them, but for at least `size` bytes.
 void record_memory::addChunk(std::size_t size) {
+    expected_ -= std::min(expected_, used_);
     const std::size_t wanted = std::max(size, std::min(expected_, largestChunk));
     auto* const added = new (::operator new(sizeof(chunk) + wanted)) chunk{1};
     if (chunk_ != nullptr) {

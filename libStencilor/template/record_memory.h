@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 namespace kel::Stencilor::internal {
 
@@ -34,11 +35,22 @@ class record_memory {
     static constexpr std::size_t sizeOfList() { return sizeof(header); }
 
     /// For the allocation functions of the records.
-    static void* allocate(std::size_t size);
+    static void* allocate(std::size_t size) {
+        record_memory* const active = active_;
+        if (active == nullptr) {
+            return allocateAlone(size);
+        }
+        header* const before = active->allocateFromChunk(size);
+        before->number = active->count_++;
+        return before + 1;
+    }
     static void release(void* allocated) noexcept;
 
     /// For the nodes of a list.
-    static void* allocateList(std::size_t size);
+    static void* allocateList(std::size_t size) {
+        record_memory* const active = active_;
+        return active == nullptr ? allocateAlone(size) : active->allocateFromChunk(size) + 1;
+    }
 
     /// The number of a record that came from a chunk.
     static std::uint32_t numberOf(const void* record) noexcept {
@@ -57,13 +69,25 @@ class record_memory {
     };
 
     static void* allocateAlone(std::size_t size);
-    void* allocateFromChunk(std::size_t size);
+
+    header* allocateFromChunk(std::size_t size) {
+        const std::size_t taken = sizeof(header) + size;
+        if (taken > size_ - used_) {
+            addChunk(taken);
+        }
+        char* const at = reinterpret_cast<char*>(chunk_) + used_;
+        ++chunk_->holders;
+        auto* const before = new (at) header{static_cast<std::uint32_t>(used_), 0};
+        used_ += taken;
+        return before;
+    }
+
     void addChunk(std::size_t size);
     static void leave(chunk* left) noexcept;
 
     static constinit thread_local record_memory* active_;
 
-    std::size_t expected_; // bytes not yet allocated
+    std::size_t expected_; // bytes that were not yet allocated when the chunk was added
     chunk* chunk_ = nullptr;
     std::size_t used_ = 0; // bytes of the chunk
     std::size_t size_ = 0;

@@ -59,7 +59,7 @@ void destroyNodes(content_list& list) noexcept {
     content_list* outer = nullptr; // the position of the outer list
     while (true) {
         while (!list.empty()) {
-            content_list* const nested = nestedList(list.back());
+            content_list* const nested = isBlock(list.back()) ? nestedList(list.back()) : nullptr;
             if (nested == nullptr) {
                 list.pop_back();
                 continue;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr unsigned char inIdentifier = 1;
 constexpr unsigned char firstOfIdentifier = 2;
+constexpr unsigned char blank = 4;
 
 /// The classes of each byte. The functions of <cctype> depend on the locale, and are undefined for
 /// bytes over 127.
@@ -31,6 +32,8 @@ constexpr std::array<unsigned char, 256> byteKinds = [] {
     }
     mark('0', '9', inIdentifier);
     mark('.', '/', inIdentifier);
+    mark(' ', ' ', blank);
+    mark('\t', '\t', blank);
     return kinds;
 }();
 
@@ -40,7 +43,7 @@ bool isOf(char byte, unsigned char kind) {
 
 /// Line breaks are not skipped.
 const char* behindBlanks(const char* at) {
-    while (*at == ' ' || *at == '\t') {
+    while (isOf(*at, blank)) {
         ++at;
     }
     return at;
@@ -318,8 +321,9 @@ void template_grammar::build(content_list& list, std::uint32_t count) {
             break;
         case step_kind::open_if: {
             const block opens = blocks_.take();
-            current.nodes->emplace_back(if_expr{{}, {}, std::string(text)});
+            current.nodes->emplace_back(); // an empty if_expr
             auto* opened = boost::get<if_expr>(&current.nodes->back());
+            opened->name = text;
             opened->then_list.reserve(opens.count);
             enclosing.push_back(current);
             current = {&opened->then_list, opened, opens.else_count};
