@@ -31,7 +31,7 @@ class text_sink {
     /// The bytes before the text in an allocated block.
     static constexpr std::size_t headroom = 16;
 
-    text_sink() noexcept { forgetBlock(); }
+    text_sink() noexcept = default;
     text_sink(const text_sink&) = delete;
     text_sink& operator=(const text_sink&) = delete;
     ~text_sink() {
@@ -121,9 +121,14 @@ class text_sink {
     Text take();
 
   private:
-    // Text with more room than this releases it early, so that at most two copies of an output
-    // exist at once.
+    // Text with more room than this grows more slowly, and releases it early if unused.
     static constexpr std::size_t longText = 65536;
+
+    // `clear` releases more room than this, so that at most two copies of an output exist at once.
+    static constexpr std::size_t mostKept = 8 * longText;
+
+    // Shorter text is copied by `take`, so its room need not be released first.
+    static constexpr std::size_t leastAdopted = 4096;
 
     bool hasRoomFor(std::size_t added) const noexcept {
         return added <= static_cast<std::size_t>(limit_ - end_);
@@ -171,7 +176,6 @@ class text_sink {
 
     /// Copies `shortSize` bytes. Returns true if those of `text` are plain.
     static bool copyPlainShort(char* to, std::string_view text) {
-        using two_words = std::array<std::uint64_t, 2>;
         static_assert(sizeof(two_words) == shortSize);
         two_words words;
         two_words inside;
@@ -184,6 +188,7 @@ class text_sink {
                 notPlainBits((words[1] & inside[1]) | (onePerByte & past[1]))) == 0;
     }
 
+    using two_words = std::array<std::uint64_t, 2>;
     static bool copyPlain(char* to, std::string_view text);
     void appendAndGrow(std::string_view text);
     void grow(std::size_t added);
@@ -196,10 +201,11 @@ class text_sink {
         limit_ = begin_ + (limit < size() ? size() : static_cast<std::size_t>(limit));
     }
 
-    char* begin_; // inline_, or `headroom` bytes into an allocated block
-    char* end_;
-    char* limit_; // the end of the capacity, or the bound if that is lower; never below end_
-    std::size_t capacity_; // without the bytes past the room
+    char* begin_ = inline_; // or `headroom` bytes into an allocated block
+    char* end_ = inline_;
+    // The end of the capacity, or the bound if that is lower; never below `end_`.
+    char* limit_ = inline_ + inlineRoom;
+    std::size_t capacity_ = inlineRoom; // without the bytes past the room
     std::uint64_t bound_ = std::numeric_limits<std::uint64_t>::max();
     char inline_[inlineRoom + shortSize];
 };
