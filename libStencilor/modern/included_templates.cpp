@@ -38,7 +38,7 @@ const included_template& included_templates::ask(const String& path) {
             left_ -= size;
         }
     }
-    return templates_.emplace(path, std::move(asked)).first->second;
+    return known_->byPath.emplace(path, std::move(asked)).first->second;
 }
 
 } // namespace kel::Stencilor::internal

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 
@@ -28,31 +29,42 @@ class included_templates {
         : source_(source), limit_(limit), left_(limit) {}
 
     const included_template& find(const String& path) {
-        const auto known = templates_.find(path);
-        return known != templates_.end() ? known->second : ask(path);
+        if (known_ == nullptr) {
+            known_ = std::make_unique<known_templates>();
+        }
+        const auto known = known_->byPath.find(path);
+        return known != known_->byPath.end() ? known->second : ask(path);
     }
 
     /// The same for the path of a tag. The tag is remembered, because looking up a long path is
     /// slow.
     const included_template& find(const name_use& use, const String& path) {
-        const included_template*& known = byUse_[&use];
-        if (known == nullptr) {
-            known = &find(path);
+        if (known_ != nullptr) {
+            const auto known = known_->byUse.find(&use);
+            if (known != known_->byUse.end()) {
+                return *known->second;
+            }
         }
-        return *known;
+        const included_template& found = find(path);
+        known_->byUse.emplace(&use, &found);
+        return found;
     }
 
     /// The total size of all templates.
     std::uint64_t bytes() const noexcept { return limit_ - left_; }
 
   private:
+    struct known_templates {
+        std::map<String, included_template> byPath;
+        std::unordered_map<const name_use*, const included_template*> byUse;
+    };
+
     const included_template& ask(const String& path);
 
     TemplateSource* source_;
     const std::uint64_t limit_;
     std::uint64_t left_;
-    std::map<String, included_template> templates_;
-    std::unordered_map<const name_use*, const included_template*> byUse_;
+    std::unique_ptr<known_templates> known_; // null until something is included
 };
 
 } // namespace kel::Stencilor::internal

@@ -63,10 +63,10 @@ class metered_call {
     const ContextBase* find(const scope_stack& scopes, const std::string&, const Record& node) {
         const name_use& use = useOf(node);
         const String* const key = names_.firstKey(use);
-        if (key != nullptr && !state_.nextKeyTakesStep()) {
+        if (key != nullptr) {
             const ContextBase* found = scopes.guessInnermost(*key, state_.guessOf(use));
             if (found != nullptr) {
-                state_.countKey();
+                state_.countKey(in_, [this] { return place(); });
                 return found;
             }
         }

@@ -47,28 +47,29 @@ render_state::render_state(const RenderOptions& options)
     : options_(options),
       includeDepth_(options.limits.includeDepth - 1 < greatestDepth ? options.limits.includeDepth
                                                                     : greatestDepth),
-      outputBytes_(limitOf(options.limits.outputBytes)), pause_(0),
+      outputBytes_(limitOf(options.limits.outputBytes)),
       templates_(options.source, limitOf(options.limits.templateBytes)) {
-    pause_ = nextPause();
+    setPause(0);
 }
 
-/// The number of steps until the next check.
-std::uint64_t render_state::nextPause() const noexcept {
-    const std::uint64_t question =
-        options_.keepGoing ? (steps_ / stepsBetweenQuestions + 1) * stepsBetweenQuestions
-                           : unlimited;
-    return std::min(question, limitOf(options_.limits.steps));
+/// Determines the next check, after the given number of steps.
+void render_state::setPause(std::uint64_t taken) noexcept {
+    const std::uint64_t question = options_.keepGoing
+                                       ? (taken / stepsBetweenQuestions + 1) * stepsBetweenQuestions
+                                       : unlimited;
+    pause_ = std::min(question, limitOf(options_.limits.steps));
+    stepsLeft_ = pause_ + 1 - taken;
 }
 
 /// Checks whether another step is allowed; returns `Complete` if so.
 RenderStatus render_state::pause() {
-    if (steps_ == limitOf(options_.limits.steps)) {
+    if (steps() == limitOf(options_.limits.steps)) {
         return RenderStatus::StepLimit;
     }
     if (!options_.keepGoing()) {
         return RenderStatus::Stopped;
     }
-    pause_ = nextPause();
+    setPause(steps());
     return RenderStatus::Complete;
 }
 
@@ -109,17 +110,6 @@ void render_state::enterInclude(const parsed_template& in, const name_use& use) 
     includes_.push_back({&in, &use});
     const auto depth = static_cast<unsigned int>(includes_.size());
     deepest_ = std::max(deepest_, depth);
-}
-
-RenderResult render_state::takeResult(RenderStatus status, std::uint64_t outputBytes, String text) {
-    return {.status = status,
-            .text = std::move(text),
-            .messages = std::move(messages_),
-            .usage = {.steps = steps_,
-                      .outputBytes = outputBytes,
-                      .templateBytes = templates_.bytes(),
-                      .messages = messageCount_,
-                      .includeDepth = deepest_}};
 }
 
 } // namespace kel::Stencilor::internal

@@ -7,7 +7,6 @@
 #include <libStencilor/render/scopes.h>
 
 #include <array>
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -34,27 +33,17 @@ class render_state {
     /// Takes a step, if one is left. `place` returns the current position.
     template <typename Place>
     void step(const parsed_template& in, Place place) {
-        if (steps_ == pause_) {
+        if (--stepsLeft_ == 0) {
             pauseAt(in, place);
         }
-        ++steps_;
-    }
-
-    /// Whether counting the next key takes a step.
-    bool nextKeyTakesStep() const noexcept { return keys_ + 1 == keysPerStep; }
-
-    /// Counts a key that takes no step.
-    void countKey() noexcept {
-        assert(!nextKeyTakesStep());
-        ++keys_;
     }
 
     /// Counts a key that is looked up.
     template <typename Place>
     void countKey(const parsed_template& in, Place place) {
-        if (++keys_ == keysPerStep) {
+        if (--keysLeft_ == 0) {
+            keysLeft_ = keysPerStep;
             step(in, place);
-            keys_ = 0;
         }
     }
 
@@ -114,8 +103,24 @@ class render_state {
     void enterInclude(const parsed_template& in, const name_use& use);
     void leaveInclude() noexcept { includes_.pop_back(); }
 
-    /// Moves out the usage and the messages. `outputBytes` is the number of rendered bytes.
-    RenderResult takeResult(RenderStatus status, std::uint64_t outputBytes = 0, String text = {});
+    /// Moves out the usage and the messages. `outputBytes` is the number of rendered bytes, and
+    /// `makeText` returns the text.
+    template <typename MakeText>
+    RenderResult takeResult(RenderStatus status, std::uint64_t outputBytes, MakeText makeText) {
+        return {.status = status,
+                .text = makeText(),
+                .messages = std::move(messages_),
+                .usage = {.steps = steps(),
+                          .outputBytes = outputBytes,
+                          .templateBytes = templates_.bytes(),
+                          .messages = messageCount_,
+                          .includeDepth = deepest_}};
+    }
+
+    /// The same for a render that ended early.
+    RenderResult takeResult(RenderStatus status, std::uint64_t outputBytes = 0) {
+        return takeResult(status, outputBytes, [] { return String(); });
+    }
 
   private:
     struct remembered_search {
@@ -132,23 +137,28 @@ class render_state {
 
     template <typename Place>
     void pauseAt(const parsed_template& in, Place place) {
+        stepsLeft_ = 1;
         const RenderStatus status = pause();
         if (status != RenderStatus::Complete) {
             end(status, in, place());
         }
+        --stepsLeft_;
     }
 
+    /// The number of steps taken.
+    std::uint64_t steps() const noexcept { return pause_ + 1 - stepsLeft_; }
+
     RenderStatus pause();
-    std::uint64_t nextPause() const noexcept;
+    void setPause(std::uint64_t taken) noexcept;
     void addMessage(RenderMessage message);
 
     const RenderOptions& options_;
     const unsigned int includeDepth_;
-    const std::uint64_t outputBytes_; // allowed
-    std::uint64_t steps_ = 0;
-    std::uint64_t pause_;      // the number of steps until the next check
-    unsigned int keys_ = 0;    // looked up, but not yet counted as a step
-    std::size_t keyBytes_ = 0; // built, but not yet counted as a step
+    const std::uint64_t outputBytes_;     // allowed
+    std::uint64_t pause_ = 0;             // the number of steps before the next check
+    std::uint64_t stepsLeft_ = 1;         // until then, plus one; both may wrap
+    unsigned int keysLeft_ = keysPerStep; // until they count as a step
+    std::size_t keyBytes_ = 0;            // built, but not yet counted as a step
     std::uint64_t messageCount_ = 0;
     unsigned int deepest_ = 0;
     included_templates templates_;

@@ -38,7 +38,7 @@ RenderResult renderTemplate(const parsed_template& parsed, const ContextBase& co
         return state.takeResult(end.status, text.appended());
     }
     const std::uint64_t size = text.appended();
-    return state.takeResult(RenderStatus::Complete, size, text.finish());
+    return state.takeResult(RenderStatus::Complete, size, [&text] { return text.finish(); });
 }
 
 } // namespace kel::Stencilor::internal

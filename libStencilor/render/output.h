@@ -86,13 +86,14 @@ class joined_output {
 
     /// Ends a top-level node. Returns true if that may have changed the length of the text.
     bool endNode() {
-        const bool decodes = doubtful_;
-        if (decodes) {
-            decodeNode();
+        if (!doubtful_) {
+            begin_ = sink_.size();
+            return false;
         }
+        decodeNode();
         begin_ = sink_.size();
         doubtful_ = !wellFormed_;
-        return decodes;
+        return true;
     }
 
     Text take() { return sink_.take<Text>(); }
