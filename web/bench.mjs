@@ -135,7 +135,7 @@ function measure(text, values) {
   const renderers = Object.entries(engines).map(([name, make]) => ({ name, render: make(text), times: [] }));
   for (const each of renderers) {
     assert.equal(each.render(values), renderers[0].render(values), each.name);
-    time(each.render, values, callsIn(50, each, values)); // until it is JIT-compiled
+    time(each.render, values, callsIn(1000, each, values)); // until it is JIT-compiled
     each.calls = callsIn(5, each, values);
   }
   for (let turn = 0; turn < 41; ++turn) {
