@@ -37,7 +37,7 @@ const char* stencilor_status_text(int status) {
     case STENCILOR_OUT_OF_MEMORY:
         return "out of memory";
     case STENCILOR_TOO_LARGE:
-        return "a text is too long, values are nested too deeply, or there are too many";
+        return "a string is too long, values are nested too deeply, or there are too many";
     case STENCILOR_BAD_JSON:
         return "invalid JSON";
     case STENCILOR_WRONG_KIND:

@@ -27,7 +27,7 @@ std::string describe(const RenderMessage& message) {
     case Kind::ReplacementNotFound:
         return "there is no value named " + quoted(message.name);
     case Kind::ReplacementNotString:
-        return "the value " + quoted(message.name) + " is not a text";
+        return "the value " + quoted(message.name) + " is not a string";
     case Kind::BooleanNotFound:
         return "there is no boolean named " + quoted(message.name);
     case Kind::NotBoolean:

@@ -45,7 +45,7 @@ void checkDepth(unsigned int depth) {
 
 String internal::makeString(std::string_view bytes) {
     if (bytes.size() > std::numeric_limits<unsigned int>::max()) {
-        throw std::length_error("a text is longer than 4 GiB - 1 byte");
+        throw std::length_error("a string is longer than 4 GiB - 1 byte");
     }
     return String(bytes.data(), static_cast<unsigned int>(bytes.size()));
 }

@@ -37,7 +37,8 @@ void findEmptyLines(const TemplateFile& file, std::vector<Finding>& findings) {
                 findings.push_back(
                     {.rule = Rule::EmptyLine,
                      .place = {&file, {line.tag->whole.begin, line.tagsEnd}},
-                     .message = "this line is empty in the output: only the tag is left out"});
+                     .message = "this line is empty in the output: its tags are removed, but "
+                                "its line break is not"});
             }
             line = {};
         }

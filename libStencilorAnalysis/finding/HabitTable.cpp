@@ -143,7 +143,7 @@ const Habit habits[] = {
     {0, [](const Tag& t) { return begins(t, ".."); },
      "names of outer blocks are found without ../: write the name alone"},
     {0, [](const Tag& t) { return begins(t, "."); },
-     "write {{ name }} without a dot; in {% for x in list %}, an element that is a text is "
+     "write {{ name }} without a dot; in {% for x in list %}, an element that is a string is "
      "{{ x.value }}"},
     {0, [](const Tag& t) { return begins(t, "="); }, "the delimiters of tags cannot be changed"},
 
@@ -269,7 +269,7 @@ const Habit habits[] = {
          return t.isSubstitution() &&
                 (hasAnyWord(t.code, {"if", "or", "and"}) || contains(t.code, "?"));
      },
-     "write {% if x %}...{% else %}...{% endif %} to choose between two texts"},
+     "write {% if x %}...{% else %}...{% endif %} to choose between two pieces of text"},
     {0, [](const Tag& t) { return isExpression(t) && contains(t.code, "|"); },
      "there are no filters: have the context provide the value as it should appear"},
     {0, [](const Tag& t) { return isFor(t) && t.rest.starts_with("("); },
@@ -279,7 +279,7 @@ const Habit habits[] = {
          return (isExpression(t) && contains(t.code, "(")) ||
                 (t.expected == Expected::SubstitutionEnd && t.rest.starts_with("("));
      },
-     "nothing can be called: have the context provide the result"},
+     "templates cannot call functions: have the context provide the result"},
     {0, [](const Tag& t) { return isExpression(t) && contains(t.code, "["); },
      "there is no indexing: loop over a list with {% for x in list %}, and write members with a "
      "dot: {{ x.name }}"},
@@ -311,7 +311,7 @@ const Habit habits[] = {
          return t.isSubstitution() && t.isClosed &&
                 containsAny(t.code, {"+", "*", "%", "~", " - ", " / ", "//"});
      },
-     "there are no operators: write {{ a }}{{ b }} to join texts, and have the context provide "
+     "there are no operators: write {{ a }}{{ b }} to join strings, and have the context provide "
      "what is calculated"},
     {0, [](const Tag& t) { return t.isSubstitution() && contains(t.code, "-"); },
      "a name consists of letters, digits, '_', '.' and '/', and begins with a letter or '_'"},

@@ -37,7 +37,7 @@ TEST(ContextCheck, MakesSuggestions) {
         {"no suggestion of another kind", "{% if tilte %}{% endif %}",
          R"(no boolean is named "tilte")"},
         {"no similar name", "{{ price }}", R"(no string is named "price")"},
-        {"the variable of a loop over texts", "{% for x in tags %}{{ x }}{% endfor %}",
+        {"the variable of a loop over strings", "{% for x in tags %}{{ x }}{% endfor %}",
          R"(; "x" is a loop variable, which is only a prefix: write "x.value")"},
         {"the variable of a loop over objects", "{% for x in items %}{{ x }}{% endfor %}",
          R"(; "x" is a loop variable, which is only a prefix: write a member, such as )"
@@ -51,7 +51,7 @@ TEST(ContextCheck, MakesSuggestions) {
          R"(: write "x.value")"},
         {"a member of a list", "{{ items.title }}",
          R"(; "items" is a list, so loop over it: {% for x in items %}{{ x.title }}{% endfor %})"},
-        {"a list as a text", "{{ items }}",
+        {"a list as a string", "{{ items }}",
          R"("items" is a list, not a string; loop over it: {% for x in items %}...{% endfor %})"},
         {"the variable of a loop around an include",
          R"({% for x in items %}{% include "row" %}{% endfor %})", R"(; did you mean "title"?)"},

@@ -16,7 +16,7 @@ struct Case {
 };
 
 const std::string filter = "there are no filters";
-const std::string call = "nothing can be called";
+const std::string call = "templates cannot call functions";
 const std::string compare = "there are no comparisons";
 const std::string both = "there is no \"and\" or \"or\"";
 const std::string condition = "a condition is one name";

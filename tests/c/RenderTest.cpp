@@ -109,7 +109,7 @@ TEST(CMessage, HasALocationAndItsIncludes) {
 
     const stencilor_message* const first = stencilor_result_message(result.get(), 0);
     EXPECT_EQ(stencilor_message_kind(first), STENCILOR_MESSAGE_VALUE_NOT_TEXT);
-    EXPECT_EQ(textOf(first), "the value \"list\" is not a text");
+    EXPECT_EQ(textOf(first), "the value \"list\" is not a string");
     EXPECT_EQ(stencilor_message_include_count(first), 0u);
 
     const stencilor_message* const second = stencilor_result_message(result.get(), 1);

@@ -121,7 +121,7 @@ const completions = [
     ["names of booleans", "{% if | %}", ["open"]],
     ["names of lists", "{% for x in | %}", ["items"]],
     ["lists inside lists", "{% for i in items %}{% for t in | %}", ["i.tags", "items"]],
-    ["an element that is a text", "{% for i in items %}{% for t in i.tags %}{{ |", ["t.value", "i.name", "title", "user.name"]],
+    ["an element that is a string", "{% for i in items %}{% for t in i.tags %}{{ |", ["t.value", "i.name", "title", "user.name"]],
     ["in", "{% for x | %}", ["in"]],
     ["keywords", "{% | %}", ["if", "for", "include"]],
     ["the tags of a condition", "{% if open %}{% |", ["endif", "else", "if", "for", "include"]],
@@ -353,7 +353,7 @@ test("links: to the included files that exist", async () => {
 
 const fixes = [
     ["a misspelled name", "{{ titel }}", "{{ title }}"],
-    ["an element that is a text", "{% for i in items %}{% for t in i.tags %}{{ t }}{% endfor %}{% endfor %}",
+    ["an element that is a string", "{% for i in items %}{% for t in i.tags %}{{ t }}{% endfor %}{% endfor %}",
         "{% for i in items %}{% for t in i.tags %}{{ t.value }}{% endfor %}{% endfor %}"],
     ["trim signs", "{{- title -}}", "{{ title }}"],
     ["three braces", "{{{ title }}}", "{{ title }}"],

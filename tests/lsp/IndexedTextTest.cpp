@@ -15,7 +15,7 @@ struct Case {
 
 const std::vector<Case> cases = {
     {"the beginning", "ab", 0, {0, 0}, {0, 0}},
-    {"the end of a text without a line break", "ab", 2, {0, 2}, {0, 2}},
+    {"the end of text without a line break", "ab", 2, {0, 2}, {0, 2}},
     {"after a line break", "ab\nc", 4, {1, 1}, {1, 1}},
     {"after CR LF", "ab\r\nc", 4, {1, 0}, {1, 0}},
     {"after a lone CR", "ab\rc", 3, {1, 0}, {1, 0}},

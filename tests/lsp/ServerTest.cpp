@@ -329,7 +329,8 @@ TEST_F(ServerTest, ReportsEmptyLinesOnRequest) {
     open("a.txt", "{% if x %}\n  {% for a in b %} \r\ntext\n\n{% endfor %}{% endif %}");
     check();
     const std::string note =
-        " 3 empty-line: this line is empty in the output: only the tag is left out";
+        " 3 empty-line: this line is empty in the output: its tags are removed, "
+        "but its line break is not";
     EXPECT_EQ(published("a.txt"), "0:0-10" + note + "\n1:2-18" + note);
 }
 

@@ -132,7 +132,7 @@ def test_what_a_function_raises_reaches_the_caller(error):
 
 def test_functions_that_return_something_else_are_reported():
     page = Environment(lambda path: 5).from_string('{% include "part" %}')
-    with pytest.raises(TypeError, match="a text, a Template or None, not 5"):
+    with pytest.raises(TypeError, match="a str, a Template or None, not 5"):
         page.render()
 
 

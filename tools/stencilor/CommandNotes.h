@@ -1,7 +1,7 @@
 #ifndef TOOLS_STENCILOR_COMMANDNOTES_H
 #define TOOLS_STENCILOR_COMMANDNOTES_H
 
-// The final parts of the help texts. A line that ends with a colon is the heading of the lines
+// The final parts of the help. A line that ends with a colon is the heading of the lines
 // below it; in the manual page, lines that begin with two spaces are not wrapped.
 
 namespace stencilor {
@@ -9,11 +9,11 @@ namespace stencilor {
 inline constexpr const char* renderNotes =
     R"(CONTEXT is a JSON file that contains an object. Strings and numbers become
 strings (numbers as written), true and false become booleans, arrays lists, and
-objects dictionaries; null counts as missing. A member of a nested object also
-has its dotted name ("user.name"), unless a member with that name exists. An
-array element that is not an object is available as "value". An object with the
-member "$boolean": true or false is a boolean; its other members are in scope
-inside the block.
+objects dictionaries; null counts as missing. A member of a nested object is
+also available under its dotted name ("user.name"), unless a member with that
+name exists. An array element that is not an object is available as "value". An
+object with the member "$boolean": true or false is a boolean; its other members
+are in scope inside the block.
 
 Messages go to stderr with the file, line and column of their cause, which may
 be in an included file. Each place is reported once. Limits may end in K, M or
@@ -30,13 +30,13 @@ Exit status:
 
 inline constexpr const char* checkNotes =
     R"(Each finding has the form "PATH:LINE:COLUMN: SEVERITY: MESSAGE", followed by the
-line and a caret. Lines and columns count from 1, columns in code points.
+line and a caret. Lines and columns start at 1, and columns count code points.
 
 Errors are reported for templates that are rejected, for included files that do
-not exist or cannot be read, and for files that include themselves outside of
-all conditions and loops. Inside one, this is only a note. With --context or
--D, a name causes a warning if the context does not have it, has it as another
-kind of value, or has it in a loop other than the one of its variable. Both
+not exist or cannot be read, and for files that include themselves outside any
+condition or loop. Inside one, this is only a note. With --context or -D, a name
+causes a warning if the context does not contain it, contains it as another kind
+of value, or contains it in a loop other than the one of its variable. Both
 parts of each condition are checked, and each element of each list in the
 context. With --unused, names in the context that no template uses cause
 warnings, too, as do NUL bytes, byte-order marks and malformed UTF-8 in files.
@@ -47,8 +47,8 @@ Exit status:
   2  wrong usage, a file that cannot be read or written, or invalid JSON)";
 
 inline constexpr const char* namesNotes =
-    R"(Lists each name with the kind of value that it needs, where it is used, and the
-loops around it. Included files are listed, too.
+    R"(Lists each name with the kind of value that it requires, where it is used, and
+the loops around it. Included files are listed, too.
 
 In a skeleton, names with the variable of a loop are members of that loop's
 elements. Names in a file that is included in a loop are, too.

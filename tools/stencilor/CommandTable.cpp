@@ -203,7 +203,7 @@ CommandInfo renderCommand() {
          limit("--max-steps", "N", "Stop after N steps", request->limits.steps),
          limit("--max-output", "BYTES", "Stop if the output is longer",
                request->limits.outputBytes),
-         limit("--max-templates", "BYTES", "Stop if all templates together are longer",
+         limit("--max-templates", "BYTES", "Stop if the templates exceed this size in total",
                request->limits.templateBytes),
          depthLimit(request->limits.includeDepth),
          flag("--trace", "Log to stderr what the engine does", request->trace)});
@@ -277,7 +277,7 @@ CommandInfo treeCommand() {
 }
 
 CommandInfo lspCommand() {
-    CommandInfo command{"lsp", "Serve an editor with the Language Server Protocol", lspNotes};
+    CommandInfo command{"lsp", "Run a language server for an editor", lspNotes};
     // Many clients pass this to every server.
     command.options = {{.names = {"--stdio"},
                         .description = "Use the standard streams; this is always the case",
@@ -289,7 +289,7 @@ CommandInfo lspCommand() {
 /// Only the description; the parser implements the command.
 CommandInfo helpCommand(const std::vector<CommandInfo>& commands) {
     OptionInfo name{.names = {"COMMAND"},
-                    .description = "The command; without it, print the help of the program",
+                    .description = "The command; without one, print the general help",
                     .value = "COMMAND",
                     .type = ValueType::Choice};
     for (const CommandInfo& command : commands) {

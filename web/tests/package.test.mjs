@@ -11,7 +11,7 @@ const { Template, Context, check, names, tree, raw, escapeHtml, escapeJson } = a
 const render = (text, values, options) => new Template(text).render(values, options);
 
 const rendered = [
-  ["a text", "{{ a }}", { a: "x" }, "x"],
+  ["a string", "{{ a }}", { a: "x" }, "x"],
   ["other letters", "{{ a }}", { a: "Zoë 日本 😀" }, "Zoë 日本 😀"],
   ["a long text", "{{ a }}", { a: "é".repeat(100_000) }, "é".repeat(100_000)],
   ["half of a character", "{{ a }}", { a: "\ud800" }, "\ufffd"],
@@ -20,7 +20,7 @@ const rendered = [
   ["booleans", "{% if a %}1{% endif %}{% if b %}{% else %}2{% endif %}", { a: true, b: false }, "12"],
   ["wrapped values", "{{ a }}{% if b %}1{% endif %}", { a: new String("x"), b: new Boolean(true) }, "x1"],
   ["dotted names", "{{ a.b.c }}", { a: { b: { c: "x" } } }, "x"],
-  ["a list of texts", "{% for i in a %}{{ i.value }}{% endfor %}", { a: ["x", "y"] }, "xy"],
+  ["a list of strings", "{% for i in a %}{{ i.value }}{% endfor %}", { a: ["x", "y"] }, "xy"],
   ["a Set", "{% for i in a %}{{ i.value }}{% endfor %}", { a: new Set([1, 2]) }, "12"],
   ["a typed array", "{% for i in a %}{{ i.value }}{% endfor %}", { a: new Uint8Array([1, 2]) }, "12"],
   ["a Map", "{{ a.b }}", new Map([["a", new Map([["b", "x"]])]]), "x"],
@@ -55,7 +55,7 @@ const refused = [
   ["a symbol", { a: Symbol() }, /a symbol is not a value/],
   ["a key that is not a string", { a: new Map([[1, 2]]) }, /key of a Map is not a string/],
   ["a list as the root", [], /not an object/],
-  ["a text as the root", "x", /not an object/],
+  ["a string as the root", "x", /not an object/],
   ["a $boolean that is not a boolean", { a: { $boolean: 1 } }, /\$boolean/],
 ];
 for (const [name, values, message] of refused) {

@@ -120,7 +120,7 @@ def _finder(loader: LoaderFunction) -> Callable[..., None]:
             return
         handle = getattr(found, "_handle", None)
         if not isinstance(handle, library.Handle):
-            raise TypeError(f"a loader must return a text, a Template or None, not {found!r}")
+            raise TypeError(f"a loader must return a str, a Template or None, not {found!r}")
         library.request_set_template(request, handle.pointer)
 
     return find

@@ -32,7 +32,7 @@ int reportFailure(const std::function<int()>& run) {
     } catch (const std::bad_alloc&) {
         printError("out of memory");
     } catch (const std::length_error&) {
-        printError("a text is longer than 4 GiB - 1 byte");
+        printError("a string is longer than 4 GiB - 1 byte");
         return exitLimit;
     } catch (const std::exception& error) {
         printError(error.what());

@@ -79,7 +79,7 @@ std::string describeName(const KnownNames& known, std::string_view name, const s
 std::string describeVariable(const TemplateFile& file, std::size_t loop) {
     const SyntaxElement& tag = file.parts()[loop];
     return "**" + code(file.slice(tag.name)) + "** variable of the loop over " +
-           code(file.slice(tag.list)) + "\n\nA prefix of the names in its elements: " +
+           code(file.slice(tag.list)) + "\n\nA prefix for the names in its elements: " +
            code(std::string(file.slice(tag.name)) + ".name") + ".";
 }
 
