@@ -212,8 +212,8 @@ struct RenderResult {
 ///
 /// Ownership: owns its text and the result of parsing it. A context is only read during a render,
 ///   must not be changed meanwhile, and is not kept.
-/// Copying: copies share all data, which is immutable. A moved-from template may only be assigned
-///   or destroyed.
+/// Copying: copies share all data, which is immutable. A moved-from template may only be
+///   assigned to or destroyed.
 /// Threads: any number of renders may run at once, even with the same template and context.
 /// Errors: a malformed template does not throw; see `isWellFormed`. Exceptions are
 ///   `std::bad_alloc`, `std::length_error` if a string would be too long for `String`, those of the
@@ -225,7 +225,7 @@ class STENCILOR_EXPORT Template {
     /// @param name its name in messages, such as a path
     explicit Template(String text, String name = {});
 
-    /// Copies share all data. A moved-from template may only be assigned or destroyed.
+    /// Copies share all data. A moved-from template may only be assigned to or destroyed.
     /// @{
     Template(const Template& other);
     Template(Template&& other) noexcept;

@@ -417,11 +417,11 @@ class Context {
     STENCILOR_EXPORT explicit Context(const Value& value, ContextOptions options = {});
 
     /// Moves a context.
-    /// @param other afterwards it may only be assigned or destroyed
+    /// @param other afterwards it may only be assigned to or destroyed
     STENCILOR_EXPORT Context(Context&& other) noexcept;
 
     /// Moves a context.
-    /// @param other afterwards it may only be assigned or destroyed
+    /// @param other afterwards it may only be assigned to or destroyed
     /// @return this context
     STENCILOR_EXPORT Context& operator=(Context&& other) noexcept;
 

@@ -24,7 +24,7 @@
 /// The thread rules of `stencilor.h` apply here, too. Strings are views into the object that
 /// returns them. Exceptions of a callback reach the caller of the enclosing call. `Error` is thrown
 /// for every status that does not come with a result. All objects can be moved; a moved-from object
-/// may only be assigned or destroyed. Values and messages can be copied.
+/// may only be assigned to or destroyed. Values and messages can be copied.
 
 #include <libStencilorC/stencilor.h>
 
