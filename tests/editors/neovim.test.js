@@ -8,17 +8,12 @@ const fs = require("node:fs");
 const os = require("node:os");
 const path = require("node:path");
 const { after, test } = require("node:test");
+const page = require("./page.js");
 
-const page = fs.readFileSync(path.join(__dirname, "../../editors/README.md"), "utf8");
-const files = Object.fromEntries(
-    [...page.matchAll(/<!-- file: (\S+) -->\n```\w+\n(.*?)```\n/gs)].map(([, name, text]) => [name, text])
-);
 const folder = fs.realpathSync(fs.mkdtempSync(path.join(os.tmpdir(), "neovim-")));
 after(() => fs.rmSync(folder, { recursive: true }));
 
-for (const name of ["init.lua", "letter.stencilor", "letter.stencilor.context.json", "header.stencilor"]) {
-    fs.writeFileSync(path.join(folder, name), files[name]);
-}
+page.write(folder, "init.lua", "letter.stencilor", "letter.stencilor.context.json", "header.stencilor");
 
 /** Opens the letter of the page, waits for its diagnostics, runs some Lua, and returns its result,
  * a table. */
@@ -38,11 +33,7 @@ function run(lua) {
     );
     const { stderr } = spawnSync(process.env.NVIM, ["--headless", "--clean", "-n", "-u", "init.lua", "-S", script], {
         cwd: folder,
-        env: {
-            ...process.env,
-            HOME: folder,
-            PATH: path.dirname(process.env.STENCILOR) + path.delimiter + process.env.PATH,
-        },
+        env: page.environment(folder),
         timeout: 60000,
     });
     const file = path.join(folder, "result.json");
