@@ -7,7 +7,10 @@ namespace kel::Stencilor::Analysis {
 const TemplateFile& TemplateFiles::add(TemplateText text) {
     const TemplateFile*& known = known_[text.identity];
     if (known == nullptr) {
-        known = &files_.emplace_back(std::move(text.name), std::move(text.text));
+        files_.push_back(text.file ? std::move(text.file)
+                                   : std::make_shared<const TemplateFile>(std::move(text.name),
+                                                                          std::move(text.text)));
+        known = files_.back().get();
     }
     return *known;
 }

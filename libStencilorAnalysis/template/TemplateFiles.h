@@ -4,15 +4,17 @@
 #include <libStencilorAnalysis/template/TemplateFile.h>
 #include <libStencilorAnalysis/template/TemplateReader.h>
 
-#include <deque>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace kel::Stencilor::Analysis {
 
 /// Templates and their includes, each read and parsed once.
 ///
-/// Ownership: borrows the reader and owns the templates, whose addresses do not change.
+/// Ownership: borrows the reader; owns the templates, or shares those that were parsed already.
+///   Their addresses do not change.
 /// Threads: not thread-safe.
 class TemplateFiles {
   public:
@@ -34,7 +36,7 @@ class TemplateFiles {
     Included read(const std::string& path);
 
     TemplateReader& reader_;
-    std::deque<TemplateFile> files_;
+    std::vector<std::shared_ptr<const TemplateFile>> files_;
     std::map<std::string, const TemplateFile*> known_; // by identity
     std::map<std::string, Included> included_;         // by path
 };

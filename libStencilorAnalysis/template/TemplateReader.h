@@ -1,15 +1,19 @@
 #ifndef LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEREADER_H
 #define LIBSTENCILORANALYSIS_TEMPLATE_TEMPLATEREADER_H
 
+#include <memory>
 #include <string>
 
 namespace kel::Stencilor::Analysis {
+
+class TemplateFile;
 
 /// The text of a template, and how to refer to it.
 struct TemplateText {
     std::string name;     ///< its name in findings
     std::string identity; ///< the same for every path to the same template
     std::string text;
+    std::shared_ptr<const TemplateFile> file{}; ///< if it is parsed already; `text` does not count
 };
 
 /// Finds included templates by path: in files, in an editor's buffers, or in memory.

@@ -33,7 +33,8 @@ TEST_F(ServerTest, FailsIfTheClientDidNotShutItDown) {
 TEST_F(ServerTest, OffersUtf8IfTheClientSupportsIt) {
     const auto encodingFor = [](const Json& capabilities) {
         Json answer;
-        LanguageServer other([&answer](const Json& message) { answer = message; });
+        LanguageServer other(
+            [&answer](const std::string& message) { answer = Json::parse(message); });
         other.receive({.message = {{"id", 1},
                                    {"method", "initialize"},
                                    {"params", {{"capabilities", capabilities}}}}});

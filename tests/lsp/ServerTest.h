@@ -13,7 +13,8 @@ class ServerTest : public ::testing::Test {
   protected:
     support::TemporaryFolder folder;
     std::vector<Json> sent;
-    LanguageServer server{[this](const Json& message) { sent.push_back(message); }};
+    LanguageServer server{
+        [this](const std::string& message) { sent.push_back(Json::parse(message)); }};
 
     void receive(const std::string& content) { server.receive(parseMessage(content)); }
 

@@ -58,7 +58,8 @@ void Checks::checkSyntax(const std::string& name) {
         return;
     }
     auto check = std::make_unique<Check>(workspace_.surroundingsOf(*document), documents_);
-    check->file = &check->files.add({name, name, document->text.text()});
+    check->file = &check->files.add(
+        {.name = name, .identity = name, .text = {}, .file = document->sharedSyntax()});
     CheckReport report;
     kel::Stencilor::Analysis::checkSyntax(check->files, *check->file, report);
     for (const TemplateFile* const file : report.files) {
@@ -127,11 +128,6 @@ std::vector<Finding> Checks::findingsIn(const std::string& name) const {
                             }),
                 found.end());
     return found;
-}
-
-const Check* Checks::of(const std::string& name) const {
-    const auto found = checks_.find(name);
-    return found == checks_.end() ? nullptr : found->second.get();
 }
 
 Check* Checks::withContextFor(const std::string& name) const {

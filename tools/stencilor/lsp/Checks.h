@@ -61,9 +61,6 @@ class Checks {
     /// The findings in a file, sorted and without duplicates. They refer to the checks.
     std::vector<kel::Stencilor::Analysis::Finding> findingsIn(const std::string& name) const;
 
-    /// The last check of an open template; null if it has not been checked yet.
-    const Check* of(const std::string& name) const;
-
     /// The check that is used to look up names in an open template: its own, or that of a template
     /// that includes it. Null if none has a context.
     Check* withContextFor(const std::string& name) const;

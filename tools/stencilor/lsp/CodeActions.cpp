@@ -74,7 +74,7 @@ Json codeActions(Session& session, const Json& params) {
     }
     for (const Finding& finding : session.checks.findingsIn(document.name)) {
         // The document may have been changed since it was checked.
-        const bool isCurrent = finding.place.file->text() == document.text.text();
+        const bool isCurrent = finding.place.file == &document.syntax();
         if (!finding.replacement.empty() && overlap(finding.place.range, asked) && isCurrent) {
             add(finding.place.range, finding.place.range.begin, finding.replacement);
         }

@@ -30,14 +30,26 @@ void applyChange(IndexedText& text, const Json& change) {
 } // namespace
 
 const TemplateFile& Document::syntax() const {
+    return *sharedSyntax();
+}
+
+std::shared_ptr<const TemplateFile> Document::sharedSyntax() const {
     if (parsed == nullptr) {
-        parsed = std::make_unique<TemplateFile>(name, text.text());
+        parsed = std::make_shared<const TemplateFile>(name, text.text());
     }
-    return *parsed;
+    return parsed;
 }
 
 Json Document::rangeOf(SyntaxRange range) const {
     return rangeIn(text, range);
+}
+
+void Document::append(std::string& json, SyntaxRange range) const {
+    json += "{\"start\":";
+    lsp::append(json, text.positionOf(range.begin));
+    json += ",\"end\":";
+    lsp::append(json, text.positionOf(range.end));
+    json += '}';
 }
 
 Document& Documents::open(const Json& item) {
@@ -96,8 +108,10 @@ const Document* Documents::find(const std::string& name) const {
 }
 
 Json rangeIn(const IndexedText& text, SyntaxRange range) {
-    return {{"start", toJson(text.positionOf(range.begin))},
-            {"end", toJson(text.positionOf(range.end))}};
+    Json json = Json::object();
+    json["start"] = toJson(text.positionOf(range.begin));
+    json["end"] = toJson(text.positionOf(range.end));
+    return json;
 }
 
 SyntaxRange rangeFrom(const IndexedText& text, const Json& range) {

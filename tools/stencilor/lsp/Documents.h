@@ -19,7 +19,13 @@ struct Document {
     /// The syntax of the current text.
     const kel::Stencilor::Analysis::TemplateFile& syntax() const;
 
+    /// The same, for keeping it.
+    std::shared_ptr<const kel::Stencilor::Analysis::TemplateFile> sharedSyntax() const;
+
     Json rangeOf(kel::Stencilor::SyntaxRange range) const;
+
+    /// Writes a range.
+    void append(std::string& json, kel::Stencilor::SyntaxRange range) const;
 
     std::string uri;  ///< as the client writes it
     std::string name; ///< the canonical path, or the URI if it is not a file
@@ -31,7 +37,8 @@ struct Document {
     /// Other files, such as contexts, may be open, too.
     bool isTemplate() const { return languageId != "json" && languageId != "jsonc"; }
 
-    mutable std::unique_ptr<kel::Stencilor::Analysis::TemplateFile> parsed; // null if it changed
+    /// Null if it has changed.
+    mutable std::shared_ptr<const kel::Stencilor::Analysis::TemplateFile> parsed;
 };
 
 /// The documents that are open in the editor, which replace the files.

@@ -51,22 +51,28 @@ void IndexedText::indexTo(std::size_t offset) const {
     }
 }
 
-std::size_t IndexedText::unitsBefore(std::size_t offset) const {
-    const std::size_t block = offset / blockSize;
-    assert(block < units_.size());
-    std::size_t units = units_[block];
-    for (std::size_t i = block * blockSize; i < offset; ++i) {
+std::size_t IndexedText::unitsBetween(std::size_t begin, std::size_t end) const {
+    if (end - begin > blockSize) {
+        return unitsBefore(end) - unitsBefore(begin);
+    }
+    std::size_t units = 0;
+    for (std::size_t i = begin; i < end; ++i) {
         units += unitsOf(text_[i]);
     }
     return units;
+}
+
+std::size_t IndexedText::unitsBefore(std::size_t offset) const {
+    const std::size_t block = offset / blockSize;
+    assert(block < units_.size());
+    return units_[block] + unitsBetween(block * blockSize, offset);
 }
 
 TextPosition IndexedText::positionOf(std::size_t offset) const {
     const std::size_t end = std::min(offset, text_.size());
     indexTo(end);
     const auto after = std::upper_bound(lines_.begin(), lines_.end(), end);
-    return {static_cast<std::size_t>(after - lines_.begin()) - 1,
-            unitsBefore(end) - unitsBefore(after[-1])};
+    return {static_cast<std::size_t>(after - lines_.begin()) - 1, unitsBetween(after[-1], end)};
 }
 
 /// Without the line break.
@@ -114,7 +120,15 @@ void IndexedText::replace(std::size_t begin, std::size_t end, std::string_view t
 }
 
 Json toJson(TextPosition position) {
-    return {{"line", position.line}, {"character", position.character}};
+    Json json = Json::object(); // a list of pairs would take several times as long
+    json["line"] = position.line;
+    json["character"] = position.character;
+    return json;
+}
+
+void append(std::string& json, TextPosition position) {
+    json += "{\"line\":" + std::to_string(position.line) +
+            ",\"character\":" + std::to_string(position.character) + "}";
 }
 
 TextPosition positionFrom(const Json& json) {

@@ -48,6 +48,7 @@ class IndexedText {
     std::size_t unitsOf(char byte) const;
     void indexTo(std::size_t offset) const;
     void indexBlock() const;
+    std::size_t unitsBetween(std::size_t begin, std::size_t end) const;
     std::size_t unitsBefore(std::size_t offset) const;
     std::size_t endOfLine(std::size_t line) const;
 
@@ -59,6 +60,9 @@ class IndexedText {
 };
 
 Json toJson(TextPosition position);
+
+/// The same as text.
+void append(std::string& json, TextPosition position);
 
 /// Negative numbers count as 0.
 /// Errors: throws `ResponseError`, and what the JSON library throws, if it is not a position.

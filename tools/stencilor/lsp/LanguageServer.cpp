@@ -46,9 +46,10 @@ std::vector<std::string> foldersIn(const Json& folders) {
 } // namespace
 
 LanguageServer::LanguageServer(Send send)
-    : send_(std::move(send)),
-      publisher_(session_.documents, session_.checks, session_.client,
-                 [this](const char* method, Json params) { notify(method, std::move(params)); }) {}
+    : send_(std::move(send)), publisher_(session_.documents, session_.checks, session_.client,
+                                         [this](const char* method, const std::string& params) {
+                                             notify(method, params);
+                                         }) {}
 
 void LanguageServer::receive(const Received& received) {
     const Json& message = received.message;
@@ -79,7 +80,7 @@ void LanguageServer::answer(const Json& message, const std::string& method, bool
         sendError(id, ErrorCode::RequestCancelled, "the request was cancelled");
         return;
     }
-    Json result;
+    std::string result;
     try {
         result = callRequest(method, memberOf(message, "params"));
     } catch (const std::exception& failure) {
@@ -87,15 +88,15 @@ void LanguageServer::answer(const Json& message, const std::string& method, bool
         sendError(id, error.code(), error.what());
         return;
     }
-    send_({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
+    send_(R"({"jsonrpc":"2.0","id":)" + write(id) + ",\"result\":" + result + "}");
 }
 
-Json LanguageServer::callRequest(const std::string& method, const Json& params) {
+std::string LanguageServer::callRequest(const std::string& method, const Json& params) {
     if (method == "initialize") {
         if (state_ != State::Started) {
             throw ResponseError(ErrorCode::InvalidRequest, "the server is already initialized");
         }
-        return initialize(params);
+        return write(initialize(params));
     }
     if (state_ == State::Started) {
         throw ResponseError(ErrorCode::ServerNotInitialized, "the server is not initialized yet");
@@ -106,12 +107,12 @@ Json LanguageServer::callRequest(const std::string& method, const Json& params) 
     if (method == "shutdown") {
         state_ = State::ShutDown;
         wasShutDown_ = true;
-        return nullptr;
+        return "null";
     }
     for (const RequestInfo& request : requests()) {
         if (request.method == method) {
             const bool isTemplate = session_.documents.of(params).isTemplate();
-            return isTemplate ? request.answer(session_, params) : Json();
+            return isTemplate ? request.answer(session_, params) : "null";
         }
     }
     throw ResponseError(ErrorCode::MethodNotFound, "unknown method: " + method);
@@ -167,10 +168,11 @@ void LanguageServer::callNotification(const std::string& method, const Json& par
     } else if (method == "textDocument/didSave" || method == "workspace/didChangeWatchedFiles") {
         noteChangeOfAll();
     } else if (method == "workspace/didChangeConfiguration") {
-        const Json& settings = memberOf(params, "settings");
-        session_.workspace.set(settings.contains("stencilor") ? settings.at("stencilor")
-                                                              : settings);
-        noteChangeOfAll();
+        // Some clients send an empty object after they have started.
+        if (const Json& settings = memberOf(params, "settings"); settings.contains("stencilor")) {
+            session_.workspace.set(settings.at("stencilor"));
+            noteChangeOfAll();
+        }
     } else if (method == "workspace/didChangeWorkspaceFolders") {
         changeFolders(params.at("event"));
         noteChangeOfAll();
@@ -190,10 +192,10 @@ void LanguageServer::watchFiles() {
     const Json registration = {{"id", "watch"},
                                {"method", "workspace/didChangeWatchedFiles"},
                                {"registerOptions", {{"watchers", Json::array({watcher})}}}};
-    send_({{"jsonrpc", "2.0"},
-           {"id", "watch"},
-           {"method", "client/registerCapability"},
-           {"params", {{"registrations", Json::array({registration})}}}});
+    send({{"jsonrpc", "2.0"},
+          {"id", "watch"},
+          {"method", "client/registerCapability"},
+          {"params", {{"registrations", Json::array({registration})}}}});
 }
 
 void LanguageServer::changeFolders(const Json& event) {
@@ -231,7 +233,7 @@ void LanguageServer::runDue(const Checks::GoOn& goOn) {
     try {
         const auto names = session_.checks.run(goOn);
         for (const std::string& fault : session_.workspace.takeFaults()) {
-            notify("window/showMessage", {{"type", 1}, {"message", fault}});
+            notify("window/showMessage", write({{"type", 1}, {"message", fault}}));
         }
         if (names) {
             publisher_.publish(*names);
@@ -242,18 +244,22 @@ void LanguageServer::runDue(const Checks::GoOn& goOn) {
     }
 }
 
-void LanguageServer::notify(const char* method, Json params) {
-    send_({{"jsonrpc", "2.0"}, {"method", method}, {"params", std::move(params)}});
+void LanguageServer::send(const Json& message) {
+    send_(write(message));
+}
+
+void LanguageServer::notify(const char* method, const std::string& params) {
+    send_(R"({"jsonrpc":"2.0","method":")" + std::string(method) + R"(","params":)" + params + "}");
 }
 
 void LanguageServer::sendError(const Json& id, ErrorCode code, const std::string& message) {
-    send_({{"jsonrpc", "2.0"},
-           {"id", id},
-           {"error", {{"code", static_cast<int>(code)}, {"message", message}}}});
+    send({{"jsonrpc", "2.0"},
+          {"id", id},
+          {"error", {{"code", static_cast<int>(code)}, {"message", message}}}});
 }
 
 void LanguageServer::log(const std::string& message) {
-    notify("window/logMessage", {{"type", 1}, {"message", message}});
+    notify("window/logMessage", write({{"type", 1}, {"message", message}}));
 }
 
 } // namespace stencilor::lsp

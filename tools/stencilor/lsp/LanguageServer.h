@@ -45,7 +45,7 @@ class LanguageServer {
     enum class State { Started, Initialized, ShutDown, Ended };
 
     void answer(const Json& message, const std::string& method, bool isCancelled);
-    Json callRequest(const std::string& method, const Json& params);
+    std::string callRequest(const std::string& method, const Json& params);
     void callNotification(const std::string& method, const Json& params);
     void takeNotification(const std::string& method, const Json& params);
 
@@ -55,7 +55,8 @@ class LanguageServer {
     void noteChange(const std::string& name);
     void noteChangeOfAll();
 
-    void notify(const char* method, Json params);
+    void send(const Json& message);
+    void notify(const char* method, const std::string& params);
     void sendError(const Json& id, ErrorCode code, const std::string& message);
     void log(const std::string& message);
 

@@ -4,27 +4,36 @@ namespace stencilor::lsp {
 
 const std::vector<RequestInfo>& requests() {
     static const std::vector<RequestInfo> table = {
+namespace {
+
+template <Json (*Answer)(Session& session, const Json& params)>
+std::string text(Session& session, const Json& params) {
+    return write(Answer(session, params));
+}
+
+} // namespace
+
         {"textDocument/completion",
-         completion,
+         text<completion>,
          "completionProvider",
          {{"triggerCharacters", {"{", "%", " ", ".", "\"", "/"}}}},
-        {"textDocument/hover", hover, "hoverProvider"},
-        {"textDocument/definition", definition, "definitionProvider"},
-        {"textDocument/references", references, "referencesProvider"},
+        {"textDocument/hover", text<hover>, "hoverProvider"},
+        {"textDocument/definition", text<definition>, "definitionProvider"},
+        {"textDocument/references", text<references>, "referencesProvider"},
         {"textDocument/documentHighlight", documentHighlights, "documentHighlightProvider"},
         {"textDocument/documentSymbol", documentSymbols, "documentSymbolProvider"},
         {"textDocument/codeAction",
-         codeActions,
+         text<codeActions>,
          "codeActionProvider",
          {{"codeActionKinds", {"quickfix"}}}},
         {"textDocument/documentLink",
-         documentLinks,
+         text<documentLinks>,
          "documentLinkProvider",
          {{"resolveProvider", false}}},
         {"textDocument/foldingRange", foldingRanges, "foldingRangeProvider"},
-        {"textDocument/selectionRange", selectionRanges, "selectionRangeProvider"},
-        {"textDocument/rename", rename, "renameProvider", {{"prepareProvider", true}}},
-        {"textDocument/prepareRename", prepareRename, ""},
+        {"textDocument/selectionRange", text<selectionRanges>, "selectionRangeProvider"},
+        {"textDocument/rename", text<rename>, "renameProvider", {{"prepareProvider", true}}},
+        {"textDocument/prepareRename", text<prepareRename>, ""},
         {"textDocument/semanticTokens/full",
          semanticTokens,
          "semanticTokensProvider",

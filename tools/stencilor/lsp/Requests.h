@@ -12,7 +12,7 @@ namespace stencilor::lsp {
 /// A request about a document, and the capability of the server that it belongs to.
 struct RequestInfo {
     std::string_view method;
-    Json (*answer)(Session& session, const Json& params);
+    std::string (*answer)(Session& session, const Json& params); ///< returns JSON
     std::string capability; ///< empty if another request of the table has it
     Json options = true;
 };
@@ -22,14 +22,18 @@ const std::vector<RequestInfo>& requests();
 // The requests, one file for each group. They throw `ResponseError`, and what the JSON library
 // throws, for invalid parameters.
 
-Json documentSymbols(Session& session, const Json& params);
-Json foldingRanges(Session& session, const Json& params);
+// The requests, one file for each group. Those with thousands of places in their results, which
+// editors send after each change, write text; a document would take ten times as long.
+// They throw `ResponseError`, and what the JSON library throws, for invalid parameters.
+
+std::string documentSymbols(Session& session, const Json& params);
+std::string foldingRanges(Session& session, const Json& params);
 Json selectionRanges(Session& session, const Json& params);
-Json documentHighlights(Session& session, const Json& params);
+std::string documentHighlights(Session& session, const Json& params);
 
 Json semanticTokensLegend();
-Json semanticTokens(Session& session, const Json& params);
-Json semanticTokensInRange(Session& session, const Json& params);
+std::string semanticTokens(Session& session, const Json& params);
+std::string semanticTokensInRange(Session& session, const Json& params);
 
 Json definition(Session& session, const Json& params);
 Json references(Session& session, const Json& params);

@@ -45,10 +45,9 @@ void readMessages(MessageQueue& queue) {
     queue.close();
 }
 
-void sendMessage(const Json& message) {
+void sendMessage(const std::string& message) {
     try {
-        system::writeStandardOutput(
-            frame(message.dump(-1, ' ', false, Json::error_handler_t::replace)));
+        system::writeStandardOutput(frame(message));
     } catch (const std::system_error& error) {
         throw Failure("<stdout>: " + error.code().message());
     }

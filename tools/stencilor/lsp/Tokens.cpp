@@ -2,8 +2,7 @@
 #include <libStencilorAnalysis/editor/Names.h>
 #include <tools/stencilor/lsp/Requests.h>
 
-#include <algorithm>
-#include <vector>
+#include <string>
 
 // Semantic tokens: coloring that depends on more than the text.
 
@@ -40,7 +39,7 @@ class TokenList {
         }
     }
 
-    Json take() { return {{"data", std::move(data_)}}; }
+    std::string take() { return "{\"data\":[" + data_ + "]}"; }
 
   private:
     void addName(const TemplateFile& file, std::size_t tag, SyntaxRange name) {
@@ -64,17 +63,17 @@ class TokenList {
         for (const std::size_t number :
              {at.line - last_.line, isSameLine ? at.character - last_.character : at.character,
               size, static_cast<std::size_t>(type), std::size_t{0}}) {
-            data_.push_back(number);
+            data_ += (data_.empty() ? "" : ",") + std::to_string(number);
         }
         last_ = at;
     }
 
     const Document& document_;
-    std::vector<std::size_t> data_;
+    std::string data_; // numbers
     TextPosition last_;
 };
 
-Json tokensIn(const Document& document, std::size_t begin, std::size_t end) {
+std::string tokensIn(const Document& document, std::size_t begin, std::size_t end) {
     const TemplateFile& file = document.syntax();
     TokenList tokens(document);
     for (std::size_t i = 0; i < file.parts().size(); ++i) {
@@ -94,12 +93,12 @@ Json semanticTokensLegend() {
             {"tokenModifiers", Json::array()}};
 }
 
-Json semanticTokens(Session& session, const Json& params) {
+std::string semanticTokens(Session& session, const Json& params) {
     const Document& document = session.documents.of(params);
     return tokensIn(document, 0, document.text.text().size());
 }
 
-Json semanticTokensInRange(Session& session, const Json& params) {
+std::string semanticTokensInRange(Session& session, const Json& params) {
     const Document& document = session.documents.of(params);
     const SyntaxRange range = rangeFrom(document.text, params.at("range"));
     return tokensIn(document, range.begin, range.end);

@@ -209,7 +209,7 @@ TemplateReader::Answer BufferedFolder::find(const std::string& path, TemplateTex
         return Answer::Missing;
     }
     if (const Document* const document = documents_.find(found.identity)) {
-        found.text = document->text.text();
+        found.file = document->sharedSyntax();
         return Answer::Found;
     }
     kel::Buffer<unsigned char> bytes;
