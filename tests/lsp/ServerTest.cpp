@@ -122,15 +122,54 @@ TEST_F(ServerTest, PublishesErrorsAndTheirRemoval) {
 
 TEST_F(ServerTest, PublishesAFaultAtTheEndOfALineVisibly) {
     initialize();
-    open("a.txt", "{% if x %}\n\xF0\x9F\x8D\xB5 {{ x\n");
-    check();
-    EXPECT_EQ(published("a.txt").substr(0, 19), "1:6-7 1 syntax: exp");
+    for (const Underlined& each : std::vector<Underlined>{
+             {"{% if x %}{% endif %}\n\U0001F375 {{ x\n", "1:6-7"},
+             {"{% if x %}text", "0:13-14"},
+             {"{% if x %}\u00E9", "0:10-11"},
+             {"{% if x %}\U0001F375", "0:10-12"},
+             {"{% if x %}\ntext\n", "1:3-4"},
+             {"{% if x %}\r\ntext\r\n\r\n", "1:3-4"},
+             {"{% if x %}\n\n", "0:9-10"},
+         }) {
+        open("a.txt", each.text);
+        check();
+        const std::string found = "\n" + published("a.txt");
+        EXPECT_NE(found.find("\n" + each.range + " 1 syntax: "), std::string::npos)
+            << each.text << found;
+    }
+}
+
+TEST_F(ServerTest, WithdrawsWhatItPublishedWithTheUriOfTheDocument) {
+    initialize();
+    folder.makeFolder("real");
+    folder.writeFile("real/a.txt", "");
+    std::vector<std::string> uris = {"untitled:letter one"};
+    if (folder.makeLink("link", "real")) {
+        uris.push_back(uriOf("") + "/link/a.txt");
+    }
+    for (const std::string& uri : uris) {
+        notify("textDocument/didOpen",
+               {{"textDocument", {{"uri", uri}, {"languageId", "stencilor"}, {"text", "{{"}}}});
+        check();
+        EXPECT_EQ(sent.back().at("params").at("uri"), uri);
+        EXPECT_EQ(sent.back().at("params").at("diagnostics").size(), 1u);
+        notify("textDocument/didClose", {{"textDocument", {{"uri", uri}}}});
+        check();
+        ASSERT_EQ(sent.size(), 1u);
+        EXPECT_EQ(sent.back().at("params").at("uri"), uri);
+        EXPECT_EQ(sent.back().at("params").at("diagnostics").size(), 0u);
+    }
 }
 
 TEST_F(ServerTest, LooksUpNamesOnlyIfAContextIsKnown) {
     initialize();
     open("a.txt", "{{ titel }}");
     check();
+struct Underlined {
+    std::string text;
+    std::string range; ///< of a diagnostic
+};
+
     EXPECT_EQ(published("a.txt"), "");
     folder.writeFile("a.txt.context.json", R"({"title": "x"})");
     notify("workspace/didChangeWatchedFiles", {{"changes", Json::array()}});

@@ -25,18 +25,32 @@ int severityOf(Severity severity) {
     return 3; // information
 }
 
+bool isLineEnd(char byte) {
+    return byte == '\n' || byte == '\r';
+}
+
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 /// Editors do not show an empty range, or show the word before it, so this returns the character
-/// after it or, at the end of a line, the one before it.
+/// after it or, at the end of a line or on an empty one, the last one before it.
 SyntaxRange visibleRange(const std::string& text, SyntaxRange range) {
     if (!range.isEmpty()) {
         return range;
     }
     const std::string_view rest = std::string_view(text).substr(range.begin);
-    if (!rest.empty() && rest.front() != '\n' && rest.front() != '\r') {
+    if (!rest.empty() && !isLineEnd(rest.front())) {
         return {range.begin, range.begin + static_cast<unsigned int>(firstCodePoint(rest).size)};
     }
-    const bool isLineBegin = range.begin == 0 || text[range.begin - 1] == '\n';
-    return {isLineBegin ? range.begin : range.begin - 1, range.begin};
+    unsigned int end = range.begin;
+    while (end > 0 && isLineEnd(text[end - 1])) {
+        --end;
+    }
+    unsigned int begin = end;
+    while (begin > 0 && isContinuation(text[--begin])) {
+    }
+    return {begin, end};
 }
 
 /// The contents of files that are not open.
@@ -69,13 +83,6 @@ bool belongsToMessage(const Note& note, const Finding& finding) {
            finding.place.range.begin <= note.place.range.end;
 }
 
-} // namespace
-
-std::string uriOf(const Documents& documents, const std::string& name) {
-    const Document* const document = documents.find(name);
-    return document != nullptr ? document->uri : system::uriOf(name);
-}
-
 Json describeFinding(const Finding& finding, const IndexedText& text, const Documents& documents,
                      const Client& client) {
     std::string message = finding.message;
@@ -88,15 +95,23 @@ Json describeFinding(const Finding& finding, const IndexedText& text, const Docu
                                {"message", showText(note.message)}});
         }
     }
-    Json described = {{"range", rangeIn(text, visibleRange(text.text(), finding.place.range))},
-                      {"severity", severityOf(finding.severity())},
-                      {"code", infoOf(finding.rule).id},
-                      {"source", "stencilor"},
-                      {"message", std::move(message)}};
+    Json described = Json::object();
+    described["range"] = rangeIn(text, visibleRange(text.text(), finding.place.range));
+    described["severity"] = severityOf(finding.severity());
+    described["code"] = infoOf(finding.rule).id;
+    described["source"] = "stencilor";
+    described["message"] = std::move(message);
     if (!related.empty()) {
         described["relatedInformation"] = std::move(related);
     }
     return described;
+}
+
+} // namespace
+
+std::string uriOf(const Documents& documents, const std::string& name) {
+    const Document* const document = documents.find(name);
+    return document != nullptr ? document->uri : system::uriOf(name);
 }
 
 Json DiagnosticsPublisher::describe(const std::string& name) const {
@@ -120,19 +135,31 @@ Json DiagnosticsPublisher::describe(const std::string& name) const {
     return diagnostics;
 }
 
-void DiagnosticsPublisher::send(const std::string& name, Json diagnostics) {
-    const std::string uri = uriOf(documents_, name);
+void DiagnosticsPublisher::send(const std::string& name, const Json& diagnostics) {
     const Document* const document = documents_.find(name);
-    Json& last = sent_.try_emplace(uri, Json::array()).first->second;
-    if (document == nullptr && last == diagnostics) {
-        return;
+    const Sent next{uriOf(documents_, name), diagnostics.empty() ? "" : write(diagnostics)};
+    Sent& last = sent_[name];
+    // A document need not have been open with the URI that its file has.
+    if (last.uri != next.uri && !last.diagnostics.empty()) {
+        last.diagnostics.clear();
+        notify(last, nullptr);
     }
-    last = diagnostics;
-    Json params = {{"uri", uri}, {"diagnostics", std::move(diagnostics)}};
-    if (document != nullptr) {
-        params["version"] = document->version;
+    const bool isSame = last.diagnostics == next.diagnostics;
+    last = next;
+    if (document != nullptr || !isSame) {
+        notify(last, document);
     }
-    notify_("textDocument/publishDiagnostics", std::move(params));
+    if (last.diagnostics.empty()) {
+        sent_.erase(name);
+    }
+}
+
+void DiagnosticsPublisher::notify(const Sent& sent, const Document* document) {
+    notify_("textDocument/publishDiagnostics",
+            "{\"uri\":" + write(sent.uri) +
+                ",\"diagnostics\":" + (sent.diagnostics.empty() ? "[]" : sent.diagnostics) +
+                (document == nullptr ? "" : ",\"version\":" + std::to_string(document->version)) +
+                "}");
 }
 
 void DiagnosticsPublisher::publish(std::set<std::string> names) {
@@ -152,9 +179,9 @@ void DiagnosticsPublisher::publish(std::set<std::string> names) {
             send(name, Json::array());
         }
     }
-    for (auto& [name, diagnostics] : ofContexts) {
+    for (const auto& [name, diagnostics] : ofContexts) {
         contextNames_.insert(name);
-        send(name, std::move(diagnostics));
+        send(name, diagnostics);
     }
     for (const std::string& name : names) {
         send(name, describe(name));

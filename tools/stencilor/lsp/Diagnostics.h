@@ -15,16 +15,12 @@ namespace stencilor::lsp {
 /// The URI of a file or a document.
 std::string uriOf(const Documents& documents, const std::string& name);
 
-/// Converts a finding in a document to the protocol.
-Json describeFinding(const kel::Stencilor::Analysis::Finding& finding, const IndexedText& text,
-                     const Documents& documents, const Client& client);
-
 /// Sends findings, and remembers what was sent.
 ///
 /// Ownership: borrows its arguments.
 class DiagnosticsPublisher {
   public:
-    using Notify = std::function<void(const char* method, Json params)>;
+    using Notify = std::function<void(const char* method, const std::string& params)>;
 
     static constexpr std::size_t mostFindings = 1000; ///< the maximum per file
 
@@ -36,14 +32,20 @@ class DiagnosticsPublisher {
     void publish(std::set<std::string> names);
 
   private:
+    struct Sent {
+        std::string uri;
+        std::string diagnostics; // JSON
+    };
+
     Json describe(const std::string& name) const;
-    void send(const std::string& name, Json diagnostics);
+    void send(const std::string& name, const Json& diagnostics);
+    void notify(const Sent& sent, const Document* document);
 
     const Documents& documents_;
     const Checks& checks_;
     const Client& client_;
     Notify notify_;
-    std::map<std::string, Json> sent_;   // by URI, where there are any
+    std::map<std::string, Sent> sent_;   // by name, where there are any
     std::set<std::string> contextNames_; // that had findings
 };
 
