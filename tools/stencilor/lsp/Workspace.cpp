@@ -192,9 +192,9 @@ BufferedFolder::BufferedFolder(std::string root, const Documents& documents)
     : root_(std::move(root)), folder_(kel::Folder::open(root_)), documents_(documents) {}
 
 std::string BufferedFolder::locate(const std::string& path) const {
-    std::string name = joinPath(root_, path);
+    const std::string name = system::identityOf(joinPath(root_, path));
     if (folder_ && folder_->find(path)) {
-        return system::identityOf(name);
+        return name;
     }
     // A document that has never been saved.
     const bool isBuffer =

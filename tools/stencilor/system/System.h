@@ -52,7 +52,7 @@ bool isSameFile(const std::string& path, const std::string& other);
 /// The folder of `path`, or `.`.
 std::string folderOf(const std::string& path);
 
-/// A path that is the same for all paths that lead to the same file.
+/// A path that is the same for all paths that lead to the same file, which need not exist.
 std::string identityOf(const std::string& path);
 
 /// A path as a URI; relative if the path is.

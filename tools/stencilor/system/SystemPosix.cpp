@@ -108,7 +108,7 @@ std::string folderOf(const std::string& path) {
 
 std::string identityOf(const std::string& path) {
     std::error_code failure;
-    const std::filesystem::path canonical = std::filesystem::canonical(path, failure);
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(path, failure);
     return failure ? path : canonical.string();
 }
 

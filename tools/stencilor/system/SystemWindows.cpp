@@ -177,7 +177,8 @@ std::string folderOf(const std::string& path) {
 
 std::string identityOf(const std::string& path) {
     std::error_code failure;
-    const std::filesystem::path canonical = std::filesystem::canonical(widePath(path), failure);
+    const std::filesystem::path canonical =
+        std::filesystem::weakly_canonical(widePath(path), failure);
     return failure ? path : kel::String::fromWide(canonical.native()).str();
 }
 
@@ -189,11 +190,14 @@ std::string uriOf(const std::string& path) {
                     : percentEncode(rest);
 }
 
-/// `/C:/folder/file`, where the colon may be encoded. Other hosts are not supported.
+/// `/C:/folder/file`, where the colon may be encoded, and the drive a small letter. Other hosts are
+/// not supported.
 std::optional<std::string> pathOfUri(std::string_view uri) {
     auto path = decodeFileUri(uri);
     if (path && path->size() > 2 && (*path)[2] == ':') {
         path->erase(0, 1);
+        char& drive = path->front();
+        drive = drive >= 'a' && drive <= 'z' ? static_cast<char>(drive - 'a' + 'A') : drive;
     }
     return path;
 }
