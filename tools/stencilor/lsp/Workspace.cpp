@@ -21,13 +21,7 @@ using kel::Stencilor::Value;
 
 namespace {
 
-std::optional<std::string> textIn(const Json& settings, const char* name) {
-    const auto found = settings.find(name);
-    if (found == settings.end() || found->is_null() || *found == "") {
-        return std::nullopt;
-    }
-    return found->get<std::string>();
-}
+constexpr std::uint64_t longestText = std::uint64_t{256} << 20;
 
 /// The character at an offset; empty at the end.
 SyntaxRange characterAt(std::string_view text, std::size_t offset) {
@@ -55,26 +49,54 @@ ContextFile makeContext(const std::string& name, std::string text, bool position
 } // namespace
 
 void Workspace::set(const Json& settings) {
-    Settings next;
-    if (settings.is_object()) {
-        next.root = textIn(settings, "root");
-        next.context = textIn(settings, "context");
-        next.positions = settings.value("positions", false);
-        next.emptyLines = settings.value("emptyLines", false);
-    }
-    settings_ = std::move(next);
+    settings_ = {};
     reported_.clear();
+    if (settings.is_object()) {
+        settings_.root = textIn(settings, "root");
+        settings_.context = textIn(settings, "context");
+        settings_.positions = isOn(settings, "positions");
+        settings_.emptyLines = isOn(settings, "emptyLines");
+    }
 }
 
-/// The outermost folder whose settings may apply to a document; empty if it is not a file.
+std::optional<std::string> Workspace::textIn(const Json& settings, const char* name) {
+    const auto found = settings.find(name);
+    if (found == settings.end() || found->is_null() || *found == "") {
+        return std::nullopt;
+    }
+    if (!found->is_string()) {
+        report("the setting " + quote(name) + " is not a string");
+        return std::nullopt;
+    }
+    return found->get<std::string>();
+}
+
+bool Workspace::isOn(const Json& settings, const char* name) {
+    const auto found = settings.find(name);
+    if (found == settings.end() || found->is_null()) {
+        return false;
+    }
+    if (!found->is_boolean()) {
+        report("the setting " + quote(name) + " is neither true nor false");
+        return false;
+    }
+    return found->get<bool>();
+}
+
+/// The outermost folder whose settings may apply to a document: the innermost one of the workspace.
 std::string Workspace::folderAround(const Document& document) const {
-    std::string folder = document.isFile ? system::folderOf(document.name) : "";
+    std::string folder;
     for (const std::string& each : folders_) {
-        if (isInside(document.name, each)) {
+        if (isInside(document.name, each) && each.size() > folder.size()) {
             folder = each;
         }
     }
-    return !folder.empty() ? folder : folders_.empty() ? "." : folders_.front();
+    if (!folder.empty()) {
+        return folder;
+    }
+    return document.isFile    ? system::folderOf(document.name)
+           : folders_.empty() ? "."
+                              : folders_.front();
 }
 
 std::optional<Project> Workspace::projectOf(const Document& document) {
@@ -83,8 +105,12 @@ std::optional<Project> Workspace::projectOf(const Document& document) {
     }
     const auto file = findProjectFile(system::folderOf(document.name), folderAround(document),
                                       [this](const std::string& name) { return exists(name); });
-    const auto text = file ? read(*file) : std::nullopt;
+    if (!file) {
+        return std::nullopt;
+    }
+    const auto text = read(*file);
     if (!text) {
+        report(*file + ": the file cannot be read");
         return std::nullopt;
     }
     try {
@@ -147,6 +173,10 @@ std::optional<std::string> Workspace::read(const std::string& name) const {
     if (const Document* const document = documents_.find(name)) {
         return document->text.text();
     }
+    const auto state = system::stateOf(name);
+    if (!state || state->size > longestText) {
+        return std::nullopt;
+    }
     try {
         return system::readFile(name);
     } catch (const std::system_error&) {
@@ -157,13 +187,12 @@ std::optional<std::string> Workspace::read(const std::string& name) const {
 std::shared_ptr<const ContextFile> Workspace::context(const std::string& path) {
     const std::string name = system::identityOf(path);
     const Document* const document = documents_.find(name);
-    KnownContext next{.file = nullptr,
-                      .state = document != nullptr ? std::nullopt : system::stateOf(name),
-                      .version = document != nullptr ? document->version : -1,
-                      .positions = settings_.positions};
+    const auto state = document != nullptr ? std::nullopt : system::stateOf(name);
     KnownContext& known = contexts_[name];
-    const bool isSame = known.file != nullptr && known.state == next.state &&
-                        known.version == next.version && known.positions == next.positions;
+    // The versions of a buffer begin again when it is closed and opened.
+    const bool isSame = known.file != nullptr && known.positions == settings_.positions &&
+                        (document != nullptr ? known.file->text == document->text.text()
+                                             : state && known.state == state);
     if (!isSame) {
         auto text = read(name);
         if (!text) {
@@ -171,9 +200,10 @@ std::shared_ptr<const ContextFile> Workspace::context(const std::string& path) {
             contexts_.erase(name);
             return nullptr;
         }
-        next.file = std::make_shared<const ContextFile>(
-            makeContext(name, std::move(*text), settings_.positions));
-        known = std::move(next);
+        known = {.file = std::make_shared<const ContextFile>(
+                     makeContext(name, std::move(*text), settings_.positions)),
+                 .state = state,
+                 .positions = settings_.positions};
     }
     return known.file;
 }

@@ -53,13 +53,12 @@ class Workspace {
     void setFolders(std::vector<std::string> folders) { folders_ = std::move(folders); }
     const std::vector<std::string>& folders() const { return folders_; }
 
-    /// Errors: throws what the JSON library throws if a setting has the wrong type.
     void set(const Json& settings);
     const Settings& settings() const { return settings_; }
 
     Surroundings surroundingsOf(const Document& document);
 
-    /// The text of a buffer or a file; nothing if there is none.
+    /// The text of a buffer or a file; nothing if there is none, or it is too long to be edited.
     std::optional<std::string> read(const std::string& name) const;
 
     /// The faults found since the last call, each once.
@@ -69,10 +68,11 @@ class Workspace {
     struct KnownContext {
         std::shared_ptr<const ContextFile> file;
         std::optional<system::FileState> state; // of a file
-        std::int64_t version = -1;              // of a buffer
         bool positions = false;
     };
 
+    std::optional<std::string> textIn(const Json& settings, const char* name);
+    bool isOn(const Json& settings, const char* name);
     std::string folderAround(const Document& document) const;
     std::optional<Project> projectOf(const Document& document);
     std::string rootOf(const Document& document, const std::optional<Project>& project);

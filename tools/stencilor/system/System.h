@@ -43,7 +43,7 @@ struct FileState {
     friend bool operator==(const FileState&, const FileState&) = default;
 };
 
-/// Nothing if there is no file.
+/// Nothing if there is no regular file.
 std::optional<FileState> stateOf(const std::string& path);
 
 /// True if both paths lead to the same regular file.

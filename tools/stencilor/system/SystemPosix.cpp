@@ -86,7 +86,7 @@ bool showsColors(bool standardError) {
 
 std::optional<FileState> stateOf(const std::string& path) {
     struct stat status;
-    if (::stat(path.c_str(), &status) != 0) {
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
     constexpr std::int64_t second = 1'000'000'000;

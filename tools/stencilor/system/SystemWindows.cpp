@@ -155,7 +155,8 @@ bool showsColors(bool standardError) {
 
 std::optional<FileState> stateOf(const std::string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (::GetFileAttributesExW(widePath(path).c_str(), GetFileExInfoStandard, &data) == 0) {
+    if (::GetFileAttributesExW(widePath(path).c_str(), GetFileExInfoStandard, &data) == 0 ||
+        (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;
     }
     const auto join = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
