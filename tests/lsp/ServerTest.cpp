@@ -56,7 +56,7 @@ TEST_F(ServerTest, AnswersMalformedMessages) {
              {"", -32700},
              {"{", -32700},
              {"\xFF", -32700},
-             {R"({"id": 1, "method": "\uD800"})", -32700},
+             {R"({"id": 1, "method": "\uD8G0"})", -32700},
              {"null", -32600},
              {"7", -32600},
              {"[]", -32600},

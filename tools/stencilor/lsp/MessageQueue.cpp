@@ -1,7 +1,9 @@
 #include <tools/stencilor/lsp/MessageQueue.h>
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace stencilor::lsp {
@@ -32,6 +34,39 @@ bool isShallow(std::string_view content) {
     return true;
 }
 
+/// The number that four hexadecimal digits at an offset make; 0 if they are something else.
+unsigned int hexAt(std::string_view text, std::size_t at) {
+    const std::string_view digits = text.substr(std::min(at, text.size()), 4);
+    unsigned int value = 0;
+    const auto [end, failure] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+    return failure == std::errc() && end == digits.data() + 4 ? value : 0;
+}
+
+/// Replaces escaped halves of UTF-16 characters by U+FFFD, which takes the place of one, too. Texts
+/// in an editor may contain them, but JSON with them is invalid.
+std::string replaceLoneHalves(std::string content) {
+    for (std::size_t at = content.find('\\'); at != content.npos; at = content.find('\\', at)) {
+        const unsigned int value = content.compare(at, 2, "\\u") == 0 ? hexAt(content, at + 2) : 0;
+        const bool isPair = value >= 0xD800 && value < 0xDC00 &&
+                            content.compare(at + 6, 2, "\\u") == 0 &&
+                            (hexAt(content, at + 8) & 0xFC00) == 0xDC00;
+        if (!isPair && value >= 0xD800 && value < 0xE000) {
+            content.replace(at + 2, 4, "FFFD");
+        }
+        at += isPair ? 12 : 2;
+    }
+    return content;
+}
+
+Json parse(const std::string& content) {
+    Json message = Json::parse(content, nullptr, false);
+    if (message.is_discarded()) {
+        message = Json::parse(replaceLoneHalves(content), nullptr, false);
+    }
+    return message;
+}
+
 const Json* find(const Json& object, const char* name) {
     const auto found = object.is_object() ? object.find(name) : object.end();
     return found == object.end() ? nullptr : &*found;
@@ -40,8 +75,7 @@ const Json* find(const Json& object, const char* name) {
 } // namespace
 
 Received parseMessage(const std::string& content) {
-    Json message =
-        isShallow(content) ? Json::parse(content, nullptr, false) : Json(Json::value_t::discarded);
+    Json message = isShallow(content) ? parse(content) : Json(Json::value_t::discarded);
     return {.message = std::move(message), .size = content.size()};
 }
 
