@@ -10,6 +10,8 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
+constexpr std::size_t deepest = 100;
+
 bool isFirst(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
 }
@@ -25,10 +27,23 @@ std::string_view variableOf(const TemplateFile& file, std::size_t loop) {
 /// The innermost loop around a part whose variable is a prefix of a name.
 std::size_t findLoopAround(const TemplateFile& file, std::size_t part, std::string_view name) {
     std::size_t loop = file.loopAround(part);
-    while (loop != TemplateFile::none && !hasPrefix(name, variableOf(file, loop))) {
+    for (std::size_t i = 0; loop != TemplateFile::none && i < deepest; ++i) {
+        if (hasPrefix(name, variableOf(file, loop))) {
+            return loop;
+        }
         loop = file.loopAround(loop);
     }
-    return loop;
+    return TemplateFile::none;
+}
+
+/// True for a loop in a template with so many errors that the parts after some of them, among them
+/// the end of the loop, are not known.
+bool isCut(const TemplateFile& file, std::size_t loop) {
+    return file.endOf(loop) <= loop;
+}
+
+std::size_t endOfKnown(const TemplateFile& file, std::size_t loop) {
+    return isCut(file, loop) ? file.parts().size() : file.endOf(loop);
 }
 
 } // namespace
@@ -91,7 +106,7 @@ std::size_t findLoopAt(const TemplateFile& file, std::size_t offset) {
 
 std::vector<SyntaxRange> findVariable(const TemplateFile& file, std::size_t loop) {
     std::vector<SyntaxRange> found = {file.parts()[loop].name};
-    for (std::size_t i = loop + 1; i < file.endOf(loop); ++i) {
+    for (std::size_t i = loop + 1; i < endOfKnown(file, loop); ++i) {
         if (findLoopOf(file, i) == loop) {
             found.push_back(prefixOf(file, i));
         }
@@ -118,6 +133,9 @@ std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string
     if (!isName(name)) {
         return quote(name) + " is not a name: it has letters, digits, '_', '.' and '/', and begins "
                              "with a letter or '_'";
+    }
+    if (isCut(file, loop)) {
+        return "the template has too many errors to find every use of the variable";
     }
     for (std::size_t i = loop + 1; i < file.endOf(loop); ++i) {
         const std::string_view used = nameOf(file, i).text();

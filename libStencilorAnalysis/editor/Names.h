@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// The names in the tags of one template, and the variables of loops in them.
+// The names in the tags of one template, and the variables of loops in them. Of the loops around a
+// name, only the innermost 100 count, so that the cost remains linear.
 
 namespace kel::Stencilor::Analysis {
 
@@ -40,8 +41,8 @@ std::vector<SyntaxRange> findVariable(const TemplateFile& file, std::size_t loop
 /// The places where the same text has the same role.
 std::vector<SyntaxRange> findSameNames(const TemplateFile& file, const NameAt& name);
 
-/// The reason why renaming a loop variable would change the meaning of names; empty if it would
-/// not.
+/// The reason why a loop variable cannot be renamed without changing the meaning of names; empty if
+/// there is none.
 std::string whyNotRename(const TemplateFile& file, std::size_t loop, std::string_view name);
 
 /// True if text is a valid name.

@@ -9,6 +9,8 @@
 #include <libStencilorAnalysis/check/SyntaxCheck.h>
 #include <libStencilorAnalysis/check/TextCheck.h>
 #include <libStencilorAnalysis/check/UnusedNames.h>
+#include <libStencilorAnalysis/editor/Blocks.h>
+#include <libStencilorAnalysis/editor/Names.h>
 #include <libStencilorAnalysis/finding/FindingFormat.h>
 #include <libStencilorAnalysis/names/Dependencies.h>
 #include <libStencilorAnalysis/names/NameList.h>
@@ -234,6 +236,17 @@ const std::vector<Command> commands = {
          return std::to_string(dependencies.names().size());
      }},
     {"tree", [](TemplateFiles&, const TemplateFile& file) { return formatTree(file); }},
+    {"names and blocks for editors",
+     [](TemplateFiles&, const TemplateFile& file) {
+         std::size_t found = findBlocks(file).size();
+         for (std::size_t i = 0; i < file.parts().size(); ++i) {
+             found += prefixOf(file, i).end;
+         }
+         if (!file.parts().empty() && file.parts()[0].kind == SyntaxElement::Kind::For) {
+             found += findVariable(file, 0).size() + whyNotRename(file, 0, "new").size();
+         }
+         return std::to_string(found);
+     }},
 };
 
 struct Cost {
