@@ -91,6 +91,17 @@ TEST_F(ServerTest, ReportsInvalidNotifications) {
     }
 }
 
+TEST_F(ServerTest, ChecksWhatAnInvalidChangeLeftBehind) {
+    initialize();
+    open("a.txt", "fine");
+    check();
+    notify("textDocument/didChange",
+           {{"textDocument", {{"uri", uriOf("a.txt")}, {"version", 2}}},
+            {"contentChanges", Json::array({Json{{"text", "{{"}}, Json{{"text", 7}}})}});
+    check();
+    EXPECT_EQ(published("a.txt").substr(0, 16), "0:1-2 1 syntax: ");
+}
+
 TEST_F(ServerTest, AnswersARequestThatWasCancelled) {
     initialize();
     sent.clear();
@@ -119,6 +130,11 @@ TEST_F(ServerTest, PublishesErrorsAndTheirRemoval) {
     EXPECT_EQ(published("a.txt"), "");
     EXPECT_FALSE(server.due().has_value());
 }
+
+struct Underlined {
+    std::string text;
+    std::string range; ///< of a diagnostic
+};
 
 TEST_F(ServerTest, PublishesAFaultAtTheEndOfALineVisibly) {
     initialize();
@@ -165,11 +181,6 @@ TEST_F(ServerTest, LooksUpNamesOnlyIfAContextIsKnown) {
     initialize();
     open("a.txt", "{{ titel }}");
     check();
-struct Underlined {
-    std::string text;
-    std::string range; ///< of a diagnostic
-};
-
     EXPECT_EQ(published("a.txt"), "");
     folder.writeFile("a.txt.context.json", R"({"title": "x"})");
     notify("workspace/didChangeWatchedFiles", {{"changes", Json::array()}});

@@ -41,6 +41,9 @@ Client clientOf(const Json& capabilities) {
         at(capabilities, {"textDocument", "codeAction", "codeActionLiteralSupport"}).is_object();
     client.takesSnippets =
         has(capabilities, {"textDocument", "completion", "completionItem", "snippetSupport"});
+    client.preparesRename = has(capabilities, {"textDocument", "rename", "prepareSupport"});
+    client.takesVersionedEdits =
+        has(capabilities, {"workspace", "workspaceEdit", "documentChanges"});
     return client;
 }
 

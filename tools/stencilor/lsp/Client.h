@@ -13,6 +13,8 @@ struct Client {
     bool showsTree = false;    ///< nested document symbols
     bool takesLiteralActions = false;
     bool takesSnippets = false;
+    bool preparesRename = false;
+    bool takesVersionedEdits = false;
 };
 
 /// Reads the `capabilities` of the client.

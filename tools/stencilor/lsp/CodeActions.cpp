@@ -27,13 +27,13 @@ bool wantsFixes(const Json& context) {
                        [](const Json& kind) { return kind == "quickfix" || kind == ""; });
 }
 
-Json makeFix(const Document& document, SyntaxRange range, const std::string& text,
-             const Json& diagnostics) {
+Json makeFix(const Client& client, const Document& document, SyntaxRange range,
+             const std::string& text, const Json& diagnostics) {
     const Json edit = {{"range", document.rangeOf(range)}, {"newText", text}};
     Json fix = {{"title", "Change to " + showText(shorten(text))},
                 {"kind", "quickfix"},
                 {"isPreferred", true},
-                {"edit", {{"changes", {{document.uri, Json::array({edit})}}}}}};
+                {"edit", editDocument(client, document, Json::array({edit}))}};
     if (!diagnostics.empty()) {
         fix["diagnostics"] = diagnostics;
     }
@@ -63,7 +63,8 @@ Json codeActions(Session& session, const Json& params) {
     const SyntaxRange asked = rangeFrom(document.text, params.at("range"));
     const auto add = [&](SyntaxRange range, unsigned int place, const std::string& text) {
         const Json at = toJson(document.text.positionOf(place));
-        actions.push_back(makeFix(document, range, text, diagnosticsAt(context, at)));
+        actions.push_back(
+            makeFix(session.client, document, range, text, diagnosticsAt(context, at)));
     };
     for (const TagFault& fault : document.syntax().faults().faults) {
         const auto fixed =

@@ -29,7 +29,8 @@ constexpr int itemOfKeyword = 14;
 constexpr int itemOfFile = 17;
 constexpr int itemOfFolder = 19;
 
-/// The items for one position, each label once.
+/// The items for one position, each label once. Editors sort them as they were added: the innermost
+/// names and the likeliest tags come first.
 class ItemList {
   public:
     ItemList(const Place& place, const TypedPart& typed)
@@ -46,8 +47,10 @@ class ItemList {
         if (!labels_.insert(label).second) {
             return;
         }
-        Json item = {
-            {"label", label}, {"kind", kind}, {"textEdit", {{"range", range_}, {"newText", text}}}};
+        Json item = {{"label", label},
+                     {"kind", kind},
+                     {"sortText", std::to_string(2 * mostItems + items_.size())},
+                     {"textEdit", {{"range", range_}, {"newText", text}}}};
         if (!detail.empty()) {
             item["detail"] = detail;
         }
@@ -57,7 +60,7 @@ class ItemList {
         items_.push_back(std::move(item));
     }
 
-    bool isEmpty() const { return items_.empty(); }
+    bool has(const std::string& label) const { return labels_.contains(label); }
 
     Json take() { return {{"isIncomplete", isIncomplete_}, {"items", std::move(items_)}}; }
 
@@ -146,6 +149,9 @@ void addNames(const Moment& moment, const Place& place, TypedPart::Kind kind, It
             }
             const std::string prefix = variable.empty() ? "" : std::string(variable) + ".";
             const std::string name = prefix + key.str();
+            if (items.has(name)) {
+                continue;
+            }
             if (const auto found = moment.find(name); found && found->value == value) {
                 items.add(name, itemOfVariable, kindOf(kind), name);
             }
@@ -214,13 +220,15 @@ void completePath(Session& session, const Place& place, const TypedPart& typed, 
 } // namespace
 
 Json completion(Session& session, const Json& params) {
-    const Place place = placeOf(session, params);
-    const TypedPart typed = findTypedPart(place.file.text(), place.offset);
+    const Document& document = session.documents.of(params);
+    const std::size_t offset = document.text.offsetOf(positionFrom(params.at("position")));
+    const TypedPart typed = findTypedPart(document.text.text(), offset);
+    if (typed.kind == TypedPart::Kind::None || typed.kind == TypedPart::Kind::Variable) {
+        return {{"isIncomplete", false}, {"items", Json::array()}};
+    }
+    const Place place{document, document.syntax(), offset};
     ItemList items(place, typed);
     switch (typed.kind) {
-    case TypedPart::Kind::None:
-    case TypedPart::Kind::Variable:
-        break;
     case TypedPart::Kind::Keyword:
         completeKeyword(session, place, typed, items);
         break;
@@ -230,11 +238,8 @@ Json completion(Session& session, const Json& params) {
     case TypedPart::Kind::Path:
         completePath(session, place, typed, items);
         break;
-    case TypedPart::Kind::String:
-    case TypedPart::Kind::Condition:
-    case TypedPart::Kind::List:
+    default:
         completeName(session, place, typed, items);
-        break;
     }
     return items.take();
 }

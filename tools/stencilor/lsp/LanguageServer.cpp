@@ -139,6 +139,13 @@ Json LanguageServer::initialize(const Json& params) {
             capabilities[request.capability] = request.options;
         }
     }
+    // Only clients with certain capabilities may be sent these options.
+    if (!session_.client.takesLiteralActions) {
+        capabilities["codeActionProvider"] = true;
+    }
+    if (!session_.client.preparesRename) {
+        capabilities["renameProvider"] = true;
+    }
     return {{"capabilities", std::move(capabilities)},
             {"serverInfo", {{"name", "stencilor"}, {"version", STENCILOR_VERSION}}}};
 }
@@ -158,7 +165,9 @@ void LanguageServer::takeNotification(const std::string& method, const Json& par
 void LanguageServer::callNotification(const std::string& method, const Json& params) {
     Documents& documents = session_.documents;
     if (method == "textDocument/didChange") {
-        noteChange(documents.change(params).name);
+        // If one of the changes is invalid, those before it count.
+        noteChange(documents.of(params));
+        documents.change(params);
     } else if (method == "textDocument/didOpen") {
         documents.open(params.at("textDocument"));
         noteChangeOfAll();
@@ -209,10 +218,9 @@ void LanguageServer::changeFolders(const Json& event) {
     session_.workspace.setFolders(std::move(folders));
 }
 
-void LanguageServer::noteChange(const std::string& name) {
-    const Document* const document = session_.documents.find(name);
-    if (document->isTemplate()) {
-        session_.checks.noteChange(name);
+void LanguageServer::noteChange(const Document& document) {
+    if (document.isTemplate()) {
+        session_.checks.noteChange(document.name);
     } else {
         session_.checks.noteChangeOfAll();
     }

@@ -19,7 +19,7 @@ namespace stencilor::lsp {
 class LanguageServer {
   public:
     using Clock = std::chrono::steady_clock;
-    using Send = std::function<void(const Json& message)>;
+    using Send = std::function<void(const std::string& message)>;
 
     /// The delay between a change and the check, so that not every key press causes a check.
     static constexpr std::chrono::milliseconds delay{60};
@@ -52,7 +52,7 @@ class LanguageServer {
     Json initialize(const Json& params);
     void watchFiles();
     void changeFolders(const Json& event);
-    void noteChange(const std::string& name);
+    void noteChange(const Document& document);
     void noteChangeOfAll();
 
     void send(const Json& message);

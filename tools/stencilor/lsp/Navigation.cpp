@@ -120,7 +120,7 @@ Json rename(Session& session, const Json& params) {
     for (const SyntaxRange range : findVariable(place.file, loop)) {
         edits.push_back({{"range", place.document.rangeOf(range)}, {"newText", name}});
     }
-    return {{"changes", {{place.document.uri, std::move(edits)}}}};
+    return editDocument(session.client, place.document, std::move(edits));
 }
 
 Json documentLinks(Session& session, const Json& params) {

@@ -1,9 +1,9 @@
 #include <tools/stencilor/lsp/Requests.h>
 
+#include <utility>
+
 namespace stencilor::lsp {
 
-const std::vector<RequestInfo>& requests() {
-    static const std::vector<RequestInfo> table = {
 namespace {
 
 template <Json (*Answer)(Session& session, const Json& params)>
@@ -13,6 +13,8 @@ std::string text(Session& session, const Json& params) {
 
 } // namespace
 
+const std::vector<RequestInfo>& requests() {
+    static const std::vector<RequestInfo> table = {
         {"textDocument/completion",
          text<completion>,
          "completionProvider",
@@ -41,6 +43,17 @@ std::string text(Session& session, const Json& params) {
         {"textDocument/semanticTokens/range", semanticTokensInRange, ""},
     };
     return table;
+}
+
+Json editDocument(const Client& client, const Document& document, Json edits) {
+    if (!client.takesVersionedEdits) {
+        return {{"changes", {{document.uri, std::move(edits)}}}};
+    }
+    const Json change = {
+        {"textDocument", {{"uri", document.uri}, {"version", document.version}}},
+        {"edits", std::move(edits)},
+    };
+    return {{"documentChanges", Json::array({change})}};
 }
 
 } // namespace stencilor::lsp

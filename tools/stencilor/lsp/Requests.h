@@ -19,8 +19,9 @@ struct RequestInfo {
 
 const std::vector<RequestInfo>& requests();
 
-// The requests, one file for each group. They throw `ResponseError`, and what the JSON library
-// throws, for invalid parameters.
+/// Describes edits of a document, for clients that support it with the version of the text, so that
+/// they are not applied to a later one.
+Json editDocument(const Client& client, const Document& document, Json edits);
 
 // The requests, one file for each group. Those with thousands of places in their results, which
 // editors send after each change, write text; a document would take ten times as long.
