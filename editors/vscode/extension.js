@@ -11,13 +11,14 @@ function settings() {
     return { root, context, positions, emptyLines };
 }
 
-/** The templates, and other files whose unsaved contents matter when templates are checked. */
+/** Templates that can be edited, and other files whose unsaved contents matter when templates are checked. */
 function documents() {
     const { context } = settings();
     const patterns = ["**/stencilor.json", "**/*.context.json", ...(context ? ["**/" + context.split(/[\\/]/).pop()] : [])];
     return [
-        { language: "stencilor" },
-        { language: "stencilor-html" },
+        ...["stencilor", "stencilor-html"].flatMap((language) =>
+            ["file", "untitled"].map((scheme) => ({ scheme, language }))
+        ),
         ...patterns.map((pattern) => ({ scheme: "file", pattern })),
     ];
 }

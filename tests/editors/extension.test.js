@@ -109,6 +109,9 @@ test("it starts the program in the setting, and sends it the other settings", as
     const started = await startExtension(extension, { path: PROGRAM, context: "context.json", emptyLines: true });
     assert.deepEqual(started.errors, []);
     assert.equal(started.client.initializeResult.serverInfo.name, "stencilor");
+    // Not the texts in version control that the editor compares a file with.
+    const schemes = started.client.clientOptions.documentSelector.map((each) => each.scheme);
+    assert.deepEqual([...new Set(schemes)].sort(), ["file", "untitled"]);
     assert.deepEqual(started.client.clientOptions.initializationOptions, {
         root: "", context: "context.json", positions: false, emptyLines: true,
     });
