@@ -14,6 +14,9 @@ target_compile_options(
         $<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang>:-Wnon-virtual-dtor;-Wold-style-cast>
         # GCC 12 warns about its own std::string in optimized "text" + string expressions.
         $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
+        # Sources that are compiled together see each other's names and types.
+        $<$<BOOL:${CMAKE_UNITY_BUILD}>:-Wno-shadow>
+        $<$<AND:$<BOOL:${CMAKE_UNITY_BUILD}>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>
         # No text is longer than the memory of a 32-bit system, which is what sizes are narrowed to.
         $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:-Wno-shorten-64-to-32>
         $<$<BOOL:${STENCILOR_WARNINGS_AS_ERRORS}>:-Werror>

@@ -2,7 +2,6 @@
 #include <libStencilor/modern/included_templates.h>
 #include <libStencilor/modern/template_of_file.h>
 
-#include <limits>
 #include <utility>
 
 namespace kel::Stencilor::internal {
@@ -10,8 +9,6 @@ namespace kel::Stencilor::internal {
 namespace {
 
 using Answer = TemplateSource::Answer;
-
-constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
 /// Finds files like `buildOutput`.
 Answer findFile(const String& path, std::uint64_t maxBytes, std::optional<Template>& found) {

@@ -4,6 +4,7 @@
 #include <libStencilor/Template.h>
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -12,6 +13,9 @@
 namespace kel::Stencilor::internal {
 
 struct name_use;
+
+/// The limit of a render that has none.
+inline constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
 /// The answer of a source.
 struct included_template {

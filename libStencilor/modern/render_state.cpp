@@ -1,14 +1,12 @@
 #include <libStencilor/modern/render_state.h>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace kel::Stencilor::internal {
 
 namespace {
 
-constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t stepsBetweenQuestions = 1024;
 constexpr unsigned int greatestDepth = 100;
 

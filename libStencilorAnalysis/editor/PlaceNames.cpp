@@ -10,7 +10,7 @@ namespace {
 
 using Kind = SyntaxElement::Kind;
 
-constexpr std::size_t deepest = 200;
+constexpr std::size_t mostBlocks = 200;
 
 /// A block around the position.
 struct Around {
@@ -28,8 +28,8 @@ std::vector<Around> findAround(const std::vector<Site>& sites) {
             around.push_back({sites[i].file, tag, i});
         }
     }
-    if (around.size() > deepest) {
-        around.erase(around.begin(), around.end() - deepest);
+    if (around.size() > mostBlocks) {
+        around.erase(around.begin(), around.end() - mostBlocks);
     }
     return around;
 }

@@ -6,8 +6,6 @@ namespace kel::Stencilor::Analysis {
 
 namespace {
 
-using Kind = TypedPart::Kind;
-
 bool isLetter(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
 }
@@ -24,7 +22,7 @@ class TagReader {
 
     TypedPart read(bool isSubstitution) {
         if (isSubstitution) {
-            return name(Kind::String);
+            return name(TypedPart::Kind::String);
         }
         skipSpaces();
         const std::size_t begin = at_;
@@ -32,10 +30,10 @@ class TagReader {
             ++at_;
         }
         if (offset_ <= at_) {
-            return found(Kind::Keyword, begin);
+            return found(TypedPart::Kind::Keyword, begin);
         }
         const std::string_view keyword = text_.substr(begin, at_ - begin);
-        return keyword == "if"        ? name(Kind::Condition)
+        return keyword == "if"        ? name(TypedPart::Kind::Condition)
                : keyword == "for"     ? loop()
                : keyword == "include" ? path()
                                       : TypedPart();
@@ -49,7 +47,7 @@ class TagReader {
     }
 
     /// Returns a name if it contains the offset; otherwise moves `at_` after it.
-    TypedPart name(Kind kind) {
+    TypedPart name(TypedPart::Kind kind) {
         skipSpaces();
         const std::size_t begin = at_;
         while (at_ < text_.size() && isNameByte(text_[at_])) {
@@ -59,7 +57,8 @@ class TagReader {
     }
 
     TypedPart loop() {
-        if (const TypedPart variable = name(Kind::Variable); variable.kind != Kind::None) {
+        if (const TypedPart variable = name(TypedPart::Kind::Variable);
+            variable.kind != TypedPart::Kind::None) {
             return variable;
         }
         skipSpaces();
@@ -67,9 +66,9 @@ class TagReader {
         const std::string_view rest = text_.substr(at_);
         at_ += rest.starts_with("in") ? 2u : rest.starts_with('i') ? 1u : 0u;
         if (offset_ <= at_) {
-            return found(Kind::In, begin);
+            return found(TypedPart::Kind::In, begin);
         }
-        return at_ == begin + 2 ? name(Kind::List) : TypedPart();
+        return at_ == begin + 2 ? name(TypedPart::Kind::List) : TypedPart();
     }
 
     TypedPart path() {
@@ -78,10 +77,10 @@ class TagReader {
             return {};
         }
         ++at_;
-        return name(Kind::Path);
+        return name(TypedPart::Kind::Path);
     }
 
-    TypedPart found(Kind kind, std::size_t begin) const {
+    TypedPart found(TypedPart::Kind kind, std::size_t begin) const {
         TypedPart part{.kind = kind,
                        .word = {static_cast<unsigned int>(begin), static_cast<unsigned int>(at_)}};
         std::string_view rest = text_.substr(at_);
@@ -90,7 +89,7 @@ class TagReader {
         part.isQuoted = rest.starts_with('"');
         rest.remove_prefix(part.isQuoted ? 1 : 0);
         rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
-        part.isClosed = rest.starts_with(kind == Kind::String ? "}}" : "%}");
+        part.isClosed = rest.starts_with(kind == TypedPart::Kind::String ? "}}" : "%}");
         return part;
     }
 

@@ -18,11 +18,6 @@ using Expected = SyntaxExpectation;
 
 using Expected = SyntaxExpectation;
 
-bool isNamePart(char byte) {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-           (byte >= '0' && byte <= '9') || byte == '_';
-}
-
 constexpr std::string_view keywords[] = {"include", "endfor", "endif", "else", "for", "if"};
 
 std::string_view trim(std::string_view text, std::string_view signs) {

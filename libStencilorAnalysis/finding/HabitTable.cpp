@@ -6,6 +6,11 @@
 
 namespace kel::Stencilor::Analysis {
 
+bool isNamePart(char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= '0' && byte <= '9') || byte == '_';
+}
+
 namespace {
 
 using Expected = SyntaxExpectation;
@@ -13,11 +18,6 @@ using Tag = HabitTag;
 
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != text.npos;
-}
-
-bool isNamePart(char byte) {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-           (byte >= '0' && byte <= '9') || byte == '_';
 }
 
 /// True if `word` occurs in text, and is not part of a longer name.

@@ -24,6 +24,9 @@ struct HabitTag {
     bool isSubstitution() const { return text.starts_with("{{"); }
 };
 
+/// True for the characters of names, except for the dot.
+bool isNamePart(char byte);
+
 /// True where the first word of a tag is expected.
 bool expectsKeyword(SyntaxExpectation expected);
 

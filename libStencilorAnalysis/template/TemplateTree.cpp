@@ -32,7 +32,7 @@ std::string describeNode(const TemplateFile& file, const SyntaxElement& part) {
 constexpr std::size_t deepestIndentation = 40;
 
 /// The maximum indentation, so that lines do not keep growing.
-std::string indentation(std::size_t depth) {
+std::string indentationAt(std::size_t depth) {
     if (depth < deepestIndentation) {
         return std::string(depth * 2, ' ');
     }
@@ -98,7 +98,7 @@ std::string formatTree(const TemplateFile& file) {
     std::string text;
     visitNodes(file, [&](const SyntaxElement& part, std::size_t depth) {
         const Position position = file.positionOf(part.whole.begin);
-        text += indentation(depth) + std::to_string(position.line) + ":" +
+        text += indentationAt(depth) + std::to_string(position.line) + ":" +
                 std::to_string(position.column) + " " + describeNode(file, part) + "\n";
     });
     return text;

@@ -9,7 +9,7 @@
 namespace kel::Stencilor::Analysis {
 namespace {
 
-struct Case {
+struct HabitCase {
     std::string text;
     std::string notes;     ///< the beginnings of the notes, one per line
     std::string message{}; ///< of the first finding, unless it begins with `expected`
@@ -41,7 +41,7 @@ const std::string text = "to output these two characters";
 const std::string block = "close each block with its own tag";
 
 /// Tags as written by users of other engines. None causes further findings.
-const std::vector<Case> cases = {
+const std::vector<HabitCase> cases = {
     {"{{ name | upper }}", filter},
     {R"({{ title|default("none")|e }})", filter},
     {R"({{ "literal" }})", literal},
@@ -192,7 +192,7 @@ std::vector<Finding> check(const std::string& page, TemplateFiles& files) {
 TEST(Habits, OfOtherEnginesAreExplained) {
     MemoryReader reader({});
     TemplateFiles files(reader);
-    for (const Case& each : cases) {
+    for (const HabitCase& each : cases) {
         SCOPED_TRACE(each.text);
         std::vector<std::string> notes;
         const std::vector<Finding> findings = check(each.text, files);

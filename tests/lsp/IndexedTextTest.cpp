@@ -5,7 +5,7 @@
 namespace stencilor::lsp {
 namespace {
 
-struct Case {
+struct PlaceCase {
     std::string name;
     std::string text;
     std::size_t offset;
@@ -13,7 +13,7 @@ struct Case {
     TextPosition utf8;
 };
 
-const std::vector<Case> cases = {
+const std::vector<PlaceCase> placeCases = {
     {"the beginning", "ab", 0, {0, 0}, {0, 0}},
     {"the end of text without a line break", "ab", 2, {0, 2}, {0, 2}},
     {"after a line break", "ab\nc", 4, {1, 1}, {1, 1}},
@@ -29,7 +29,7 @@ const std::vector<Case> cases = {
 };
 
 TEST(IndexedText, FindsPlaces) {
-    for (const Case& each : cases) {
+    for (const PlaceCase& each : placeCases) {
         SCOPED_TRACE(each.name);
         const IndexedText utf16(Encoding::Utf16, each.text);
         const IndexedText utf8(Encoding::Utf8, each.text);

@@ -22,13 +22,13 @@ std::vector<std::string> readAll(const std::string& stream, std::size_t step) {
     return messages;
 }
 
-struct Case {
+struct StreamCase {
     std::string name;
     std::string stream;
     std::vector<std::string> messages;
 };
 
-const std::vector<Case> cases = {
+const std::vector<StreamCase> streamCases = {
     {"nothing", "", {}},
     {"two messages", frame("one") + frame("second"), {"one", "second"}},
     {"headers end with LF alone", "Content-Length: 2\n\nab", {"ab"}},
@@ -50,7 +50,7 @@ const std::vector<Case> cases = {
 };
 
 TEST(MessageReader, SplitsAStream) {
-    for (const Case& each : cases) {
+    for (const StreamCase& each : streamCases) {
         for (const std::size_t step : {std::size_t{1}, std::size_t{7}, std::size_t{1} << 20}) {
             SCOPED_TRACE(each.name + ", " + std::to_string(step) + " bytes at a time");
             EXPECT_EQ(readAll(each.stream, step), each.messages);

@@ -6,13 +6,13 @@
 namespace kel::Stencilor::internal {
 namespace {
 
-struct Case {
+struct RejectionCase {
     const char* name;
     String input;
 };
 
 template <std::size_t count>
-void expectRejected(const Case (&cases)[count]) {
+void expectRejected(const RejectionCase (&cases)[count]) {
     for (const auto& [name, input] : cases) {
         SCOPED_TRACE(name);
         syntax_tree tree;
@@ -83,7 +83,7 @@ TEST(Rejection, OfInvalidKeywords) {
 TEST(Rejection, OfLineBreaksInsideTags) {
     for (const char* const lineBreak : {"\n", "\r", "\r\n", "\v", "\f"}) {
         const std::string break_ = lineBreak;
-        const Case cases[] = {
+        const RejectionCase cases[] = {
             {"before a condition", "{% if" + break_ + "x %}{% endif %}"},
             {"before a keyword", "{%" + break_ + "if x %}{% endif %}"},
             {"before a closing delimiter", "{% if x" + break_ + "%}{% endif %}"},

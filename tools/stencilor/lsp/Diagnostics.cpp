@@ -67,7 +67,7 @@ class ClosedTexts {
     std::unordered_map<const TemplateFile*, IndexedText> texts_;
 };
 
-Json locationOf(const Place& place, const Documents& documents) {
+Json locationOf(const kel::Stencilor::Analysis::Place& place, const Documents& documents) {
     const std::string& name = place.file->name();
     const Document* const document = documents.find(name);
     ClosedTexts closed(documents.encoding());

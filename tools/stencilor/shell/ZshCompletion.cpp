@@ -7,7 +7,7 @@ namespace stencilor {
 namespace {
 
 /// Escapes a word in single quotes for `_arguments`.
-std::string escape(std::string_view text) {
+std::string escapeForZsh(std::string_view text) {
     std::string escaped;
     for (const char byte : text) {
         if (byte == '\'') {
@@ -31,7 +31,7 @@ std::string actionOf(const OptionInfo& option) {
     case ValueType::Folder:
         return ":" + option.value + ":_files -/";
     case ValueType::Other:
-        return ":" + escape(option.value) + ":";
+        return ":" + escapeForZsh(option.value) + ":";
     case ValueType::Choice:
         break;
     }
@@ -51,8 +51,8 @@ std::string optionArgument(const OptionInfo& option) {
     const std::string exclusion = option.repeated ? "*" : "(" + names + ")";
     std::string words;
     for (const std::string& name : option.names) {
-        words += " \\\n                '" + exclusion + name + "[" + escape(option.description) +
-                 "]" + actionOf(option) + "'";
+        words += " \\\n                '" + exclusion + name + "[" +
+                 escapeForZsh(option.description) + "]" + actionOf(option) + "'";
     }
     return words;
 }
@@ -74,7 +74,8 @@ std::string zshCompletion(const CommandTable& table) {
     std::string descriptions;
     std::string arguments;
     for (const CommandInfo& command : table.commands) {
-        descriptions += "            '" + command.name + ":" + escape(command.description) + "'\n";
+        descriptions +=
+            "            '" + command.name + ":" + escapeForZsh(command.description) + "'\n";
         arguments += "        " + command.name + ")\n            _arguments -s -S";
         for (const OptionInfo& option : command.options) {
             arguments += optionArgument(option);
