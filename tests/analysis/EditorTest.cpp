@@ -167,16 +167,16 @@ TEST(Variables, AreRenamedUnlessNamesWouldMeanSomethingElse) {
              {"a name with a dot", nestedAt("i in l"), "my.row", ""},
              {"no name", nestedAt("i in l"), "1st", "is not a name"},
              {"an empty name", nestedAt("i in l"), "", "is not a name"},
-             {"the variable of a loop inside", nestedAt("i in l"), "j", "a loop inside"},
+             {"the variable of a loop inside", nestedAt("i in l"), "j", "an inner loop"},
              {"the variable of a loop inside that uses none of it",
               "{% for |i in l %}{% for j in m %}{{ j.a }}{% endfor %}{% endfor %}", "j", ""},
              {"a prefix that is used inside", "{% for |i in l %}{{ x.a }}{% endfor %}", "x",
-              "is used inside of the loop already"},
+              "is already used inside the loop"},
              {"a prefix that is used outside", "{{ x.a }}{% for |i in l %}{{ i.a }}{% endfor %}",
               "x", ""},
              {"the variable of the loop around, used inside",
               "{% for j in m %}{% for |i in l %}{{ j.a }}{% endfor %}{% endfor %}", "j",
-              "is used inside of the loop already"},
+              "is already used inside the loop"},
          }) {
         SCOPED_TRACE(each.name);
         const Marked place(each.text);

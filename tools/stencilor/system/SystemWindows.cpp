@@ -204,7 +204,7 @@ std::optional<std::string> pathOfUri(std::string_view uri) {
 }
 
 bool isAbsolute(const std::string& path) {
-    return widePath(path).is_absolute();
+    return widePath(path).has_root_path(); // also "/a" and "C:a", whose folder is another one
 }
 
 std::vector<std::string> namesIn(const std::string& folder) {
