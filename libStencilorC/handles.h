@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-// The types behind the handles of the interface.
+// The types that the handles of the interface point to.
 
 struct stencilor_error {
     int status;

@@ -58,18 +58,18 @@ function translate(text, forms) {
 }
 
 const last = (name) => name.split(".").at(-1); // members of an element are in scope without a prefix
+// Stencilor and Nunjucks write these tags alike.
+const sharedTags = {
+  name: (name) => `{{ ${name} }}`,
+  if: (name) => `{% if ${name} %}`,
+  else: () => "{% else %}",
+  endif: () => "{% endif %}",
+  for: (name, variable) => `{% for ${variable} in ${name} %}`,
+  endfor: () => "{% endfor %}",
+};
 const engines = {
   Stencilor: (text) => {
-    const page = new Template(
-      translate(text, {
-        name: (name) => `{{ ${name} }}`,
-        if: (name) => `{% if ${name} %}`,
-        else: () => "{% else %}",
-        endif: () => "{% endif %}",
-        for: (name, variable) => `{% for ${variable} in ${name} %}`,
-        endfor: () => "{% endfor %}",
-      }),
-    );
+    const page = new Template(translate(text, sharedTags));
     return (values) => page.render(values).text;
   },
   Handlebars: (text) =>
@@ -98,14 +98,7 @@ const engines = {
   },
   Nunjucks: (text) => {
     const page = new nunjucks.Template(
-      translate(text, {
-        name: (name) => `{{ ${name} }}`,
-        if: (name) => `{% if ${name} %}`,
-        else: () => "{% else %}",
-        endif: () => "{% endif %}",
-        for: (name, variable) => `{% for ${variable} in ${name} %}`,
-        endfor: () => "{% endfor %}",
-      }),
+      translate(text, sharedTags),
       new nunjucks.Environment(null, { autoescape: false }),
       "page",
       true,

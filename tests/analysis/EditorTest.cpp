@@ -9,7 +9,7 @@
 #include <libStencilorAnalysis/editor/TagFix.h>
 #include <libStencilorAnalysis/editor/TypedPart.h>
 
-// What editors are told of a place, which is a bar in a text.
+// What editors show for a position, which is marked by a bar in the template.
 
 namespace kel::Stencilor::Analysis {
 namespace {

@@ -50,7 +50,7 @@ class Builder {
         switch (meaning) {
         case Meaning::text:
             return makeText();
-        case Meaning::truth:
+        case Meaning::condition:
             return make<ContextBoolean>(random_.oneIn(2));
         case Meaning::list:
             break;
@@ -87,7 +87,7 @@ class Builder {
             return nullptr;
         }
         ContextBase* child = random_.oneIn(12) ? makeOfAnyKind(depth) : makeValue(meaning, depth);
-        if (random_.oneIn(meaning == Meaning::truth ? 2 : 8)) {
+        if (random_.oneIn(meaning == Meaning::condition ? 2 : 8)) {
             addChildren(*child, random_.below(6), depth);
         }
         return child;

@@ -14,7 +14,7 @@ const char* const variables[] = {"a", "a", "b", "a.b", "a.", "a.a", "a.b.a"};
 const char* const prefixes[] = {"", "", "", "", "a.", "a.", "b.", "a.b.", "a..", "a.a.", "a.b.a."};
 
 const char* stem(Meaning meaning) {
-    return meaning == Meaning::text ? "s" : meaning == Meaning::truth ? "c" : "l";
+    return meaning == Meaning::text ? "s" : meaning == Meaning::condition ? "c" : "l";
 }
 
 /// The name of a value of this kind; rarely of another kind, or only a prefix.
@@ -78,7 +78,7 @@ class Writer {
     }
 
     void writeConditional(int depth) {
-        writeTag("{%", {"if", randomName(random_, Meaning::truth)}, "%}");
+        writeTag("{%", {"if", randomName(random_, Meaning::condition)}, "%}");
         writeNodes(depth + 1);
         if (random_.oneIn(2)) {
             writeTag("{%", {"else"}, "%}");
@@ -141,7 +141,7 @@ void damage(Random& random, std::string& text) {
 } // namespace
 
 Meaning randomMeaning(Random& random) {
-    static constexpr Meaning meanings[] = {Meaning::text, Meaning::truth, Meaning::list};
+    static constexpr Meaning meanings[] = {Meaning::text, Meaning::condition, Meaning::list};
     return random.oneOf(meanings);
 }
 

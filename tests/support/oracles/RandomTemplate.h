@@ -9,7 +9,7 @@
 namespace support {
 
 /// The intended kind of a name's value.
-enum class Meaning { text, truth, list };
+enum class Meaning { text, condition, list };
 
 /// A name for a tag: one of a few that coincide with and without the prefixes of loop variables.
 /// Mostly one that a random context uses for values of this kind.

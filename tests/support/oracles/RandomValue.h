@@ -44,7 +44,7 @@ class RandomValue {
         switch (meaning) {
         case Meaning::text:
             return maker_.scalar(random_, "<" + std::to_string(++texts_) + randomText(random_));
-        case Meaning::truth:
+        case Meaning::condition:
             return maker_.boolean(random_.oneIn(2));
         case Meaning::list:
             break;
